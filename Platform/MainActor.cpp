@@ -1,0 +1,35 @@
+#include "Platform/MainActor.h"
+
+#include "Platform/TaskMailbox.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QThread>
+
+namespace {
+
+TaskMailbox &mailbox()
+{
+    static auto *const mailbox = new TaskMailbox;
+    return *mailbox;
+}
+
+void followApplication()
+{
+    mailbox().open(QThread::currentThread());
+    qAddPostRoutine([] { delete mailbox().close(); });
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(followApplication)
+
+void MainActor::schedule(std::function<void()> task)
+{
+    mailbox().post(std::move(task));
+}
+
+bool MainActor::isCurrent()
+{
+    const QCoreApplication *application = QCoreApplication::instance();
+    return application && application->thread() == QThread::currentThread();
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Platform/PlatformGlobal.h"
+
+#include <QtCore/QString>
+
+/// A failure as a value: where it comes from, its number there, and a sentence for people.
+struct NSError
+{
+    QString domain;
+    qint64 code = 0;
+    QString localizedDescription;
+
+    bool operator==(const NSError &) const = default;
+};
+
+/// Domain of the errors of the URL loading system.
+inline constexpr QLatin1StringView NSURLErrorDomain{"NSURLErrorDomain"};
+/// Domain of errors about files, bytes and their coding.
+inline constexpr QLatin1StringView NSCocoaErrorDomain{"NSCocoaErrorDomain"};
+
+/// Codes of NSCocoaErrorDomain that this platform reports.
+enum NSCocoaErrorCode : qint64 {
+    NSFileWriteUnknownError = 512,
+    NSFileWriteNoPermissionError = 513,
+    NSFileWriteInvalidFileNameError = 514,
+    NSPropertyListReadCorruptError = 3840,
+};
+
+/// Codes of NSURLErrorDomain that this platform reports.
+enum NSURLErrorCode : qint64 {
+    NSURLErrorUnknown = -1,
+    NSURLErrorCancelled = -999,
+    NSURLErrorBadURL = -1000,
+    NSURLErrorTimedOut = -1001,
+    NSURLErrorUnsupportedURL = -1002,
+    NSURLErrorCannotFindHost = -1003,
+    NSURLErrorCannotConnectToHost = -1004,
+    NSURLErrorNetworkConnectionLost = -1005,
+    NSURLErrorDNSLookupFailed = -1006,
+    NSURLErrorHTTPTooManyRedirects = -1007,
+    NSURLErrorResourceUnavailable = -1008,
+    NSURLErrorNotConnectedToInternet = -1009,
+    NSURLErrorRedirectToNonExistentLocation = -1010,
+    NSURLErrorBadServerResponse = -1011,
+    NSURLErrorUserAuthenticationRequired = -1013,
+    NSURLErrorCannotDecodeContentData = -1016,
+    NSURLErrorCannotParseResponse = -1017,
+    NSURLErrorSecureConnectionFailed = -1200,
+    NSURLErrorServerCertificateHasBadDate = -1201,
+    NSURLErrorServerCertificateUntrusted = -1202,
+    NSURLErrorServerCertificateHasUnknownRoot = -1203,
+    NSURLErrorServerCertificateNotYetValid = -1204,
+    NSURLErrorClientCertificateRejected = -1205,
+};
+
+/// An error of NSURLErrorDomain with the platform's sentence for @p code.
+/// Any thread.
+[[nodiscard]] QUORVIX_PLATFORM_EXPORT NSError makeURLError(NSURLErrorCode code);

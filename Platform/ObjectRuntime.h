@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Platform/PlatformGlobal.h"
+
+#include <QtCore/QByteArrayView>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <typeindex>
+#include <vector>
+
+/// An instance method of a class, found by its selector text. Lives as long as its class.
+class Method;
+
+/// A class whose instance methods can be looked up, added and exchanged while the program runs.
+///
+/// A send reads one atomic pointer, to the table in force, and makes one indirect call through it. Tables are
+/// never changed once published: adding or exchanging builds a new one, so that a sender sees either all of an
+/// exchange or nothing of it. Any thread may send, look up, add and exchange at any time.
+class QUORVIX_PLATFORM_EXPORT ObjectClass
+{
+public:
+    /// The untyped form in which implementations are kept.
+    using Implementation = void (*)();
+
+    explicit ObjectClass(const char *name);
+    ~ObjectClass();
+
+    ObjectClass(const ObjectClass &) = delete;
+    ObjectClass &operator=(const ObjectClass &) = delete;
+
+    /// The implementation now in force for @p method, to be called with the signature it was added with.
+    template<typename Signature>
+    [[nodiscard]] Signature *implementation(const Method *method) const noexcept
+    {
+        return reinterpret_cast<Signature *>(lookUp(method));
+    }
+
+    template<typename Signature>
+    /// Adds an instance method. Null, with nothing changed, when the selector is taken.
+    Method *addMethod(QByteArrayView selector, Signature *implementation)
+    {
+        return add(selector, reinterpret_cast<Implementation>(implementation), typeid(Signature));
+    }
+
+private:
+    friend QUORVIX_PLATFORM_EXPORT Method *class_getInstanceMethod(const ObjectClass &, QByteArrayView);
+    friend QUORVIX_PLATFORM_EXPORT bool method_exchangeImplementations(Method *, Method *);
+
+    using Table = std::vector<Implementation>;
+
+    [[nodiscard]] Implementation lookUp(const Method *method) const noexcept;
+    Method *add(QByteArrayView selector, Implementation implementation, std::type_index type);
+    void publish(Table table);
+
+    const char *m_name;
+    std::atomic<const Table *> m_current;
+    mutable std::mutex m_mutex;
+    std::vector<std::unique_ptr<Method>> m_methods;
+    /// Every table that was ever in force: a sender may still be reading an old one.
+    std::vector<std::unique_ptr<const Table>> m_tables;
+};
+
+/// The instance method of @p objectClass for @p selector, or null. Any thread.
+[[nodiscard]] QUORVIX_PLATFORM_EXPORT Method *class_getInstanceMethod(const ObjectClass &objectClass,
+                                                                      QByteArrayView selector);
+
+/// Exchanges the implementations of two methods of one class, at once for every later send.
+/// False, with nothing changed, when one is null, their classes differ, or their signatures differ. Any thread.
+QUORVIX_PLATFORM_EXPORT bool method_exchangeImplementations(Method *first, Method *second);

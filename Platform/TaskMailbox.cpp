@@ -1,0 +1,61 @@
+#include "Platform/TaskMailbox.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEvent>
+#include <QtCore/QThread>
+
+#include <utility>
+
+namespace {
+
+class TaskEvent final : public QEvent
+{
+public:
+    explicit TaskEvent(std::function<void()> task) : QEvent(QEvent::User), m_task(std::move(task)) {}
+
+    void run() { m_task(); }
+
+private:
+    std::function<void()> m_task;
+};
+
+class TaskReceiver final : public QObject
+{
+protected:
+    void customEvent(QEvent *event) override { static_cast<TaskEvent *>(event)->run(); }
+};
+
+} // namespace
+
+void TaskMailbox::open(QThread *thread)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_receiver = new TaskReceiver;
+    m_receiver->moveToThread(thread);
+    m_ended = false;
+    for (auto &task : m_early)
+        QCoreApplication::postEvent(m_receiver, new TaskEvent(std::move(task)));
+    m_early.clear();
+}
+
+TaskMailbox::Receiver *TaskMailbox::close()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_ended = true;
+    return std::exchange(m_receiver, nullptr);
+}
+
+void TaskMailbox::reset()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_ended = false;
+}
+
+void TaskMailbox::post(std::function<void()> task)
+{
+    const std::scoped_lock lock(m_mutex);
+    if (m_receiver)
+        QCoreApplication::postEvent(m_receiver, new TaskEvent(std::move(task)));
+    else if (!m_ended)
+        m_early.push_back(std::move(task));
+}
