@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Platform/PlatformGlobal.h"
+
+#include <QtCore/QList>
+#include <QtCore/QUrl>
+#include <QtNetwork/QNetworkCookie>
+
+#include <memory>
+
+class QNetworkCookieJar;
+
+/// The cookies of the process (RFC 6265), which every session sends and fills. Kept in memory. Any thread.
+class QUORVIX_PLATFORM_EXPORT HTTPCookieStorage
+{
+public:
+    /// The one storage; made on first use, lives until the process ends.
+    [[nodiscard]] static HTTPCookieStorage &shared();
+
+    /// The cookies that a request to @p url would carry.
+    [[nodiscard]] QList<QNetworkCookie> cookiesForURL(const QUrl &url) const;
+    /// Stores what a response from @p url set; false when nothing was accepted.
+    bool setCookies(const QList<QNetworkCookie> &cookies, const QUrl &url);
+    void removeAllCookies();
+
+    /// A jar for a network access manager that reads and writes this storage.
+    [[nodiscard]] static std::unique_ptr<QNetworkCookieJar> makeJar();
+
+private:
+    HTTPCookieStorage();
+    ~HTTPCookieStorage() = delete;
+
+    class Store;
+    std::unique_ptr<Store> m_store;
+};

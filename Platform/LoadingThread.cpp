@@ -1,0 +1,105 @@
+#include "Platform/HTTPCookieStorage.h"
+#include "Platform/TaskMailbox.h"
+#include "Platform/URLLoader.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QThread>
+#include <QtNetwork/QNetworkCookieJar>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// How long the application's end waits for a completion handler that is still running.
+constexpr auto patience = 2s;
+
+struct Loading
+{
+    std::mutex mutex;
+    QThread *thread = nullptr;
+    TaskMailbox mailbox;
+
+    static Loading &instance()
+    {
+        static auto *const loading = new Loading;
+        return *loading;
+    }
+
+    void startOnce()
+    {
+        const std::scoped_lock lock(mutex);
+        if (thread || !applicationRuns)
+            return;
+        thread = new QThread;
+        thread->setObjectName(QStringLiteral("NSURLSession"));
+        thread->start();
+        mailbox.open(thread);
+    }
+
+    void applicationStarts()
+    {
+        const std::scoped_lock lock(mutex);
+        applicationRuns = true;
+        mailbox.reset();
+        qAddPostRoutine([] { instance().applicationEnds(); });
+    }
+
+    void applicationEnds()
+    {
+        QObject *receiver = nullptr;
+        QThread *ending = nullptr;
+        {
+            const std::scoped_lock lock(mutex);
+            applicationRuns = false;
+            receiver = mailbox.close();
+            ending = std::exchange(thread, nullptr);
+        }
+        if (!ending)
+            return;
+        // Its children, the managers with their replies, go with it in the thread that they live in. Exchanges
+        // under way end without a word: whoever would hear it is going, too.
+        receiver->deleteLater();
+        ending->quit();
+        if (ending->wait(QDeadlineTimer(patience)))
+            delete ending;
+    }
+
+private:
+    bool applicationRuns = false;
+};
+
+void followApplication()
+{
+    Loading::instance().applicationStarts();
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(followApplication)
+
+void LoadingThread::post(std::function<void()> task)
+{
+    Loading &loading = Loading::instance();
+    loading.startOnce();
+    loading.mailbox.post(std::move(task));
+}
+
+NSURLSession::Core::Core(NSURLSessionConfiguration sessionConfiguration)
+    : configuration(std::move(sessionConfiguration))
+{
+}
+
+NSURLSession::Core::~Core()
+{
+    LoadingThread::post([manager = m_manager] { delete manager; });
+}
+
+QNetworkAccessManager *NSURLSession::Core::manager()
+{
+    if (!m_manager) {
+        m_manager = new QNetworkAccessManager(Loading::instance().mailbox.receiver());
+        m_manager->setCookieJar(HTTPCookieStorage::makeJar().release());
+    }
+    return m_manager;
+}

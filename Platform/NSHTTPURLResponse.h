@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Platform/NSURLResponse.h"
+
+#include <QtCore/QString>
+
+#include <map>
+#include <variant>
+
+/// A header's name or value as the loading system reports it: text, or what a protocol handler put there.
+using NSHeaderValue = std::variant<QString, qint64, double>;
+/// Header names and values of a response. One spelling is one key; no case folding is done.
+using NSHeaderFields = std::map<NSHeaderValue, NSHeaderValue>;
+
+/// The text form of a header's name or value. Any thread.
+[[nodiscard]] QUORVIX_PLATFORM_EXPORT QString description(const NSHeaderValue &value);
+
+/// An HTTP response: status and headers. Immutable; shared between threads.
+class QUORVIX_PLATFORM_EXPORT NSHTTPURLResponse final : public NSURLResponse
+{
+public:
+    /// Null when the platform refuses the parts: an invalid URL.
+    [[nodiscard]] static std::shared_ptr<const NSHTTPURLResponse>
+    create(const QUrl &url, qint64 statusCode, const QString &httpVersion, NSHeaderFields headerFields);
+
+    NSHTTPURLResponse(std::optional<QUrl> url, qint64 statusCode, QString httpVersion,
+                      NSHeaderFields headerFields);
+    ~NSHTTPURLResponse() override;
+
+    [[nodiscard]] qint64 statusCode() const noexcept { return m_statusCode; }
+    [[nodiscard]] const QString &httpVersion() const noexcept { return m_httpVersion; }
+    [[nodiscard]] const NSHeaderFields &allHeaderFields() const noexcept { return m_headerFields; }
+
+    /// The reason phrase for a status code, translated in the host's catalogue (context "Quorvix"):
+    /// a phrase in lower case for each registered code (RFC 9110, 15), else the name of the class of codes.
+    [[nodiscard]] static QString localizedStringForStatusCode(qint64 statusCode);
+
+private:
+    qint64 m_statusCode;
+    QString m_httpVersion;
+    NSHeaderFields m_headerFields;
+};
+
+using NSHTTPURLResponsePtr = std::shared_ptr<const NSHTTPURLResponse>;

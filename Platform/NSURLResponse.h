@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Platform/PlatformGlobal.h"
+
+#include <QtCore/QUrl>
+
+#include <memory>
+#include <optional>
+
+/// What came back for a request. Immutable; shared between threads.
+class QUORVIX_PLATFORM_EXPORT NSURLResponse
+{
+public:
+    explicit NSURLResponse(std::optional<QUrl> url) : m_url(std::move(url)) {}
+    virtual ~NSURLResponse();
+
+    NSURLResponse(const NSURLResponse &) = delete;
+    NSURLResponse &operator=(const NSURLResponse &) = delete;
+
+    /// Where the response came from, after redirects.
+    [[nodiscard]] const std::optional<QUrl> &url() const noexcept { return m_url; }
+
+private:
+    std::optional<QUrl> m_url;
+};
+
+/// An optional response: null when there is none.
+using NSURLResponsePtr = std::shared_ptr<const NSURLResponse>;

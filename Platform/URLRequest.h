@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Platform/PlatformGlobal.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QMap>
+#include <QtCore/QString>
+#include <QtCore/QUrl>
+
+#include <chrono>
+#include <optional>
+
+/// Header names and their values, in ascending order of name.
+using HTTPHeaderFields = QMap<QString, QString>;
+
+/// What to load and how: a plain value, copied freely between threads.
+class QUORVIX_PLATFORM_EXPORT URLRequest
+{
+public:
+    URLRequest() = default;
+    /// A GET of @p url.
+    explicit URLRequest(const QUrl &url);
+
+    std::optional<QUrl> url;
+    /// The method as it goes on the wire; a request without one is sent as GET.
+    std::optional<QString> httpMethod = QStringLiteral("GET");
+    /// Absent when no header was set.
+    std::optional<HTTPHeaderFields> allHTTPHeaderFields;
+    /// Absent for a request without a body. Shared, never copied.
+    std::optional<QByteArray> httpBody;
+    /// How long the connection may stay silent. Absent: the session's own limit holds.
+    std::optional<std::chrono::milliseconds> timeoutInterval;
+
+    /// The value of a header; names are compared ignoring case (RFC 9110, 5.1).
+    [[nodiscard]] std::optional<QString> value(const QString &field) const;
+    /// Replaces whatever header has this name in any spelling.
+    void setValue(const QString &value, const QString &field);
+    /// Adds to a header, as a list separated by commas (RFC 9110, 5.3).
+    void addValue(const QString &value, const QString &field);
+};
+
+/// The URL's absolute string: percent-encoded, as it stands on the request line. Any thread.
+[[nodiscard]] QUORVIX_PLATFORM_EXPORT QString absoluteString(const QUrl &url);
