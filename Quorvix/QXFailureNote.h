@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Quorvix/QuorvixGlobal.h"
+
+#include "Platform/NSError.h"
+
+#include <QtCore/QHashFunctions>
+
+/// The transport error that an exchange ended with. A value; compares and hashes over all its fields.
+struct QXFailureNote
+{
+    QXFailureNote() = default;
+    explicit QXFailureNote(const NSError &error)
+        : localizedDescription(error.localizedDescription), domain(error.domain), code(error.code)
+    {
+    }
+
+    QString localizedDescription;
+    QString domain;
+    qint64 code = 0;
+
+    bool operator==(const QXFailureNote &) const = default;
+};
+
+[[nodiscard]] inline size_t qHash(const QXFailureNote &note, size_t seed = 0)
+{
+    return qHashMulti(seed, note.localizedDescription, note.domain, note.code);
+}

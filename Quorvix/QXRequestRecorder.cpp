@@ -1,0 +1,106 @@
+#include "Quorvix/QXRequestRecorder.h"
+
+#include "Platform/NSNotificationCenter.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+QByteArray searchKey(const QXRequestTrace &trace)
+{
+    QByteArray key;
+    if (trace.url)
+        key = trace.url->toEncoded().toLower();
+    key += '\0';
+    if (trace.method)
+        key += trace.method->toLower().toUtf8();
+    return key;
+}
+
+/// The part of the last path component after its last dot; empty without one, and for a name that is only a dot
+/// and what follows.
+QString pathExtension(const QUrl &url)
+{
+    QString path = url.path(QUrl::FullyDecoded);
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    const QString name = path.mid(path.lastIndexOf(u'/') + 1);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.mid(dot + 1) : QString();
+}
+
+void postChange()
+{
+    NSNotificationCenter::defaultCenter().post(QuorvixRequestsChanged);
+}
+
+} // namespace
+
+QXRequestRecorder &QXRequestRecorder::shared()
+{
+    static auto *const recorder = new QXRequestRecorder;
+    return *recorder;
+}
+
+void QXRequestRecorder::record(const QString &id, const URLRequest &request)
+{
+    QXRequestTrace trace(id, request);
+    QByteArray key = searchKey(trace);
+    m_requests.prepend(std::make_shared<const QXTraceList::Cell>(
+        QXTraceList::Cell{std::move(trace), Clock::now(), std::move(key)}));
+    postChange();
+}
+
+void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &response,
+                                 const std::optional<QByteArray> &data, const std::optional<NSError> &error)
+{
+    const qsizetype index = m_requests.indexOf(id);
+    if (index < 0)
+        return;
+
+    auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
+    QXRequestTrace &trace = cell->trace;
+    trace.duration = std::chrono::duration<double>(Clock::now() - cell->recordedAt).count();
+    if (error)
+        trace.error = QXFailureNote(*error);
+    if (const auto *http = dynamic_cast<const NSHTTPURLResponse *>(response.get()))
+        trace.response = QXResponseTrace(*http, data);
+    m_requests.replace(index, std::move(cell));
+    postChange();
+}
+
+void QXRequestRecorder::clear()
+{
+    m_requests = {};
+    postChange();
+}
+
+QList<QXRequestTrace>
+QXRequestRecorder::findRequests(const std::function<bool(const QXRequestTrace &)> &predicate) const
+{
+    QList<QXRequestTrace> found;
+    for (const QXRequestTrace &trace : m_requests) {
+        if (predicate(trace))
+            found.append(trace);
+    }
+    return found;
+}
+
+QList<QXRequestTrace> QXRequestRecorder::findRequestsByPath(const QString &path) const
+{
+    return findRequests([&](const QXRequestTrace &trace) {
+        return trace.url && pathExtension(*trace.url).contains(path, Qt::CaseSensitive);
+    });
+}
+
+QList<QXRequestTrace> QXRequestRecorder::findRequestsByStatusCode(qint64 statusCode) const
+{
+    return findRequests([&](const QXRequestTrace &trace) {
+        return trace.response && trace.response->statusCode == statusCode;
+    });
+}
+
+QList<QXRequestTrace> QXRequestRecorder::findRequestsByMethod(const QString &method) const
+{
+    return findRequests([&](const QXRequestTrace &trace) { return trace.method && *trace.method == method; });
+}
