@@ -1,0 +1,161 @@
+#include "Quorvix/QXBreakpointCenter.h"
+
+#include "Quorvix/QXBreakpointStore.h"
+#include "Quorvix/QXLog.h"
+#include "Quorvix/QXRequestRecorder.h"
+
+#include "Platform/MainActor.h"
+#include "Platform/NSNotificationCenter.h"
+
+#include <charconv>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto cooldown = 600ms;
+
+void postChange()
+{
+    NSNotificationCenter::defaultCenter().post(QuorvixBreakpointChanged);
+}
+
+/// A whole decimal integer: one optional sign and ASCII digits, nothing else, within 64 bits.
+std::optional<qint64> parseStatusCode(const QString &text)
+{
+    QByteArray digits = text.toUtf8();
+    if (digits.startsWith('+')) {
+        digits.remove(0, 1);
+        if (digits.startsWith('-'))
+            return std::nullopt;
+    }
+    qint64 value = 0;
+    const char *const end = digits.constData() + digits.size();
+    const auto [stopped, failure] = std::from_chars(digits.constData(), end, value);
+    return failure == std::errc() && stopped == end ? std::optional(value) : std::nullopt;
+}
+
+/// The delivered response with a new status code and, where a body goes with it, that body's length.
+NSHTTPURLResponsePtr rebuild(const NSHTTPURLResponsePtr &delivered, qint64 statusCode,
+                             std::optional<qsizetype> bodyLength)
+{
+    const auto contentLength = QStringLiteral("Content-Length");
+    const auto contentEncoding = QStringLiteral("Content-Encoding");
+
+    NSHeaderFields fields;
+    for (const auto &[name, value] : delivered->allHeaderFields())
+        fields.insert_or_assign(description(name), description(value));
+    if (bodyLength) {
+        fields.insert_or_assign(contentLength, QString::number(*bodyLength));
+        // The session has decoded the body already, and an edit is never coded.
+        if (fields.contains(contentEncoding))
+            fields.insert_or_assign(contentEncoding, QStringLiteral("identity"));
+    }
+    const QUrl url = delivered->url().value_or(QUrl(QStringLiteral("about:blank")));
+    auto rebuilt = NSHTTPURLResponse::create(url, statusCode, QStringLiteral("HTTP/1.1"), std::move(fields));
+    return rebuilt ? rebuilt : delivered;
+}
+
+} // namespace
+
+QXBreakpointCenter &QXBreakpointCenter::shared()
+{
+    static auto *const center = new QXBreakpointCenter;
+    return *center;
+}
+
+QXBreakpointCenter::QXBreakpointCenter() : m_now(&std::chrono::steady_clock::now) {}
+
+bool QXBreakpointCenter::check(const URLRequest &request, const QString &requestId,
+                               const std::optional<QByteArray> &data, const NSURLResponsePtr &response,
+                               const std::optional<NSError> &error,
+                               const DataTaskCompletionHandler &completion)
+{
+    if (QXLog::level() >= QXLogLevel::debug) {
+        QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] check response: ")
+                                          + request.httpMethod.value_or(QStringLiteral("GET")) + u' '
+                                          + (request.url ? absoluteString(*request.url) : QString()));
+    }
+    if (m_skipUntil) {
+        if (m_now() < *m_skipUntil) {
+            QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] skip during cooldown"));
+            return false;
+        }
+        m_skipUntil.reset();
+    }
+    const auto key = QXBreakpointKey::make(request.url, request.httpMethod);
+    if (m_lastContinuedKey && key == m_lastContinuedKey && m_now() < m_skipUntil.value_or(TimePoint::min())) {
+        QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] skip same endpoint during cooldown"));
+        return false;
+    }
+    if (!key || !QXBreakpointStore::shared().contains(*key))
+        return false;
+    auto http = std::dynamic_pointer_cast<const NSHTTPURLResponse>(response);
+    if (!http)
+        return false;
+
+    QXBreakpointItem item{QUuid::createUuid(), request, requestId, std::move(http), data, error, completion};
+    if (m_activeBreakpoint) {
+        m_queue.push_back(std::move(item));
+        QXLog::log(QXLogLevel::info,
+                   QStringLiteral("[Breakpoint] queued count=") + QString::number(m_queue.size()));
+        return true;
+    }
+    m_activeBreakpoint = std::move(item);
+    QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] activated queue=0"));
+    postChange();
+    return true;
+}
+
+void QXBreakpointCenter::continueActive()
+{
+    startCooldown();
+    QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] continue active=%1 queue=%2 main=%3 cooldown=0.6s")
+                                     .arg(QXLog::word(m_activeBreakpoint.has_value()))
+                                     .arg(m_queue.size())
+                                     .arg(QXLog::word(MainActor::isCurrent())));
+    release(std::nullopt, true, std::nullopt);
+}
+
+void QXBreakpointCenter::apply(const std::optional<QString> &statusCode, const std::optional<QString> &body)
+{
+    QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] apply"));
+    startCooldown();
+    release(statusCode, false, body);
+}
+
+void QXBreakpointCenter::startCooldown()
+{
+    m_skipUntil = m_now() + cooldown;
+    m_lastContinuedKey = m_activeBreakpoint ? m_activeBreakpoint->key() : std::nullopt;
+}
+
+void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool keepBody,
+                                 const std::optional<QString> &bodyText)
+{
+    if (!m_activeBreakpoint || m_isReleasing)
+        return;
+    const QXBreakpointItem item = *m_activeBreakpoint;
+    const qint64 statusCode = parseStatusCode(statusText.value_or(QString())).value_or(item.response->statusCode());
+    std::optional<QByteArray> body = item.data;
+    if (!keepBody)
+        body = bodyText ? bodyText->toUtf8() : QByteArray("");
+    const auto bodyLength = body ? std::optional(body->size()) : std::nullopt;
+    const auto response = rebuild(item.response, statusCode, bodyLength);
+
+    QXRequestRecorder::shared().complete(item.requestId, response, body, item.error);
+    m_isReleasing = true;
+    if (item.completion)
+        item.completion(body, response, item.error);
+    m_isReleasing = false;
+
+    m_activeBreakpoint.reset();
+    if (!m_queue.empty()) {
+        m_activeBreakpoint = std::move(m_queue.front());
+        m_queue.pop_front();
+    }
+    QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] resolved next=%1 queue=%2")
+                                     .arg(QXLog::word(m_activeBreakpoint.has_value()))
+                                     .arg(m_queue.size()));
+    postChange();
+}

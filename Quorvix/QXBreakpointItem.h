@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Quorvix/QXBreakpointKey.h"
+
+#include "Platform/NSHTTPURLResponse.h"
+#include "Platform/NSURLSessionDataTask.h"
+
+#include <QtCore/QUuid>
+
+/// One held response, with all that it takes to release it. A value; its body is shared, never copied.
+struct QUORVIX_INTERNAL_EXPORT QXBreakpointItem
+{
+    /// Fresh for every held response.
+    QUuid id;
+    URLRequest request;
+    /// The identifier of the exchange's trace.
+    QString requestId;
+    /// As the session delivered it; never null.
+    NSHTTPURLResponsePtr response;
+    std::optional<QByteArray> data;
+    std::optional<NSError> error;
+    /// The host's own completion handler.
+    DataTaskCompletionHandler completion;
+
+    [[nodiscard]] std::optional<QXBreakpointKey> key() const;
+    /// The display text of the key; empty for a request without a URL.
+    [[nodiscard]] QString displayTitle() const;
+};

@@ -1,0 +1,16 @@
+#include "Quorvix/QXBreakpointKey.h"
+
+std::optional<QXBreakpointKey> QXBreakpointKey::make(const std::optional<QUrl> &url,
+                                                     const std::optional<QString> &method)
+{
+    if (!url)
+        return std::nullopt;
+    const QString path = url->path(QUrl::FullyDecoded);
+    return QXBreakpointKey{method.value_or(QStringLiteral("GET")).toUpper(), url->host(QUrl::FullyDecoded),
+                           path.isEmpty() ? QStringLiteral("/") : path};
+}
+
+QString QXBreakpointKey::displayText() const
+{
+    return method + u' ' + host + path;
+}
