@@ -1,0 +1,73 @@
+#include "Quorvix/QXSessionHook.h"
+
+#include "Quorvix/QXBreakpointCenter.h"
+#include "Quorvix/QXRequestRecorder.h"
+
+#include "Platform/MainActor.h"
+#include "Platform/NSURLSession.h"
+#include "Platform/ObjectRuntime.h"
+
+#include <QtCore/QUuid>
+
+#include <mutex>
+
+namespace {
+
+constexpr QByteArrayView hookedSelector{"qx_hookedDataTaskWith:completionHandler:"};
+
+/// The method under hookedSelector: before the exchange our own, after it the platform's.
+std::atomic<const Method *> hookedMethod = nullptr;
+
+QString makeIdentifier()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+}
+
+/// Tells the breakpoint center, the recorder and the host of an exchange's end, in this order. Main thread.
+void finish(const URLRequest &request, const QString &identifier, const std::optional<QByteArray> &data,
+            const NSURLResponsePtr &response, const std::optional<NSError> &error,
+            const DataTaskCompletionHandler &completion)
+{
+    if (QXBreakpointCenter::shared().check(request, identifier, data, response, error, completion))
+        return;
+    QXRequestRecorder::shared().complete(identifier, response, data, error);
+    if (completion)
+        completion(data, response, error);
+}
+
+/// Stands in for the session's data-task method. Runs on the host's thread, so it only schedules.
+NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &request,
+                                       DataTaskCompletionHandler completion)
+{
+    const QString identifier = makeIdentifier();
+    MainActor::schedule([identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
+
+    auto wrapper = [request, identifier, completion = std::move(completion)](
+                       std::optional<QByteArray> data, NSURLResponsePtr response, std::optional<NSError> error) {
+        MainActor::schedule([=] { finish(request, identifier, data, response, error, completion); });
+    };
+    auto *const original = NSURLSession::objectClass().implementation<NSURLSession::DataTaskImplementation>(
+        hookedMethod.load(std::memory_order_acquire));
+    return original(session, request, std::move(wrapper));
+}
+
+} // namespace
+
+void QXSessionHook::exchange(ObjectClass &sessionClass)
+{
+    Method *const original = class_getInstanceMethod(sessionClass, NSURLSession::dataTaskSelector);
+    if (!original)
+        return;
+    sessionClass.addMethod<NSURLSession::DataTaskImplementation>(hookedSelector, &hookedDataTask);
+    Method *const hooked = class_getInstanceMethod(sessionClass, hookedSelector);
+    if (!hooked)
+        return;
+    hookedMethod.store(hooked, std::memory_order_release);
+    method_exchangeImplementations(original, hooked);
+}
+
+void QXSessionHook::install()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { exchange(NSURLSession::objectClass()); });
+}
