@@ -1,0 +1,370 @@
+#include "Quorvix/QXArchiveWriter.h"
+
+#include "Quorvix/QXCacheSummary.h"
+#include "Quorvix/QXRequestTrace.h"
+#include "Quorvix/QXTemporaryFile.h"
+
+#include "Platform/BundleInfo.h"
+#include "Platform/JSONWriter.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Headers = std::optional<HTTPHeaderFields>;
+
+/// The header of exactly this spelling. Null when there is none.
+const QString *exactHeader(const Headers &headers, const QString &name)
+{
+    if (!headers)
+        return nullptr;
+    const auto it = headers->constFind(name);
+    return it == headers->cend() ? nullptr : &*it;
+}
+
+/// Percent escapes taken back where they stand for text; else the encoded form, which loses nothing.
+QString percentDecoded(QStringView encoded)
+{
+    const QByteArray decoded = QByteArray::fromPercentEncoding(encoded.toLatin1());
+    return isValidUtf8(decoded) ? QString::fromUtf8(decoded) : encoded.toString();
+}
+
+/// Splits at the first "="; nothing unless there is text on both sides.
+std::optional<std::pair<QStringView, QStringView>> splitCookie(QStringView cookie)
+{
+    const qsizetype equals = cookie.indexOf(u'=');
+    if (equals <= 0 || equals == cookie.size() - 1)
+        return std::nullopt;
+    return std::pair(cookie.first(equals), cookie.sliced(equals + 1));
+}
+
+QStringView withoutBlanksAround(QStringView text)
+{
+    const auto isBlank = [](QChar c) {
+        return c == u' ' || c == u'\t';
+    };
+    while (!text.isEmpty() && isBlank(text.front()))
+        text = text.sliced(1);
+    while (!text.isEmpty() && isBlank(text.back()))
+        text.chop(1);
+    return text;
+}
+
+bool isLineBreak(QChar c)
+{
+    const char16_t unit = c.unicode();
+    return (unit >= u'\n' && unit <= u'\r') || unit == 0x85 || unit == QChar::LineSeparator ||
+           unit == QChar::ParagraphSeparator;
+}
+
+QStringView takeLine(QStringView &text)
+{
+    const auto lineBreak = std::find_if(text.begin(), text.end(), isLineBreak);
+    const QStringView line = text.first(lineBreak - text.begin());
+    text = text.sliced(std::min(line.size() + 1, text.size()));
+    return line;
+}
+
+/// Writes the parts of the document. Every object's keys are written in alphabetical order.
+class ArchiveDocument
+{
+public:
+    explicit ArchiveDocument(JSONWriter &writer) : m_writer(writer) {}
+
+    void write(const QXArchiveWriter::Source &traces)
+    {
+        m_writer.beginObject();
+        m_writer.key("log"_L1);
+        m_writer.beginObject();
+        writeCreator();
+        m_writer.key("entries"_L1);
+        m_writer.beginArray();
+        while (const QXRequestTrace *trace = traces())
+            writeEntry(*trace);
+        m_writer.endArray();
+        string("version"_L1, u"1.2");
+        m_writer.endObject();
+        m_writer.endObject();
+    }
+
+private:
+    void string(QLatin1StringView key, QStringView value)
+    {
+        m_writer.key(key);
+        m_writer.string(value);
+    }
+
+    void stringOrNull(QLatin1StringView key, const std::optional<QString> &value)
+    {
+        m_writer.key(key);
+        if (value)
+            m_writer.string(*value);
+        else
+            m_writer.null();
+    }
+
+    void integer(QLatin1StringView key, qint64 value)
+    {
+        m_writer.key(key);
+        m_writer.integer(value);
+    }
+
+    void number(QLatin1StringView key, double value)
+    {
+        m_writer.key(key);
+        m_writer.number(value);
+    }
+
+    void writeCreator()
+    {
+        m_writer.key("creator"_L1);
+        m_writer.beginObject();
+        string("name"_L1, QString::fromUtf8(BundleInfo::name));
+        string("version"_L1, QString::fromUtf8(BundleInfo::shortVersion));
+        m_writer.endObject();
+    }
+
+    void writeEntry(const QXRequestTrace &trace)
+    {
+        const double milliseconds = trace.duration.value_or(0) * 1000;
+        m_writer.beginObject();
+        writeCache(trace.response);
+        writeRequest(trace);
+        writeResponse(trace.response);
+        string("startedDateTime"_L1, iso8601Text(trace.date));
+        number("time"_L1, milliseconds);
+        m_writer.key("timings"_L1);
+        m_writer.beginObject();
+        integer("receive"_L1, 0);
+        integer("send"_L1, 0);
+        number("wait"_L1, milliseconds);
+        m_writer.endObject();
+        m_writer.endObject();
+    }
+
+    void writeCache(const std::optional<QXResponseTrace> &response)
+    {
+        m_writer.key("cache"_L1);
+        m_writer.beginObject();
+        if (response) {
+            const QXCacheFacts facts(*response);
+            m_writer.key("afterRequest"_L1);
+            writeCacheState(facts.comment, facts.eTag, facts.expires, facts.lastAccess);
+            m_writer.key("beforeRequest"_L1);
+            writeCacheState({}, {}, {}, {});
+        }
+        m_writer.endObject();
+    }
+
+    void writeCacheState(const std::optional<QString> &comment, const std::optional<QString> &eTag,
+                         const std::optional<QString> &expires, const std::optional<QString> &lastAccess)
+    {
+        m_writer.beginObject();
+        stringOrNull("comment"_L1, comment);
+        stringOrNull("eTag"_L1, eTag);
+        stringOrNull("expires"_L1, expires);
+        stringOrNull("hitCount"_L1, {});
+        stringOrNull("lastAccess"_L1, lastAccess);
+        m_writer.endObject();
+    }
+
+    void writeRequest(const QXRequestTrace &trace)
+    {
+        m_writer.key("request"_L1);
+        m_writer.beginObject();
+        writeBodySize(trace.body);
+        writeRequestCookies(exactHeader(trace.headers, u"Cookie"_s));
+        writeHeaders(trace.headers);
+        string("method"_L1, trace.method.value_or(u"GET"_s));
+        if (trace.body) {
+            m_writer.key("postData"_L1);
+            writeBody(*trace.body, trace.headers, false);
+        }
+        writeQuery(trace.url);
+        string("url"_L1, trace.url ? absoluteString(*trace.url) : QString());
+        m_writer.endObject();
+    }
+
+    void writeResponse(const std::optional<QXResponseTrace> &response)
+    {
+        const std::optional<QByteArray> body = response ? response->body : std::nullopt;
+        const Headers headers = response ? response->headers : std::nullopt;
+        m_writer.key("response"_L1);
+        m_writer.beginObject();
+        writeBodySize(body);
+        m_writer.key("content"_L1);
+        if (body)
+            writeBody(*body, headers, true);
+        else
+            writeEmptyContent();
+        writeResponseCookies(exactHeader(headers, u"Set-Cookie"_s));
+        writeHeaders(headers);
+        string("redirectURL"_L1, {});
+        integer("status"_L1, response ? response->statusCode : 0);
+        string("statusText"_L1,
+               response ? NSHTTPURLResponse::localizedStringForStatusCode(response->statusCode) : QString());
+        m_writer.endObject();
+    }
+
+    void writeBodySize(const std::optional<QByteArray> &body)
+    {
+        integer("bodySize"_L1, body ? body->size() : -1);
+    }
+
+    void writeBody(const QByteArray &body, const Headers &headers, bool hasSize)
+    {
+        const bool isText = isValidUtf8(body);
+        const QString *type = exactHeader(headers, u"Content-Type"_s);
+        m_writer.beginObject();
+        if (!isText)
+            string("encoding"_L1, u"base64");
+        string("mimeType"_L1, type ? QStringView(*type) : u"application/octet-stream");
+        if (hasSize)
+            integer("size"_L1, body.size());
+        m_writer.key("text"_L1);
+        if (isText)
+            m_writer.utf8(body);
+        else
+            m_writer.base64(body);
+        m_writer.endObject();
+    }
+
+    void writeEmptyContent()
+    {
+        m_writer.beginObject();
+        string("mimeType"_L1, u"text/plain");
+        integer("size"_L1, 0);
+        m_writer.endObject();
+    }
+
+    /// Headers, and the two keys that always follow them.
+    void writeHeaders(const Headers &headers)
+    {
+        m_writer.key("headers"_L1);
+        m_writer.beginArray();
+        if (headers) {
+            for (auto it = headers->cbegin(); it != headers->cend(); ++it)
+                writePair(it.key(), it.value());
+        }
+        m_writer.endArray();
+        integer("headersSize"_L1, -1);
+        string("httpVersion"_L1, u"HTTP/1.1");
+    }
+
+    void writeQuery(const std::optional<QUrl> &url)
+    {
+        m_writer.key("queryString"_L1);
+        m_writer.beginArray();
+        const QString query = url ? url->query(QUrl::FullyEncoded) : QString();
+        if (!query.isEmpty()) {
+            for (const QStringView item : QStringView(query).split(u'&')) {
+                const qsizetype equals = item.indexOf(u'=');
+                const qsizetype nameSize = equals < 0 ? item.size() : equals;
+                writePair(percentDecoded(item.first(nameSize)),
+                          equals < 0 ? QString() : percentDecoded(item.sliced(equals + 1)));
+            }
+        }
+        m_writer.endArray();
+    }
+
+    void writeRequestCookies(const QString *header)
+    {
+        m_writer.key("cookies"_L1);
+        m_writer.beginArray();
+        if (header) {
+            for (const QStringView piece : QStringView(*header).split(u';'))
+                writeCookie(withoutBlanksAround(piece));
+        }
+        m_writer.endArray();
+    }
+
+    /// One cookie per line; its attributes are no part of the pair.
+    void writeResponseCookies(const QString *header)
+    {
+        m_writer.key("cookies"_L1);
+        m_writer.beginArray();
+        QStringView rest = header ? QStringView(*header) : QStringView();
+        while (!rest.isEmpty()) {
+            const QStringView line = takeLine(rest);
+            const qsizetype attributes = line.indexOf(u';');
+            writeCookie(attributes < 0 ? line : line.first(attributes));
+        }
+        m_writer.endArray();
+    }
+
+    void writeCookie(QStringView cookie)
+    {
+        if (const auto parts = splitCookie(cookie))
+            writePair(parts->first, parts->second);
+    }
+
+    void writePair(QStringView name, QStringView value)
+    {
+        m_writer.beginObject();
+        string("name"_L1, name);
+        string("value"_L1, value);
+        m_writer.endObject();
+    }
+
+    JSONWriter &m_writer;
+};
+
+/// The last component of a URL's path, decoded. A trailing slash does not count; the root has none.
+QString lastPathComponent(const QUrl &url)
+{
+    QString path = url.path(QUrl::FullyEncoded);
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    return percentDecoded(QStringView(path).sliced(path.lastIndexOf(u'/') + 1));
+}
+
+} // namespace
+
+QByteArray QXArchiveWriter::archive(const Source &traces)
+{
+    JSONWriter writer;
+    ArchiveDocument(writer).write(traces);
+    return writer.takeBuffer();
+}
+
+std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice &device)
+{
+    JSONWriter writer(device);
+    ArchiveDocument(writer).write(traces);
+    return writer.finish();
+}
+
+QString QXArchiveWriter::exportFileName(const QXRequestTrace &trace,
+                                        std::chrono::system_clock::time_point now)
+{
+    // The clock's own range keeps the seconds in theirs.
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now.time_since_epoch()).count();
+    return u"Quorvix-%1-%2-%3.har"_s.arg(trace.method.value_or(u"GET"_s),
+                                         trace.url ? lastPathComponent(*trace.url) : u"request"_s,
+                                         QString::number(seconds));
+}
+
+Result<QUrl> QXArchiveWriter::exportTrace(const QXRequestTrace &trace,
+                                          std::chrono::system_clock::time_point now)
+{
+    // As a part of the name it would be harmless; a URL that has it was made to lead somewhere else.
+    if (trace.url && lastPathComponent(*trace.url) == ".."_L1)
+        return NSError{NSCocoaErrorDomain, NSFileWriteInvalidFileNameError,
+                       QCoreApplication::translate("Quorvix", "The file name is invalid.")};
+    const std::span list(&trace, 1);
+    return QXTemporaryFile::write(QDir::temp(), exportFileName(trace, now),
+                                  [&](QIODevice &file) { return archive(sourceOf(list), file); });
+}
+
+QString QXArchiveWriter::failureMessage(const NSError &error)
+{
+    const QString format = QCoreApplication::translate("Quorvix", "Failed to export HAR file: %@");
+    return QString(format).replace("%@"_L1, error.localizedDescription);
+}

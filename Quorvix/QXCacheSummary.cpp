@@ -1,0 +1,79 @@
+#include "Quorvix/QXCacheSummary.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QStringList>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The first header of the map whose name is this one in any spelling.
+std::optional<QString> valueIgnoringCase(const std::optional<HTTPHeaderFields> &headers,
+                                         QLatin1StringView name)
+{
+    if (!headers)
+        return std::nullopt;
+    for (auto it = headers->cbegin(); it != headers->cend(); ++it) {
+        if (it.key().compare(name, Qt::CaseInsensitive) == 0)
+            return it.value();
+    }
+    return std::nullopt;
+}
+
+QString localized(const char *text)
+{
+    return QCoreApplication::translate("Quorvix", text);
+}
+
+QString line(const char *label, const QString &value)
+{
+    return localized(label) + ": "_L1 + value;
+}
+
+QStringList summaryLines(const QXCacheFacts &facts)
+{
+    QStringList lines;
+    if (facts.expires)
+        lines += line("expires", *facts.expires);
+    lines += line("lastAccess", facts.lastAccess);
+    if (facts.eTag)
+        lines += line("eTag", *facts.eTag);
+    if (facts.comment)
+        lines += line("comment", *facts.comment);
+    return lines;
+}
+
+} // namespace
+
+QXCacheFacts::QXCacheFacts(const QXResponseTrace &response)
+    : expires(valueIgnoringCase(response.headers, "Expires"_L1)),
+      eTag(valueIgnoringCase(response.headers, "ETag"_L1)), lastAccess(iso8601Text(response.date))
+{
+    QStringList directives;
+    for (const QLatin1StringView name : {"Cache-Control"_L1, "Pragma"_L1}) {
+        const auto value = valueIgnoringCase(response.headers, name);
+        if (value && !value->isEmpty())
+            directives += *value;
+    }
+    if (!directives.isEmpty())
+        comment = directives.join("; "_L1);
+}
+
+std::vector<QXCacheSection> cacheSummary(const std::optional<QXResponseTrace> &response)
+{
+    if (!response)
+        return {
+            {localized("Cache data missing"), localized("The cache information is missing from the entry")}};
+    return {{localized("After request"), summaryLines(QXCacheFacts(*response)).join(u'\n')}};
+}
+
+QString iso8601Text(std::chrono::system_clock::time_point time)
+{
+    using namespace std::chrono;
+    const auto day = floor<days>(time);
+    const year_month_day date(day);
+    const hh_mm_ss clock(floor<seconds>(time) - day);
+    return QString::asprintf("%04d-%02u-%02uT%02d:%02d:%02dZ", int(date.year()), unsigned(date.month()),
+                             unsigned(date.day()), int(clock.hours().count()), int(clock.minutes().count()),
+                             int(clock.seconds().count()));
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Quorvix/QuorvixGlobal.h"
+
+#include "Quorvix/QXResponseTrace.h"
+
+#include <vector>
+
+/// What a response's headers say about caching. Header names are compared ignoring case (RFC 9110, 5.1).
+struct QUORVIX_INTERNAL_EXPORT QXCacheFacts
+{
+    explicit QXCacheFacts(const QXResponseTrace &response);
+
+    /// "Expires", as it stands in the header.
+    std::optional<QString> expires;
+    /// "ETag", as it stands in the header.
+    std::optional<QString> eTag;
+    /// "Cache-Control" and "Pragma", those that are not empty, joined by "; ". Absent rather than empty.
+    std::optional<QString> comment;
+    /// When the response came, in ISO 8601 form.
+    QString lastAccess;
+};
+
+/// A titled block of the details screen's cache summary.
+struct QXCacheSection
+{
+    QString title;
+    QString text;
+
+    bool operator==(const QXCacheSection &) const = default;
+};
+
+/// The cache summary of an exchange, in the user's language; one section at least. Any thread.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT std::vector<QXCacheSection>
+cacheSummary(const std::optional<QXResponseTrace> &response);
+
+/// A point in time in ISO 8601 form: UTC with a "Z", whole seconds, as in 2023-11-14T22:13:20Z. Any thread.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT QString iso8601Text(std::chrono::system_clock::time_point time);

@@ -1,0 +1,132 @@
+#include "Quorvix/QXTemporaryFile.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryFile>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+NSError writeError(NSCocoaErrorCode code, const QString &sentence)
+{
+    return {NSCocoaErrorDomain, code, sentence};
+}
+
+NSError writeError(NSCocoaErrorCode code, const char *sentence)
+{
+    return writeError(code, QCoreApplication::translate("Quorvix", sentence));
+}
+
+/// Whether the name means an entry of a folder, on every file system that we may meet.
+bool isEntryName(QStringView name)
+{
+    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && !name.contains(u'/') &&
+           !name.contains(u'\\') && !name.contains(QChar::Null);
+}
+
+/// Whether a folder is a real one, and ours: in somebody else's, links could be planted at any time.
+bool isOwnFolder(const QFileInfo &folder)
+{
+#ifdef Q_OS_UNIX
+    if (folder.ownerId() != ::geteuid())
+        return false;
+#endif
+    return folder.isDir() && !folder.isSymLink();
+}
+
+/// Goes down one folder, creating it when it is missing.
+std::optional<NSError> enter(QDir &folder, const QString &name)
+{
+    constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
+    const QFileInfo entry(folder.filePath(name));
+    const bool isThere = entry.exists() || entry.isSymLink();
+    if (!isThere && !folder.mkdir(name, ownerOnly) && !QFileInfo::exists(entry.filePath()))
+        return writeError(NSFileWriteUnknownError, "The folder could not be created.");
+    if (!isOwnFolder(QFileInfo(entry.filePath())))
+        return writeError(NSFileWriteInvalidFileNameError,
+                          "The file's folder is not one of its owner's own.");
+    folder = QDir(entry.filePath());
+    return std::nullopt;
+}
+
+/// A full disk takes what it can and fails only at the next write, so that one has to be made.
+std::optional<NSError> writeAll(QIODevice &file, QByteArrayView bytes)
+{
+    while (!bytes.isEmpty()) {
+        const qint64 written = file.write(bytes.data(), bytes.size());
+        if (written <= 0)
+            return writeError(NSFileWriteUnknownError, file.errorString());
+        bytes = bytes.sliced(written);
+    }
+    return std::nullopt;
+}
+
+std::filesystem::path nativePath(const QString &path)
+{
+    return QFileInfo(path).filesystemFilePath();
+}
+
+/// Gives the finished file its name, in place of whatever has it.
+std::optional<NSError> moveOver(QTemporaryFile &file, const QString &path)
+{
+    // Asking for the name is what gives a file without one its place in the folder.
+    const QString temporaryPath = file.fileName();
+    std::error_code error;
+    std::filesystem::rename(nativePath(temporaryPath), nativePath(path), error);
+    if (error)
+        return writeError(NSFileWriteUnknownError, QString::fromLocal8Bit(error.message().c_str()));
+    file.setAutoRemove(false);
+    return std::nullopt;
+}
+
+} // namespace
+
+Result<QUrl> QXTemporaryFile::write(const QDir &folder, const QString &fileName, const Writer &writer)
+{
+    if (!isEntryName(fileName))
+        return writeError(NSFileWriteInvalidFileNameError, "The file name is invalid.");
+    // A temporary directory that is missing is reported as an empty path, which would mean the current
+    // folder.
+    if (folder.isRelative() || !folder.exists())
+        return writeError(NSFileWriteUnknownError, "The folder doesn't exist.");
+
+    QTemporaryFile file(folder.absoluteFilePath(u".Quorvix-XXXXXX"_s));
+    if (!file.open())
+        return writeError(NSFileWriteNoPermissionError, file.errorString());
+    if (const auto error = writer(file))
+        return *error;
+    if (!file.flush() || file.error() != QFileDevice::NoError)
+        return writeError(NSFileWriteUnknownError, file.errorString());
+
+    const QString path = folder.absoluteFilePath(fileName);
+    if (const auto error = moveOver(file, path))
+        return *error;
+    return QUrl::fromLocalFile(path);
+}
+
+Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, QByteArrayView utf8)
+{
+    const QStringList names = relativePath.split(u'/', Qt::SkipEmptyParts);
+    if (names.isEmpty() || relativePath.endsWith(u'/') ||
+        !std::all_of(names.cbegin(), names.cend(), isEntryName))
+        return writeError(NSFileWriteInvalidFileNameError, "The file's path is invalid.");
+
+    QDir folder = QDir::temp();
+    if (folder.isRelative())
+        return writeError(NSFileWriteUnknownError, "The folder doesn't exist.");
+    for (const QString &name : QStringList(u"Quorvix"_s) + names.first(names.size() - 1)) {
+        if (const auto error = enter(folder, name))
+            return *error;
+    }
+    return write(folder, names.last(), [utf8](QIODevice &file) { return writeAll(file, utf8); });
+}
