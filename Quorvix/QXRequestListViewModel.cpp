@@ -1,0 +1,297 @@
+#include "Quorvix/QXRequestListViewModel.h"
+
+#include "Quorvix/QXArchiveError.h"
+#include "Quorvix/QXArchiveWriter.h"
+#include "Quorvix/QXRequestRecorder.h"
+#include "Quorvix/QXRequestRowViewModel.h"
+#include "Quorvix/QXTemporaryFile.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QLocale>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <variant>
+
+namespace {
+
+/// What a search text looks for: without white space at its ends, in lower case.
+QByteArray queryFor(const QString &searchText)
+{
+    return searchText.trimmed().toLower().toUtf8();
+}
+
+std::string_view view(const QByteArray &bytes)
+{
+    return {bytes.constData(), std::size_t(bytes.size())};
+}
+
+/// Whether the query is found in the URL, the method or the status code of a trace.
+bool matches(const QXTraceList::Cell &cell, std::string_view query)
+{
+    if (view(cell.searchKey).find(query) != std::string_view::npos)
+        return true;
+    if (!cell.trace.response)
+        return false;
+    std::array<char, 24> digits;
+    const auto end = std::to_chars(digits.begin(), digits.end(), cell.trace.response->statusCode).ptr;
+    return std::string_view(digits.data(), std::size_t(end - digits.data())).find(query)
+           != std::string_view::npos;
+}
+
+/// The place of a trace counted from the oldest, for its place counted from the newest, and back.
+qsizetype mirrored(const QXTraceList &requests, qsizetype index)
+{
+    return requests.size() - 1 - index;
+}
+
+std::vector<quint32> allMatches(const QXTraceList &requests, std::string_view query)
+{
+    std::vector<quint32> found;
+    for (qsizetype position = 0; position < requests.size(); ++position) {
+        if (matches(*requests.cell(mirrored(requests, position)), query))
+            found.push_back(quint32(position));
+    }
+    return found;
+}
+
+/// "Quorvix-export-" and the time in seconds since 1970, in the shortest form that keeps its fraction.
+QString exportFileName()
+{
+    const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
+    return QStringLiteral("Quorvix-export-%1.har").arg(now.count(), 0, 'f', QLocale::FloatingPointShortest);
+}
+
+using ExportOutcome = std::variant<QUrl, QXArchiveError, NSError>;
+
+/// Writes the traces to a new file in the temporary folder.
+ExportOutcome exportArchive(const std::vector<const QXRequestTrace *> &traces)
+{
+    if (traces.empty())
+        return QXArchiveError::noEntries;
+    auto file = QXTemporaryFile::write(QDir::temp(), exportFileName(), [&](QIODevice &device) {
+        return QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces), device);
+    });
+    if (!file)
+        return file.error();
+    return std::move(file).value();
+}
+
+} // namespace
+
+QXRequestListViewModel::QXRequestListViewModel(QObject *parent)
+    : QAbstractListModel(parent), m_requests(QXRequestRecorder::shared().requests()),
+      m_observer(NSNotificationCenter::defaultCenter().addObserver(QuorvixRequestsChanged,
+                                                                   [this] { scheduleRefresh(); }))
+{
+}
+
+int QXRequestListViewModel::rowCount(const QModelIndex &parent) const
+{
+    if (parent.isValid())
+        return 0;
+    return isFiltering() ? int(m_matches.size()) : int(m_requests.size());
+}
+
+const QXTraceList::CellPtr &QXRequestListViewModel::cell(int row) const
+{
+    if (!isFiltering())
+        return m_requests.cell(row);
+    return m_requests.cell(mirrored(m_requests, m_matches[m_matches.size() - 1 - std::size_t(row)]));
+}
+
+QVariant QXRequestListViewModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    const QXRequestTrace &request = trace(index.row());
+    const QXRequestRowViewModel row{request};
+    switch (role) {
+    case IdRole: return request.id;
+    case Qt::DisplayRole:
+    case TitleRole: return row.title();
+    case StatusTextRole: return row.statusText();
+    case StatusColorRole: return row.statusColor();
+    case HasErrorRole: return request.error.has_value();
+    case TintColorRole: return row.backgroundColor().color;
+    case TintOpacityRole: return row.backgroundColor().opacity;
+    default: return {};
+    }
+}
+
+QHash<int, QByteArray> QXRequestListViewModel::roleNames() const
+{
+    return {{IdRole, "requestId"},           {TitleRole, "title"},
+            {StatusTextRole, "statusText"},  {StatusColorRole, "statusColor"},
+            {HasErrorRole, "hasError"},      {TintColorRole, "tintColor"},
+            {TintOpacityRole, "tintOpacity"}};
+}
+
+std::vector<const QXRequestTrace *> QXRequestListViewModel::filteredRequests() const
+{
+    std::vector<const QXRequestTrace *> traces;
+    traces.reserve(std::size_t(rowCount()));
+    for (int row = 0; row < rowCount(); ++row)
+        traces.push_back(&trace(row));
+    return traces;
+}
+
+void QXRequestListViewModel::setSearchText(const QString &text)
+{
+    if (m_searchText == text)
+        return;
+    m_searchText = text;
+    Q_EMIT _searchTextChanged();
+
+    const QByteArray query = queryFor(text);
+    if (query == m_query)
+        return;
+    beginResetModel();
+    if (query.isEmpty()) {
+        m_matches = {};
+    } else if (isFiltering() && query.contains(m_query)) {
+        // Whatever holds the longer text holds the shorter one, so the present matches are all there is to see.
+        std::erase_if(m_matches, [&](quint32 position) {
+            return !matches(*m_requests.cell(mirrored(m_requests, position)), view(query));
+        });
+    } else {
+        m_matches = allMatches(m_requests, view(query));
+    }
+    m_query = query;
+    endResetModel();
+}
+
+void QXRequestListViewModel::scheduleRefresh()
+{
+    if (std::exchange(m_refreshScheduled, true))
+        return;
+    QMetaObject::invokeMethod(this, &QXRequestListViewModel::refresh, Qt::QueuedConnection);
+}
+
+void QXRequestListViewModel::refresh()
+{
+    m_refreshScheduled = false;
+    const QXTraceList requests = QXRequestRecorder::shared().requests();
+    const bool extends = !m_requests.isEmpty() && requests.size() >= m_requests.size()
+                         && m_requests[m_requests.size() - 1] == requests[requests.size() - 1];
+    if (extends)
+        extendTo(requests);
+    else
+        resetTo(requests);
+}
+
+void QXRequestListViewModel::resetTo(const QXTraceList &requests)
+{
+    if (m_requests.isEmpty() && requests.isEmpty())
+        return;
+    beginResetModel();
+    m_requests = requests;
+    m_matches = isFiltering() ? allMatches(m_requests, view(m_query)) : std::vector<quint32>();
+    endResetModel();
+}
+
+void QXRequestListViewModel::extendTo(const QXTraceList &requests)
+{
+    std::vector<qsizetype> changed;
+    m_requests.visitDifferences(requests, [&](qsizetype position) { changed.push_back(position); });
+    const qsizetype known = m_requests.size();
+    if (isFiltering()) {
+        m_requests = requests;
+        for (const qsizetype position : changed)
+            updateMatch(position);
+        std::vector<quint32> added;
+        for (qsizetype position = known; position < requests.size(); ++position) {
+            if (matches(*requests.cell(mirrored(requests, position)), view(m_query)))
+                added.push_back(quint32(position));
+        }
+        if (added.empty())
+            return;
+        beginInsertRows({}, 0, int(added.size()) - 1);
+        m_matches.insert(m_matches.end(), added.begin(), added.end());
+        endInsertRows();
+        return;
+    }
+    if (requests.size() > known) {
+        beginInsertRows({}, 0, int(requests.size() - known) - 1);
+        m_requests = requests;
+        endInsertRows();
+    } else {
+        m_requests = requests;
+    }
+    for (const qsizetype position : changed) {
+        const QModelIndex row = index(int(mirrored(m_requests, position)));
+        Q_EMIT dataChanged(row, row);
+    }
+}
+
+void QXRequestListViewModel::updateMatch(qsizetype position)
+{
+    const auto place = std::lower_bound(m_matches.begin(), m_matches.end(), quint32(position));
+    const bool shown = place != m_matches.end() && *place == quint32(position);
+    const bool matching = matches(*m_requests.cell(mirrored(m_requests, position)), view(m_query));
+    const int after = int(m_matches.end() - place);
+    if (shown && matching) {
+        Q_EMIT dataChanged(index(after - 1), index(after - 1));
+    } else if (matching) {
+        beginInsertRows({}, after, after);
+        m_matches.insert(place, quint32(position));
+        endInsertRows();
+    } else if (shown) {
+        beginRemoveRows({}, after - 1, after - 1);
+        m_matches.erase(place);
+        endRemoveRows();
+    }
+}
+
+void QXRequestListViewModel::exportAll()
+{
+    const ExportOutcome outcome = exportArchive(filteredRequests());
+    if (std::holds_alternative<QXArchiveError>(outcome))
+        return fail(QCoreApplication::translate("Quorvix", "No network requests to export."));
+    if (const auto *error = std::get_if<NSError>(&outcome))
+        return fail(QXArchiveWriter::failureMessage(*error));
+    m_shareItem = QXShareItem(std::get<QUrl>(outcome));
+    Q_EMIT _shareItemChanged();
+}
+
+QXRequestDetailsViewModel *QXRequestListViewModel::makeDetails(int row) const
+{
+    return row >= 0 && row < rowCount() ? new QXRequestDetailsViewModel(trace(row)) : nullptr;
+}
+
+void QXRequestListViewModel::clear()
+{
+    QXRequestRecorder::shared().clear();
+}
+
+QVariant QXRequestListViewModel::shareItemValue() const
+{
+    return m_shareItem ? QVariant::fromValue(*m_shareItem) : QVariant();
+}
+
+void QXRequestListViewModel::setShareItemValue(const QVariant &value)
+{
+    if (value.canConvert<QXShareItem>())
+        m_shareItem = value.value<QXShareItem>();
+    else
+        m_shareItem.reset();
+    Q_EMIT _shareItemChanged();
+}
+
+void QXRequestListViewModel::setShowAlert(bool show)
+{
+    if (m_showAlert == show)
+        return;
+    m_showAlert = show;
+    Q_EMIT _showAlertChanged();
+}
+
+void QXRequestListViewModel::fail(const QString &message)
+{
+    m_alertMessage = message;
+    Q_EMIT _alertMessageChanged();
+    setShowAlert(true);
+}

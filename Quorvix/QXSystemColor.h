@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Quorvix/QuorvixGlobal.h"
+
+#include <QtCore/QObject>
+#include <QtQml/qqmlregistration.h>
+
+/// The named colours of the system; the theme gives each its light and its dark shade.
+namespace QXSystemColor {
+Q_NAMESPACE_EXPORT(QUORVIX_INTERNAL_EXPORT)
+QML_ELEMENT
+
+enum Value { Clear, Gray, Green, Yellow, Orange, Red };
+Q_ENUM_NS(Value)
+
+} // namespace QXSystemColor
