@@ -140,7 +140,9 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
     std::optional<QByteArray> body = item.data;
     if (!keepBody)
         body = bodyText ? bodyText->toUtf8() : QByteArray("");
-    const auto bodyLength = body ? std::optional(body->size()) : std::nullopt;
+    std::optional<qsizetype> bodyLength;
+    if (body)
+        bodyLength = body->size();
     const auto response = rebuild(item.response, statusCode, bodyLength);
 
     QXRequestRecorder::shared().complete(item.requestId, response, body, item.error);

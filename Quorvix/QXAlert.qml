@@ -1,0 +1,83 @@
+import QtQuick
+import Quorvix
+
+/// A message that has to be acknowledged.
+QXModal {
+    id: root
+
+    property string title
+    property string message
+
+    objectName: "QXAlert"
+    dismissesOnOutsideTap: false
+
+    Keys.onReturnPressed: root.dismissRequested()
+    Keys.onEnterPressed: root.dismissRequested()
+
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: title
+    Accessible.description: message
+
+    Rectangle {
+        anchors.centerIn: parent
+        width: Math.min(270 * Math.max(1, QXTheme.scale), root.width - 2 * QXTheme.margin)
+        height: Math.min(column.implicitHeight, root.height - 2 * QXTheme.margin)
+        scale: root.presented ? 1 + 0.1 * (1 - root.progress) : 1
+        opacity: root.progress
+        radius: QXTheme.cardRadius
+        color: QXTheme.elevatedBackground
+
+        MouseArea {
+            anchors.fill: parent
+        }
+
+        Column {
+            id: column
+
+            width: parent.width
+            topPadding: 20
+
+            QXText {
+                x: QXTheme.margin
+                width: parent.width - 2 * x
+                text: root.title
+                font: QXTheme.headline
+                wrapMode: Text.Wrap
+                horizontalAlignment: Text.AlignHCenter
+                Accessible.ignored: true
+            }
+
+            QXText {
+                x: QXTheme.margin
+                width: parent.width - 2 * x
+                topPadding: 3
+                visible: text.length > 0
+                text: root.message
+                font: QXTheme.footnote
+                wrapMode: Text.Wrap
+                maximumLineCount: 12
+                elide: Text.ElideRight
+                horizontalAlignment: Text.AlignHCenter
+                Accessible.ignored: true
+            }
+
+            Item {
+                width: 1
+                height: 20
+            }
+
+            QXSeparator {
+                width: parent.width
+            }
+
+            QXTextButton {
+                objectName: "QXAlertButton"
+                width: parent.width
+                focus: true
+                text: qsTranslate("Quorvix", "OK")
+                font: QXTheme.headline
+                onClicked: root.dismissRequested()
+            }
+        }
+    }
+}

@@ -1,0 +1,206 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// The editor of a held response: its status code and its body, released unchanged or with the edits.
+FocusScope {
+    id: root
+
+    required property QXBreakpointEditorModel model
+    property real safeAreaTop: 0
+    property real safeAreaLeft: 0
+    property real safeAreaRight: 0
+    property real safeAreaBottom: 0
+
+    /// From then on the body is laid out; in no width at all every character would be a line of its own.
+    property bool hasRoom: false
+
+    objectName: "QXBreakpointEditorView"
+    onWidthChanged: {
+        if (width > 0)
+            hasRoom = true;
+    }
+
+    LayoutMirroring.enabled: QXTheme.isMirrored
+    LayoutMirroring.childrenInherit: true
+
+    /// Nothing that happens here reaches the screens beneath.
+    MouseArea {
+        anchors.fill: parent
+        acceptedButtons: Qt.AllButtons
+        hoverEnabled: true
+        cursorShape: Qt.ArrowCursor
+        onWheel: wheel => wheel.accepted = true
+
+        MultiPointTouchArea {
+            anchors.fill: parent
+            mouseEnabled: false
+        }
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: QXTheme.background
+    }
+
+    QXNavigationBar {
+        id: bar
+
+        x: root.safeAreaLeft
+        y: root.safeAreaTop
+        width: parent.width - root.safeAreaLeft - root.safeAreaRight
+        title: qsTranslate("Quorvix", "Breakpoint")
+
+        leading: QXTextButton {
+            id: continueButton
+
+            objectName: "QXContinueButton"
+            text: qsTranslate("Quorvix", "Continue")
+            font: QXTheme.barItem
+            onClicked: root.model.continueResponse()
+        }
+        trailing: QXTextButton {
+            objectName: "QXApplyButton"
+            text: qsTranslate("Quorvix", "Apply Changes")
+            font: QXTheme.barTitle
+            onClicked: root.model.applyChanges()
+        }
+    }
+
+    Item {
+        anchors.top: bar.bottom
+        anchors.topMargin: QXTheme.margin
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: QXTheme.margin + Math.max(root.safeAreaBottom, keyboardHeight)
+        x: bar.x + bar.columnMargin
+        width: bar.width - 2 * bar.columnMargin
+
+        readonly property real keyboardHeight: InputMethod.visible ? InputMethod.keyboardRectangle.height : 0
+
+        Column {
+            id: head
+
+            width: parent.width
+            spacing: 4
+
+            QXText {
+                objectName: "QXBreakpointTitle"
+                width: parent.width
+                text: root.model.displayTitle
+                font: QXTheme.subheadline
+                wrapMode: Text.WrapAnywhere
+                maximumLineCount: 3
+                elide: Text.ElideRight
+            }
+
+            QXText {
+                width: parent.width
+                text: qsTranslate("Quorvix", "Edit response and continue.")
+                font: QXTheme.footnote
+                color: QXTheme.secondaryLabel
+                wrapMode: Text.Wrap
+            }
+
+            QXText {
+                width: parent.width
+                topPadding: 12
+                text: qsTranslate("Quorvix", "Status Code")
+                font: QXTheme.caption
+                color: QXTheme.secondaryLabel
+                Accessible.ignored: true
+            }
+
+            QXTextField {
+                objectName: "QXStatusCodeField"
+                width: parent.width
+                focus: true
+                text: root.model.statusCodeText
+                inputMethodHints: Qt.ImhDigitsOnly | Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
+                Accessible.name: qsTranslate("Quorvix", "Status Code")
+                onTextChanged: root.model.statusCodeText = text
+            }
+        }
+
+        Item {
+            id: caption
+
+            anchors.top: head.bottom
+            anchors.topMargin: QXTheme.spacing
+            width: parent.width
+            height: QXTheme.touchTarget
+
+            QXText {
+                anchors.left: parent.left
+                anchors.verticalCenter: parent.verticalCenter
+                text: qsTranslate("Quorvix", "RESPONSE BODY")
+                font: QXTheme.caption
+                color: QXTheme.secondaryLabel
+                Accessible.ignored: true
+            }
+
+            Row {
+                anchors.right: parent.right
+                anchors.rightMargin: -QXTheme.spacing
+
+                QXTextButton {
+                    objectName: "QXCopyBodyButton"
+                    text: qsTranslate("Quorvix", "Copy")
+                    font: QXTheme.caption
+                    onClicked: root.model.copyBody()
+                }
+
+                QXTextButton {
+                    id: deleteButton
+
+                    objectName: "QXDeleteBodyButton"
+                    text: qsTranslate("Quorvix", "Delete")
+                    font: QXTheme.caption
+                    onClicked: root.model.deleteBody()
+                }
+            }
+        }
+
+        Rectangle {
+            anchors.top: caption.bottom
+            anchors.bottom: parent.bottom
+            width: parent.width
+            radius: QXTheme.cornerRadius
+            color: "transparent"
+            border.width: body.activeFocus ? 2 : 1
+            border.color: body.activeFocus ? QXTheme.blue : QXTheme.separator
+
+            Flickable {
+                id: page
+
+                anchors.fill: parent
+                anchors.margins: 2
+                boundsBehavior: Flickable.StopAtBounds
+                flickableDirection: Flickable.VerticalFlick
+                clip: true
+
+                T.ScrollBar.vertical: QXScrollBar {}
+
+                T.TextArea.flickable: T.TextArea {
+                    id: body
+
+                    objectName: "QXBodyEditor"
+                    padding: 10
+                    text: root.hasRoom ? root.model.bodyText : ""
+                    font: QXTheme.subheadline
+                    color: QXTheme.label
+                    selectionColor: QXTheme.blue
+                    selectedTextColor: QXTheme.onColor
+                    textFormat: TextEdit.PlainText
+                    wrapMode: TextEdit.WrapAnywhere
+                    selectByMouse: true
+                    inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
+                    KeyNavigation.priority: KeyNavigation.BeforeItem
+                    KeyNavigation.tab: continueButton
+                    KeyNavigation.backtab: deleteButton
+                    Accessible.name: qsTranslate("Quorvix", "RESPONSE BODY")
+                    onTextChanged: root.model.bodyText = text
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Quorvix/QXBreakpointItem.h"
+
+#include <QtCore/QPointer>
+
+#include <memory>
+
+class QQmlEngine;
+class QQuickItem;
+class QQuickWindow;
+class QXLayer;
+
+/// The window of the breakpoint editor: a layer above all others, with the keyboard. Main thread only.
+class QUORVIX_INTERNAL_EXPORT QXBreakpointWindow
+{
+public:
+    /// Lies over @p window; @p engine must outlive it.
+    QXBreakpointWindow(QQmlEngine &engine, QQuickWindow *window);
+    ~QXBreakpointWindow();
+
+    /// Shows an editor for @p item, in place of the one that was there, and takes the keyboard.
+    void makeKeyAndVisible(const QXBreakpointItem &item);
+    /// Lies over another window from now on.
+    void attach(QQuickWindow *window);
+
+    /// Whether the keyboard is the editor's.
+    [[nodiscard]] bool isKeyWindow() const;
+    /// The editor on show.
+    [[nodiscard]] QQuickItem *editor() const { return m_editor; }
+
+private:
+
+    QQmlEngine &m_engine;
+    QXLayer *m_layer;
+    QPointer<QQuickItem> m_editor;
+    QPointer<QQuickItem> m_previousFocus;
+};

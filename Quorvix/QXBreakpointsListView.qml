@@ -1,0 +1,59 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// The breakpoint rules that are switched on; a row is deleted with a swipe, the Delete key, or in edit mode.
+FocusScope {
+    id: root
+
+    property bool isEditing: false
+    readonly property alias count: list.count
+
+    readonly property QXBreakpointsViewModel viewModel: QXBreakpointsViewModel {}
+
+    objectName: "QXBreakpointsListView"
+
+    QXText {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        padding: QXTheme.margin
+        visible: list.count === 0
+        text: qsTranslate("Quorvix", "No breakpoints yet.")
+        font: QXTheme.subheadline
+        color: QXTheme.secondaryLabel
+        wrapMode: Text.Wrap
+    }
+
+    ListView {
+        id: list
+
+        anchors.fill: parent
+        focus: true
+        activeFocusOnTab: count > 0
+        clip: true
+        currentIndex: -1
+        model: root.viewModel
+        onCountChanged: {
+            if (count === 0)
+                root.isEditing = false;
+        }
+
+        Accessible.role: Accessible.List
+        Accessible.name: qsTranslate("Quorvix", "Breakpoints")
+
+        Keys.onDeletePressed: root.viewModel.deleteRules([list.currentIndex])
+
+        T.ScrollBar.vertical: QXScrollBar {}
+
+        delegate: QXBreakpointRowView {
+            required property int index
+
+            width: ListView.view.width
+            isEditing: root.isEditing
+            isCurrent: ListView.isCurrentItem && list.activeFocus
+            onDeleteRequested: root.viewModel.deleteRules([index])
+        }
+    }
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Quorvix/QXBreakpointStore.h"
+
+#include <QtCore/QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
+
+/// The breakpoint rules as a list, in the store's sorted order; follows the store. Main thread only.
+class QUORVIX_INTERNAL_EXPORT QXBreakpointsViewModel : public QAbstractListModel
+{
+    Q_OBJECT
+    QML_ELEMENT
+
+public:
+    enum Role { DisplayTextRole = Qt::UserRole };
+
+    /// Feeds on the shared store.
+    explicit QXBreakpointsViewModel(QObject *parent = nullptr);
+    /// Feeds on @p store, which must outlive the model.
+    explicit QXBreakpointsViewModel(QXBreakpointStore &store, QObject *parent = nullptr);
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    [[nodiscard]] const QList<QXBreakpointKey> &items() const noexcept { return m_items; }
+
+    /// Removes the rules in these rows from the store. Rows that do not exist are passed over.
+    Q_INVOKABLE void deleteRules(const QList<int> &offsets);
+
+private:
+    void refresh();
+
+    QXBreakpointStore &m_store;
+    QList<QXBreakpointKey> m_items;
+};

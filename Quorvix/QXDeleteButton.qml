@@ -1,0 +1,29 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// What a swipe uncovers.
+T.AbstractButton {
+    id: root
+
+    implicitWidth: 88
+    implicitHeight: QXTheme.touchTarget
+    focusPolicy: Qt.NoFocus
+    text: qsTranslate("Quorvix", "Delete")
+
+    Accessible.name: text
+    Accessible.role: Accessible.Button
+
+    background: Rectangle {
+        color: QXTheme.red
+        opacity: root.pressed ? 0.7 : 1
+    }
+    contentItem: QXText {
+        text: root.text
+        font: QXTheme.subheadline
+        color: QXTheme.onColor
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        Accessible.ignored: true
+    }
+}

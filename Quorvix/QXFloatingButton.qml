@@ -1,0 +1,146 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// The round button over the host's window: a tap opens or closes the request list, a drag moves it.
+T.AbstractButton {
+    id: root
+
+    required property QXOverlay overlay
+
+    objectName: "QXFloatingButton"
+    width: 52
+    height: 52
+    x: overlay.buttonCenter.x - width / 2
+    y: overlay.buttonCenter.y - height / 2
+    focusPolicy: Qt.TabFocus
+    text: qsTranslate("Quorvix", "Network Trace")
+
+    Accessible.name: text
+    Accessible.role: Accessible.Button
+    Accessible.description: overlay.badgeText
+
+    Item {
+        anchors.fill: parent
+        scale: root.pressed ? 0.94 : 1
+
+        QXIcon {
+            anchors.centerIn: parent
+            anchors.verticalCenterOffset: 6
+            symbol: "button.shadow"
+            size: 112
+            color: QXTheme.shadow
+        }
+
+        Item {
+            objectName: "QXBlurView"
+            anchors.fill: parent
+            opacity: 0.85
+
+            Rectangle {
+                anchors.fill: parent
+                radius: width / 2
+                color: QXTheme.material
+                border.width: 1
+                border.color: QXTheme.materialEdge
+            }
+
+            Rectangle {
+                anchors.fill: parent
+                radius: width / 2
+                visible: root.pressed
+                color: QXTheme.pressedFill
+            }
+        }
+
+        QXIcon {
+            anchors.centerIn: parent
+            symbol: "antenna.radiowaves.left.and.right"
+            size: 22
+        }
+
+        Row {
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: 7
+            spacing: 3
+
+            Repeater {
+                model: 3
+
+                Rectangle {
+                    width: 3
+                    height: 3
+                    radius: 1.5
+                    color: QXTheme.label
+                    opacity: 0.5
+                }
+            }
+        }
+
+        Rectangle {
+            objectName: "QXBadge"
+            anchors.top: parent.top
+            anchors.topMargin: -4
+            anchors.right: parent.right
+            anchors.rightMargin: -4
+            width: Math.max(height, badgeLabel.implicitWidth + 12)
+            height: badgeLabel.implicitHeight + 4
+            radius: Math.min(10, height / 2)
+            visible: root.overlay.badgeText.length > 0
+            color: QXTheme.red
+
+            QXText {
+                id: badgeLabel
+
+                objectName: "QXBadgeLabel"
+                anchors.centerIn: parent
+                text: root.overlay.badgeText
+                font: Qt.font({
+                    family: QXTheme.captionBold.family,
+                    pixelSize: 12,
+                    weight: Font.Bold
+                })
+                color: QXTheme.onColor
+                Accessible.ignored: true
+            }
+        }
+
+        QXFocusRing {
+            anchors.fill: parent
+            anchors.margins: -3
+            radius: width / 2
+            visible: root.visualFocus
+        }
+
+        Behavior on scale {
+            NumberAnimation {
+                duration: 120
+            }
+        }
+    }
+
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+    onClicked: overlay.handleFloatingButtonTap()
+
+    DragHandler {
+        property vector2d followed
+
+        target: null
+        // Once it is a drag it is no tap: the button loses its press.
+        grabPermissions: PointerHandler.CanTakeOverFromAnything
+        onActiveTranslationChanged: {
+            if (!active)
+                return;
+            const step = activeTranslation.minus(followed);
+            followed = activeTranslation;
+            root.overlay.handleButtonPan(Qt.point(step.x, step.y));
+        }
+        onActiveChanged: {
+            if (!active)
+                root.overlay.handleButtonPanEnd();
+            followed = Qt.vector2d(0, 0);
+        }
+    }
+}

@@ -1,0 +1,64 @@
+#include "Quorvix/QXHostWindow.h"
+
+#include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
+#include <QtQuick/QQuickWindow>
+
+#include <algorithm>
+
+namespace {
+
+constexpr char fallbackProperty[] = "quorvixFallbackWindow";
+
+QQuickWindow *asHostWindow(QWindow *window)
+{
+    auto *const quickWindow = qobject_cast<QQuickWindow *>(window);
+    return quickWindow && quickWindow->isVisible() && !QXHostWindow::isFallback(quickWindow) ? quickWindow
+                                                                                              : nullptr;
+}
+
+} // namespace
+
+QQuickWindow *QXHostWindow::find()
+{
+    if (QQuickWindow *const active = asHostWindow(QGuiApplication::focusWindow()))
+        return active;
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    for (QWindow *const window : windows) {
+        if (QQuickWindow *const quickWindow = asHostWindow(window))
+            return quickWindow;
+    }
+    return nullptr;
+}
+
+bool QXHostWindow::isFallback(const QQuickWindow *window)
+{
+    return window->property(fallbackProperty).toBool();
+}
+
+std::unique_ptr<QQuickWindow> QXHostWindow::makeFallback()
+{
+    auto window = std::make_unique<QQuickWindow>();
+    window->setProperty(fallbackProperty, true);
+    window->setColor(Qt::transparent);
+    window->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    // Part of whatever window the host shows, so that it never keeps the application from ending.
+    window->setTransientParent(QGuiApplication::focusWindow());
+    if (const QScreen *const screen = QGuiApplication::primaryScreen())
+        window->setGeometry(screen->geometry());
+    window->show();
+    return window;
+}
+
+QMarginsF QXHostWindow::safeAreaMargins(const QQuickWindow &window)
+{
+    // A window among others keeps clear of the bars by itself; one that fills the screen does not.
+    const QScreen *const screen = window.screen();
+    if (!screen || window.size() != screen->size())
+        return {};
+    const QRect whole = screen->geometry();
+    const QRect available = screen->availableGeometry();
+    return {std::max(0.0, qreal(available.left() - whole.left())), std::max(0.0, qreal(available.top() - whole.top())),
+            std::max(0.0, qreal(whole.right() - available.right())),
+            std::max(0.0, qreal(whole.bottom() - available.bottom()))};
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Quorvix/QuorvixGlobal.h"
+
+#include <QtCore/QMarginsF>
+
+#include <memory>
+
+class QQuickWindow;
+
+/// Finds the host's window, or makes do without one. Main thread only.
+namespace QXHostWindow {
+
+/// The host's active Qt Quick window, else any that is visible, else null.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT QQuickWindow *find();
+
+/// Whether the inspector made @p window for itself.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool isFallback(const QQuickWindow *window);
+
+/// A transparent window of the main screen's size, for an application that has none of its own.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT std::unique_ptr<QQuickWindow> makeFallback();
+
+/// What bars and notches cover at the edges of @p window, in points.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT QMarginsF safeAreaMargins(const QQuickWindow &window);
+
+} // namespace QXHostWindow

@@ -1,0 +1,40 @@
+#include "Quorvix/QXOverlayPoint.h"
+
+#include "Platform/JSONReader.h"
+#include "Platform/JSONWriter.h"
+
+#include <cmath>
+
+namespace {
+
+std::optional<double> finiteNumber(const JSONValue &object, QByteArrayView name)
+{
+    const auto member = object.member(name);
+    if (!member || member->kind() != JSONValue::Kind::Number || !std::isfinite(member->toDouble()))
+        return std::nullopt;
+    return member->toDouble();
+}
+
+} // namespace
+
+QByteArray QXOverlayPoint::encoded() const
+{
+    JSONWriter writer(JSONWriter::Format::Compact);
+    writer.beginObject();
+    writer.key(QLatin1StringView("x"));
+    writer.number(x);
+    writer.key(QLatin1StringView("y"));
+    writer.number(y);
+    writer.endObject();
+    return writer.takeBuffer();
+}
+
+std::optional<QXOverlayPoint> QXOverlayPoint::decoded(const QByteArray &json)
+{
+    const auto document = JSONReader::parse(json);
+    if (!document)
+        return std::nullopt;
+    const auto x = finiteNumber(document.value().root(), "x");
+    const auto y = finiteNumber(document.value().root(), "y");
+    return x && y ? std::optional(QXOverlayPoint{*x, *y}) : std::nullopt;
+}

@@ -1,0 +1,83 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvix
+
+/// What lies over the host's window: the floating button, and beneath it the request list while it is open.
+FocusScope {
+    id: root
+
+    required property QXOverlay overlay
+    /// How far the list has come up, from 0 to 1.
+    property real progress: 0
+
+    LayoutMirroring.enabled: QXTheme.isMirrored
+    LayoutMirroring.childrenInherit: true
+
+    /// Nothing that happens over the list reaches the host beneath.
+    MouseArea {
+        anchors.fill: parent
+        enabled: root.overlay.isShowingRequestList
+        acceptedButtons: Qt.AllButtons
+        hoverEnabled: enabled
+        cursorShape: enabled ? Qt.ArrowCursor : undefined
+        onWheel: wheel => wheel.accepted = true
+
+        MultiPointTouchArea {
+            anchors.fill: parent
+            enabled: root.overlay.isShowingRequestList
+            mouseEnabled: false
+        }
+    }
+
+    // A list screen for each presentation: none or one.
+    Repeater {
+        model: root.overlay.isShowingRequestList ? 1 : 0
+
+        delegate: QXRequestListView {
+            y: root.height * (1 - root.progress)
+            width: root.width
+            height: root.height
+            focus: true
+            safeAreaTop: root.overlay.safeAreaTop
+            safeAreaLeft: root.overlay.safeAreaLeft
+            safeAreaRight: root.overlay.safeAreaRight
+            safeAreaBottom: root.overlay.safeAreaBottom
+            presentationLayer: presentations
+            onClose: root.overlay.dismissRequestList()
+            Component.onCompleted: forceActiveFocus()
+        }
+    }
+
+    QXFloatingButton {
+        overlay: root.overlay
+        enabled: !presentations.isPresenting
+    }
+
+    QXPresentationLayer {
+        id: presentations
+
+        anchors.fill: parent
+        visible: root.overlay.presentsRequestList
+    }
+
+    NumberAnimation {
+        id: slide
+
+        target: root
+        property: "progress"
+        duration: QXTheme.duration
+        easing.type: Easing.OutCubic
+        onFinished: root.overlay.requestListDismissed()
+    }
+
+    Connections {
+        target: root.overlay
+
+        function onPresentationChanged() {
+            slide.to = root.overlay.presentsRequestList ? 1 : 0;
+            if (root.overlay.isShowingRequestList)
+                slide.restart();
+        }
+    }
+}

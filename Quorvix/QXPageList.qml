@@ -1,0 +1,35 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// A list that scrolls below a navigation bar, starting with its large title in full.
+ListView {
+    id: root
+
+    required property QXNavigationBar bar
+    property real bottomInset: 0
+
+    y: bar.collapsedHeight
+    width: bar.width
+    topMargin: bar.largeTitleHeight
+    bottomMargin: bottomInset + QXTheme.buttonClearance
+    focus: true
+    activeFocusOnTab: true
+    reuseItems: true
+    clip: true
+    currentIndex: -1
+    highlightMoveDuration: 0
+    boundsBehavior: Flickable.DragOverBounds
+
+    Accessible.role: Accessible.List
+    Accessible.name: bar.title
+
+    T.ScrollBar.vertical: QXScrollBar {}
+
+    Component.onCompleted: root.scrollToTop()
+    onTopMarginChanged: root.scrollToTop()
+
+    function scrollToTop() {
+        root.contentY = root.originY - root.topMargin;
+    }
+}

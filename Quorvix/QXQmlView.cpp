@@ -1,0 +1,50 @@
+#include "Quorvix/QXQmlView.h"
+
+#include "Quorvix/QXLog.h"
+#include "Quorvix/QXSymbolProvider.h"
+
+#include <QtQml/QQmlComponent>
+#include <QtQml/QQmlEngine>
+#include <QtQuick/QQuickItem>
+
+namespace {
+
+void fill(QQuickItem &item, QQuickItem &parent)
+{
+    item.setParentItem(&parent);
+    const auto fit = [&item, &parent] { item.setSize(parent.size()); };
+    QObject::connect(&parent, &QQuickItem::widthChanged, &item, fit);
+    QObject::connect(&parent, &QQuickItem::heightChanged, &item, fit);
+    fit();
+}
+
+} // namespace
+
+std::unique_ptr<QQmlEngine> QXQmlView::makeEngine()
+{
+    auto engine = std::make_unique<QQmlEngine>();
+    engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine->addImageProvider(QStringLiteral("symbol"), new QXSymbolProvider);
+    // What goes wrong in a screen is told by the log, when it is on, and never by the process's own output.
+    engine->setOutputWarningsToStandardError(false);
+    QObject::connect(engine.get(), &QQmlEngine::warnings, [](const QList<QQmlError> &warnings) {
+        for (const QQmlError &warning : warnings)
+            QXLog::log(QXLogLevel::error, QStringLiteral("[Screen] ") + warning.toString());
+    });
+    return engine;
+}
+
+QQuickItem *QXQmlView::make(QQmlEngine &engine, const QString &name, const QVariantMap &properties,
+                            QQuickItem &parent)
+{
+    QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/qt/qml/Quorvix/%1.qml").arg(name)));
+    std::unique_ptr<QObject> object(component.createWithInitialProperties(properties));
+    auto *const item = qobject_cast<QQuickItem *>(object.get());
+    if (!item) {
+        QXLog::log(QXLogLevel::error, QStringLiteral("[Screen] ") + component.errorString());
+        return nullptr;
+    }
+    object.release()->setParent(&parent);
+    fill(*item, parent);
+    return item;
+}

@@ -1,0 +1,112 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvix
+
+/// The list of the captured exchanges, with the search over it.
+FocusScope {
+    id: root
+
+    required property QXRequestListViewModel viewModel
+    property real bottomInset: 0
+
+    signal close
+    signal breakpointsRequested
+    signal rowChosen(int row)
+
+    function focusSearch() {
+        search.forceActiveFocus();
+        search.selectAll();
+    }
+
+    Keys.onShortcutOverride: event => event.accepted = event.matches(StandardKey.Find)
+    Keys.onPressed: event => {
+        event.accepted = event.matches(StandardKey.Find);
+        if (event.accepted)
+            root.focusSearch();
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: QXTheme.background
+    }
+
+    QXNavigationBar {
+        id: navigationBar
+
+        width: root.width
+        title: qsTranslate("Quorvix", "Network Requests")
+        flickable: list
+
+        leading: QXToolButton {
+            objectName: "QXCloseButton"
+            symbol: "xmark"
+            text: qsTranslate("Quorvix", "Close")
+            onClicked: root.close()
+        }
+        trailing: [
+            QXToolButton {
+                objectName: "QXBreakpointsButton"
+                symbol: "pause.circle"
+                text: qsTranslate("Quorvix", "Breakpoints")
+                onClicked: root.breakpointsRequested()
+            },
+            QXToolButton {
+                objectName: "QXTrashButton"
+                symbol: "trash"
+                text: qsTranslate("Quorvix", "Clear requests")
+                onClicked: root.viewModel.clear()
+            },
+            QXToolButton {
+                objectName: "QXExportButton"
+                symbol: "square.and.arrow.up"
+                text: qsTranslate("Quorvix", "Export requests")
+                onClicked: root.viewModel.exportAll()
+            }
+        ]
+        accessory: QXSearchField {
+            id: search
+
+            width: parent.width
+            placeholderText: qsTranslate("Quorvix", "Search requests...")
+            text: root.viewModel._searchText
+            onTextChanged: root.viewModel._searchText = text
+            KeyNavigation.down: list
+        }
+    }
+
+    QXPageList {
+        id: list
+
+        objectName: "QXRequestList"
+        height: root.height - y
+        bar: navigationBar
+        bottomInset: root.bottomInset
+        model: root.viewModel
+        KeyNavigation.up: search
+
+        Keys.onReturnPressed: list.openCurrent()
+        Keys.onEnterPressed: list.openCurrent()
+
+        delegate: QXRequestRowView {
+            required property int index
+
+            width: ListView.view.width
+            columnMargin: navigationBar.columnMargin
+            isCurrent: ListView.isCurrentItem && list.activeFocus
+            onClicked: {
+                list.currentIndex = index;
+                root.rowChosen(index);
+            }
+        }
+
+        function openCurrent() {
+            if (list.currentIndex >= 0)
+                root.rowChosen(list.currentIndex);
+        }
+    }
+
+    QXListAnchor {
+        view: list
+    }
+}

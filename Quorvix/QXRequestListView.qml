@@ -1,0 +1,96 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// The inspector's own screens, from the request list on; covers the host's window.
+FocusScope {
+    id: root
+
+    /// Where the sheets and alerts of these screens lie.
+    required property QXPresentationLayer presentationLayer
+    property real safeAreaTop: 0
+    property real safeAreaLeft: 0
+    property real safeAreaRight: 0
+    property real safeAreaBottom: 0
+    property bool showBreakpoints: false
+
+    readonly property QXRequestListViewModel viewModel: QXRequestListViewModel {}
+
+    /// The user is done here.
+    signal close
+
+    objectName: "QXRequestListView"
+
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape
+    Keys.onEscapePressed: root.close()
+
+    Rectangle {
+        anchors.fill: parent
+        color: QXTheme.background
+    }
+
+    QXNavigationStack {
+        id: stack
+
+        anchors.fill: parent
+        anchors.topMargin: root.safeAreaTop
+        anchors.leftMargin: root.safeAreaLeft
+        anchors.rightMargin: root.safeAreaRight
+        focus: true
+        enabled: !root.presentationLayer.isPresenting
+    }
+
+    QXSheet {
+        presentationLayer: root.presentationLayer
+        presented: root.showBreakpoints
+        title: qsTranslate("Quorvix", "Breakpoints")
+        safeAreaBottom: root.safeAreaBottom
+        contentHeight: root.height * 0.6
+        trailing: QXTextButton {
+            objectName: "QXBreakpointsEditButton"
+            visible: breakpoints.count > 0
+            text: breakpoints.isEditing ? qsTranslate("Quorvix", "Finish") : qsTranslate("Quorvix", "Edit")
+            onClicked: breakpoints.isEditing = !breakpoints.isEditing
+        }
+        onDismissRequested: root.showBreakpoints = false
+
+        QXBreakpointsListView {
+            id: breakpoints
+
+            anchors.fill: parent
+            focus: true
+        }
+    }
+
+    QXActivityView {
+        presentationLayer: root.presentationLayer
+        shareItem: root.viewModel._shareItem
+        safeAreaBottom: root.safeAreaBottom
+        onDismissRequested: root.viewModel._shareItem = undefined
+    }
+
+    QXAlert {
+        presentationLayer: root.presentationLayer
+        presented: root.viewModel._showAlert
+        title: qsTranslate("Quorvix", "Export Failed")
+        message: root.viewModel._alertMessage
+        onDismissRequested: root.viewModel._showAlert = false
+    }
+
+    Component.onCompleted: {
+        const page = stack.push(Qt.resolvedUrl("QXRequestListPage.qml"), {
+            viewModel: root.viewModel,
+            bottomInset: Qt.binding(() => root.safeAreaBottom)
+        }, T.StackView.Immediate) as QXRequestListPage;
+        page.close.connect(root.close);
+        page.breakpointsRequested.connect(() => root.showBreakpoints = true);
+        page.rowChosen.connect(root.openDetails);
+    }
+
+    function openDetails(row: int) {
+        stack.push(Qt.resolvedUrl("QXRequestDetailsView.qml"), {
+            viewModel: root.viewModel.makeDetails(row),
+            bottomInset: Qt.binding(() => root.safeAreaBottom)
+        });
+    }
+}

@@ -1,0 +1,73 @@
+#include "Quorvix/QuorvixClient.h"
+
+#include "Quorvix/QXLog.h"
+#include "Quorvix/QXOverlay.h"
+#include "Quorvix/QXSessionHook.h"
+
+#include <QtCore/QCoreApplication>
+
+void QuorvixClient::DeleteLater::operator()(QXOverlay *overlay) const
+{
+    overlay->retire();
+    // Later: hide() may be called by a handler that the overlay itself has called.
+    overlay->deleteLater();
+}
+
+QuorvixClient::QuorvixClient()
+{
+    QXLog::setLevel(QXLogLevel::none);
+    QXSessionHook::install();
+}
+
+QuorvixClient::~QuorvixClient() = default;
+
+QuorvixClient &QuorvixClient::shared()
+{
+    static auto *const client = new QuorvixClient;
+    return *client;
+}
+
+void QuorvixClient::start()
+{
+    show();
+}
+
+void QuorvixClient::show()
+{
+    if (!m_overlayWindow) {
+        m_overlayWindow.reset(new QXOverlay);
+        // Windows cannot outlive the application that shows them.
+        QObject::connect(qApp, &QCoreApplication::aboutToQuit, m_overlayWindow.get(), [this] { hide(); });
+        qRemovePostRoutine(&QuorvixClient::applicationEnds);
+        qAddPostRoutine(&QuorvixClient::applicationEnds);
+    }
+    m_overlayWindow->setHidden(false);
+}
+
+void QuorvixClient::hide()
+{
+    if (!m_overlayWindow)
+        return;
+    m_overlayWindow->setHidden(true);
+    m_overlayWindow.reset();
+}
+
+void QuorvixClient::applicationEnds()
+{
+    delete shared().m_overlayWindow.release();
+}
+
+QXLogLevel QuorvixClient::logLevel() const
+{
+    return QXLog::level();
+}
+
+void QuorvixClient::setLogLevel(QXLogLevel level)
+{
+    QXLog::setLevel(level);
+}
+
+QXOverlay *QuorvixClient::overlayWindow() const
+{
+    return m_overlayWindow.get();
+}

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDateTime>
+#include <QtQuick/QQuickItem>
+#include <QtQuick/QQuickWindow>
+#include <QtTest/QTest>
+
+#include <algorithm>
+
+/// Finds items on a window by their object names and acts on them by real events.
+namespace ScreenDriver {
+
+/// Calls @p visit for every visible item, in the order in which they are painted.
+template<typename Visit>
+void visitVisible(QQuickItem *item, const Visit &visit)
+{
+    if (!item->isVisible() || item->opacity() == 0)
+        return;
+    visit(item);
+    QList<QQuickItem *> children = item->childItems();
+    std::stable_sort(children.begin(), children.end(), [](auto *left, auto *right) { return left->z() < right->z(); });
+    for (QQuickItem *const child : children)
+        visitVisible(child, visit);
+}
+
+inline QList<QQuickItem *> findAll(QQuickWindow &window, const char *name)
+{
+    QList<QQuickItem *> found;
+    visitVisible(window.contentItem(), [&](QQuickItem *item) {
+        if (item->objectName() == QLatin1StringView(name))
+            found.append(item);
+    });
+    return found;
+}
+
+/// The one painted last, or null.
+inline QQuickItem *find(QQuickWindow &window, const char *name)
+{
+    const auto found = findAll(window, name);
+    return found.isEmpty() ? nullptr : found.constLast();
+}
+
+inline QPoint middle(const QQuickItem &item)
+{
+    return item.mapToScene(QPointF(item.width() / 2, item.height() / 2)).toPoint();
+}
+
+/// Waits until an item is there and has come to rest.
+[[nodiscard]] inline bool waitForRest(QQuickWindow &window, const char *name)
+{
+    QPointF before;
+    int still = 0;
+    return QTest::qWaitFor([&] {
+        const QQuickItem *const item = find(window, name);
+        const QPointF now = item ? item->mapToScene({}) : QPointF();
+        still = item && now == before ? still + 1 : 0;
+        before = now;
+        QTest::qWait(16); // a frame
+        return still > 4;
+    });
+}
+
+inline void click(QQuickWindow &window, const char *name)
+{
+    QVERIFY2(waitForRest(window, name), name);
+    QTest::mouseClick(&window, Qt::LeftButton, {}, middle(*find(window, name)));
+}
+
+inline void type(QQuickWindow &window, const char *text)
+{
+    for (; *text; ++text)
+        QTest::keyClick(&window, *text);
+}
+
+/// Presses, moves in steps and lets go.
+inline void drag(QQuickWindow &window, QPoint from, QPoint by)
+{
+    constexpr int steps = 8;
+    QTest::mousePress(&window, Qt::LeftButton, {}, from);
+    for (int step = 1; step <= steps; ++step)
+        QTest::mouseMove(&window, from + by * step / steps);
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, from + by);
+}
+
+/// Turns the wheel by steps of one notch, down when @p notches is positive.
+inline void turnWheel(QQuickWindow &window, QPoint at, int notches)
+{
+    for (int i = 0; i < std::abs(notches); ++i) {
+        QWheelEvent event(at, window.mapToGlobal(at), {}, QPoint(0, notches > 0 ? -120 : 120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        event.setTimestamp(quint64(QDateTime::currentMSecsSinceEpoch()));
+        QCoreApplication::sendEvent(&window, &event);
+    }
+}
+
+} // namespace ScreenDriver
