@@ -1,0 +1,47 @@
+#include "Examples/DemoTour.h"
+
+#include "Examples/InspectorStage.h"
+#include "Examples/NightStage.h"
+#include "Examples/StoreStage.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QTextStream>
+
+namespace {
+
+QString pictureName(int number, const char *step)
+{
+    return QStringLiteral("%1-%2.png").arg(number, 2, 10, QLatin1Char('0')).arg(QLatin1StringView(step));
+}
+
+} // namespace
+
+int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
+{
+    QTextStream out(stdout);
+    const QDir output(outputFolder);
+    if (!output.mkpath(QStringLiteral("."))) {
+        out << "cannot write to " << outputFolder << Qt::endl;
+        return 1;
+    }
+    TourRobot robot(window);
+    StoreStage store(robot, outputFolder);
+    InspectorStage inspector(robot, outputFolder);
+    NightStage night(robot, outputFolder);
+
+    int number = 0;
+    int failures = 0;
+    for (const auto &step : store.steps() + inspector.steps() + night.steps()) {
+        const QString picture = pictureName(++number, step.name);
+        const bool succeeded = step.take();
+        const QString complaint = succeeded ? QString() : robot.complaint();
+        const bool saved = robot.screenshot(output.filePath(picture));
+        failures += !succeeded || !saved;
+        out << (succeeded && saved ? "ok      " : "FAILED  ") << picture;
+        if (!succeeded || !saved)
+            out << ": " << (succeeded ? robot.complaint() : complaint);
+        out << Qt::endl;
+    }
+    out << number - failures << " of " << number << " steps succeeded" << Qt::endl;
+    return failures ? 1 : 0;
+}

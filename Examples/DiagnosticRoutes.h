@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Examples/BreakableServer.h"
+
+#include <QtCore/QByteArray>
+
+/// The odd ends of the demo server: every status, redirects, codings, sizes, slowness and broken connections.
+class DiagnosticRoutes final
+{
+public:
+    /// Adds the routes to @p server, which must outlive this object.
+    explicit DiagnosticRoutes(BreakableServer &server);
+    DiagnosticRoutes(const DiagnosticRoutes &) = delete;
+    DiagnosticRoutes &operator=(const DiagnosticRoutes &) = delete;
+
+private:
+    void addRedirects();
+    void addBodies();
+    void addTrouble();
+    void addEcho();
+    const QByteArray &exportBody();
+
+    BreakableServer &m_server;
+    std::once_flag m_exportMade;
+    QByteArray m_exportBody;
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Examples/StoreCatalogue.h"
+
+#include <httplib.h>
+
+#include <mutex>
+
+/// The store behind /api/v1 and /images: catalogue, session, profile, cart.
+class StoreRoutes final
+{
+public:
+    /// Adds the routes to @p server, which must not outlive this object's use by more than its own stop.
+    explicit StoreRoutes(httplib::Server &server);
+    StoreRoutes(const StoreRoutes &) = delete;
+    StoreRoutes &operator=(const StoreRoutes &) = delete;
+
+private:
+    using Request = httplib::Request;
+    using Response = httplib::Response;
+
+    void listProducts(const Request &request, Response &response) const;
+    void showProduct(const Request &request, Response &response) const;
+    void showPicture(const Request &request, Response &response) const;
+    static void openSession(const Request &request, Response &response);
+    static void closeSession(const Request &request, Response &response);
+    static void showProfile(const Request &request, Response &response);
+    void showCart(const Request &request, Response &response);
+    void addToCart(const Request &request, Response &response);
+    void removeFromCart(const Request &request, Response &response);
+
+    const StoreCatalogue m_catalogue;
+    std::mutex m_mutex;
+    QJsonArray m_lines;
+};

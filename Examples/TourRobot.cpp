@@ -1,0 +1,229 @@
+#include "Examples/TourRobot.h"
+
+#include <QtCore/QDateTime>
+#include <QtCore/QDeadlineTimer>
+#include <QtGui/QImage>
+#include <QtGui/QWheelEvent>
+#include <QtQuick/QQuickItem>
+#include <QtQuick/QQuickWindow>
+#include <QtTest/QTest>
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int dragSteps = 12;
+constexpr int frame = 16;
+/// What a click of a mouse wheel reports, in eighths of a degree.
+constexpr int notch = 120;
+constexpr auto restLimit = 3s;
+
+/// Visits the visible items below @p item in the order in which they are painted.
+template<typename Visit>
+void visitVisible(QQuickItem *item, const Visit &visit)
+{
+    visit(item);
+    QList<QQuickItem *> children = item->childItems();
+    std::stable_sort(children.begin(), children.end(),
+                     [](const QQuickItem *left, const QQuickItem *right) { return left->z() < right->z(); });
+    for (QQuickItem *child : std::as_const(children)) {
+        if (child->isVisible() && child->opacity() > 0)
+            visitVisible(child, visit);
+    }
+}
+
+/// The nearest item around @p item that scrolls; null when there is none.
+QQuickItem *scroller(QQuickItem *item)
+{
+    for (QQuickItem *parent = item->parentItem(); parent; parent = parent->parentItem()) {
+        if (parent->inherits("QQuickFlickable"))
+            return parent;
+    }
+    return nullptr;
+}
+
+/// Whether an item takes clicks: it is enabled, and no stack of pages is changing pages around it.
+bool isReady(const QQuickItem *item)
+{
+    if (!item || !item->isEnabled())
+        return false;
+    for (const QQuickItem *parent = item->parentItem(); parent; parent = parent->parentItem()) {
+        if (parent->property("busy").toBool())
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+QQuickItem *TourRobot::find(const QString &name) const
+{
+    QQuickItem *found = nullptr;
+    visitVisible(m_window.contentItem(), [&](QQuickItem *item) {
+        if (item->objectName() == name)
+            found = item;
+    });
+    return found;
+}
+
+int TourRobot::count(const QString &name) const
+{
+    int count = 0;
+    visitVisible(m_window.contentItem(),
+                 [&](const QQuickItem *item) { count += item->objectName() == name; });
+    return count;
+}
+
+QString TourRobot::text(const QString &name) const
+{
+    const QQuickItem *const item = find(name);
+    return item ? item->property("text").toString() : QString();
+}
+
+bool TourRobot::waitUntil(const std::function<bool()> &condition, const QString &what,
+                          std::chrono::milliseconds limit)
+{
+    return QTest::qWaitFor(condition, static_cast<int>(limit.count())) || complain(what);
+}
+
+bool TourRobot::waitFor(const QString &name, std::chrono::milliseconds limit)
+{
+    return waitUntil([&] { return find(name) != nullptr; }, QStringLiteral("no ") + name, limit);
+}
+
+bool TourRobot::waitUntilGone(const QString &name)
+{
+    return waitUntil([&] { return find(name) == nullptr; }, name + QStringLiteral(" is still there"));
+}
+
+bool TourRobot::click(const QString &name)
+{
+    if (!waitFor(name) || !bringIntoView(name) || !waitUntilStill(name))
+        return false;
+    QTest::mouseClick(&m_window, Qt::LeftButton, {}, middle(*find(name)));
+    return true;
+}
+
+bool TourRobot::type(const QString &name, const QString &text)
+{
+    if (!click(name))
+        return false;
+    for (const char letter : text.toLatin1())
+        QTest::keyClick(&m_window, letter);
+    return waitUntil([&] { return this->text(name).endsWith(text); },
+                     QStringLiteral("%1 did not take \"%2\"").arg(name, text));
+}
+
+bool TourRobot::erase(const QString &name)
+{
+    if (!click(name))
+        return false;
+    QTest::keyClick(&m_window, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&m_window, Qt::Key_Backspace);
+    return waitUntil([&] { return text(name).isEmpty(); }, name + QStringLiteral(" is not empty"));
+}
+
+bool TourRobot::drag(const QString &name, QPoint by)
+{
+    if (!waitFor(name))
+        return false;
+    const QPoint start = middle(*find(name));
+    QTest::mousePress(&m_window, Qt::LeftButton, {}, start);
+    for (int step = 1; step <= dragSteps; ++step)
+        QTest::mouseMove(&m_window, start + by * step / dragSteps, frame);
+    QTest::mouseRelease(&m_window, Qt::LeftButton, {}, start + by, frame);
+    return true;
+}
+
+bool TourRobot::scroll(const QString &name, int turn)
+{
+    if (!waitFor(name))
+        return false;
+    const QPoint at = middle(*find(name));
+    for (int left = std::abs(turn); left > 0; left -= notch)
+        turnWheel(at, turn < 0 ? -std::min(left, notch) : std::min(left, notch));
+    return true;
+}
+
+bool TourRobot::resize(QSize size)
+{
+    m_window.resize(size);
+    return waitUntil([&] { return m_window.contentItem()->size() == QSizeF(size); },
+                     QStringLiteral("the window did not take its size"));
+}
+
+bool TourRobot::screenshot(const QString &path)
+{
+    QImage picture = m_window.grabWindow();
+    // What never rests is shown as it is in the end.
+    for (QDeadlineTimer limit(restLimit); !limit.hasExpired();) {
+        QTest::qWait(4 * frame);
+        QImage next = m_window.grabWindow();
+        if (std::exchange(picture, next) == next)
+            break;
+    }
+    return (!picture.isNull() && picture.save(path)) || complain(QStringLiteral("cannot save ") + path);
+}
+
+bool TourRobot::check(bool condition, const char *otherwise)
+{
+    return condition || complain(QString::fromUtf8(otherwise));
+}
+
+bool TourRobot::complain(const QString &complaint)
+{
+    m_complaint = complaint;
+    return false;
+}
+
+bool TourRobot::bringIntoView(const QString &name)
+{
+    QQuickItem *const item = find(name);
+    QQuickItem *const around = scroller(item);
+    if (!around)
+        return true;
+    const auto offset = [&] {
+        const double y = item->mapToItem(around, QPointF(0, item->height() / 2)).y();
+        return y < 0 ? y - item->height() : std::max(0.0, y + item->height() / 2 - around->height());
+    };
+    return waitUntil(
+        [&] {
+            const double by = offset();
+            if (by == 0)
+                return true;
+            turnWheel(middle(*around), std::clamp(static_cast<int>(by), -notch, notch));
+            return false;
+        },
+        QStringLiteral("cannot scroll to ") + name);
+}
+
+void TourRobot::turnWheel(QPoint at, int turn)
+{
+    const QPoint down(0, -turn);
+    QWheelEvent wheel(at, m_window.mapToGlobal(at), {}, down, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    wheel.setTimestamp(static_cast<quint64>(QDateTime::currentMSecsSinceEpoch()));
+    QCoreApplication::sendEvent(&m_window, &wheel);
+    QTest::qWait(frame);
+}
+
+bool TourRobot::waitUntilStill(const QString &name)
+{
+    std::optional<QPoint> last;
+    return waitUntil(
+        [&] {
+            QTest::qWait(2 * frame);
+            const QQuickItem *const item = find(name);
+            const auto now = isReady(item) ? std::optional(middle(*item)) : std::nullopt;
+            return now && std::exchange(last, now) == now;
+        },
+        QStringLiteral("%1 does not keep still").arg(name));
+}
+
+QPoint TourRobot::middle(const QQuickItem &item) const
+{
+    return item.mapToScene(QPointF(item.width() / 2, item.height() / 2)).toPoint();
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QtCore/QPoint>
+#include <QtCore/QSize>
+#include <QtCore/QString>
+
+#include <chrono>
+#include <functional>
+
+class QQuickItem;
+class QQuickWindow;
+
+/// Hands and eyes of the tour: acts on a window by pointer and key events alone, and looks for items by their
+/// object names. What fails leaves a complaint. Main thread only; waiting turns the event loop.
+class TourRobot final
+{
+public:
+    static constexpr std::chrono::seconds patience{8};
+
+    explicit TourRobot(QQuickWindow &window) : m_window(window) {}
+
+    /// The visible item of this name that is painted last; null when there is none.
+    [[nodiscard]] QQuickItem *find(const QString &name) const;
+    /// How many visible items have this name.
+    [[nodiscard]] int count(const QString &name) const;
+    /// The property "text" of an item; empty when there is none.
+    [[nodiscard]] QString text(const QString &name) const;
+
+    /// Waits for @p condition; @p what says what is missing when it does not come true.
+    bool waitUntil(const std::function<bool()> &condition, const QString &what,
+                   std::chrono::milliseconds limit = patience);
+    bool waitFor(const QString &name, std::chrono::milliseconds limit = patience);
+    bool waitUntilGone(const QString &name);
+
+    /// Presses and releases the middle of an item, after scrolling to it where it is out of sight.
+    bool click(const QString &name);
+    /// Clicks a field and types; characters of ASCII only.
+    bool type(const QString &name, const QString &text);
+    /// Empties a field with the keyboard.
+    bool erase(const QString &name);
+    /// Presses an item, moves, and lets go.
+    bool drag(const QString &name, QPoint by);
+    /// Turns the wheel over an item, down when @p turn is positive; 120 is one click of the wheel.
+    bool scroll(const QString &name, int turn);
+    /// Waits until the window has this size.
+    bool resize(QSize size);
+
+    /// Waits for the picture to come to rest and saves it.
+    bool screenshot(const QString &path);
+
+    /// Notes @p otherwise as the complaint unless @p condition holds, which it returns.
+    bool check(bool condition, const char *otherwise);
+    /// What failed last.
+    [[nodiscard]] const QString &complaint() const noexcept { return m_complaint; }
+
+private:
+    bool complain(const QString &complaint);
+    bool bringIntoView(const QString &name);
+    /// What moves, or is disabled while it does, cannot be clicked reliably.
+    bool waitUntilStill(const QString &name);
+    void turnWheel(QPoint at, int turn);
+    [[nodiscard]] QPoint middle(const QQuickItem &item) const;
+
+    QQuickWindow &m_window;
+    QString m_complaint;
+};
