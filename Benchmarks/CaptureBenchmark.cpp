@@ -36,12 +36,15 @@ double exchangesPerSecond(NSURLSession &session, const QUrl &url, NSURLSession::
         ++started;
         send(session, URLRequest(url), [&](auto, auto, auto) {
             // On the main thread in either case: what is compared is the capture, not where the host listens.
-            QMetaObject::invokeMethod(qApp, [&] {
-                if (++ended == exchanges)
-                    loop.quit();
-                else
-                    next();
-            }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                qApp,
+                [&] {
+                    if (++ended == exchanges)
+                        loop.quit();
+                    else
+                        next();
+                },
+                Qt::QueuedConnection);
         })->resume();
     };
     const auto start = Clock::now();
@@ -88,8 +91,8 @@ int main(int argc, char *argv[])
         ratios.push_back(with.back() / without.back());
     }
     std::printf("Exchanges per second over loopback, 1,000-byte bodies, median of %d turns\n", rounds);
-    std::printf("  without capture  %8.0f\n  with capture     %8.0f\n  ratio            %8.3f\n", median(without),
-                median(with), median(ratios));
+    std::printf("  without capture  %8.0f\n  with capture     %8.0f\n  ratio            %8.3f\n",
+                median(without), median(with), median(ratios));
     std::printf("  captured         %8d\n", int(QXRequestRecorder::shared().requests().size()));
     return 0;
 }

@@ -4,7 +4,8 @@ namespace {
 
 bool isRedirect(int statusCode)
 {
-    return statusCode == 301 || statusCode == 302 || statusCode == 303 || statusCode == 307 || statusCode == 308;
+    return statusCode == 301 || statusCode == 302 || statusCode == 303 || statusCode == 307 ||
+           statusCode == 308;
 }
 
 bool becomesGet(const QString &method, int statusCode)

@@ -57,8 +57,8 @@ struct Loading
         }
         if (!ending)
             return;
-        // Its children, the managers with their replies, go with it in the thread that they live in. Exchanges
-        // under way end without a word: whoever would hear it is going, too.
+        // Its children, the managers with their replies, go with it in the thread that they live in.
+        // Exchanges under way end without a word: whoever would hear it is going, too.
         receiver->deleteLater();
         ending->quit();
         if (ending->wait(QDeadlineTimer(patience)))

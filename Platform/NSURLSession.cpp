@@ -5,7 +5,7 @@
 
 struct NSURLSession::Class
 {
-    Class() : objectClass("NSURLSession"), dataTask(objectClass.addMethod(dataTaskSelector, &makeTask)) {}
+    Class() : dataTask(objectClass.addMethod(dataTaskSelector, &makeTask)) {}
 
     static const Class &instance()
     {

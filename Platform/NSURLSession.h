@@ -19,8 +19,8 @@ struct NSURLSessionConfiguration
 
 /// Loads URLs (http, https, file, data) in the background. Any thread may use a session.
 ///
-/// Redirects are followed, content codings decoded, cookies kept in the shared storage; HTTP/2 is used where it
-/// is negotiated. A session may go while its tasks run: they end as they would have.
+/// Redirects are followed, content codings decoded, cookies kept in the shared storage; HTTP/2 is used where
+/// it is negotiated. A session may go while its tasks run: they end as they would have.
 class QUORVIX_PLATFORM_EXPORT NSURLSession
 {
 public:
@@ -42,8 +42,9 @@ public:
     /// The class, whose methods can be looked up and exchanged.
     [[nodiscard]] static ObjectClass &objectClass();
 
-    /// A suspended task for @p request. @p completionHandler is called once, in the sessions' own thread, unless
-    /// the method was exchanged for one that calls it elsewhere. Sent through the class's method table.
+    /// A suspended task for @p request. @p completionHandler is called once, in the sessions' own thread,
+    /// unless the method was exchanged for one that calls it elsewhere. Sent through the class's method
+    /// table.
     [[nodiscard]] NSURLSessionDataTaskPtr dataTaskWithRequest(const URLRequest &request,
                                                               CompletionHandler completionHandler);
 

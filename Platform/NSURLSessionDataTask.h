@@ -23,7 +23,8 @@ public:
 
     /// Starts the exchange. Does nothing when it was started or cancelled before.
     void resume();
-    /// Ends the exchange with NSURLErrorCancelled, also one that was not started. Does nothing once it is over.
+    /// Ends the exchange with NSURLErrorCancelled, also one that was not started. Does nothing once it is
+    /// over.
     void cancel();
 
     [[nodiscard]] State state() const noexcept;

@@ -11,7 +11,7 @@ public:
     std::size_t slot;
 };
 
-ObjectClass::ObjectClass(const char *name) : m_name(name)
+ObjectClass::ObjectClass()
 {
     publish({});
 }

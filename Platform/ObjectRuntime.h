@@ -17,15 +17,15 @@ class Method;
 /// A class whose instance methods can be looked up, added and exchanged while the program runs.
 ///
 /// A send reads one atomic pointer, to the table in force, and makes one indirect call through it. Tables are
-/// never changed once published: adding or exchanging builds a new one, so that a sender sees either all of an
-/// exchange or nothing of it. Any thread may send, look up, add and exchange at any time.
+/// never changed once published: adding or exchanging builds a new one, so that a sender sees either all of
+/// an exchange or nothing of it. Any thread may send, look up, add and exchange at any time.
 class QUORVIX_PLATFORM_EXPORT ObjectClass
 {
 public:
     /// The untyped form in which implementations are kept.
     using Implementation = void (*)();
 
-    explicit ObjectClass(const char *name);
+    ObjectClass();
     ~ObjectClass();
 
     ObjectClass(const ObjectClass &) = delete;
@@ -55,7 +55,6 @@ private:
     Method *add(QByteArrayView selector, Implementation implementation, std::type_index type);
     void publish(Table table);
 
-    const char *m_name;
     std::atomic<const Table *> m_current;
     mutable std::mutex m_mutex;
     std::vector<std::unique_ptr<Method>> m_methods;
@@ -68,5 +67,6 @@ private:
                                                                       QByteArrayView selector);
 
 /// Exchanges the implementations of two methods of one class, at once for every later send.
-/// False, with nothing changed, when one is null, their classes differ, or their signatures differ. Any thread.
+/// False, with nothing changed, when one is null, their classes differ, or their signatures differ. Any
+/// thread.
 QUORVIX_PLATFORM_EXPORT bool method_exchangeImplementations(Method *first, Method *second);

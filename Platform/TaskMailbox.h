@@ -18,7 +18,8 @@ public:
 
     /// Starts to deliver to @p thread, first whatever was posted early.
     void open(QThread *thread);
-    /// Stops delivery and hands over the receiver, whose deletion drops what is still posted. Null when closed.
+    /// Stops delivery and hands over the receiver, whose deletion drops what is still posted. Null when
+    /// closed.
     [[nodiscard]] Receiver *close();
     /// Accepts tasks again, to be kept until open().
     void reset();

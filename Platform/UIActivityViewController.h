@@ -12,7 +12,8 @@
 class QUORVIX_PLATFORM_EXPORT UIActivityViewController : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QVariantList activityItems READ activityItems WRITE setActivityItems NOTIFY activityItemsChanged)
+    Q_PROPERTY(
+        QVariantList activityItems READ activityItems WRITE setActivityItems NOTIFY activityItemsChanged)
     Q_PROPERTY(QString title READ title NOTIFY activityItemsChanged)
     Q_PROPERTY(QString subtitle READ subtitle NOTIFY activityItemsChanged)
     Q_PROPERTY(QString previewText READ previewText NOTIFY activityItemsChanged)

@@ -34,7 +34,8 @@ bool isToken(QByteArrayView text)
 {
     constexpr QByteArrayView marks{"!#$%&'*+-.^_`|~"};
     return !text.isEmpty() && std::all_of(text.begin(), text.end(), [&](char c) {
-        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || marks.contains(c);
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+               marks.contains(c);
     });
 }
 
@@ -134,11 +135,15 @@ NSURLResponsePtr makeResponse(const QNetworkReply &reply)
 NSURLErrorCode codeForCertificate(QSslError::SslError error)
 {
     switch (error) {
-    case QSslError::CertificateExpired: return NSURLErrorServerCertificateHasBadDate;
-    case QSslError::CertificateNotYetValid: return NSURLErrorServerCertificateNotYetValid;
+    case QSslError::CertificateExpired:
+        return NSURLErrorServerCertificateHasBadDate;
+    case QSslError::CertificateNotYetValid:
+        return NSURLErrorServerCertificateNotYetValid;
     case QSslError::SelfSignedCertificateInChain:
-    case QSslError::UnableToGetLocalIssuerCertificate: return NSURLErrorServerCertificateHasUnknownRoot;
-    default: return NSURLErrorServerCertificateUntrusted;
+    case QSslError::UnableToGetLocalIssuerCertificate:
+        return NSURLErrorServerCertificateHasUnknownRoot;
+    default:
+        return NSURLErrorServerCertificateUntrusted;
     }
 }
 
@@ -147,26 +152,34 @@ std::optional<NSURLErrorCode> transportError(const QNetworkReply &reply, State s
 {
     const bool hasStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
     switch (reply.error()) {
-    case QNetworkReply::NoError: return std::nullopt;
+    case QNetworkReply::NoError:
+        return std::nullopt;
     case QNetworkReply::OperationCanceledError:
         return state == State::Canceling ? NSURLErrorCancelled : NSURLErrorTimedOut;
     case QNetworkReply::TimeoutError:
-    case QNetworkReply::ProxyTimeoutError: return NSURLErrorTimedOut;
+    case QNetworkReply::ProxyTimeoutError:
+        return NSURLErrorTimedOut;
     case QNetworkReply::HostNotFoundError:
-    case QNetworkReply::ProxyNotFoundError: return NSURLErrorCannotFindHost;
+    case QNetworkReply::ProxyNotFoundError:
+        return NSURLErrorCannotFindHost;
     case QNetworkReply::ConnectionRefusedError:
-    case QNetworkReply::ProxyConnectionRefusedError: return NSURLErrorCannotConnectToHost;
+    case QNetworkReply::ProxyConnectionRefusedError:
+        return NSURLErrorCannotConnectToHost;
     case QNetworkReply::RemoteHostClosedError:
     case QNetworkReply::ProxyConnectionClosedError:
-    case QNetworkReply::NetworkSessionFailedError: return NSURLErrorNetworkConnectionLost;
-    case QNetworkReply::TemporaryNetworkFailureError: return NSURLErrorNotConnectedToInternet;
+    case QNetworkReply::NetworkSessionFailedError:
+        return NSURLErrorNetworkConnectionLost;
+    case QNetworkReply::TemporaryNetworkFailureError:
+        return NSURLErrorNotConnectedToInternet;
     case QNetworkReply::SslHandshakeFailedError: {
         const QVariant certificate = reply.property(certificateErrorProperty);
         return certificate.isValid() ? codeForCertificate(QSslError::SslError(certificate.toInt()))
                                      : NSURLErrorSecureConnectionFailed;
     }
-    case QNetworkReply::ProtocolUnknownError: return NSURLErrorUnsupportedURL;
-    case QNetworkReply::ProtocolFailure: return NSURLErrorCannotParseResponse;
+    case QNetworkReply::ProtocolUnknownError:
+        return NSURLErrorUnsupportedURL;
+    case QNetworkReply::ProtocolFailure:
+        return NSURLErrorCannotParseResponse;
     case QNetworkReply::ProtocolInvalidOperationError:
         if (!hasStatus)
             return NSURLErrorCannotParseResponse;
@@ -181,9 +194,12 @@ std::optional<NSURLErrorCode> transportError(const QNetworkReply &reply, State s
         if (!hasStatus)
             return NSURLErrorCannotDecodeContentData;
         break;
-    case QNetworkReply::UnknownNetworkError: return NSURLErrorCannotConnectToHost;
-    case QNetworkReply::UnknownProxyError: return NSURLErrorCannotConnectToHost;
-    default: break;
+    case QNetworkReply::UnknownNetworkError:
+        return NSURLErrorCannotConnectToHost;
+    case QNetworkReply::UnknownProxyError:
+        return NSURLErrorCannotConnectToHost;
+    default:
+        break;
     }
     // What is left stands for a status of 400 and above.
     return hasStatus ? std::nullopt : std::optional(NSURLErrorUnknown);
@@ -237,8 +253,9 @@ void handleFinished(const TaskPtr &task, QNetworkReply &reply)
 void sendCurrent(const TaskPtr &task)
 {
     const QByteArray method = task->current.httpMethod.value_or(QStringLiteral("GET")).toUtf8();
-    QNetworkReply *const reply = send(*task->session->manager(), makeRequest(*task, task->session->configuration),
-                                      method, task->current.httpBody);
+    QNetworkReply *const reply =
+        send(*task->session->manager(), makeRequest(*task, task->session->configuration), method,
+             task->current.httpBody);
     task->reply = reply;
     QObject::connect(reply, &QNetworkReply::sslErrors, reply, [reply](const QList<QSslError> &errors) {
         if (!errors.isEmpty())

@@ -72,9 +72,9 @@ bool QXBreakpointCenter::check(const URLRequest &request, const QString &request
                                const DataTaskCompletionHandler &completion)
 {
     if (QXLog::level() >= QXLogLevel::debug) {
-        QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] check response: ")
-                                          + request.httpMethod.value_or(QStringLiteral("GET")) + u' '
-                                          + (request.url ? absoluteString(*request.url) : QString()));
+        QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] check response: ") +
+                                          request.httpMethod.value_or(QStringLiteral("GET")) + u' ' +
+                                          (request.url ? absoluteString(*request.url) : QString()));
     }
     if (m_skipUntil) {
         if (m_now() < *m_skipUntil) {
@@ -110,10 +110,11 @@ bool QXBreakpointCenter::check(const URLRequest &request, const QString &request
 void QXBreakpointCenter::continueActive()
 {
     startCooldown();
-    QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] continue active=%1 queue=%2 main=%3 cooldown=0.6s")
-                                     .arg(QXLog::word(m_activeBreakpoint.has_value()))
-                                     .arg(m_queue.size())
-                                     .arg(QXLog::word(MainActor::isCurrent())));
+    QXLog::log(QXLogLevel::info,
+               QStringLiteral("[Breakpoint] continue active=%1 queue=%2 main=%3 cooldown=0.6s")
+                   .arg(QXLog::word(m_activeBreakpoint.has_value()))
+                   .arg(m_queue.size())
+                   .arg(QXLog::word(MainActor::isCurrent())));
     release(std::nullopt, true, std::nullopt);
 }
 
@@ -136,7 +137,8 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
     if (!m_activeBreakpoint || m_isReleasing)
         return;
     const QXBreakpointItem item = *m_activeBreakpoint;
-    const qint64 statusCode = parseStatusCode(statusText.value_or(QString())).value_or(item.response->statusCode());
+    const qint64 statusCode =
+        parseStatusCode(statusText.value_or(QString())).value_or(item.response->statusCode());
     std::optional<QByteArray> body = item.data;
     if (!keepBody)
         body = bodyText ? bodyText->toUtf8() : QByteArray("");

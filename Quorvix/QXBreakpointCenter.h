@@ -22,13 +22,16 @@ public:
     QXBreakpointCenter &operator=(const QXBreakpointCenter &) = delete;
 
     /// The held response now offered to the user.
-    [[nodiscard]] const std::optional<QXBreakpointItem> &activeBreakpoint() const { return m_activeBreakpoint; }
+    [[nodiscard]] const std::optional<QXBreakpointItem> &activeBreakpoint() const
+    {
+        return m_activeBreakpoint;
+    }
     /// Further held responses, oldest first; empty unless one is active.
     [[nodiscard]] const std::deque<QXBreakpointItem> &queue() const { return m_queue; }
 
-    /// Holds the response and returns true; the trace is then completed, and @p completion called, on release.
-    /// False when nothing is held and delivery stays with the caller: during the cooldown after a release, when
-    /// no rule matches, or when there is no HTTP response.
+    /// Holds the response and returns true; the trace is then completed, and @p completion called, on
+    /// release. False when nothing is held and delivery stays with the caller: during the cooldown after a
+    /// release, when no rule matches, or when there is no HTTP response.
     [[nodiscard]] bool check(const URLRequest &request, const QString &requestId,
                              const std::optional<QByteArray> &data, const NSURLResponsePtr &response,
                              const std::optional<NSError> &error,

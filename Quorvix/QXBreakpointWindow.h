@@ -30,7 +30,6 @@ public:
     [[nodiscard]] QQuickItem *editor() const { return m_editor; }
 
 private:
-
     QQmlEngine &m_engine;
     QXLayer *m_layer;
     QPointer<QQuickItem> m_editor;

@@ -14,7 +14,7 @@ QQuickWindow *asHostWindow(QWindow *window)
 {
     auto *const quickWindow = qobject_cast<QQuickWindow *>(window);
     return quickWindow && quickWindow->isVisible() && !QXHostWindow::isFallback(quickWindow) ? quickWindow
-                                                                                              : nullptr;
+                                                                                             : nullptr;
 }
 
 } // namespace
@@ -58,7 +58,8 @@ QMarginsF QXHostWindow::safeAreaMargins(const QQuickWindow &window)
         return {};
     const QRect whole = screen->geometry();
     const QRect available = screen->availableGeometry();
-    return {std::max(0.0, qreal(available.left() - whole.left())), std::max(0.0, qreal(available.top() - whole.top())),
+    return {std::max(0.0, qreal(available.left() - whole.left())),
+            std::max(0.0, qreal(available.top() - whole.top())),
             std::max(0.0, qreal(whole.right() - available.right())),
             std::max(0.0, qreal(whole.bottom() - available.bottom()))};
 }

@@ -11,7 +11,8 @@ class QQuickWindow;
 
 /// An item over the whole content of a window, above its popups and dialogs. Main thread only.
 ///
-/// What it does not claim falls through to the content beneath. When its window goes, it detaches and says so.
+/// What it does not claim falls through to the content beneath. When its window goes, it detaches and says
+/// so.
 class QUORVIX_INTERNAL_EXPORT QXLayer final : public QQuickItem
 {
     Q_OBJECT

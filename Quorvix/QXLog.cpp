@@ -31,8 +31,14 @@ void QXLog::log(QXLogLevel level, const QString &message)
     if (level == QXLogLevel::none || level > QXLog::level())
         return;
     switch (level) {
-    case QXLogLevel::error: qCCritical(category).noquote() << message; break;
-    case QXLogLevel::info: qCInfo(category).noquote() << message; break;
-    default: qCDebug(category).noquote() << message; break;
+    case QXLogLevel::error:
+        qCCritical(category).noquote() << message;
+        break;
+    case QXLogLevel::info:
+        qCInfo(category).noquote() << message;
+        break;
+    default:
+        qCDebug(category).noquote() << message;
+        break;
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
 #include "Quorvix/QXLogLevel.h"
+#include "Quorvix/QuorvixGlobal.h"
 
 #include <QtCore/QString>
 

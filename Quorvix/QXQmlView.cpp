@@ -12,7 +12,9 @@ namespace {
 void fill(QQuickItem &item, QQuickItem &parent)
 {
     item.setParentItem(&parent);
-    const auto fit = [&item, &parent] { item.setSize(parent.size()); };
+    const auto fit = [&item, &parent] {
+        item.setSize(parent.size());
+    };
     QObject::connect(&parent, &QQuickItem::widthChanged, &item, fit);
     QObject::connect(&parent, &QQuickItem::heightChanged, &item, fit);
     fit();

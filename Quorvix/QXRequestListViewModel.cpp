@@ -36,10 +36,10 @@ bool matches(const QXTraceList::Cell &cell, std::string_view query)
         return true;
     if (!cell.trace.response)
         return false;
-    std::array<char, 24> digits;
+    std::array<char, 24> digits{};
     const auto end = std::to_chars(digits.begin(), digits.end(), cell.trace.response->statusCode).ptr;
-    return std::string_view(digits.data(), std::size_t(end - digits.data())).find(query)
-           != std::string_view::npos;
+    return std::string_view(digits.data(), std::size_t(end - digits.data())).find(query) !=
+           std::string_view::npos;
 }
 
 /// The place of a trace counted from the oldest, for its place counted from the newest, and back.
@@ -110,15 +110,23 @@ QVariant QXRequestListViewModel::data(const QModelIndex &index, int role) const
     const QXRequestTrace &request = trace(index.row());
     const QXRequestRowViewModel row{request};
     switch (role) {
-    case IdRole: return request.id;
+    case IdRole:
+        return request.id;
     case Qt::DisplayRole:
-    case TitleRole: return row.title();
-    case StatusTextRole: return row.statusText();
-    case StatusColorRole: return row.statusColor();
-    case HasErrorRole: return request.error.has_value();
-    case TintColorRole: return row.backgroundColor().color;
-    case TintOpacityRole: return row.backgroundColor().opacity;
-    default: return {};
+    case TitleRole:
+        return row.title();
+    case StatusTextRole:
+        return row.statusText();
+    case StatusColorRole:
+        return row.statusColor();
+    case HasErrorRole:
+        return request.error.has_value();
+    case TintColorRole:
+        return row.backgroundColor().color;
+    case TintOpacityRole:
+        return row.backgroundColor().opacity;
+    default:
+        return {};
     }
 }
 
@@ -153,7 +161,8 @@ void QXRequestListViewModel::setSearchText(const QString &text)
     if (query.isEmpty()) {
         m_matches = {};
     } else if (isFiltering() && query.contains(m_query)) {
-        // Whatever holds the longer text holds the shorter one, so the present matches are all there is to see.
+        // Whatever holds the longer text holds the shorter one, so the present matches are all there is to
+        // see.
         std::erase_if(m_matches, [&](quint32 position) {
             return !matches(*m_requests.cell(mirrored(m_requests, position)), view(query));
         });
@@ -175,8 +184,8 @@ void QXRequestListViewModel::refresh()
 {
     m_refreshScheduled = false;
     const QXTraceList requests = QXRequestRecorder::shared().requests();
-    const bool extends = !m_requests.isEmpty() && requests.size() >= m_requests.size()
-                         && m_requests[m_requests.size() - 1] == requests[requests.size() - 1];
+    const bool extends = !m_requests.isEmpty() && requests.size() >= m_requests.size() &&
+                         m_requests[m_requests.size() - 1] == requests[requests.size() - 1];
     if (extends)
         extendTo(requests);
     else

@@ -11,9 +11,9 @@
 
 /// The request list: the recorder's traces, live, narrowed by a search text. Main thread only.
 ///
-/// A row is a trace that the search leaves visible, in the recorder's order. A change of the recorder reaches the
-/// model in a later turn of the event loop and touches only the rows that it concerns; the cost of a change does
-/// not grow with the number of traces.
+/// A row is a trace that the search leaves visible, in the recorder's order. A change of the recorder reaches
+/// the model in a later turn of the event loop and touches only the rows that it concerns; the cost of a
+/// change does not grow with the number of traces.
 class QUORVIX_INTERNAL_EXPORT QXRequestListViewModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -26,7 +26,15 @@ class QUORVIX_INTERNAL_EXPORT QXRequestListViewModel : public QAbstractListModel
     Q_PROPERTY(bool _showAlert READ showAlert WRITE setShowAlert NOTIFY _showAlertChanged)
 
 public:
-    enum Role { IdRole = Qt::UserRole, TitleRole, StatusTextRole, StatusColorRole, HasErrorRole, TintColorRole, TintOpacityRole };
+    enum Role {
+        IdRole = Qt::UserRole,
+        TitleRole,
+        StatusTextRole,
+        StatusColorRole,
+        HasErrorRole,
+        TintColorRole,
+        TintOpacityRole
+    };
 
     explicit QXRequestListViewModel(QObject *parent = nullptr);
 

@@ -17,8 +17,8 @@ QByteArray searchKey(const QXRequestTrace &trace)
     return key;
 }
 
-/// The part of the last path component after its last dot; empty without one, and for a name that is only a dot
-/// and what follows.
+/// The part of the last path component after its last dot; empty without one, and for a name that is only a
+/// dot and what follows.
 QString pathExtension(const QUrl &url)
 {
     QString path = url.path(QUrl::FullyDecoded);

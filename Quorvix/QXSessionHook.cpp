@@ -42,8 +42,9 @@ NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &
     const QString identifier = makeIdentifier();
     MainActor::schedule([identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
 
-    auto wrapper = [request, identifier, completion = std::move(completion)](
-                       std::optional<QByteArray> data, NSURLResponsePtr response, std::optional<NSError> error) {
+    auto wrapper = [request, identifier, completion = std::move(completion)](std::optional<QByteArray> data,
+                                                                             NSURLResponsePtr response,
+                                                                             std::optional<NSError> error) {
         MainActor::schedule([=] { finish(request, identifier, data, response, error, completion); });
     };
     auto *const original = NSURLSession::objectClass().implementation<NSURLSession::DataTaskImplementation>(

@@ -9,9 +9,9 @@
 
 /// The captured exchanges, newest first: an immutable value that is copied in constant time.
 ///
-/// Adding to the front and replacing one trace make a new list that shares all but a path of a few small nodes
-/// with the old one, so both cost the same however long the list is and whoever still holds an older one. Two
-/// lists that come from one another are compared along what they do not share.
+/// Adding to the front and replacing one trace make a new list that shares all but a path of a few small
+/// nodes with the old one, so both cost the same however long the list is and whoever still holds an older
+/// one. Two lists that come from one another are compared along what they do not share.
 class QUORVIX_EXPORT QXTraceList
 {
 public:
@@ -75,9 +75,10 @@ public:
     void prepend(CellPtr cell);
     void replace(qsizetype index, CellPtr cell);
 
-    /// Calls @p visit for every position, counted from the oldest, at which both lists have a trace but not the
-    /// same cell; positions ascend. Cost grows with the number of differences, not with the length.
-    void visitDifferences(const QXTraceList &other, const std::function<void(qsizetype fromOldest)> &visit) const;
+    /// Calls @p visit for every position, counted from the oldest, at which both lists have a trace but not
+    /// the same cell; positions ascend. Cost grows with the number of differences, not with the length.
+    void visitDifferences(const QXTraceList &other,
+                          const std::function<void(qsizetype fromOldest)> &visit) const;
 
 private:
     static constexpr int bits = 5;

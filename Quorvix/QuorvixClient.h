@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
 #include "Quorvix/QXLogLevel.h"
+#include "Quorvix/QuorvixGlobal.h"
 
 #include <memory>
 
@@ -15,8 +15,8 @@ class QXOverlay;
 class QUORVIX_EXPORT QuorvixClient
 {
 public:
-    /// The one client; made on first use, lives until the process ends. Its making starts the capture of every
-    /// data task that is created with a completion handler, for the rest of the process. Any thread.
+    /// The one client; made on first use, lives until the process ends. Its making starts the capture of
+    /// every data task that is created with a completion handler, for the rest of the process. Any thread.
     [[nodiscard]] static QuorvixClient &shared();
 
     QuorvixClient(const QuorvixClient &) = delete;
@@ -24,7 +24,8 @@ public:
 
     /// The same as show().
     void start();
-    /// Puts up the floating button, over the active Qt Quick window. Needs a QGuiApplication; main thread only.
+    /// Puts up the floating button, over the active Qt Quick window. Needs a QGuiApplication; main thread
+    /// only.
     void show();
     /// Takes the button and its screens away. Capture goes on. Main thread only.
     void hide();

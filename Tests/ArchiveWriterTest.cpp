@@ -475,7 +475,8 @@ void ArchiveWriterTest::refusesToLeaveTheFolder()
     const QStringList before = QDir::temp().entryList();
     QUrl target(u"https://h.example/x/"_s);
     target.setPath(u"/x/"_s + lastComponent, QUrl::TolerantMode);
-    const auto url = QXArchiveWriter::exportTrace(makeTrace(target.toString(QUrl::FullyEncoded)), system_clock::now());
+    const auto url =
+        QXArchiveWriter::exportTrace(makeTrace(target.toString(QUrl::FullyEncoded)), system_clock::now());
     QVERIFY(!url);
     QCOMPARE(QDir::temp().entryList(), before);
     QCOMPARE(QXArchiveWriter::failureMessage(url.error()),

@@ -35,7 +35,8 @@ struct Delivery
     [[nodiscard]] QString header(const char *name) const
     {
         const auto found = http().allHeaderFields().find(QString::fromLatin1(name));
-        return found == http().allHeaderFields().end() ? QStringLiteral("absent") : description(found->second);
+        return found == http().allHeaderFields().end() ? QStringLiteral("absent")
+                                                       : description(found->second);
     }
 };
 
@@ -98,7 +99,8 @@ bool BreakpointTest::check(const QString &id, const QString &url, NSHeaderFields
 {
     const URLRequest request{QUrl(url)};
     QXRequestRecorder::shared().record(id, request);
-    const auto response = NSHTTPURLResponse::create(request.url.value(), 200, QStringLiteral("HTTP/2.0"), fields);
+    const auto response =
+        NSHTTPURLResponse::create(request.url.value(), 200, QStringLiteral("HTTP/2.0"), fields);
     return m_center->check(request, id, data, response, std::nullopt,
                            [this](auto body, auto delivered, auto error) {
                                m_delivered.append({std::move(body), std::move(delivered), std::move(error)});
@@ -110,13 +112,15 @@ void BreakpointTest::keys_data()
     QTest::addColumn<QString>("url");
     QTest::addColumn<QString>("method");
     QTest::addColumn<QString>("text");
-    QTest::newRow("no method is GET") << QStringLiteral("http://host/a") << QString() << QStringLiteral("GET host/a");
+    QTest::newRow("no method is GET")
+        << QStringLiteral("http://host/a") << QString() << QStringLiteral("GET host/a");
     QTest::newRow("method in upper case")
         << QStringLiteral("http://host/a") << QStringLiteral("post") << QStringLiteral("POST host/a");
     QTest::newRow("empty path") << QStringLiteral("http://host") << QString() << QStringLiteral("GET host/");
     QTest::newRow("scheme, port, query, fragment left out")
         << QStringLiteral("https://host:8080/a?b=c#d") << QString() << QStringLiteral("GET host/a");
-    QTest::newRow("path is decoded") << QStringLiteral("http://host/a%20b") << QString() << QStringLiteral("GET host/a b");
+    QTest::newRow("path is decoded") << QStringLiteral("http://host/a%20b") << QString()
+                                     << QStringLiteral("GET host/a b");
     QTest::newRow("no host") << QStringLiteral("/api/users") << QString() << QStringLiteral("GET /api/users");
 }
 
@@ -173,7 +177,8 @@ void BreakpointTest::whatIsNotHeld()
         http ? NSHTTPURLResponse::create(m_url, 200, QStringLiteral("HTTP/1.1"), {})
              : std::make_shared<const NSURLResponse>(m_url);
     QVERIFY(!m_center->check(request, QStringLiteral("1"), {}, response, {}, {}));
-    QVERIFY(!m_center->check(request, QStringLiteral("1"), {}, nullptr, makeURLError(NSURLErrorTimedOut), {}));
+    QVERIFY(
+        !m_center->check(request, QStringLiteral("1"), {}, nullptr, makeURLError(NSURLErrorTimedOut), {}));
     QVERIFY(!m_center->activeBreakpoint());
     QCOMPARE(m_posts, 0);
 }
@@ -202,16 +207,17 @@ void BreakpointTest::heldResponsesWaitInLine()
     QCOMPARE(m_posts, 4);
     m_center->continueActive();
     QCOMPARE(m_posts, 4);
-    QCOMPARE(lines, QStringList({QStringLiteral("[Breakpoint] activated queue=0"),
-                                 QStringLiteral("[Breakpoint] queued count=1"),
-                                 QStringLiteral("[Breakpoint] queued count=2"),
-                                 QStringLiteral("[Breakpoint] continue active=true queue=2 main=true cooldown=0.6s"),
-                                 QStringLiteral("[Breakpoint] resolved next=true queue=1"),
-                                 QStringLiteral("[Breakpoint] apply"),
-                                 QStringLiteral("[Breakpoint] resolved next=true queue=0"),
-                                 QStringLiteral("[Breakpoint] continue active=true queue=0 main=true cooldown=0.6s"),
-                                 QStringLiteral("[Breakpoint] resolved next=false queue=0"),
-                                 QStringLiteral("[Breakpoint] continue active=false queue=0 main=true cooldown=0.6s")}));
+    QCOMPARE(
+        lines,
+        QStringList(
+            {QStringLiteral("[Breakpoint] activated queue=0"), QStringLiteral("[Breakpoint] queued count=1"),
+             QStringLiteral("[Breakpoint] queued count=2"),
+             QStringLiteral("[Breakpoint] continue active=true queue=2 main=true cooldown=0.6s"),
+             QStringLiteral("[Breakpoint] resolved next=true queue=1"), QStringLiteral("[Breakpoint] apply"),
+             QStringLiteral("[Breakpoint] resolved next=true queue=0"),
+             QStringLiteral("[Breakpoint] continue active=true queue=0 main=true cooldown=0.6s"),
+             QStringLiteral("[Breakpoint] resolved next=false queue=0"),
+             QStringLiteral("[Breakpoint] continue active=false queue=0 main=true cooldown=0.6s")}));
 }
 
 void BreakpointTest::cooldownLetsResponsesPass()
@@ -243,9 +249,10 @@ void BreakpointTest::edits_data()
     QTest::newRow("two signs") << QStringLiteral("+-4") << json << qint64(200) << QByteArray("{}");
     QTest::newRow("sign alone") << QStringLiteral("+") << json << qint64(200) << QByteArray("{}");
     QTest::newRow("other digits") << QStringLiteral("٤٠٤") << json << qint64(200) << QByteArray("{}");
-    QTest::newRow("too large") << QStringLiteral("9223372036854775808") << json << qint64(200) << QByteArray("{}");
-    QTest::newRow("text beyond ASCII") << QStringLiteral("500") << QStringLiteral("ü") << qint64(500)
-                                       << QByteArray("\xc3\xbc");
+    QTest::newRow("too large") << QStringLiteral("9223372036854775808") << json << qint64(200)
+                               << QByteArray("{}");
+    QTest::newRow("text beyond ASCII")
+        << QStringLiteral("500") << QStringLiteral("ü") << qint64(500) << QByteArray("\xc3\xbc");
 }
 
 void BreakpointTest::edits()

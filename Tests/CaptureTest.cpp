@@ -64,7 +64,8 @@ void CaptureTest::cleanup()
 void CaptureTest::nothingIsCapturedBeforeTheClientIsTouched()
 {
     QSemaphore done;
-    m_session.dataTaskWithRequest(request(QStringLiteral("/echo")), [&](auto, auto, auto) { done.release(); })
+    m_session
+        .dataTaskWithRequest(request(QStringLiteral("/echo")), [&](auto, auto, auto) { done.release(); })
         ->resume();
     QVERIFY(done.tryAcquire(1, 10'000)); // called elsewhere: this thread runs no event loop now
     QCoreApplication::processEvents();
@@ -76,7 +77,7 @@ void CaptureTest::nothingIsCapturedBeforeTheClientIsTouched()
 
 void CaptureTest::classWithoutTheMethodIsLeftAlone()
 {
-    ObjectClass bare("Bare");
+    ObjectClass bare;
     QXSessionHook::exchange(bare);
     QVERIFY(!class_getInstanceMethod(bare, "qx_hookedDataTaskWith:completionHandler:"));
 }
@@ -89,9 +90,9 @@ void CaptureTest::exchangeIsRecordedBeforeTheHostHears()
         .dataTaskWithRequest(request(QStringLiteral("/binary?size=5000")),
                              [&](auto data, auto response, auto error) {
                                  const auto &trace = recorder().requests()[0];
-                                 heard = QThread::currentThread() == qApp->thread() && trace.duration && !error
-                                         && trace.response->statusCode == 200
-                                         && dynamic_cast<const NSHTTPURLResponse *>(response.get());
+                                 heard = QThread::currentThread() == qApp->thread() && trace.duration &&
+                                         !error && trace.response->statusCode == 200 &&
+                                         dynamic_cast<const NSHTTPURLResponse *>(response.get());
                                  hostBytes = data->constData();
                              })
         ->resume();
@@ -99,7 +100,9 @@ void CaptureTest::exchangeIsRecordedBeforeTheHostHears()
     QTRY_COMPARE(recorder().requests().size(), 1);
     QVERIFY(!recorder().requests()[0].duration);
     const QString id = recorder().requests()[0].id;
-    QVERIFY(QRegularExpression(QStringLiteral("^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$")).match(id).hasMatch());
+    QVERIFY(QRegularExpression(QStringLiteral("^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$"))
+                .match(id)
+                .hasMatch());
     QTRY_VERIFY(heard);
     QCOMPARE(recorder().requests()[0].response->body->constData(), hostBytes); // shared, not copied
 }
@@ -108,7 +111,8 @@ void CaptureTest::everyTaskHasItsOwnIdentity()
 {
     int heard = 0;
     for (int i = 0; i < 2; ++i)
-        m_session.dataTaskWithRequest(request(QStringLiteral("/echo")), [&](auto, auto, auto) { ++heard; })->resume();
+        m_session.dataTaskWithRequest(request(QStringLiteral("/echo")), [&](auto, auto, auto) { ++heard; })
+            ->resume();
     QTRY_COMPARE(heard, 2);
     QCOMPARE(recorder().requests().size(), 2);
     QVERIFY(recorder().requests()[0].id != recorder().requests()[1].id);
@@ -142,7 +146,8 @@ void CaptureTest::taskWithoutHandlerIsNotCaptured()
 void CaptureTest::clearInBetweenLosesOnlyTheRecord()
 {
     bool heard = false;
-    m_session.dataTaskWithRequest(request(QStringLiteral("/slow?ms=50")), [&](auto, auto, auto) { heard = true; })
+    m_session
+        .dataTaskWithRequest(request(QStringLiteral("/slow?ms=50")), [&](auto, auto, auto) { heard = true; })
         ->resume();
     QTRY_COMPARE(recorder().requests().size(), 1);
     recorder().clear();
@@ -172,8 +177,9 @@ void CaptureTest::thousandExchangesFromManyThreads()
     for (int i = 0; i < threads; ++i) {
         makers.emplace_back(QThread::create([&] {
             for (int j = 0; j < each; ++j) {
-                m_session.dataTaskWithRequest(request(QStringLiteral("/binary?size=100")),
-                                              [&](auto, auto, auto) { ++heard; })
+                m_session
+                    .dataTaskWithRequest(request(QStringLiteral("/binary?size=100")),
+                                         [&](auto, auto, auto) { ++heard; })
                     ->resume();
             }
         }));
@@ -195,7 +201,8 @@ static int endWithExchangesInFlight()
         return 1;
     bool heard = false;
     const auto start = [&](const QString &path) {
-        NSURLSession::shared().dataTaskWithRequest(URLRequest(server.url(path)), [&](auto, auto, auto) { heard = true; })
+        NSURLSession::shared()
+            .dataTaskWithRequest(URLRequest(server.url(path)), [&](auto, auto, auto) { heard = true; })
             ->resume();
     };
     int argc = 1;

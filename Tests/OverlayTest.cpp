@@ -88,7 +88,8 @@ QXOverlay &overlay()
 void record(int count)
 {
     for (int i = 0; i < count; ++i)
-        QXRequestRecorder::shared().record(QString::number(i), URLRequest(QUrl(QStringLiteral("http://host/a"))));
+        QXRequestRecorder::shared().record(QString::number(i),
+                                           URLRequest(QUrl(QStringLiteral("http://host/a"))));
 }
 
 QByteArray savedPosition()
@@ -254,7 +255,9 @@ void OverlayTest::whatIsNotTheButtonIsTheHosts()
 {
     client().show();
     QQuickWindow &window = *m_host->window;
-    const auto clicks = [&] { return window.property("clicks").toInt(); };
+    const auto clicks = [&] {
+        return window.property("clicks").toInt();
+    };
     QTest::mouseMove(&window, QPoint(300, 300));
     QTRY_VERIFY(window.property("hovers").toInt() > 0);
     QTest::mouseClick(&window, Qt::LeftButton, {}, QPoint(200, 500));
@@ -356,10 +359,9 @@ void OverlayTest::editorFollowsTheHeldResponses()
     QStringList delivered;
     const auto hold = [&](const char *body) {
         auto response = NSHTTPURLResponse::create(url, 200, QStringLiteral("HTTP/1.1"), {});
-        return QXBreakpointCenter::shared().check(URLRequest(url), QStringLiteral("1"), QByteArray(body), response,
-                                                  {}, [&](auto data, auto, auto) {
-                                                      delivered.append(QString::fromUtf8(*data));
-                                                  });
+        return QXBreakpointCenter::shared().check(
+            URLRequest(url), QStringLiteral("1"), QByteArray(body), response, {},
+            [&](auto data, auto, auto) { delivered.append(QString::fromUtf8(*data)); });
     };
     client().show();
     QQuickWindow &window = *m_host->window;
@@ -387,12 +389,12 @@ void OverlayTest::hideDuringAReleaseIsSafe()
     QXBreakpointStore::shared().insert(*QXBreakpointKey::make(url, {}));
     client().show();
     bool heard = false;
-    QVERIFY(QXBreakpointCenter::shared().check(URLRequest(url), QStringLiteral("1"), {},
-                                               NSHTTPURLResponse::create(url, 200, QStringLiteral("HTTP/1.1"), {}), {},
-                                               [&](auto, auto, auto) {
-                                                   client().hide();
-                                                   heard = true;
-                                               }));
+    QVERIFY(QXBreakpointCenter::shared().check(
+        URLRequest(url), QStringLiteral("1"), {},
+        NSHTTPURLResponse::create(url, 200, QStringLiteral("HTTP/1.1"), {}), {}, [&](auto, auto, auto) {
+            client().hide();
+            heard = true;
+        }));
     click(*m_host->window, "QXContinueButton");
     QVERIFY(heard && !client().overlayWindow());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -48,7 +48,7 @@ private Q_SLOTS:
 
 void PlatformTest::exchangeSwapsWhatBothSelectorsRun()
 {
-    ObjectClass numbers("Numbers");
+    ObjectClass numbers;
     const Method *const first = numbers.addMethod<Sender>("twice:", &twice);
     numbers.addMethod<Sender>("negative:", &negative);
     QCOMPARE(numbers.addMethod<Sender>("twice:", &negative), nullptr);
@@ -62,8 +62,8 @@ void PlatformTest::exchangeSwapsWhatBothSelectorsRun()
 
 void PlatformTest::exchangeRefusesWhatWouldCrash()
 {
-    ObjectClass numbers("Numbers");
-    ObjectClass others("Others");
+    ObjectClass numbers;
+    ObjectClass others;
     Method *const integer = numbers.addMethod<Sender>("twice:", &twice);
     Method *const real = numbers.addMethod<double(double)>("half:", &half);
     Method *const foreign = others.addMethod<Sender>("twice:", &twice);
@@ -76,7 +76,7 @@ void PlatformTest::exchangeRefusesWhatWouldCrash()
 void PlatformTest::sendersNeverSeeHalfAnExchange()
 {
     // A replacement that sends to the other selector would call itself if it saw only one half.
-    static ObjectClass numbers("Numbers");
+    static ObjectClass numbers;
     static thread_local int depth = 0;
     static std::atomic<int> deepest = 0;
     static const Method *original = nullptr;
@@ -121,7 +121,8 @@ void PlatformTest::observersHearOnlyTheirNameAndOnlyWhileTheyLive()
         center.post(QStringLiteral("b"));
     }
     center.post(QStringLiteral("a"));
-    QCOMPARE(heard, QStringList({QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("first")}));
+    QCOMPARE(heard,
+             QStringList({QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("first")}));
 }
 
 void PlatformTest::observerMayLeaveDuringThePost()

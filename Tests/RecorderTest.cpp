@@ -112,7 +112,8 @@ void RecorderTest::tracesAreComparedByIdentityAlone()
 void RecorderTest::responseHeadersAreAllTextOrAbsent()
 {
     const auto headers = [](NSHeaderFields fields) {
-        return QXResponseTrace(static_cast<const NSHTTPURLResponse &>(*httpResponse(200, std::move(fields))), {})
+        return QXResponseTrace(static_cast<const NSHTTPURLResponse &>(*httpResponse(200, std::move(fields))),
+                               {})
             .headers;
     };
     const NSHeaderFields text{{QStringLiteral("ETag"), QStringLiteral("x")},
@@ -178,8 +179,10 @@ void RecorderTest::findersByPath_data()
     QTest::newRow("part of the extension") << users << QStringLiteral("so") << true;
     QTest::newRow("case matters") << users << QStringLiteral("JSON") << false;
     QTest::newRow("the path is not searched") << users << QStringLiteral("users") << false;
-    QTest::newRow("last dot counts") << QStringLiteral("http://host/a.tar.gz") << QStringLiteral("tar") << false;
-    QTest::newRow("dot in a folder") << QStringLiteral("http://host/a.json/b") << QStringLiteral("json") << false;
+    QTest::newRow("last dot counts") << QStringLiteral("http://host/a.tar.gz") << QStringLiteral("tar")
+                                     << false;
+    QTest::newRow("dot in a folder") << QStringLiteral("http://host/a.json/b") << QStringLiteral("json")
+                                     << false;
     QTest::newRow("empty text is in every extension") << QStringLiteral("http://host/") << QString() << true;
 }
 
@@ -190,7 +193,8 @@ void RecorderTest::findersByPath()
     QFETCH(const bool, found);
     m_recorder.record(QStringLiteral("A"), request(url));
     m_recorder.record(QStringLiteral("without URL"), URLRequest());
-    QCOMPARE(ids(m_recorder.findRequestsByPath(path)), found ? QStringList(QStringLiteral("A")) : QStringList());
+    QCOMPARE(ids(m_recorder.findRequestsByPath(path)),
+             found ? QStringList(QStringLiteral("A")) : QStringList());
 }
 
 void RecorderTest::findersByMethodAndStatus()

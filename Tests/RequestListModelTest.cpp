@@ -87,11 +87,13 @@ void RequestListModelTest::rows_data()
     const auto post = QStringLiteral("POST");
     const auto title = QStringLiteral("POST /items/42");
     QTest::newRow("nothing known") << QString() << QString() << 0 << false << QStringLiteral("GET Unknown")
-                                   << QStringLiteral("Loading...") << QXSystemColor::Gray << QXSystemColor::Clear;
-    QTest::newRow("no path") << QString() << QStringLiteral("https://host") << 0 << false << QStringLiteral("GET ")
-                             << QStringLiteral("Loading...") << QXSystemColor::Gray << QXSystemColor::Clear;
-    QTest::newRow("failed") << post << url << 0 << true << title << QStringLiteral("Error") << QXSystemColor::Red
-                            << QXSystemColor::Clear;
+                                   << QStringLiteral("Loading...") << QXSystemColor::Gray
+                                   << QXSystemColor::Clear;
+    QTest::newRow("no path") << QString() << QStringLiteral("https://host") << 0 << false
+                             << QStringLiteral("GET ") << QStringLiteral("Loading...") << QXSystemColor::Gray
+                             << QXSystemColor::Clear;
+    QTest::newRow("failed") << post << url << 0 << true << title << QStringLiteral("Error")
+                            << QXSystemColor::Red << QXSystemColor::Clear;
     QTest::newRow("response and error") << post << url << 200 << true << title << QStringLiteral("200")
                                         << QXSystemColor::Red << QXSystemColor::Green;
     const std::pair<int, QXSystemColor::Value> codes[] = {
@@ -100,7 +102,8 @@ void RequestListModelTest::rows_data()
         {400, QXSystemColor::Red},    {401, QXSystemColor::Yellow}, {402, QXSystemColor::Red},
         {500, QXSystemColor::Red},    {-1, QXSystemColor::Orange}};
     for (const auto &[code, color] : codes)
-        QTest::addRow("status %d", code) << post << url << code << false << title << QString::number(code) << color << color;
+        QTest::addRow("status %d", code)
+            << post << url << code << false << title << QString::number(code) << color << color;
 }
 
 void RequestListModelTest::rows()
@@ -110,10 +113,13 @@ void RequestListModelTest::rows()
     QFETCH(const int, status);
     QFETCH(const bool, failed);
     record(QStringLiteral("A"), url, method);
-    complete(QStringLiteral("A"), status, failed ? std::optional(makeURLError(NSURLErrorTimedOut)) : std::nullopt);
+    complete(QStringLiteral("A"), status,
+             failed ? std::optional(makeURLError(NSURLErrorTimedOut)) : std::nullopt);
 
     const QXRequestListViewModel model;
-    const auto value = [&](int role) { return model.data(model.index(0), role); };
+    const auto value = [&](int role) {
+        return model.data(model.index(0), role);
+    };
     QTEST(value(QXRequestListViewModel::TitleRole).toString(), "title");
     QTEST(value(QXRequestListViewModel::StatusTextRole).toString(), "text");
     QTEST(value(QXRequestListViewModel::StatusColorRole).value<QXSystemColor::Value>(), "color");
@@ -195,8 +201,13 @@ void RequestListModelTest::filterAgreesWithALookAtEveryTrace()
     std::mt19937 random(11);
     QXRequestListViewModel model;
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    const QStringList texts{QString(),          QStringLiteral("1"),   QStringLiteral("12"), QStringLiteral("4"),
-                            QStringLiteral("40"), QStringLiteral("/7"), QStringLiteral("get")};
+    const QStringList texts{QString(),
+                            QStringLiteral("1"),
+                            QStringLiteral("12"),
+                            QStringLiteral("4"),
+                            QStringLiteral("40"),
+                            QStringLiteral("/7"),
+                            QStringLiteral("get")};
     int recorded = 0;
     for (int step = 0; step < 60; ++step) {
         for (int i = 0; i < 20; ++i) {
@@ -210,8 +221,8 @@ void RequestListModelTest::filterAgreesWithALookAtEveryTrace()
         QStringList expected;
         const QString query = model.searchText();
         for (const QXRequestTrace &trace : recorder().requests()) {
-            if (absoluteString(*trace.url).contains(query) || trace.method->toLower().contains(query)
-                || (trace.response && QString::number(trace.response->statusCode).contains(query)))
+            if (absoluteString(*trace.url).contains(query) || trace.method->toLower().contains(query) ||
+                (trace.response && QString::number(trace.response->statusCode).contains(query)))
                 expected.append(trace.id);
         }
         QCOMPARE(shown(model), expected.join(QString()));
@@ -255,7 +266,8 @@ void RequestListModelTest::exportHoldsWhatIsVisible()
 
     QFile archive(file.toLocalFile());
     QVERIFY(archive.open(QIODevice::ReadOnly));
-    QCOMPARE(archive.permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
+    QCOMPARE(archive.permissions() &
+                 (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
              QFile::Permissions());
     const auto log = QJsonDocument::fromJson(archive.readAll()).object()[QLatin1StringView("log")].toObject();
     const auto entries = log[QLatin1StringView("entries")].toArray();
@@ -267,7 +279,8 @@ void RequestListModelTest::exportHoldsWhatIsVisible()
     model.exportAll();
     QVERIFY(model.shareItem()->id != first.id);
     QVERIFY(model.shareItem()->activityItems != first.activityItems);
-    QVERIFY(archive.remove() && QFile::remove(model.shareItem()->activityItems.constFirst().toUrl().toLocalFile()));
+    QVERIFY(archive.remove() &&
+            QFile::remove(model.shareItem()->activityItems.constFirst().toUrl().toLocalFile()));
 }
 
 void RequestListModelTest::exportFailures()
@@ -287,7 +300,8 @@ void RequestListModelTest::exportFailures()
     model.setSearchText({});
     model.exportAll();
     before.isEmpty() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before);
-    QVERIFY2(!model.shareItem(), model.shareItem() ? qPrintable(model.shareItem()->activityItems.constFirst().toString()) : "");
+    QVERIFY2(!model.shareItem(),
+             model.shareItem() ? qPrintable(model.shareItem()->activityItems.constFirst().toString()) : "");
     QVERIFY(model.alertMessage()->startsWith(QStringLiteral("Failed to export HAR file: ")));
     QVERIFY(model.alertMessage()->size() > 30);
 }

@@ -130,7 +130,8 @@ void RequestListScreenTest::rowsChangeInPlace()
     QQuickItem *row = nullptr;
     QTRY_VERIFY((row = find(*m_window, "QXRequestRow")));
     QCOMPARE(row->property("statusText").toString(), QStringLiteral("Loading..."));
-    QXRequestRecorder::shared().complete(QStringLiteral("slow"), nullptr, {}, makeURLError(NSURLErrorTimedOut));
+    QXRequestRecorder::shared().complete(QStringLiteral("slow"), nullptr, {},
+                                         makeURLError(NSURLErrorTimedOut));
     QTRY_COMPARE(row->property("statusText").toString(), QStringLiteral("Error"));
     QCOMPARE(find(*m_window, "QXRequestRow"), row);
 }
@@ -203,7 +204,8 @@ void RequestListScreenTest::newRowsDoNotMoveWhatIsRead()
     QTest::qWait(50);
     const auto rows = findAll(*m_window, "QXRequestRow");
     const auto still = std::find_if(rows.cbegin(), rows.cend(), [&](const QQuickItem *row) {
-        return row->property("title").toString() == title && row->contains(row->mapFromScene(QPointF(200, 500)));
+        return row->property("title").toString() == title &&
+               row->contains(row->mapFromScene(QPointF(200, 500)));
     });
     QVERIFY(still != rows.cend());
 }
@@ -300,18 +302,22 @@ void RequestListScreenTest::controlsAreNamedAndLargeEnough()
                              "QXExportButton", "QXSearchField", "QXRequestRow"}) {
         QQuickItem *const item = find(*m_window, name);
         QVERIFY2(item, name);
-        QVERIFY2(item->width() >= 44 && item->height() >= (qstrcmp(name, "QXSearchField") == 0 ? 36 : 44), name);
+        QVERIFY2(item->width() >= 44 && item->height() >= (qstrcmp(name, "QXSearchField") == 0 ? 36 : 44),
+                 name);
         QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(item);
         QVERIFY2(accessible, name);
         QVERIFY2(!accessible->text(QAccessible::Name).isEmpty(), name);
-        QVERIFY2(accessible->role() != QAccessible::NoRole && accessible->role() != QAccessible::Client, name);
+        QVERIFY2(accessible->role() != QAccessible::NoRole && accessible->role() != QAccessible::Client,
+                 name);
     }
 }
 
 void RequestListScreenTest::appearanceFollowsThePalette()
 {
     openList();
-    const auto lightness = [&] { return m_window->grabWindow().pixelColor(195, 700).lightness(); };
+    const auto lightness = [&] {
+        return m_window->grabWindow().pixelColor(195, 700).lightness();
+    };
     QTRY_VERIFY(lightness() > 200);
     QPalette dark;
     dark.setColor(QPalette::Window, Qt::black);

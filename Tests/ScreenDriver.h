@@ -19,7 +19,8 @@ void visitVisible(QQuickItem *item, const Visit &visit)
         return;
     visit(item);
     QList<QQuickItem *> children = item->childItems();
-    std::stable_sort(children.begin(), children.end(), [](auto *left, auto *right) { return left->z() < right->z(); });
+    std::stable_sort(children.begin(), children.end(),
+                     [](auto *left, auto *right) { return left->z() < right->z(); });
     for (QQuickItem *const child : children)
         visitVisible(child, visit);
 }

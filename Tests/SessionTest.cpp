@@ -30,7 +30,10 @@ struct Outcome
     }
 
     [[nodiscard]] qint64 status() const { return http() ? http()->statusCode() : 0; }
-    [[nodiscard]] QJsonObject json() const { return QJsonDocument::fromJson(data.value_or(QByteArray())).object(); }
+    [[nodiscard]] QJsonObject json() const
+    {
+        return QJsonDocument::fromJson(data.value_or(QByteArray())).object();
+    }
 };
 
 /// Runs a task to its end, in the session's own way: nothing is exchanged in this program.
@@ -195,19 +198,20 @@ void SessionTest::failures_data()
     QTest::newRow("unknown scheme") << QUrl(QStringLiteral("gopher://host/")) << get
                                     << qint64(NSURLErrorUnsupportedURL);
     QTest::newRow("method that would split the request")
-        << QUrl(QStringLiteral("http://127.0.0.1/")) << QStringLiteral("GET / HTTP/1.1\r\nX: ") << qint64(NSURLErrorBadURL);
+        << QUrl(QStringLiteral("http://127.0.0.1/")) << QStringLiteral("GET / HTTP/1.1\r\nX: ")
+        << qint64(NSURLErrorBadURL);
     QTest::newRow("unknown host") << QUrl(QStringLiteral("http://unknown.invalid/")) << get
                                   << qint64(NSURLErrorCannotFindHost);
     QTcpServer closed;
     QVERIFY(closed.listen(QHostAddress::LocalHost));
-    QTest::newRow("nobody listens") << QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(closed.serverPort())) << get
-                                    << qint64(NSURLErrorCannotConnectToHost);
-    QTest::newRow("closed before a response") << m_server.url(QStringLiteral("/drop")) << get
-                                              << qint64(NSURLErrorNetworkConnectionLost);
+    QTest::newRow("nobody listens") << QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(closed.serverPort()))
+                                    << get << qint64(NSURLErrorCannotConnectToHost);
+    QTest::newRow("closed before a response")
+        << m_server.url(QStringLiteral("/drop")) << get << qint64(NSURLErrorNetworkConnectionLost);
     QTest::newRow("closed in the middle of the body")
         << m_server.url(QStringLiteral("/drop-midway")) << get << qint64(NSURLErrorNetworkConnectionLost);
-    QTest::newRow("endless redirects") << m_server.url(QStringLiteral("/redirect-loop")) << get
-                                       << qint64(NSURLErrorHTTPTooManyRedirects);
+    QTest::newRow("endless redirects")
+        << m_server.url(QStringLiteral("/redirect-loop")) << get << qint64(NSURLErrorHTTPTooManyRedirects);
     QUrl tls = m_server.url();
     tls.setScheme(QStringLiteral("https"));
     QTest::newRow("TLS to a server without it") << tls << get << qint64(NSURLErrorSecureConnectionFailed);
@@ -255,11 +259,11 @@ void SessionTest::cancelling()
     QVERIFY(timer.elapsed() < 5000);
 
     QSemaphore done;
-    const auto suspended = m_session.dataTaskWithRequest(request(QStringLiteral("/echo")),
-                                                         [&](auto, auto, auto error) {
-                                                             if (error && error->code == NSURLErrorCancelled)
-                                                                 done.release();
-                                                         });
+    const auto suspended =
+        m_session.dataTaskWithRequest(request(QStringLiteral("/echo")), [&](auto, auto, auto error) {
+            if (error && error->code == NSURLErrorCancelled)
+                done.release();
+        });
     suspended->cancel();
     QVERIFY(done.tryAcquire(1, 5000));
     QCOMPARE(suspended->state(), NSURLSessionDataTask::State::Completed);
@@ -328,10 +332,11 @@ void SessionTest::sessionMayGoBeforeItsTasks()
     NSURLSessionDataTaskPtr task;
     {
         NSURLSession passing;
-        task = passing.dataTaskWithRequest(request(QStringLiteral("/slow?ms=50")), [&](auto, auto response, auto) {
-            if (response)
-                done.release();
-        });
+        task = passing.dataTaskWithRequest(request(QStringLiteral("/slow?ms=50")),
+                                           [&](auto, auto response, auto) {
+                                               if (response)
+                                                   done.release();
+                                           });
     }
     task->resume();
     QVERIFY(done.tryAcquire(1, 10'000));
