@@ -274,6 +274,9 @@ Result<JSONDocument> JSONReader::parse(QByteArrayView utf8, TopLevel topLevel)
 {
     static_assert(simdjson::DEFAULT_MAX_DEPTH == maximumDepth);
     const QByteArrayView text = withoutByteOrderMark(utf8);
+    // Handed nothing at all, simdjson copies from a null pointer.
+    if (text.isEmpty())
+        return readError(sentenceFor(simdjson::EMPTY));
     const auto document = std::make_shared<simdjson::dom::document>();
     simdjson::error_code error = parseInto(*document, text);
     if (error == simdjson::NUMBER_ERROR)

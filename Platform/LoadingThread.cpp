@@ -92,7 +92,8 @@ NSURLSession::Core::Core(NSURLSessionConfiguration sessionConfiguration)
 
 NSURLSession::Core::~Core()
 {
-    LoadingThread::post([manager = m_manager] { delete manager; });
+    if (m_manager)
+        LoadingThread::post([manager = m_manager] { delete manager; });
 }
 
 QNetworkAccessManager *NSURLSession::Core::manager()

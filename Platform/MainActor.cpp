@@ -15,7 +15,7 @@ TaskMailbox &mailbox()
 
 void followApplication()
 {
-    mailbox().open(QThread::currentThread());
+    mailbox().open(QCoreApplication::instance()->thread());
     qAddPostRoutine([] { delete mailbox().close(); });
 }
 

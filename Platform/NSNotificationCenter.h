@@ -26,8 +26,9 @@ private:
 
 /// Broadcasts named notifications to whoever observes them.
 ///
-/// Any thread may observe and post. Observers are called at once, in the thread that posts and in the order
-/// in which they registered; one that registers during a post is first called by the next.
+/// Any thread may observe and post; an observer goes in the thread that posts what it observes. Observers are
+/// called at once, in the thread that posts and in the order in which they registered; one that registers
+/// during a post is first called by the next.
 class QUORVIX_PLATFORM_EXPORT NSNotificationCenter
 {
 public:

@@ -38,8 +38,8 @@ public:
         return reinterpret_cast<Signature *>(lookUp(method));
     }
 
-    template<typename Signature>
     /// Adds an instance method. Null, with nothing changed, when the selector is taken.
+    template<typename Signature>
     Method *addMethod(QByteArrayView selector, Signature *implementation)
     {
         return add(selector, reinterpret_cast<Implementation>(implementation), typeid(Signature));

@@ -35,6 +35,12 @@ QString leadingText(const QByteArray &bytes)
     return decoder.hasError() || text.contains(QChar::Null) ? QString() : text;
 }
 
+/// The URL of an item that is one. Text that looks like a URL, as what came over the network may, stays text.
+QUrl fileUrl(const QVariant &item)
+{
+    return item.typeId() == QMetaType::QUrl ? item.toUrl() : QUrl();
+}
+
 /// A path like @p path that no file has yet.
 QString unusedPath(const QString &path)
 {
@@ -66,7 +72,7 @@ bool UIActivityViewController::isFile() const
 
 QString UIActivityViewController::filePath() const
 {
-    return m_items.isEmpty() ? QString() : m_items.constFirst().toUrl().toLocalFile();
+    return m_items.isEmpty() ? QString() : fileUrl(m_items.constFirst()).toLocalFile();
 }
 
 QString UIActivityViewController::text() const
@@ -113,7 +119,7 @@ void UIActivityViewController::copy()
     QStringList texts;
     QList<QUrl> urls;
     for (const QVariant &item : std::as_const(m_items)) {
-        const QUrl url = item.toUrl();
+        const QUrl url = fileUrl(item);
         if (url.isLocalFile()) {
             urls.append(url);
             texts.append(QDir::toNativeSeparators(url.toLocalFile()));
@@ -151,7 +157,7 @@ QString UIActivityViewController::saveAs(const QString &path)
 
 bool UIActivityViewController::open()
 {
-    return isFile() && QDesktopServices::openUrl(m_items.constFirst().toUrl());
+    return isFile() && QDesktopServices::openUrl(fileUrl(m_items.constFirst()));
 }
 
 bool UIActivityViewController::showInFolder()

@@ -7,6 +7,8 @@
 #include "Platform/MainActor.h"
 #include "Platform/NSNotificationCenter.h"
 
+#include <QtCore/QScopedValueRollback>
+
 #include <charconv>
 
 using namespace std::chrono_literals;
@@ -71,6 +73,7 @@ bool QXBreakpointCenter::check(const URLRequest &request, const QString &request
                                const std::optional<NSError> &error,
                                const DataTaskCompletionHandler &completion)
 {
+    Q_ASSERT(MainActor::isCurrent());
     if (QXLog::level() >= QXLogLevel::debug) {
         QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] check response: ") +
                                           request.httpMethod.value_or(QStringLiteral("GET")) + u' ' +
@@ -134,6 +137,7 @@ void QXBreakpointCenter::startCooldown()
 void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool keepBody,
                                  const std::optional<QString> &bodyText)
 {
+    Q_ASSERT(MainActor::isCurrent());
     if (!m_activeBreakpoint || m_isReleasing)
         return;
     const QXBreakpointItem item = *m_activeBreakpoint;
@@ -148,10 +152,10 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
     const auto response = rebuild(item.response, statusCode, bodyLength);
 
     QXRequestRecorder::shared().complete(item.requestId, response, body, item.error);
-    m_isReleasing = true;
-    if (item.completion)
+    if (item.completion) {
+        const QScopedValueRollback releasing(m_isReleasing, true);
         item.completion(body, response, item.error);
-    m_isReleasing = false;
+    }
 
     m_activeBreakpoint.reset();
     if (!m_queue.empty()) {

@@ -42,12 +42,18 @@ std::unique_ptr<QQuickWindow> QXHostWindow::makeFallback()
     window->setProperty(fallbackProperty, true);
     window->setColor(Qt::transparent);
     window->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
-    // Part of whatever window the host shows, so that it never keeps the application from ending.
-    window->setTransientParent(QGuiApplication::focusWindow());
+    followFocus(*window);
     if (const QScreen *const screen = QGuiApplication::primaryScreen())
         window->setGeometry(screen->geometry());
     window->show();
     return window;
+}
+
+void QXHostWindow::followFocus(QQuickWindow &fallback)
+{
+    QWindow *const focused = QGuiApplication::focusWindow();
+    if (focused && focused != &fallback && !fallback.transientParent())
+        fallback.setTransientParent(focused);
 }
 
 QMarginsF QXHostWindow::safeAreaMargins(const QQuickWindow &window)

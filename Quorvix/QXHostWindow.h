@@ -20,6 +20,10 @@ namespace QXHostWindow {
 /// A transparent window of the main screen's size, for an application that has none of its own.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT std::unique_ptr<QQuickWindow> makeFallback();
 
+/// Makes a fallback window part of the window that the host shows now, so that it ends with the host's
+/// windows and never keeps the application from ending.
+QUORVIX_INTERNAL_EXPORT void followFocus(QQuickWindow &fallback);
+
 /// What bars and notches cover at the edges of @p window, in points.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QMarginsF safeAreaMargins(const QQuickWindow &window);
 

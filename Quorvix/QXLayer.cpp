@@ -20,6 +20,13 @@ void QXLayer::attach(QQuickWindow *window)
 {
     if (m_content)
         m_content->disconnect(this);
+    if (m_window)
+        m_window->disconnect(this);
+    m_window = window;
+    connect(window, &QWindow::visibleChanged, this, [this](bool visible) {
+        if (!visible)
+            Q_EMIT windowLost();
+    });
     m_content = window->contentItem();
     setParentItem(m_content);
     connect(m_content, &QQuickItem::widthChanged, this, &QXLayer::fit);

@@ -33,12 +33,13 @@ public:
     [[nodiscard]] bool contains(const QPointF &point) const override;
 
 Q_SIGNALS:
-    /// The window that it was attached to is no more.
+    /// The window that it is attached to is hidden, or no more.
     void windowLost();
 
 private:
     void fit();
 
     Claims m_claims;
+    QPointer<QQuickWindow> m_window;
     QPointer<QQuickItem> m_content;
 };

@@ -49,8 +49,9 @@ QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine()), m_layer(std::make_un
     };
     connect(m_layer.get(), &QQuickItem::widthChanged, this, moved);
     connect(m_layer.get(), &QQuickItem::heightChanged, this, moved);
+    // Later: it may be Qt that tells of a window in the middle of its work with it.
     connect(m_layer.get(), &QXLayer::windowLost, this, &QXOverlay::settle, Qt::QueuedConnection);
-    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXOverlay::settle);
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXOverlay::settle, Qt::QueuedConnection);
     connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateMask);
 
     if (QXHostWindow::find()) {
@@ -64,7 +65,8 @@ QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine()), m_layer(std::make_un
     updateMask();
 
     auto &notifications = NSNotificationCenter::defaultCenter();
-    m_requestsObserver = notifications.addObserver(QuorvixRequestsChanged, [this] { handleRequestsChanged(); });
+    m_requestsObserver =
+        notifications.addObserver(QuorvixRequestsChanged, [this] { handleRequestsChanged(); });
     m_breakpointObserver =
         notifications.addObserver(QuorvixBreakpointChanged, [this] { handleBreakpointChanged(); });
     updateBadge();
@@ -91,7 +93,6 @@ bool QXOverlay::isHidden() const
 
 void QXOverlay::retire()
 {
-    setHidden(true);
     m_requestsObserver = {};
     m_breakpointObserver = {};
     m_breakpointWindow.reset();
@@ -108,11 +109,14 @@ QQuickWindow *QXOverlay::window() const
 void QXOverlay::settle()
 {
     QQuickWindow *const current = m_layer->window();
-    if (current && current != m_fallbackWindow.get())
+    if (current && current != m_fallbackWindow.get() && current->isVisible())
         return;
     QQuickWindow *const host = QXHostWindow::find();
-    if (!host)
+    if (!host) {
+        if (m_fallbackWindow)
+            QXHostWindow::followFocus(*m_fallbackWindow);
         return;
+    }
     m_layer->attach(host);
     if (m_breakpointWindow)
         m_breakpointWindow->attach(host);
@@ -157,13 +161,14 @@ void QXOverlay::handleButtonPan(const QPointF &translation)
 {
     const QRectF area = safeArea();
     const QPointF offset = buttonCenter() - area.center() + translation;
-    m_constraint = QXOverlayPoint{clampOffset(offset.x(), area.width()), clampOffset(offset.y(), area.height())};
+    m_constraint =
+        QXOverlayPoint{clampOffset(offset.x(), area.width()), clampOffset(offset.y(), area.height())};
+    updateMask();
     Q_EMIT buttonMoved();
 }
 
 void QXOverlay::handleButtonPanEnd()
 {
-    updateMask();
     if (m_constraint)
         QSettings().setValue(dragPositionKey, m_constraint->encoded());
 }
@@ -201,7 +206,7 @@ void QXOverlay::updateBadge()
 {
     m_badgeScheduled = false;
     const qsizetype count = QXRequestRecorder::shared().requests().size();
-    const QString text = count == 0               ? QString()
+    const QString text = count == 0              ? QString()
                          : count <= largestBadge ? QString::number(count)
                                                  : QStringLiteral("99+");
     if (text == m_badgeText)
@@ -247,13 +252,13 @@ void QXOverlay::requestListDismissed()
 void QXOverlay::handleBreakpointChanged()
 {
     const auto &active = QXBreakpointCenter::shared().activeBreakpoint();
-    QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] change active=%1 showingList=%2")
-                                     .arg(QXLog::word(active.has_value()), QXLog::word(m_isShowingRequestList)));
+    QXLog::log(QXLogLevel::info,
+               QStringLiteral("[Breakpoint] change active=%1 showingList=%2")
+                   .arg(QXLog::word(active.has_value()), QXLog::word(m_isShowingRequestList)));
     const auto isKey = QXLog::word(m_breakpointWindow && m_breakpointWindow->isKeyWindow());
     if (active) {
-        QXLog::log(QXLogLevel::debug,
-                   QStringLiteral("[Breakpoint] show window id=%1 key=%2")
-                       .arg(active->id.toString(QUuid::WithoutBraces).toUpper(), isKey));
+        QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] show window id=%1 key=%2")
+                                          .arg(active->id.toString(QUuid::WithoutBraces).toUpper(), isKey));
         if (!m_breakpointWindow && !window())
             return;
         if (!m_breakpointWindow)

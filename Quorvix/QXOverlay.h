@@ -23,8 +23,8 @@ class QXLayer;
 
 /// The floating button over the host's window, with the request list that it opens. Main thread only.
 ///
-/// It lays itself over the active window of the host, or over a window of its own as long as there is none, and
-/// claims no more of it than the button while the list is closed. It also puts up the breakpoint window.
+/// It lays itself over the active window of the host, or over a window of its own as long as there is none,
+/// and claims no more of it than the button while the list is closed. It also puts up the breakpoint window.
 class QUORVIX_INTERNAL_EXPORT QXOverlay : public QObject
 {
     Q_OBJECT
@@ -52,7 +52,7 @@ public:
 
     void setHidden(bool hidden);
     [[nodiscard]] bool isHidden() const;
-    /// Lets go of the host, for good: nothing that happens from now on is shown.
+    /// Lets go of the host, for good, once hidden: nothing that happens from now on is shown.
     void retire();
 
     [[nodiscard]] QPointF buttonCenter() const;

@@ -1,5 +1,6 @@
 #include "Quorvix/QXRequestRecorder.h"
 
+#include "Platform/MainActor.h"
 #include "Platform/NSNotificationCenter.h"
 
 namespace {
@@ -44,6 +45,7 @@ QXRequestRecorder &QXRequestRecorder::shared()
 
 void QXRequestRecorder::record(const QString &id, const URLRequest &request)
 {
+    Q_ASSERT(MainActor::isCurrent());
     QXRequestTrace trace(id, request);
     QByteArray key = searchKey(trace);
     m_requests.prepend(std::make_shared<const QXTraceList::Cell>(
@@ -54,6 +56,7 @@ void QXRequestRecorder::record(const QString &id, const URLRequest &request)
 void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &response,
                                  const std::optional<QByteArray> &data, const std::optional<NSError> &error)
 {
+    Q_ASSERT(MainActor::isCurrent());
     const qsizetype index = m_requests.indexOf(id);
     if (index < 0)
         return;
@@ -71,6 +74,7 @@ void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &resp
 
 void QXRequestRecorder::clear()
 {
+    Q_ASSERT(MainActor::isCurrent());
     m_requests = {};
     postChange();
 }

@@ -9,7 +9,8 @@ inline constexpr QLatin1StringView QuorvixRequestsChanged{"QuorvixRequestsChange
 
 /// The store of captured exchanges, newest first, kept in memory until clear(). Main thread only.
 ///
-/// Recording and completing cost the same however many traces there are; so does reading `requests`.
+/// Recording and reading `requests` cost the same however many traces there are. Completing looks for the
+/// trace from the newest on, where it nearly always is, and costs the same from there.
 class QUORVIX_EXPORT QXRequestRecorder
 {
 public:

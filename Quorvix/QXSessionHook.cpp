@@ -42,10 +42,15 @@ NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &
     const QString identifier = makeIdentifier();
     MainActor::schedule([identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
 
-    auto wrapper = [request, identifier, completion = std::move(completion)](std::optional<QByteArray> data,
-                                                                             NSURLResponsePtr response,
-                                                                             std::optional<NSError> error) {
-        MainActor::schedule([=] { finish(request, identifier, data, response, error, completion); });
+    // Called once, on the session's thread; what the host captured moves on to the main thread and ends
+    // there.
+    auto wrapper = [request, identifier, completion = std::move(completion)](
+                       std::optional<QByteArray> data, NSURLResponsePtr response,
+                       std::optional<NSError> error) mutable {
+        MainActor::schedule([request, identifier, completion = std::move(completion), data = std::move(data),
+                             response = std::move(response), error = std::move(error)] {
+            finish(request, identifier, data, response, error, completion);
+        });
     };
     auto *const original = NSURLSession::objectClass().implementation<NSURLSession::DataTaskImplementation>(
         hookedMethod.load(std::memory_order_acquire));
@@ -57,7 +62,7 @@ NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &
 void QXSessionHook::exchange(ObjectClass &sessionClass)
 {
     Method *const original = class_getInstanceMethod(sessionClass, NSURLSession::dataTaskSelector);
-    if (!original)
+    if (!original || hookedMethod.load())
         return;
     sessionClass.addMethod<NSURLSession::DataTaskImplementation>(hookedSelector, &hookedDataTask);
     Method *const hooked = class_getInstanceMethod(sessionClass, hookedSelector);

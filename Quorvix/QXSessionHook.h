@@ -10,7 +10,7 @@ namespace QXSessionHook {
 /// Exchanges the methods of NSURLSession, once per process, for good. Any thread.
 QUORVIX_INTERNAL_EXPORT void install();
 
-/// Exchanges the methods of @p sessionClass; does nothing when it lacks one of them.
+/// Exchanges the methods of @p sessionClass; does nothing when it lacks one of them, nor a second time.
 QUORVIX_INTERNAL_EXPORT void exchange(ObjectClass &sessionClass);
 
 } // namespace QXSessionHook

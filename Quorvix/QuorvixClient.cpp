@@ -4,7 +4,9 @@
 #include "Quorvix/QXOverlay.h"
 #include "Quorvix/QXSessionHook.h"
 
-#include <QtCore/QCoreApplication>
+#include "Platform/MainActor.h"
+
+#include <QtGui/QGuiApplication>
 
 void QuorvixClient::DeleteLater::operator()(QXOverlay *overlay) const
 {
@@ -34,6 +36,11 @@ void QuorvixClient::start()
 
 void QuorvixClient::show()
 {
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
+        QXLog::log(QXLogLevel::error, QStringLiteral("[Overlay] there is no QGuiApplication to show it in"));
+        return;
+    }
+    Q_ASSERT(MainActor::isCurrent());
     if (!m_overlayWindow) {
         m_overlayWindow.reset(new QXOverlay);
         // Windows cannot outlive the application that shows them.
@@ -54,7 +61,9 @@ void QuorvixClient::hide()
 
 void QuorvixClient::applicationEnds()
 {
-    delete shared().m_overlayWindow.release();
+    shared().hide();
+    // No event loop will: what was put off until later is for now.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 QXLogLevel QuorvixClient::logLevel() const

@@ -24,8 +24,8 @@ public:
 
     /// The same as show().
     void start();
-    /// Puts up the floating button, over the active Qt Quick window. Needs a QGuiApplication; main thread
-    /// only.
+    /// Puts up the floating button, over the active Qt Quick window. Does nothing
+    /// without a QGuiApplication. Main thread only.
     void show();
     /// Takes the button and its screens away. Capture goes on. Main thread only.
     void hide();

@@ -241,6 +241,7 @@ void JSONTest::refusesText_data()
     const QString number = u"The JSON text holds a number that is malformed or out of range."_s;
     const QString string = u"The JSON text holds a malformed string."_s;
     const int tooDeep = JSONReader::maximumDepth + 1;
+    QTest::newRow("nothing at all") << QByteArray() << u"The text is empty."_s;
     QTest::newRow("empty") << ""_ba << u"The text is empty."_s;
     QTest::newRow("blank") << " \n"_ba << u"The text is empty."_s;
     QTest::newRow("open object") << R"({"a":1)"_ba << invalid;

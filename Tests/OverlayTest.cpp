@@ -119,6 +119,8 @@ private Q_SLOTS:
     void twoClicksOpenAndClose();
     void liesAboveTheHostsDialogs();
     void makesDoWithoutAHostWindow();
+    void leavesAWindowThatHides();
+    void neverKeepsTheApplicationFromEnding();
     void survivesTheHostsWindow();
     void editorFollowsTheHeldResponses();
     void hideDuringAReleaseIsSafe();
@@ -338,6 +340,26 @@ void OverlayTest::makesDoWithoutAHostWindow()
     m_host = std::make_unique<Host>();
     QTRY_COMPARE(overlay().window(), m_host->window);
     QVERIFY(find(*m_host->window, "QXFloatingButton"));
+}
+
+void OverlayTest::leavesAWindowThatHides()
+{
+    client().show();
+    Host main;
+    QCOMPARE(overlay().window(), m_host->window); // stays where it is while that can be seen
+    m_host->window->hide();
+    QTRY_COMPARE(overlay().window(), main.window);
+    client().hide();
+}
+
+void OverlayTest::neverKeepsTheApplicationFromEnding()
+{
+    m_host.reset();
+    client().show();
+    QWindow plain; // no window for Qt Quick to draw on
+    plain.show();
+    QVERIFY(QTest::qWaitForWindowActive(&plain));
+    QTRY_COMPARE(overlay().window()->transientParent(), &plain); // such windows do not count as the last one
 }
 
 void OverlayTest::survivesTheHostsWindow()

@@ -1,5 +1,4 @@
 # Installs both libraries, their public headers and a CMake package.
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 install(TARGETS QuorvixPlatform Quorvix EXPORT QuorvixTargets)
