@@ -203,7 +203,7 @@ void DiagnosticRoutes::addTrouble()
     });
     m_server.Get("/drop", [](const Request &, Response &) { BreakableServer::dropConnection(); });
     m_server.Get("/drop-midway", [](const Request &, Response &response) {
-        constexpr size_t promised = 64 * 1024;
+        constexpr size_t promised = size_t{64} * 1024;
         response.set_content_provider(promised, "application/octet-stream",
                                       [](size_t, size_t, httplib::DataSink &sink) {
                                           const std::string begin(promised / 4, 'x');

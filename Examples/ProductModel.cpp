@@ -37,7 +37,7 @@ const Product *ProductModel::find(const QString &id) const
 void ProductModel::setProducts(const QJsonArray &products)
 {
     QList<Line> lines;
-    for (const QJsonValue &product : products)
+    for (const QJsonValue product : products)
         lines.append({Product::fromJson(product.toObject())});
     reset(std::move(lines));
 }
@@ -45,7 +45,7 @@ void ProductModel::setProducts(const QJsonArray &products)
 void ProductModel::setLines(const QJsonArray &cartLines)
 {
     QList<Line> lines;
-    for (const QJsonValue &line : cartLines)
+    for (const QJsonValue line : cartLines)
         lines.append({Product::fromJson(line[QStringLiteral("product")].toObject()),
                       line[QStringLiteral("quantity")].toInt()});
     reset(std::move(lines));

@@ -112,7 +112,7 @@ QJsonArray StoreCatalogue::search(const QString &query) const
     static const QStringList searched{QStringLiteral("name"), QStringLiteral("maker"),
                                       QStringLiteral("category")};
     QJsonArray found;
-    for (const QJsonValue &product : m_products) {
+    for (const QJsonValue product : m_products) {
         const bool matches = std::any_of(searched.begin(), searched.end(), [&](const QString &field) {
             return product[field].toString().contains(query, Qt::CaseInsensitive);
         });
@@ -124,7 +124,7 @@ QJsonArray StoreCatalogue::search(const QString &query) const
 
 QJsonObject StoreCatalogue::product(const QString &id) const
 {
-    for (const QJsonValue &product : m_products) {
+    for (const QJsonValue product : m_products) {
         if (product[QStringLiteral("id")].toString() == id)
             return product.toObject();
     }

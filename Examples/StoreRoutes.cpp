@@ -38,7 +38,7 @@ QJsonObject describeCart(const QJsonArray &lines)
 {
     int total = 0;
     int count = 0;
-    for (const QJsonValue &line : lines) {
+    for (const QJsonValue line : lines) {
         const int quantity = line[QStringLiteral("quantity")].toInt();
         count += quantity;
         total += quantity *

@@ -35,7 +35,7 @@ bool StoreStage::catalogueLoads()
 {
     return robot().resize(phone) && robot().waitFor(name("productCard-fjord-vase")) &&
            robot().waitFor(name("productCard-tide-mug")) &&
-           robot().waitUntil([this] { return captured(name("/images/tide-mug.png"), 200); },
+           robot().waitUntil([] { return captured(name("/images/tide-mug.png"), 200); },
                              QStringLiteral("the pictures were not captured"));
 }
 
@@ -53,7 +53,7 @@ bool StoreStage::buttonMovesAside()
 bool StoreStage::pullingAsksAgain()
 {
     return robot().drag(name("catalogueGrid"), {0, 300}) &&
-           robot().waitUntil([this] { return captured(name("/api/v1/products"), 304); },
+           robot().waitUntil([] { return captured(name("/api/v1/products"), 304); },
                              QStringLiteral("no 304 was captured"));
 }
 
@@ -75,7 +75,7 @@ bool StoreStage::productOpens()
 bool StoreStage::productGoesToCart()
 {
     return robot().click(name("addToCartButton")) &&
-           robot().waitUntil([this] { return captured(name("/api/v1/cart"), 201); },
+           robot().waitUntil([] { return captured(name("/api/v1/cart"), 201); },
                              QStringLiteral("no 201 was captured")) &&
            robot().waitFor(name("storeNotice"));
 }

@@ -20,7 +20,10 @@ T.SwipeDelegate {
 
     Accessible.name: displayText
     Accessible.role: Accessible.ListItem
-    Accessible.onPressAction: root.deleteRequested()
+    Accessible.onPressAction: {
+        if (root.isEditing)
+            root.deleteRequested();
+    }
 
     swipe.right: QXDeleteButton {
         objectName: "QXBreakpointDeleteButton"

@@ -1,6 +1,7 @@
 #include "Quorvix/QXBreakpointWindow.h"
 
 #include "Quorvix/QXBreakpointEditorModel.h"
+#include "Quorvix/QXHostWindow.h"
 #include "Quorvix/QXLayer.h"
 #include "Quorvix/QXQmlView.h"
 
@@ -37,8 +38,15 @@ void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
         m_editor->deleteLater();
     }
     auto model = std::make_unique<QXBreakpointEditorModel>(item);
+    const QMarginsF margins =
+        m_layer->window() ? QXHostWindow::safeAreaMargins(*m_layer->window()) : QMarginsF();
     m_editor = QXQmlView::make(m_engine, QStringLiteral("QXBreakpointEditorView"),
-                               {{QStringLiteral("model"), QVariant::fromValue(model.get())}}, *m_layer);
+                               {{QStringLiteral("model"), QVariant::fromValue(model.get())},
+                                {QStringLiteral("safeAreaTop"), margins.top()},
+                                {QStringLiteral("safeAreaLeft"), margins.left()},
+                                {QStringLiteral("safeAreaRight"), margins.right()},
+                                {QStringLiteral("safeAreaBottom"), margins.bottom()}},
+                               *m_layer);
     if (!m_editor)
         return;
     model.release()->setParent(m_editor);

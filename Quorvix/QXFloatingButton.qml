@@ -7,6 +7,10 @@ T.AbstractButton {
     id: root
 
     required property QXOverlay overlay
+    /// Whether the scene graph can draw an item into a texture.
+    readonly property bool canBlur: GraphicsInfo.api !== GraphicsInfo.Unknown
+        && GraphicsInfo.api !== GraphicsInfo.Software && GraphicsInfo.api !== GraphicsInfo.OpenVG
+        && GraphicsInfo.api !== GraphicsInfo.Null
 
     objectName: "QXFloatingButton"
     width: 52
@@ -37,10 +41,29 @@ T.AbstractButton {
             anchors.fill: parent
             opacity: 0.85
 
+            Loader {
+                id: backdrop
+
+                readonly property bool isFrosted: (item as QXBackdrop)?.isFrosted ?? false
+
+                anchors.fill: parent
+                active: root.canBlur
+                visible: !root.overlay.isShowingRequestList
+                sourceComponent: QXFrostedBackdrop {}
+
+                Connections {
+                    target: root.overlay
+
+                    function onButtonMoved() {
+                        (backdrop.item as QXBackdrop)?.refresh();
+                    }
+                }
+            }
+
             Rectangle {
                 anchors.fill: parent
                 radius: width / 2
-                color: QXTheme.material
+                color: Qt.alpha(QXTheme.material, backdrop.isFrosted ? 0.6 : 1)
                 border.width: 1
                 border.color: QXTheme.materialEdge
             }

@@ -10,6 +10,7 @@ set(QUORVIX_QML_FILES
     QXDeleteButton.qml
     QXFloatingButton.qml
     QXFocusRing.qml
+    QXFrostedBackdrop.qml
     QXIcon.qml
     QXListAnchor.qml
     QXModal.qml
@@ -38,9 +39,11 @@ set_source_files_properties(QXTheme.qml PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
 set(QUORVIX_QML_SOURCES
     QXActivityViewController.h
     QXAppearance.cpp QXAppearance.h
+    QXBackdrop.cpp QXBackdrop.h
     QXBodyLines.cpp QXBodyLines.h
     QXBreakpointEditorModel.cpp QXBreakpointEditorModel.h
     QXBreakpointsViewModel.cpp QXBreakpointsViewModel.h
+    QXFrost.cpp QXFrost.h
     QXRequestDetailsViewModel.cpp QXRequestDetailsViewModel.h
     QXSymbolProvider.cpp QXSymbolProvider.h)
 

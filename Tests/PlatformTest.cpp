@@ -92,6 +92,7 @@ void PlatformTest::sendersNeverSeeHalfAnExchange()
     std::atomic<bool> stop = false;
     std::atomic<int> wrong = 0;
     std::vector<std::thread> senders;
+    senders.reserve(3);
     for (int i = 0; i < 3; ++i) {
         senders.emplace_back([&] {
             while (!stop)
