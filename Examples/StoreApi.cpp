@@ -12,7 +12,7 @@
 namespace {
 
 /// Larger documents are not for the screens.
-constexpr qsizetype largestParsedBody = 1024 * 1024;
+constexpr qsizetype largestParsedBody = qsizetype{1024} * 1024;
 
 StoreReply makeReply(const std::optional<QByteArray> &data, const NSURLResponsePtr &response,
                      const std::optional<NSError> &error)
