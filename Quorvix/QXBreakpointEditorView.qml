@@ -24,18 +24,8 @@ FocusScope {
     LayoutMirroring.enabled: QXTheme.isMirrored
     LayoutMirroring.childrenInherit: true
 
-    /// Nothing that happens here reaches the screens beneath.
-    MouseArea {
+    QXShield {
         anchors.fill: parent
-        acceptedButtons: Qt.AllButtons
-        hoverEnabled: true
-        cursorShape: Qt.ArrowCursor
-        onWheel: wheel => wheel.accepted = true
-
-        MultiPointTouchArea {
-            anchors.fill: parent
-            mouseEnabled: false
-        }
     }
 
     Rectangle {

@@ -14,20 +14,9 @@ FocusScope {
     LayoutMirroring.enabled: QXTheme.isMirrored
     LayoutMirroring.childrenInherit: true
 
-    /// Nothing that happens over the list reaches the host beneath.
-    MouseArea {
+    QXShield {
         anchors.fill: parent
         enabled: root.overlay.isShowingRequestList
-        acceptedButtons: Qt.AllButtons
-        hoverEnabled: enabled
-        cursorShape: enabled ? Qt.ArrowCursor : undefined
-        onWheel: wheel => wheel.accepted = true
-
-        MultiPointTouchArea {
-            anchors.fill: parent
-            enabled: root.overlay.isShowingRequestList
-            mouseEnabled: false
-        }
     }
 
     // A list screen for each presentation: none or one.

@@ -29,6 +29,7 @@ set(QUORVIX_QML_FILES
     QXSearchField.qml
     QXSeparator.qml
     QXSheet.qml
+    QXShield.qml
     QXText.qml
     QXTextButton.qml
     QXTextField.qml
