@@ -58,7 +58,7 @@ AbstractButton {
             objectName: "diagnosticResult-" + root.key
             Layout.maximumWidth: root.width * 0.45
             text: root.result
-            color: StoreTheme.accent
+            color: StoreTheme.ink
             font.pixelSize: StoreTheme.caption
             horizontalAlignment: Text.AlignRight
             wrapMode: Text.Wrap
