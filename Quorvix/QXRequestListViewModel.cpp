@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <functional>
 #include <string_view>
 #include <variant>
 
@@ -29,17 +30,36 @@ std::string_view view(const QByteArray &bytes)
     return {bytes.constData(), std::size_t(bytes.size())};
 }
 
-/// Whether the query is found in the URL, the method or the status code of a trace.
-bool matches(const QXTraceList::Cell &cell, std::string_view query)
+/// A text to be looked for many times over, prepared once. It points into the bytes that it was made from.
+class Query
 {
-    if (view(cell.searchKey).find(query) != std::string_view::npos)
+public:
+    explicit Query(const QByteArray &text) : m_text(view(text)), m_searcher(m_text.begin(), m_text.end()) {}
+
+    [[nodiscard]] bool isIn(std::string_view haystack) const
+    {
+        // Skipping ahead pays only when there is something to skip.
+        constexpr std::size_t shortest = 2;
+        if (m_text.size() < shortest)
+            return haystack.find(m_text) != std::string_view::npos;
+        return std::search(haystack.begin(), haystack.end(), m_searcher) != haystack.end();
+    }
+
+private:
+    std::string_view m_text;
+    std::boyer_moore_horspool_searcher<std::string_view::const_iterator> m_searcher;
+};
+
+/// Whether the query is found in the URL, the method or the status code of a trace.
+bool matches(const QXTraceList::Cell &cell, const Query &query)
+{
+    if (query.isIn(view(cell.searchKey)))
         return true;
     if (!cell.trace.response)
         return false;
     std::array<char, 24> digits{};
     const auto end = std::to_chars(digits.begin(), digits.end(), cell.trace.response->statusCode).ptr;
-    return std::string_view(digits.data(), std::size_t(end - digits.data())).find(query) !=
-           std::string_view::npos;
+    return query.isIn({digits.data(), std::size_t(end - digits.data())});
 }
 
 /// The place of a trace counted from the oldest, for its place counted from the newest, and back.
@@ -48,7 +68,7 @@ qsizetype mirrored(const QXTraceList &requests, qsizetype index)
     return requests.size() - 1 - index;
 }
 
-std::vector<quint32> allMatches(const QXTraceList &requests, std::string_view query)
+std::vector<quint32> allMatches(const QXTraceList &requests, const Query &query)
 {
     std::vector<quint32> found;
     for (qsizetype position = 0; position < requests.size(); ++position) {
@@ -163,11 +183,11 @@ void QXRequestListViewModel::setSearchText(const QString &text)
     } else if (isFiltering() && query.contains(m_query)) {
         // Whatever holds the longer text holds the shorter one, so the present matches are all there is to
         // see.
-        std::erase_if(m_matches, [&](quint32 position) {
-            return !matches(*m_requests.cell(mirrored(m_requests, position)), view(query));
+        std::erase_if(m_matches, [&, prepared = Query(query)](quint32 position) {
+            return !matches(*m_requests.cell(mirrored(m_requests, position)), prepared);
         });
     } else {
-        m_matches = allMatches(m_requests, view(query));
+        m_matches = allMatches(m_requests, Query(query));
     }
     m_query = query;
     endResetModel();
@@ -198,7 +218,7 @@ void QXRequestListViewModel::resetTo(const QXTraceList &requests)
         return;
     beginResetModel();
     m_requests = requests;
-    m_matches = isFiltering() ? allMatches(m_requests, view(m_query)) : std::vector<quint32>();
+    m_matches = isFiltering() ? allMatches(m_requests, Query(m_query)) : std::vector<quint32>();
     endResetModel();
 }
 
@@ -211,9 +231,10 @@ void QXRequestListViewModel::extendTo(const QXTraceList &requests)
         m_requests = requests;
         for (const qsizetype position : changed)
             updateMatch(position);
+        const Query query(m_query);
         std::vector<quint32> added;
         for (qsizetype position = known; position < requests.size(); ++position) {
-            if (matches(*requests.cell(mirrored(requests, position)), view(m_query)))
+            if (matches(*requests.cell(mirrored(requests, position)), query))
                 added.push_back(quint32(position));
         }
         if (added.empty())
@@ -240,7 +261,7 @@ void QXRequestListViewModel::updateMatch(qsizetype position)
 {
     const auto place = std::lower_bound(m_matches.begin(), m_matches.end(), quint32(position));
     const bool shown = place != m_matches.end() && *place == quint32(position);
-    const bool matching = matches(*m_requests.cell(mirrored(m_requests, position)), view(m_query));
+    const bool matching = matches(*m_requests.cell(mirrored(m_requests, position)), Query(m_query));
     const int after = int(m_matches.end() - place);
     if (shown && matching) {
         Q_EMIT dataChanged(index(after - 1), index(after - 1));
