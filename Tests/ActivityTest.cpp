@@ -1,0 +1,84 @@
+#include "Platform/UIActivityViewController.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QUrl>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+#include <QtTest/QTest>
+
+namespace {
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+} // namespace
+
+class ActivityTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void fileIsShownCopiedAndSaved();
+    void textIsNeverTakenForAFile();
+    void savingTellsWhyItFailed();
+
+private:
+    QTemporaryDir m_folder;
+    QString m_path;
+};
+
+void ActivityTest::init()
+{
+    m_path = m_folder.filePath(QStringLiteral("archive.har"));
+    QFile file(m_path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write("{\"log\" : \"ü\"}"), 14);
+}
+
+void ActivityTest::fileIsShownCopiedAndSaved()
+{
+    UIActivityViewController controller;
+    controller.setActivityItems({QUrl::fromLocalFile(m_path)});
+    QVERIFY(controller.isFile());
+    QCOMPARE(controller.title(), QStringLiteral("archive.har"));
+    QVERIFY(controller.subtitle().startsWith(QStringLiteral("HAR")));
+    QCOMPARE(controller.previewText(), QStringLiteral("{\"log\" : \"ü\"}"));
+    controller.copy();
+    QVERIFY(QGuiApplication::clipboard()->text().endsWith(QStringLiteral("archive.har")));
+    const QString target = m_folder.filePath(QStringLiteral("saved.har"));
+    QCOMPARE(controller.saveAs(target), QString());
+    QCOMPARE(contents(target), contents(m_path));
+}
+
+void ActivityTest::textIsNeverTakenForAFile()
+{
+    const QString text = QUrl::fromLocalFile(m_path).toString();
+    UIActivityViewController controller;
+    controller.setActivityItems({text});
+    QVERIFY(!controller.isFile());
+    QCOMPARE(controller.previewText(), text);
+    QVERIFY(!controller.open() && !controller.showInFolder());
+    const QString target = m_folder.filePath(QStringLiteral("saved.txt"));
+    QCOMPARE(controller.saveAs(target), QString());
+    QCOMPARE(contents(target), text.toUtf8());
+}
+
+void ActivityTest::savingTellsWhyItFailed()
+{
+    UIActivityViewController controller;
+    controller.setActivityItems({QUrl::fromLocalFile(m_path)});
+    const QString taken = m_folder.filePath(QStringLiteral("saved.har"));
+    QVERIFY(!controller.saveAs(m_folder.filePath(QStringLiteral("no/such/folder/saved.har"))).isEmpty());
+    QVERIFY(QFile::remove(m_path));
+    const QByteArray before = contents(taken);
+    QVERIFY(!controller.saveAs(taken).isEmpty());
+    QCOMPARE(contents(taken), before); // what was there is not lost to a failure
+}
+
+QTEST_MAIN(ActivityTest)
+#include "ActivityTest.moc"
