@@ -1,17 +1,34 @@
 #include "Platform/JSONReader.h"
 
+#include "Platform/JSONWideNumbers.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QCoreApplication>
 
 #include <simdjson.h>
 
+#include <algorithm>
 #include <bit>
-#include <charconv>
 #include <type_traits>
+#include <vector>
 
 using simdjson::dom::element_type;
 
 namespace {
+
+/// What the cursors point into.
+struct ParsedText final : simdjson::dom::document
+{
+    /// A number that the tape holds only the nearest double of.
+    struct WideNumber
+    {
+        size_t index;
+        QByteArray digits;
+    };
+
+    /// In the order of their places on the tape.
+    std::vector<WideNumber> wideNumbers;
+};
 
 /// simdjson's cursors are two words each, and so is ours: one turns into the other without a copy of
 /// anything.
@@ -61,7 +78,7 @@ const char *sentenceFor(simdjson::error_code code)
     case simdjson::DEPTH_ERROR:
         return "The JSON text is nested too deeply.";
     case simdjson::NUMBER_ERROR:
-        return "The JSON text holds a number that is malformed or out of range.";
+        return "The JSON text holds a malformed number.";
     case simdjson::STRING_ERROR:
     case simdjson::UNCLOSED_STRING:
     case simdjson::UNESCAPED_CHARS:
@@ -80,61 +97,37 @@ NSError readError(const char *sentence)
             QCoreApplication::translate("Quorvix", sentence)};
 }
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-template<typename Integer>
-bool fits(const char *first, const char *last)
-{
-    Integer value;
-    return std::from_chars(first, last, value).ec == std::errc();
-}
-
-/// The end of the string whose opening quote is at @p quote.
-const char *afterString(const char *quote, const char *end)
-{
-    const char *at = quote + 1;
-    while (at < end && *at != '"')
-        at += *at == '\\' ? 2 : 1;
-    return std::min(at + 1, end);
-}
-
-/// The text with "e0" after every integer beyond 64 bits: the same number in the form that is read as a
-/// double. simdjson refuses such integers, though the grammar allows them. Leaves every other token as it is.
-QByteArray withLongIntegersAsDoubles(QByteArrayView text)
-{
-    QByteArray widened;
-    const char *copied = text.cbegin();
-    const char *at = text.cbegin();
-    const char *const end = text.cend();
-    while (at < end) {
-        if (*at == '"') {
-            at = afterString(at, end);
-            continue;
-        }
-        const char *const first = at++;
-        if (!isDigit(*first) && *first != '-')
-            continue;
-        while (at < end && isDigit(*at))
-            ++at;
-        const bool isInteger = at == end || (*at != '.' && *at != 'e' && *at != 'E');
-        if (isInteger && at - first > 18 && !fits<qint64>(first, at) && !fits<quint64>(first, at)) {
-            widened.append(copied, at - copied).append("e0");
-            copied = at;
-        }
-        while (at < end &&
-               (isDigit(*at) || *at == '.' || *at == 'e' || *at == 'E' || *at == '+' || *at == '-'))
-            ++at;
-    }
-    return widened.append(copied, end - copied);
-}
-
-simdjson::error_code parseInto(simdjson::dom::document &document, QByteArrayView text)
+simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text)
 {
     simdjson::dom::parser parser;
-    return parser.parse_into_document(document, text.data(), size_t(text.size())).error();
+    return parser.parse_into_document(parsed, text.data(), size_t(text.size())).error();
+}
+
+/// Finds the places of wide numbers on the tape: one word for each value, and a second one for a number.
+void locate(ParsedText &parsed, std::vector<JSONWideNumbers::Number> numbers)
+{
+    constexpr int typeShift = 56;
+    constexpr quint64 payloadMask = (quint64(1) << typeShift) - 1;
+    const size_t end = parsed.tape[0] & payloadMask;
+    auto next = numbers.begin();
+    size_t ordinal = 0;
+    for (size_t index = 1; index < end && next != numbers.end(); ++index) {
+        const char type = char(parsed.tape[index] >> typeShift);
+        if (type != 'l' && type != 'u' && type != 'd')
+            continue;
+        if (next->ordinal == ordinal++)
+            parsed.wideNumbers.push_back({index, std::move(next++->digits)});
+        ++index;
+    }
+}
+
+simdjson::error_code parseWideNumbersInto(ParsedText &parsed, QByteArrayView text)
+{
+    JSONWideNumbers wide(text);
+    const simdjson::error_code error = parseInto(parsed, wide.text);
+    if (error == simdjson::SUCCESS)
+        locate(parsed, std::move(wide.numbers));
+    return error;
 }
 
 QByteArrayView withoutByteOrderMark(QByteArrayView text)
@@ -195,6 +188,17 @@ quint64 JSONValue::toUInt64() const noexcept
 double JSONValue::toDouble() const noexcept
 {
     return valueOrZero<double>(m_cursor);
+}
+
+QByteArrayView JSONValue::wideNumber() const noexcept
+{
+    const auto *document = static_cast<const simdjson::dom::document *>(m_cursor.document);
+    const auto &numbers = static_cast<const ParsedText *>(document)->wideNumbers;
+    const auto found = std::lower_bound(
+        numbers.cbegin(), numbers.cend(), m_cursor.index,
+        [](const ParsedText::WideNumber &number, size_t index) { return number.index < index; });
+    const bool isWide = found != numbers.cend() && found->index == m_cursor.index;
+    return isWide ? QByteArrayView(found->digits) : QByteArrayView();
 }
 
 bool JSONValue::isTrue() const noexcept
@@ -266,7 +270,7 @@ JSONValue::Members::Iterator &JSONValue::Members::Iterator::operator++() noexcep
 
 JSONValue JSONDocument::root() const noexcept
 {
-    const auto *document = static_cast<const simdjson::dom::document *>(m_storage.get());
+    const auto *document = static_cast<const ParsedText *>(m_storage.get());
     return JSONValue(recast<JSONValue::Cursor>(document->root()));
 }
 
@@ -277,10 +281,10 @@ Result<JSONDocument> JSONReader::parse(QByteArrayView utf8, TopLevel topLevel)
     // Handed nothing at all, simdjson copies from a null pointer.
     if (text.isEmpty())
         return readError(sentenceFor(simdjson::EMPTY));
-    const auto document = std::make_shared<simdjson::dom::document>();
+    const auto document = std::make_shared<ParsedText>();
     simdjson::error_code error = parseInto(*document, text);
     if (error == simdjson::NUMBER_ERROR)
-        error = parseInto(*document, withLongIntegersAsDoubles(text));
+        error = parseWideNumbersInto(*document, text);
     if (error != simdjson::SUCCESS)
         return readError(sentenceFor(error));
 

@@ -18,7 +18,7 @@ class QUORVIX_PLATFORM_EXPORT JSONValue
 {
 public:
     enum class Kind { Object, Array, String, Number, Boolean, Null };
-    /// The narrowest form that holds a number. An integer beyond 64 bits is a Double.
+    /// The narrowest form that holds a number; Double for those of wideNumber().
     enum class NumberKind { Int64, UInt64, Double };
 
     class Elements;
@@ -36,6 +36,9 @@ public:
     [[nodiscard]] qint64 toInt64() const noexcept;
     [[nodiscard]] quint64 toUInt64() const noexcept;
     [[nodiscard]] double toDouble() const noexcept;
+    /// The text of an integer beyond 64 bits, or of a number beyond the range of a double, which toDouble()
+    /// gives only the nearest finite double of. Empty for every other value.
+    [[nodiscard]] QByteArrayView wideNumber() const noexcept;
 
     /// Whether this is the value `true`.
     [[nodiscard]] bool isTrue() const noexcept;
@@ -160,7 +163,7 @@ public:
     /// Parses @p utf8, which may begin with a byte order mark.
     ///
     /// Fails with NSCocoaErrorDomain / NSPropertyListReadCorruptError and a sentence that tells the reason:
-    /// not JSON, not UTF-8, nested deeper than maximumDepth, a number beyond the range of a double, or a
-    /// scalar at the top level where only a @p topLevel container is accepted.
+    /// not JSON, not UTF-8, nested deeper than maximumDepth, or a scalar at the top level where only a
+    /// @p topLevel container is accepted.
     static Result<JSONDocument> parse(QByteArrayView utf8, TopLevel topLevel = TopLevel::AnyValue);
 };

@@ -87,6 +87,8 @@ private:
 
     void writeNumber(const JSONValue &number)
     {
+        if (const QByteArrayView digits = number.wideNumber(); !digits.isEmpty())
+            return m_writer.number(digits);
         switch (number.numberKind()) {
         case JSONValue::NumberKind::Int64:
             return m_writer.integer(number.toInt64());
@@ -117,6 +119,15 @@ template<typename Number>
 char *printed(Number number, char *to, qsizetype room)
 {
     return std::to_chars(to, to + room, number).ptr;
+}
+
+/// The bounds of ECMAScript's Number::toString, which readers of JSON are used to.
+char *printed(double number, char *to, qsizetype room)
+{
+    const double size = std::abs(number);
+    const bool isShort = size == 0 || (size >= 1e-6 && size < 1e21);
+    const auto format = isShort ? std::chars_format::fixed : std::chars_format::scientific;
+    return std::to_chars(to, to + room, number, format).ptr;
 }
 
 constexpr qsizetype longestNumber = 32;
@@ -192,6 +203,19 @@ void JSONWriter::number(double number)
 {
     beginValue();
     m_cursor = printed(std::isfinite(number) ? number : 0, room(longestNumber), longestNumber);
+}
+
+void JSONWriter::number(QByteArrayView digits)
+{
+    beginValue();
+    put(digits);
+}
+
+QByteArray JSONWriter::text(double number)
+{
+    QByteArray text(longestNumber, Qt::Uninitialized);
+    text.truncate(printed(number, text.data(), longestNumber) - text.constData());
+    return text;
 }
 
 void JSONWriter::boolean(bool value)

@@ -49,13 +49,19 @@ public:
     void base64(QByteArrayView bytes);
     void integer(qint64 number);
     void unsignedInteger(quint64 number);
-    /// The shortest decimal form that reads back as the same double: 250, 0.1, 1e+22. JSON has no infinity
-    /// and no NaN; both are written as 0, so that no file can hold what no reader accepts.
+    /// A number in the form of text(). JSON has no infinity and no NaN; both are written as 0, so that no
+    /// file can hold what no reader accepts.
     void number(double number);
     void boolean(bool value);
     void null();
     /// A whole parsed value. Members of the same name are all written.
     void value(const JSONValue &value, KeyOrder order);
+
+    /// A number as it stands in a JSON text; not checked.
+    void number(QByteArrayView digits);
+    /// The shortest decimal form that reads back as the same double, with an exponent only where a person
+    /// would write one: 250, 100000, 0.1, 1e+21, 1e-07. Any thread.
+    [[nodiscard]] static QByteArray text(double number);
 
     /// Hands the rest to the device. Fails with NSCocoaErrorDomain / NSFileWriteUnknownError and the device's
     /// own sentence if any of its writes did; what came after the failed write was dropped.

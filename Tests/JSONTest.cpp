@@ -181,7 +181,9 @@ void JSONTest::writesNumbers_data()
     QTest::newRow("no fraction") << 250.0 << "250"_ba;
     QTest::newRow("shortest form") << 0.1 << "0.1"_ba;
     QTest::newRow("needs all its digits") << 0.1 + 0.2 << "0.30000000000000004"_ba;
+    QTest::newRow("no exponent without need") << 1500000.0 << "1500000"_ba;
     QTest::newRow("large") << 1e22 << "1e+22"_ba;
+    QTest::newRow("small") << -1.5e-7 << "-1.5e-07"_ba;
     QTest::newRow("longest form") << -2.2250738585072014e-308 << "-2.2250738585072014e-308"_ba;
     QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << "0"_ba;
     QTest::newRow("infinite") << -std::numeric_limits<double>::infinity() << "0"_ba;
@@ -238,7 +240,7 @@ void JSONTest::refusesText_data()
     QTest::addColumn<QString>("sentence");
 
     const QString invalid = u"The text is not valid JSON."_s;
-    const QString number = u"The JSON text holds a number that is malformed or out of range."_s;
+    const QString number = u"The JSON text holds a malformed number."_s;
     const QString string = u"The JSON text holds a malformed string."_s;
     const int tooDeep = JSONReader::maximumDepth + 1;
     QTest::newRow("nothing at all") << QByteArray() << u"The text is empty."_s;
@@ -257,7 +259,7 @@ void JSONTest::refusesText_data()
                                    << u"The JSON text is nested too deeply."_s;
     QTest::newRow("leading zero") << "[01]"_ba << number;
     QTest::newRow("long integer with a leading zero") << "[0123456789012345678901]"_ba << number;
-    QTest::newRow("beyond the doubles") << "[1e400]"_ba << number;
+    QTest::newRow("wide number with a second point") << "[1e400.5]"_ba << number;
 }
 
 void JSONTest::refusesText()
@@ -286,9 +288,12 @@ void JSONTest::acceptsText_data()
                                        << "[-9223372036854775808,18446744073709551615]"_ba;
     QTest::newRow("integers beyond 64 bits")
         << R"([18446744073709551616,-9223372036854775809, "18446744073709551616\"", 7])"_ba
-        << R"([18446744073709551616,-9223372036854775808,"18446744073709551616\"",7])"_ba;
-    QTest::newRow("integer beyond 64 bits alone") << "100000000000000000000000"_ba
-                                                  << "1e+23"_ba;
+        << R"([18446744073709551616,-9223372036854775809,"18446744073709551616\"",7])"_ba;
+    QTest::newRow("integer beyond 64 bits alone") << "123456789012345678901234"_ba
+                                                  << "123456789012345678901234"_ba;
+    const QByteArray wide =
+        R"({"a":[0.5,-1e400,{"b":"1e400"}],"c":12345678901234567890123,"d":[1,2E+999,true]})";
+    QTest::newRow("beyond the doubles, among others") << wide << wide;
     QTest::newRow("boolean, null and number stay apart") << "[true,1,null,0,false]"_ba
                                                          << "[true,1,null,0,false]"_ba;
     QTest::newRow("fraction without need") << "[1.0,-2.50]"_ba
@@ -331,6 +336,11 @@ void JSONTest::readsValues()
     QCOMPARE(elements[1].toUInt64(), std::numeric_limits<quint64>::max());
     QCOMPARE(elements[2].toDouble(), 2.5);
     QCOMPARE(elements[3].size(), 0);
+    QVERIFY(elements[1].wideNumber().isEmpty());
+
+    const auto wide = JSONReader::parse("-1e400");
+    QVERIFY(wide);
+    QCOMPARE(wide.value().root().toDouble(), std::numeric_limits<double>::lowest());
 }
 
 /// By code point: an order by UTF-16 units would put U+1F600 before U+FF5E.
