@@ -125,7 +125,10 @@ char *printed(Number number, char *to, qsizetype room)
 char *printed(double number, char *to, qsizetype room)
 {
     const double size = std::abs(number);
-    const bool isShort = size == 0 || (size >= 1e-6 && size < 1e21);
+    // Without a fraction it would read back as an integer, which has no sign when it is nought.
+    if (size == 0)
+        return std::copy_n(std::signbit(number) ? "-0.0" : "0", std::signbit(number) ? 4 : 1, to);
+    const bool isShort = size >= 1e-6 && size < 1e21;
     const auto format = isShort ? std::chars_format::fixed : std::chars_format::scientific;
     return std::to_chars(to, to + room, number, format).ptr;
 }

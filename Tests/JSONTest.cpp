@@ -183,6 +183,7 @@ void JSONTest::writesNumbers_data()
     QTest::newRow("needs all its digits") << 0.1 + 0.2 << "0.30000000000000004"_ba;
     QTest::newRow("no exponent without need") << 1500000.0 << "1500000"_ba;
     QTest::newRow("large") << 1e22 << "1e+22"_ba;
+    QTest::newRow("negative nought") << -0.0 << "-0.0"_ba;
     QTest::newRow("small") << -1.5e-7 << "-1.5e-07"_ba;
     QTest::newRow("longest form") << -2.2250738585072014e-308 << "-2.2250738585072014e-308"_ba;
     QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << "0"_ba;
