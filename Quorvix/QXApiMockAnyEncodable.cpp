@@ -1,0 +1,82 @@
+#include "Quorvix/QXApiMockAnyEncodable.h"
+
+#include "Platform/JSONWriter.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+struct Member
+{
+    DynamicCodingKey key;
+    JSONValue value;
+};
+
+/// Writes values; the members of all objects under way lie in one stack.
+class Encoder
+{
+public:
+    explicit Encoder(JSONWriter &writer) : m_writer(writer) {}
+
+    // The depth is bounded by JSONReader::maximumDepth.
+    void encode(const JSONValue &value) // NOLINT(misc-no-recursion)
+    {
+        switch (value.kind()) {
+        case JSONValue::Kind::Object:
+            return encodeObject(value);
+        case JSONValue::Kind::Array:
+            return encodeArray(value);
+        case JSONValue::Kind::String:
+            return m_writer.utf8(value.utf8());
+        case JSONValue::Kind::Number:
+            return m_writer.number(value.toDouble());
+        case JSONValue::Kind::Boolean:
+            return m_writer.boolean(value.isTrue());
+        case JSONValue::Kind::Null:
+            return m_writer.null();
+        }
+    }
+
+private:
+    void encodeArray(const JSONValue &array) // NOLINT(misc-no-recursion)
+    {
+        m_writer.beginArray();
+        for (const JSONValue element : array.elements())
+            encode(element);
+        m_writer.endArray();
+    }
+
+    void encodeObject(const JSONValue &object) // NOLINT(misc-no-recursion)
+    {
+        const size_t first = m_members.size();
+        for (const auto &[name, value] : object.members())
+            m_members.push_back({DynamicCodingKey(name), value});
+        // The order of UTF-8 bytes is the order of code points.
+        std::stable_sort(
+            m_members.begin() + std::ptrdiff_t(first), m_members.end(),
+            [](const Member &a, const Member &b) { return a.key.stringValue < b.key.stringValue; });
+        const size_t last = m_members.size();
+        m_writer.beginObject();
+        for (size_t i = first; i < last; ++i) {
+            // A copy: the stack moves while the member is encoded.
+            const Member member = m_members[i];
+            if (i + 1 < last && m_members[i + 1].key.stringValue == member.key.stringValue)
+                continue;
+            m_writer.keyUtf8(member.key.stringValue);
+            encode(member.value);
+        }
+        m_writer.endObject();
+        m_members.erase(m_members.begin() + std::ptrdiff_t(first), m_members.end());
+    }
+
+    JSONWriter &m_writer;
+    std::vector<Member> m_members;
+};
+
+} // namespace
+
+void QXApiMockAnyEncodable::encode(JSONWriter &writer) const
+{
+    Encoder(writer).encode(m_value);
+}

@@ -1,0 +1,122 @@
+#include "Quorvix/QXApiMockGenerator.h"
+
+#include "Quorvix/QXApiMockDefinition.h"
+#include "Quorvix/QXExportError.h"
+#include "Quorvix/QXRequestTrace.h"
+#include "Quorvix/QXTemporaryFile.h"
+
+#include "Platform/JSONWriter.h"
+
+#include <QtCore/QStringList>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QStringView placeholder = u"{id}";
+
+bool isDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+bool isHexDigitOrHyphen(QChar c)
+{
+    return isDigit(c) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F') || c == u'-';
+}
+
+bool isNumber(QStringView text)
+{
+    return !text.isEmpty() && std::all_of(text.begin(), text.end(), isDigit);
+}
+
+bool isIdentifier(QStringView segment)
+{
+    return isNumber(segment) ||
+           (segment.size() >= 16 && std::all_of(segment.begin(), segment.end(), isHexDigitOrHyphen));
+}
+
+bool isVersion(QStringView segment)
+{
+    return segment.startsWith(u'v') && isNumber(segment.sliced(1));
+}
+
+QStringList segmentsOf(const QUrl &url)
+{
+    const QString encoded = url.path(QUrl::FullyEncoded);
+    const QByteArray decoded = QByteArray::fromPercentEncoding(encoded.toLatin1());
+    const QString path = isValidUtf8(decoded) ? QString::fromUtf8(decoded) : encoded;
+    return path.split(u'/', Qt::SkipEmptyParts);
+}
+
+QStringList generalised(QStringList segments)
+{
+    for (QString &segment : segments) {
+        if (isIdentifier(segment))
+            segment = placeholder.toString();
+    }
+    return segments;
+}
+
+/// Segments hold no slash, so the file's folder is its resource's unless the method brings one in. Other ways
+/// out are the writer's to refuse.
+bool staysInItsFolder(QStringView path)
+{
+    return path.count(u'/') == 4;
+}
+
+QXApiMockDefinition definitionFor(const QXRequestTrace &trace, const JSONDocument &body)
+{
+    const QXApiMockResponse response{trace.response->statusCode, QXApiMockAnyEncodable(body), true};
+    return {QXApiMockGenerator::endpointName(*trace.url, *trace.method),
+            {QXApiMockGenerator::urlPattern(*trace.url), *trace.method},
+            {{u"success"_s, response}}};
+}
+
+} // namespace
+
+QString QXApiMockGenerator::endpointName(const QUrl &url, const QString &method)
+{
+    return u'/' + generalised(segmentsOf(url)).join(u'/') + u'_' + method;
+}
+
+QString QXApiMockGenerator::urlPattern(const QUrl &url)
+{
+    QStringList segments = segmentsOf(url);
+    std::replace(segments.begin(), segments.end(), placeholder.toString(), u"[^/]+"_s);
+    return u'/' + segments.join(u'/') + u"(\\?.*)?$"_s;
+}
+
+std::optional<QString> QXApiMockGenerator::relativeFilePath(const QUrl &url, const QString &method)
+{
+    const QStringList segments = segmentsOf(url);
+    const auto version = std::find_if(segments.cbegin(), segments.cend(), isVersion);
+    if (version == segments.cend() || version + 1 == segments.cend())
+        return std::nullopt;
+    const QStringList rest(version + 1, segments.cend());
+    return u"mocks/custom/"_s + rest.first() + u'/' + *version + u'/' + generalised(rest).join(u'_') + u'_' +
+           method + u".json"_s;
+}
+
+Result<QUrl> QXApiMockGenerator::exportMock(const QXRequestTrace &trace)
+{
+    if (!trace.url)
+        return makeError(QXExportError::missingRequestURL);
+    if (!trace.method)
+        return makeError(QXExportError::missingRequestMethod);
+    if (!trace.response || !trace.response->body)
+        return makeError(QXExportError::missingResponseBody);
+    const auto body = JSONReader::parse(*trace.response->body, JSONReader::TopLevel::AnyValue);
+    if (!body)
+        return makeError(QXExportError::responseBodyNotJSON);
+    const auto path = relativeFilePath(*trace.url, *trace.method);
+    if (!path)
+        return makeError(QXExportError::unmappableRequestPath);
+
+    if (!staysInItsFolder(*path))
+        return makeError(QXExportError::mockFileNotCreated);
+    auto file = QXTemporaryFile::writeText(*path, definitionFor(trace, body.value()).encode());
+    return file ? std::move(file) : makeError(QXExportError::mockFileNotCreated);
+}

@@ -1,0 +1,122 @@
+#include "Quorvix/QXCurlCommandBuilder.h"
+
+#include "Quorvix/QXExportError.h"
+#include "Quorvix/QXRequestTrace.h"
+
+#include "Platform/JSONWriter.h"
+
+#include <QtCore/QStringDecoder>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QStringView lineBreak = u" \\\n";
+constexpr QStringView beforeText = u"  --data-raw '";
+constexpr QStringView beforeBase64 = u"  --data-binary \"$(printf '%s' '";
+constexpr QStringView afterBase64 = u"' | (base64 --decode 2>/dev/null || base64 -D))\"";
+
+/// How much of a body is converted at once. Divisible by three, so that Base64 is padded at its end only.
+constexpr qsizetype chunkSize = 12'288;
+
+bool isReplaced(QChar c)
+{
+    return c == u'\'' || c == u'\r';
+}
+
+/// Adds what stands between single quotes for a text. A piece of a text must not end between a carriage
+/// return and its line feed.
+void appendQuoted(QString &command, QStringView text)
+{
+    while (!text.isEmpty()) {
+        const auto replaced = std::find_if(text.begin(), text.end(), isReplaced);
+        command += text.first(replaced - text.begin());
+        text = text.sliced(replaced - text.begin());
+        if (text.startsWith(u'\'')) {
+            command += u"'\\''";
+            text = text.sliced(1);
+        } else if (text.startsWith(u'\r')) {
+            command += u'\n';
+            text = text.sliced(text.startsWith(u"\r\n") ? 2 : 1);
+        }
+    }
+}
+
+void appendHeaders(QString &command, const HTTPHeaderFields &headers)
+{
+    for (auto it = headers.cbegin(); it != headers.cend(); ++it) {
+        command += lineBreak;
+        command += u"  -H '";
+        appendQuoted(command, it.key() + ": "_L1 + it.value());
+        command += u'\'';
+    }
+}
+
+/// What quoting makes of UTF-8 at most, in UTF-16 units.
+qsizetype roomForQuoted(QByteArrayView utf8)
+{
+    qsizetype units = 0;
+    for (const char c : utf8) {
+        const auto byte = uchar(c);
+        units += qsizetype((byte & 0xC0) != 0x80) + qsizetype(byte >= 0xF0) + 3 * qsizetype(byte == '\'');
+    }
+    return units;
+}
+
+void appendText(QString &command, QByteArrayView utf8)
+{
+    command.reserve(command.size() + beforeText.size() + roomForQuoted(utf8) + 1);
+    command += beforeText;
+    // A byte order mark belongs to the body.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    while (!utf8.isEmpty()) {
+        qsizetype size = std::min(chunkSize, utf8.size());
+        if (size < utf8.size() && utf8[size - 1] == '\r' && utf8[size] == '\n')
+            ++size;
+        const QString chunk = decoder(utf8.first(size));
+        appendQuoted(command, chunk);
+        utf8 = utf8.sliced(size);
+    }
+    command += u'\'';
+}
+
+void appendBase64(QString &command, QByteArrayView bytes)
+{
+    command.reserve(command.size() + beforeBase64.size() + (bytes.size() + 2) / 3 * 4 + afterBase64.size());
+    command += beforeBase64;
+    while (!bytes.isEmpty()) {
+        const QByteArrayView chunk = bytes.first(std::min(chunkSize, bytes.size()));
+        command += QLatin1StringView(QByteArray::fromRawData(chunk.data(), chunk.size()).toBase64());
+        bytes = bytes.sliced(chunk.size());
+    }
+    command += afterBase64;
+}
+
+void appendBody(QString &command, const QByteArray &body)
+{
+    command += lineBreak;
+    if (isValidUtf8(body))
+        appendText(command, body);
+    else
+        appendBase64(command, body);
+}
+
+} // namespace
+
+Result<QString> QXCurlCommandBuilder::build(const QXRequestTrace &trace)
+{
+    const QString url = trace.url ? absoluteString(*trace.url) : QString();
+    if (url.isEmpty())
+        return makeError(QXExportError::missingRequestURL);
+
+    QString command = u"curl -X "_s + trace.method.value_or(u"GET"_s) + " '"_L1;
+    appendQuoted(command, url);
+    command += u'\'';
+    if (trace.headers)
+        appendHeaders(command, *trace.headers);
+    if (trace.body)
+        appendBody(command, *trace.body);
+    return command;
+}

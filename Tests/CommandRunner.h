@@ -1,0 +1,109 @@
+#pragma once
+
+#include <QtCore/QDir>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtNetwork/QHostAddress>
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
+#include <QtTest/QTest>
+
+#include <optional>
+
+/// One request that arrived, byte for byte.
+struct Arrival
+{
+    QByteArray method;
+    QByteArray target;
+    QByteArrayList headers;
+    QByteArray body;
+};
+
+/// The request once all of it is there.
+inline std::optional<Arrival> readArrival(const QByteArray &bytes)
+{
+    const qsizetype headSize = bytes.indexOf("\r\n\r\n");
+    if (headSize < 0)
+        return std::nullopt;
+    // Cut at CR LF, not at a line feed alone: nothing that arrives is to be tidied up.
+    Arrival arrival;
+    QByteArray head = bytes.first(headSize).replace("\r\n", QByteArray(1, '\0'));
+    arrival.headers = head.split('\0');
+    const QByteArrayList requestLine = arrival.headers.takeFirst().split(' ');
+    arrival.method = requestLine.value(0);
+    arrival.target = requestLine.value(1);
+    qsizetype length = 0;
+    for (const QByteArray &header : std::as_const(arrival.headers)) {
+        if (header.startsWith("Content-Length: "))
+            length = header.sliced(16).toLongLong();
+    }
+    arrival.body = bytes.sliced(headSize + 4);
+    return arrival.body.size() < length ? std::nullopt : std::optional(arrival);
+}
+
+/// Runs commands in a shell of this machine, and keeps the requests that they send to its server.
+class CommandRunner final
+{
+public:
+    CommandRunner()
+    {
+        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] { accept(); });
+    }
+
+    [[nodiscard]] bool start() { return m_home.isValid() && m_server.listen(QHostAddress::LocalHost); }
+    [[nodiscard]] QString url(const QString &path) const
+    {
+        return QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(path);
+    }
+
+    /// Pastes the command into a shell and returns what has arrived when the shell ends.
+    QList<Arrival> run(const QString &shell, const QString &command)
+    {
+        m_arrivals.clear();
+        QProcess process;
+        // No settings of the person who runs the tests, and no proxy.
+        QProcessEnvironment environment;
+        environment.insert(QStringLiteral("PATH"), qEnvironmentVariable("PATH"));
+        environment.insert(QStringLiteral("HOME"), m_home.path());
+        environment.insert(QStringLiteral("CURL_HOME"), m_home.path());
+        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(m_home.path());
+        process.start(shell, QStringList());
+        process.write(command.toUtf8() + '\n');
+        process.closeWriteChannel();
+        if (!QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 30'000))
+            process.kill();
+        m_exitCode = process.exitCode();
+        m_complaints = process.readAllStandardError();
+        return m_arrivals;
+    }
+
+    [[nodiscard]] int exitCode() const { return m_exitCode; }
+    /// What shell and curl wrote to the standard error.
+    [[nodiscard]] QByteArray complaints() const { return m_complaints; }
+    /// The working directory, and the home of whoever runs the command. It is empty.
+    [[nodiscard]] QDir home() const { return QDir(m_home.path()); }
+
+private:
+    void accept()
+    {
+        QTcpSocket *socket = m_server.nextPendingConnection();
+        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        QObject::connect(
+            socket, &QTcpSocket::readyRead, socket, [this, socket, bytes = QByteArray()]() mutable {
+                bytes += socket->readAll();
+                if (const auto arrival = readArrival(bytes)) {
+                    m_arrivals += *arrival;
+                    socket->write("HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
+                    socket->disconnectFromHost();
+                }
+            });
+    }
+
+    QTcpServer m_server;
+    QTemporaryDir m_home;
+    QList<Arrival> m_arrivals;
+    int m_exitCode = 0;
+    QByteArray m_complaints;
+};
