@@ -1,0 +1,147 @@
+// Looks for something to decode in bodies of 10 MB and decodes it, beside what Qt takes for the bare
+// decoding.
+
+#include "Quorvix/QXPayloadDecoder.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QString>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+namespace {
+
+constexpr qsizetype bodySize = 10'000'000;
+constexpr int rounds = 9;
+constexpr int mailColumns = 76;
+
+QByteArray binaryBytes(qsizetype size)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    QRandomGenerator generator(42);
+    for (char &byte : bytes)
+        byte = char(generator.bounded(256));
+    return bytes;
+}
+
+QByteArray plainText(qsizetype size)
+{
+    const QByteArray sentence("Some text that a person would read, of a usual length.\n");
+    return sentence.repeated(size / sentence.size() + 1).first(size);
+}
+
+/// Records as a server sends them, none of which is encoded.
+QByteArray jsonText(qsizetype size)
+{
+    QByteArray text = "[";
+    for (int i = 0; text.size() < size; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        text += i == 0 ? "" : ",\n";
+        text += R"({"id":)" + number + R"(,"title":"The title of item )" + number +
+                R"(","link":"https://api.example.com/v1/items/)" + number +
+                R"(?sort=name","summary":"Some text that a person would read.","on":true})";
+    }
+    return text + "]";
+}
+
+QByteArray wrapped(const QByteArray &text)
+{
+    QByteArray lines;
+    lines.reserve(text.size() + text.size() / mailColumns * 2 + 2);
+    for (qsizetype i = 0; i < text.size(); i += mailColumns)
+        lines +=
+            QByteArrayView(text).sliced(i, std::min<qsizetype>(mailColumns, text.size() - i)).toByteArray() +
+            "\r\n";
+    return lines;
+}
+
+double milliseconds(const std::function<void()> &work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+double median(std::vector<double> times)
+{
+    std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
+    return times[rounds / 2];
+}
+
+void require(bool condition, const char *what)
+{
+    if (condition)
+        return;
+    std::fprintf(stderr, "not measured: %s\n", what);
+    std::exit(EXIT_FAILURE);
+}
+
+/// Both in turns, freeing included, so that neither has the machine at a better time.
+void compare(const char *what, const std::function<void()> &ours, const std::function<void()> &peer)
+{
+    std::vector<double> ourTimes;
+    std::vector<double> peerTimes;
+    for (int round = 0; round < rounds; ++round) {
+        ourTimes.push_back(milliseconds(ours));
+        peerTimes.push_back(milliseconds(peer));
+    }
+    const double ourMedian = median(ourTimes);
+    const double peerMedian = median(peerTimes);
+    std::printf("%-42s %8.2f ms %8.2f ms %8.2f\n", what, ourMedian, peerMedian, ourMedian / peerMedian);
+}
+
+void compareDecoding(const char *what, const QByteArray &text, const char *sectionTitle)
+{
+    compare(
+        what,
+        [&] {
+            const auto payload = QXPayloadDecoder::decodePayload(QByteArrayView(text));
+            require(payload && payload->sections.first().title == QLatin1StringView(sectionTitle), what);
+        },
+        [&] { require(!QByteArray::fromBase64(text).isEmpty(), what); });
+}
+
+void compareSearch(const char *what, const QByteArray &text, bool isFound)
+{
+    compare(
+        what, [&] { require(QXPayloadDecoder::hasEncodedCandidate(QByteArrayView(text)) == isFound, what); },
+        [&] { require(!QByteArray::fromBase64(text).isEmpty(), what); });
+}
+
+} // namespace
+
+int main()
+{
+    constexpr qsizetype decodedSize = bodySize / 4 * 3;
+    const QByteArray binary = binaryBytes(decodedSize).toBase64();
+    const QByteArray text = plainText(decodedSize).toBase64();
+    const QByteArray json = jsonText(decodedSize).toBase64();
+
+    std::printf("Texts of %.0f MB; median of %d turns\n\n", double(bodySize) / 1e6, rounds);
+    std::printf("%-42s %11s %11s %8s\n", "decoded, up to the section that is shown", "ours", "fromBase64",
+                "ratio");
+    compareDecoding("Base64 of binary data", binary, "Bytes");
+    compareDecoding("Base64 of text", text, "Text");
+    compareDecoding("Base64 of JSON", json, "JSON");
+    compareDecoding("Base64 of binary data, 76 columns", wrapped(binary), "Bytes");
+    compareDecoding("Base64 of text, 76 columns", wrapped(text), "Text");
+    compareDecoding("data URL of binary data", "data:image/png;base64," + binary, "Bytes");
+
+    std::printf("\n%-42s %11s %11s %8s\n", "asked whether there is something", "ours", "fromBase64", "ratio");
+    compareSearch("Base64", binary, true);
+    compareSearch("Base64, 76 columns", wrapped(binary), true);
+    compareSearch("JSON with nothing encoded", jsonText(bodySize), false);
+    compareSearch("binary data", binaryBytes(bodySize), false);
+
+    std::printf("\n%-42s %11s %11s %8s\n", "rendered", "ours", "toHex", "ratio");
+    const QByteArray bytes = binaryBytes(bodySize);
+    compare(
+        "10 MB as hexadecimal text", [&] { require(QXPayloadDecoder::hexString(bytes).size() > 0, "hex"); },
+        [&] { require(QString::fromLatin1(bytes.toHex()).size() > 0, "hex"); });
+    return 0;
+}

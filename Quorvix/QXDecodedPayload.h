@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Quorvix/QuorvixGlobal.h"
+
+#include <QtCore/QList>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QUuid>
+
+#include <utility>
+
+/// One titled block of readable text, under a fresh identity. A value.
+struct QUORVIX_INTERNAL_EXPORT QXDecodedSection
+{
+    Q_GADGET
+    Q_PROPERTY(QUuid id MEMBER id)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString content MEMBER content)
+
+public:
+    QXDecodedSection() = default;
+    QXDecodedSection(QString title, QString content)
+        : id(QUuid::createUuid()), title(std::move(title)), content(std::move(content))
+    {
+    }
+
+    QUuid id;
+    QString title;
+    QString content;
+
+    bool operator==(const QXDecodedSection &) const = default;
+};
+
+/// What an encoded text turned out to hold, under a fresh identity. A value.
+struct QUORVIX_INTERNAL_EXPORT QXDecodedPayload
+{
+    Q_GADGET
+    Q_PROPERTY(QUuid id MEMBER id)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QList<QXDecodedSection> sections MEMBER sections)
+
+public:
+    QXDecodedPayload() = default;
+    QXDecodedPayload(QString title, QList<QXDecodedSection> sections)
+        : id(QUuid::createUuid()), title(std::move(title)), sections(std::move(sections))
+    {
+    }
+
+    QUuid id;
+    QString title;
+    QList<QXDecodedSection> sections;
+
+    bool operator==(const QXDecodedPayload &) const = default;
+};

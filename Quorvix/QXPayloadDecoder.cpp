@@ -1,0 +1,166 @@
+#include "Quorvix/QXPayloadDecoder.h"
+
+#include "Quorvix/QXBase64.h"
+#include "Quorvix/QXEncodedCandidate.h"
+#include "Quorvix/QXJWTPieces.h"
+#include "Quorvix/QXWhiteSpace.h"
+
+#include "Platform/JSONReader.h"
+#include "Platform/JSONWriter.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <array>
+#include <cstring>
+
+namespace {
+
+QString localized(const char *literal)
+{
+    return QCoreApplication::translate("Quorvix", literal);
+}
+
+QByteArrayView asUtf8(QByteArrayView utf8)
+{
+    return utf8;
+}
+
+QByteArray asUtf8(QStringView text)
+{
+    return text.toUtf8();
+}
+
+QString asText(QByteArrayView utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+QString asText(QStringView text)
+{
+    return text.toString();
+}
+
+template<typename View>
+std::optional<QXDecodedPayload> decodedJWT(View token)
+{
+    const auto pieces = QXJWTPieces<View>::split(token);
+    if (!pieces || pieces->header.isEmpty() || pieces->body.isEmpty() || pieces->signature.isEmpty())
+        return std::nullopt;
+    QByteArray header;
+    QByteArray body;
+    if (!QXBase64::decode(asUtf8(pieces->header), QXBase64::WhiteSpace::Refused, &header) ||
+        !QXBase64::decode(asUtf8(pieces->body), QXBase64::WhiteSpace::Refused, &body))
+        return std::nullopt;
+    return QXDecodedPayload(localized("Decoded JWT"),
+                            {QXPayloadDecoder::makeSection(header, localized("Header")),
+                             QXPayloadDecoder::makeSection(body, localized("Body")),
+                             QXDecodedSection(localized("Signature"), asText(pieces->signature))});
+}
+
+/// Spares most of what is not JSON a whole pass of the reader, which tells a wrong beginning only at the end.
+bool beginsLikeContainer(QByteArrayView bytes) noexcept
+{
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        bytes = bytes.sliced(3);
+    for (const char c : bytes) {
+        if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
+            return c == '{' || c == '[';
+    }
+    return false;
+}
+
+/// The two digits of every byte.
+constexpr auto hexDigits = [] {
+    std::array<std::array<char16_t, 2>, 256> table{};
+    constexpr char16_t digits[] = u"0123456789abcdef";
+    for (size_t byte = 0; byte < table.size(); ++byte)
+        table[byte] = {digits[byte >> 4], digits[byte & 0xF]};
+    return table;
+}();
+
+} // namespace
+
+std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QByteArrayView utf8)
+{
+    QByteArray bytes;
+    const auto candidate = QXEncodedCandidate::find(utf8, &bytes);
+    if (!candidate)
+        return std::nullopt;
+    if (candidate->kind == QXEncodedCandidate::Kind::JWT)
+        return decodeJWT(QXWhiteSpace::removed(candidate->text));
+    return QXDecodedPayload(localized("Decoded Base64"), {makeSection(bytes)});
+}
+
+std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QStringView text)
+{
+    return decodePayload(text.toUtf8());
+}
+
+std::optional<QByteArray> QXPayloadDecoder::findEncodedCandidate(QByteArrayView utf8)
+{
+    const auto candidate = QXEncodedCandidate::find(utf8);
+    return candidate ? std::optional(QXWhiteSpace::removed(candidate->text)) : std::nullopt;
+}
+
+std::optional<QString> QXPayloadDecoder::findEncodedCandidate(QStringView text)
+{
+    const auto candidate = findEncodedCandidate(text.toUtf8());
+    return candidate ? std::optional(QString::fromLatin1(*candidate)) : std::nullopt;
+}
+
+bool QXPayloadDecoder::hasEncodedCandidate(QByteArrayView utf8)
+{
+    return QXEncodedCandidate::find(utf8).has_value();
+}
+
+bool QXPayloadDecoder::hasEncodedCandidate(QStringView text)
+{
+    return hasEncodedCandidate(text.toUtf8());
+}
+
+std::optional<QXDecodedPayload> QXPayloadDecoder::decodeJWT(QByteArrayView utf8)
+{
+    return decodedJWT(utf8);
+}
+
+std::optional<QXDecodedPayload> QXPayloadDecoder::decodeJWT(QStringView text)
+{
+    return decodedJWT(text);
+}
+
+QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::optional<QString> &title)
+{
+    const auto section = [&](const char *defaultTitle, QString content) {
+        return QXDecodedSection(title ? *title : localized(defaultTitle), std::move(content));
+    };
+    if (auto json = prettyPrintedJSON(bytes))
+        return section("JSON", std::move(*json));
+    // A byte order mark alone is no text either: it is dropped, and nothing would be left to see.
+    if (QString text = isValidUtf8(bytes) ? QString::fromUtf8(bytes) : QString(); !text.isEmpty())
+        return section("Text", std::move(text));
+    return section("Bytes", hexString(bytes));
+}
+
+std::optional<QString> QXPayloadDecoder::prettyPrintedJSON(QByteArrayView bytes)
+{
+    if (!beginsLikeContainer(bytes))
+        return std::nullopt;
+    const auto document = JSONReader::parse(bytes, JSONReader::TopLevel::Container);
+    if (!document)
+        return std::nullopt;
+    JSONWriter writer;
+    writer.value(document.value().root(), JSONWriter::KeyOrder::Document);
+    return QString::fromUtf8(writer.takeBuffer());
+}
+
+QString QXPayloadDecoder::hexString(QByteArrayView bytes)
+{
+    constexpr qsizetype digitsPerByte = 2;
+    QString text(bytes.size() * digitsPerByte, Qt::Uninitialized);
+    QChar *to = text.data();
+    for (const char byte : bytes) {
+        std::memcpy(static_cast<void *>(to), hexDigits[uchar(byte)].data(), digitsPerByte * sizeof(QChar));
+        to += digitsPerByte;
+    }
+    return text;
+}
