@@ -1,0 +1,124 @@
+// Writes Swift models of documents of 8 MB, beside the parsing that goes before it, and beside the parsing of
+// the same text by the parser that an application would otherwise call for it.
+
+#include "Quorvix/QXApiTreeParser.h"
+#include "Quorvix/QXSwiftModelGenerator.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+namespace {
+
+constexpr int recordCount = 46 * 1000;
+constexpr int rounds = 9;
+
+/// 13 nodes.
+QByteArray record(int i)
+{
+    const QByteArray number = QByteArray::number(i);
+    return R"({"id":)" + number + R"(,"full_name":"Zoë )" + number + R"(","email":"user)" + number +
+           R"(@example.com","is_active":true,"tags":["alpha","beta"],"address":{"street":"High Street",)" +
+           R"("city":"Genève","zip":null},"last_seen":1700000000123,"score":-)" + number + "}";
+}
+
+/// A list, of which a model shows one record only.
+QByteArray listDocument()
+{
+    QByteArray text = R"({"users":[)";
+    for (int i = 0; i < recordCount; ++i)
+        text += (i == 0 ? "" : ",\n") + record(i);
+    return text + "]}";
+}
+
+/// Records by their identifiers, each of which becomes a type of its own.
+QByteArray mapDocument()
+{
+    QByteArray text = "{";
+    for (int i = 0; i < recordCount; ++i)
+        text += (i == 0 ? "\"user-" : ",\n\"user-") + QByteArray::number(i) + "\":" + record(i);
+    return text + '}';
+}
+
+void require(bool condition, const char *what)
+{
+    if (condition)
+        return;
+    std::fprintf(stderr, "not measured: %s\n", what);
+    std::exit(EXIT_FAILURE);
+}
+
+size_t countNodes(const QXApiTreeField &field)
+{
+    size_t count = 1;
+    for (const QXApiTreeField &child : field.children())
+        count += countNodes(child);
+    return count;
+}
+
+double milliseconds(const std::function<void()> &work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+struct Contender
+{
+    const char *name;
+    std::function<void()> run;
+    std::vector<double> times;
+
+    double median()
+    {
+        std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
+        return times[rounds / 2];
+    }
+};
+
+void compare(const char *title, const QByteArray &document)
+{
+    const auto fields = QXApiTreeParser::parse(QByteArrayView(document));
+    require(bool(fields), "the document is not JSON");
+    const QXApiTreeField &root = *fields.value().first();
+    const auto makeModel = [&] {
+        auto source = QXSwiftModelGenerator::source(root, QStringLiteral("UsersResponse"));
+        require(bool(source), "no model");
+        return std::move(source).value();
+    };
+    std::printf("%s: %.1f MB, %zu nodes, a model of %lld lines\n", title, double(document.size()) / 1e6,
+                countNodes(root), (long long)makeModel().count(u'\n'));
+
+    std::array contenders{
+        Contender{
+            "tree", [&] { require(bool(QXApiTreeParser::parse(QByteArrayView(document))), "no tree"); }, {}},
+        Contender{"model of the tree", [&] { require(!makeModel().isEmpty(), "empty model"); }, {}},
+        Contender{"nlohmann::json::parse",
+                  [&] {
+                      require(nlohmann::json::parse(document.cbegin(), document.cend()).is_object(),
+                              "no object");
+                  },
+                  {}},
+    };
+    for (int round = 0; round < rounds; ++round) {
+        for (Contender &contender : contenders)
+            contender.times.push_back(milliseconds(contender.run));
+    }
+    for (Contender &contender : contenders)
+        std::printf("  %-24s %8.2f ms\n", contender.name, contender.median());
+}
+
+} // namespace
+
+int main()
+{
+    compare("List of records", listDocument());
+    compare("Map of records", mapDocument());
+    return 0;
+}

@@ -1,0 +1,167 @@
+#include "Quorvix/QXApiTree.h"
+
+#include "Platform/JSONReader.h"
+
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+/// Works through the containers one after the other, not into one another: no nesting overflows the stack.
+class QXApiTree::Builder final
+{
+public:
+    explicit Builder(QXApiTree &tree) : m_tree(tree) {}
+
+    void build(const JSONValue &root)
+    {
+        setValue(m_tree.m_root, root);
+        while (!m_pending.empty()) {
+            const Container container = m_pending.back();
+            m_pending.pop_back();
+            if (container.node->m_form == QXApiTreeField::Form::Array)
+                addElements(*container.node, container.value);
+            else
+                addMembers(*container.node, container.value);
+        }
+    }
+
+private:
+    using Form = QXApiTreeField::Form;
+
+    struct Container
+    {
+        QXApiTreeField *node;
+        JSONValue value;
+    };
+    struct Member
+    {
+        std::string_view name;
+        JSONValue value;
+    };
+
+    void setValue(QXApiTreeField &node, const JSONValue &value)
+    {
+        switch (value.kind()) {
+        case JSONValue::Kind::Object:
+            node.m_form = Form::Object;
+            m_pending.push_back({&node, value});
+            break;
+        case JSONValue::Kind::Array:
+            node.m_form = Form::Array;
+            m_pending.push_back({&node, value});
+            break;
+        case JSONValue::Kind::String:
+            node.m_form = Form::String;
+            node.m_text = keep(value.utf8(), node.m_size);
+            break;
+        case JSONValue::Kind::Number:
+            setNumber(node, value);
+            break;
+        case JSONValue::Kind::Boolean:
+            node.m_form = value.isTrue() ? Form::True : Form::False;
+            break;
+        case JSONValue::Kind::Null:
+            node.m_form = Form::Null;
+            break;
+        }
+    }
+
+    void setNumber(QXApiTreeField &node, const JSONValue &value)
+    {
+        if (const QByteArrayView digits = value.wideNumber(); !digits.isEmpty()) {
+            node.m_form = Form::WideNumber;
+            node.m_text = keep(digits, node.m_size);
+            return;
+        }
+        switch (value.numberKind()) {
+        case JSONValue::NumberKind::Int64:
+            node.m_form = Form::Int64;
+            node.m_int64 = value.toInt64();
+            break;
+        case JSONValue::NumberKind::UInt64:
+            node.m_form = Form::UInt64;
+            node.m_uint64 = value.toUInt64();
+            break;
+        case JSONValue::NumberKind::Double:
+            node.m_form = Form::Double;
+            node.m_double = value.toDouble();
+            break;
+        }
+    }
+
+    void addElements(QXApiTreeField &node, const JSONValue &array)
+    {
+        QXApiTreeField *child = addChildren(node, size_t(array.size()));
+        for (const JSONValue &element : array.elements())
+            setValue(*child++, element);
+    }
+
+    void addMembers(QXApiTreeField &node, const JSONValue &object)
+    {
+        readMembers(object);
+        QXApiTreeField *child = addChildren(node, m_members.size());
+        for (const Member &member : m_members) {
+            child->m_name = keep({member.name.data(), qsizetype(member.name.size())}, child->m_nameSize);
+            setValue(*child++, member.value);
+        }
+    }
+
+    /// Puts the members into order, the last of those with one name standing for them all.
+    void readMembers(const JSONValue &object)
+    {
+        m_members.clear();
+        for (const auto &[name, value] : object.members())
+            m_members.push_back({{name.data(), size_t(name.size())}, value});
+
+        const auto isNotBefore = [](const Member &a, const Member &b) {
+            return a.name >= b.name;
+        };
+        if (std::adjacent_find(m_members.cbegin(), m_members.cend(), isNotBefore) == m_members.cend())
+            return;
+        // From the last one of a name to the first, as std::unique keeps what it meets first.
+        std::reverse(m_members.begin(), m_members.end());
+        std::stable_sort(m_members.begin(), m_members.end(),
+                         [](const Member &a, const Member &b) { return a.name < b.name; });
+        const auto end = std::unique(m_members.begin(), m_members.end(),
+                                     [](const Member &a, const Member &b) { return a.name == b.name; });
+        m_members.erase(end, m_members.end());
+    }
+
+    QXApiTreeField *addChildren(QXApiTreeField &node, size_t count)
+    {
+        node.m_size = quint32(count);
+        if (count == 0)
+            return nullptr;
+        node.m_children = m_tree.m_nodes.take(count);
+        for (QXApiTreeField &child : node.children()) {
+            child.m_parent = &node;
+            child.m_depth = quint16(node.m_depth + 1);
+        }
+        return node.m_children;
+    }
+
+    const char *keep(QByteArrayView text, quint32 &size)
+    {
+        // No text of 4 GB or more is ever parsed.
+        size = quint32(text.size());
+        if (text.isEmpty())
+            return nullptr;
+        char *kept = m_tree.m_texts.take(size_t(text.size()));
+        std::memcpy(kept, text.data(), size_t(text.size()));
+        return kept;
+    }
+
+    QXApiTree &m_tree;
+    std::vector<Container> m_pending;
+    /// Of one object at a time; kept for its memory.
+    std::vector<Member> m_members;
+};
+
+std::shared_ptr<QXApiTreeField> QXApiTree::make(const JSONValue &root)
+{
+    static_assert(JSONReader::maximumDepth <= std::numeric_limits<quint16>::max());
+    const std::shared_ptr<QXApiTree> tree(new QXApiTree);
+    tree->m_root.m_tree = tree.get();
+    Builder(*tree).build(root);
+    return {tree, &tree->m_root};
+}

@@ -1,0 +1,159 @@
+#include "Quorvix/QXApiTreeField.h"
+
+#include "Quorvix/QXApiTree.h"
+
+#include "Platform/JSONWideNumbers.h"
+#include "Platform/JSONWriter.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// "[3 items]", and as it goes for one.
+QString counted(quint32 count, const char *one, const char *many)
+{
+    const QString noun = QCoreApplication::translate("Quorvix", count == 1 ? one : many);
+    return QString::number(count) + u' ' + noun;
+}
+
+/// The path of a node under @p parent, which is empty where it has none.
+QString joined(const QString &parent, const QString &key)
+{
+    if (key.isEmpty())
+        return parent;
+    if (key.startsWith(u'['))
+        return parent.isEmpty() ? QString() : parent + key;
+    return parent.isEmpty() ? key : parent + u'.' + key;
+}
+
+} // namespace
+
+std::optional<QString> QXApiTreeField::key() const
+{
+    if (!m_parent)
+        return std::nullopt;
+    if (m_parent->m_form == Form::Array)
+        return u'[' + QString::number(this - m_parent->m_children) + u']';
+    return QString::fromUtf8(nameUtf8());
+}
+
+std::optional<QString> QXApiTreeField::keyPath() const
+{
+    std::vector<const QXApiTreeField *> way;
+    for (const QXApiTreeField *node = this; node->m_parent; node = node->m_parent)
+        way.push_back(node);
+    QString path;
+    for (auto node = way.crbegin(); node != way.crend(); ++node)
+        path = joined(path, *(*node)->key());
+    return path.isEmpty() ? std::nullopt : std::optional(path);
+}
+
+QXApiTreeField::Value QXApiTreeField::value() const
+{
+    switch (m_form) {
+    case Form::Object:
+    case Form::Array:
+        return children();
+    case Form::String:
+        return QString::fromUtf8(textUtf8());
+    case Form::Int64:
+        return m_int64;
+    case Form::UInt64:
+        return m_uint64;
+    case Form::Double:
+        return m_double;
+    case Form::WideNumber:
+        return nearestDouble({m_text, m_size});
+    case Form::True:
+    case Form::False:
+        return m_form == Form::True;
+    case Form::Null:
+        break;
+    }
+    return nullptr;
+}
+
+QXApiValueKind QXApiTreeField::kind() const noexcept
+{
+    switch (m_form) {
+    case Form::Object:
+        return QXApiValueKind::object;
+    case Form::Array:
+        return QXApiValueKind::array;
+    case Form::String:
+        return QXApiValueKind::string;
+    case Form::Int64:
+    case Form::UInt64:
+    case Form::Double:
+    case Form::WideNumber:
+        return QXApiValueKind::number;
+    case Form::True:
+    case Form::False:
+        return QXApiValueKind::boolean;
+    case Form::Null:
+        break;
+    }
+    return QXApiValueKind::null;
+}
+
+QXApiTreeField::Children QXApiTreeField::children() const noexcept
+{
+    return isContainer() ? Children(m_children, m_size) : Children();
+}
+
+std::shared_ptr<QXApiTreeField> QXApiTreeField::share()
+{
+    const QXApiTreeField *root = this;
+    while (root->m_parent)
+        root = root->m_parent;
+    return {root->m_tree->shared_from_this(), this};
+}
+
+std::optional<QString> QXApiTreeField::summary() const
+{
+    switch (m_form) {
+    case Form::Object:
+        return m_size == 0 ? std::nullopt : std::optional(u'{' + counted(m_size, "key", "keys") + u'}');
+    case Form::Array:
+        return m_size == 0 ? std::nullopt : std::optional(u'[' + counted(m_size, "item", "items") + u']');
+    case Form::String:
+        return u'"' + QString::fromUtf8(textUtf8()) + u'"';
+    case Form::Int64:
+        return QString::number(m_int64);
+    case Form::UInt64:
+        return QString::number(m_uint64);
+    case Form::Double:
+        return QString::fromLatin1(JSONWriter::text(m_double));
+    case Form::WideNumber:
+        return QString::fromLatin1(m_text, m_size);
+    case Form::True:
+        return u"true"_s;
+    case Form::False:
+        return u"false"_s;
+    case Form::Null:
+        break;
+    }
+    return QCoreApplication::translate("Quorvix", "null");
+}
+
+std::optional<QString> QXApiTreeField::rowText() const
+{
+    const std::optional<QString> name = key();
+    if (!children().empty() || !name || name->isEmpty())
+        return std::nullopt;
+    return *name + ": "_L1 + summary().value_or(QString());
+}
+
+QByteArrayView QXApiTreeField::nameUtf8() const noexcept
+{
+    return m_parent ? QByteArrayView(m_name, m_nameSize) : QByteArrayView();
+}
+
+QByteArrayView QXApiTreeField::textUtf8() const noexcept
+{
+    return m_form == Form::String ? QByteArrayView(m_text, m_size) : QByteArrayView();
+}

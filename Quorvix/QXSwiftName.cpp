@@ -1,0 +1,299 @@
+#include "Quorvix/QXSwiftName.h"
+
+#include <QtCore/QByteArray>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1StringView response = "Response"_L1;
+
+enum class FirstWord { Upper, Lower };
+
+/// One code point; a lone surrogate stands for itself.
+char32_t codePointAt(QStringView text, qsizetype at)
+{
+    const QChar unit = text[at];
+    if (unit.isHighSurrogate() && at + 1 < text.size() && text[at + 1].isLowSurrogate())
+        return QChar::surrogateToUcs4(unit, text[at + 1]);
+    return unit.unicode();
+}
+
+qsizetype unitCount(char32_t codePoint)
+{
+    return QChar::requiresSurrogates(codePoint) ? 2 : 1;
+}
+
+bool isLetter(char32_t codePoint)
+{
+    // The only letter of Unicode that no Swift identifier may hold.
+    constexpr char32_t verticalTilde = 0x2E2F;
+    // Unicode counts the numbers that look like letters as alphabetic; the ideographic zero is one of them.
+    return (QChar::isLetter(codePoint) && codePoint != verticalTilde) ||
+           QChar::category(codePoint) == QChar::Number_Letter;
+}
+
+/// Where the word that stands at @p start ends. Marks belong to the character before them: most vowels of
+/// Devanagari are marks.
+qsizetype endOfWord(QStringView key, qsizetype start)
+{
+    for (qsizetype at = start; at < key.size();) {
+        const char32_t codePoint = codePointAt(key, at);
+        const bool belongs =
+            isLetter(codePoint) || QChar::isDigit(codePoint) || (at > start && QChar::isMark(codePoint));
+        if (!belongs)
+            return at;
+        at += unitCount(codePoint);
+    }
+    return key.size();
+}
+
+/// Some letters become two or three, all of them letters and marks: "ß" becomes "SS".
+void appendInCase(QString &name, QStringView letter, FirstWord letterCase)
+{
+    const QChar first = letter[0];
+    if (first.unicode() < 0x80)
+        name += letterCase == FirstWord::Upper ? first.toUpper() : first.toLower();
+    else
+        name += letterCase == FirstWord::Upper ? letter.toString().toUpper() : letter.toString().toLower();
+}
+
+/// The words of a key one after the other, each but the first with an upper-case letter in front.
+QString joinedWords(QStringView key, FirstWord letterCase)
+{
+    QString name;
+    name.reserve(key.size());
+    for (qsizetype at = 0; at < key.size();) {
+        const qsizetype end = endOfWord(key, at);
+        const qsizetype first = unitCount(codePointAt(key, at));
+        if (end > at) {
+            appendInCase(name, key.sliced(at, first), name.isEmpty() ? letterCase : FirstWord::Upper);
+            name += key.sliced(at + first, end - at - first);
+        }
+        at = std::max(end, at + first);
+    }
+    return name;
+}
+
+bool beginsWithDigit(QStringView name)
+{
+    return QChar::isDigit(codePointAt(name, 0));
+}
+
+/// The words that cannot name a property as they are: the keywords of declarations, statements, expressions
+/// and types in "The Swift Programming Language", Language Reference, Lexical Structure, "Keywords and
+/// Punctuation". "Any", "Self" and "_" are missing, as no property's name begins like that.
+constexpr auto keywords = std::to_array<QLatin1StringView>({
+    "as"_L1,          "associatedtype"_L1,
+    "await"_L1,       "borrowing"_L1,
+    "break"_L1,       "case"_L1,
+    "catch"_L1,       "class"_L1,
+    "consuming"_L1,   "continue"_L1,
+    "default"_L1,     "defer"_L1,
+    "deinit"_L1,      "do"_L1,
+    "else"_L1,        "enum"_L1,
+    "extension"_L1,   "fallthrough"_L1,
+    "false"_L1,       "fileprivate"_L1,
+    "for"_L1,         "func"_L1,
+    "guard"_L1,       "if"_L1,
+    "import"_L1,      "in"_L1,
+    "init"_L1,        "inout"_L1,
+    "internal"_L1,    "is"_L1,
+    "let"_L1,         "nil"_L1,
+    "nonisolated"_L1, "open"_L1,
+    "operator"_L1,    "precedencegroup"_L1,
+    "private"_L1,     "protocol"_L1,
+    "public"_L1,      "repeat"_L1,
+    "rethrows"_L1,    "return"_L1,
+    "self"_L1,        "static"_L1,
+    "struct"_L1,      "subscript"_L1,
+    "super"_L1,       "switch"_L1,
+    "throw"_L1,       "throws"_L1,
+    "true"_L1,        "try"_L1,
+    "typealias"_L1,   "var"_L1,
+    "where"_L1,       "while"_L1,
+});
+
+bool isKeyword(QStringView name)
+{
+    static_assert(std::ranges::is_sorted(keywords, std::less(), [](QLatin1StringView word) {
+        return std::string_view(word.data(), size_t(word.size()));
+    }));
+    return std::binary_search(keywords.begin(), keywords.end(), name,
+                              [](const auto &a, const auto &b) { return a.compare(b) < 0; });
+}
+
+/// Whether a reader would not see the code point, or a compiler not take it: controls, line separators,
+/// what turns the direction of writing, what is unassigned.
+bool isInvisible(char32_t codePoint)
+{
+    switch (QChar::category(codePoint)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_NotAssigned:
+    case QChar::Other_PrivateUse:
+    case QChar::Other_Surrogate:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        return false;
+    }
+}
+
+QString escaped(char32_t codePoint)
+{
+    switch (codePoint) {
+    case U'"':
+        return u"\\\""_s;
+    case U'\\':
+        return u"\\\\"_s;
+    case U'\n':
+        return u"\\n"_s;
+    case U'\r':
+        return u"\\r"_s;
+    case U'\t':
+        return u"\\t"_s;
+    case U'\0':
+        return u"\\0"_s;
+    default:
+        return u"\\u{"_s + QString::number(codePoint, 16).toUpper() + u'}';
+    }
+}
+
+QString percentDecoded(QStringView segment)
+{
+    return QString::fromUtf8(QByteArray::fromPercentEncoding(segment.toUtf8()));
+}
+
+bool isAsciiDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+/// "v1", "V2.1", "v1beta2".
+bool isVersion(QStringView segment)
+{
+    if (segment.size() < 2 || segment[0].toLower() != u'v' || !isAsciiDigit(segment[1]))
+        return false;
+    QString letters;
+    for (const QChar c : segment.sliced(1)) {
+        if (!isAsciiDigit(c) && c != u'.')
+            letters += c.toLower();
+    }
+    return letters.isEmpty() || letters == "alpha"_L1 || letters == "beta"_L1 || letters == "rc"_L1;
+}
+
+/// Whether the segment names one of many: a UUID, a hash, a number.
+bool isIdentifier(QStringView segment)
+{
+    const auto isOfHash = [](QChar c) {
+        return isAsciiDigit(c) || (c.toLower() >= u'a' && c.toLower() <= u'f') || c == u'-';
+    };
+    constexpr qsizetype shortestHash = 16;
+    return segment.size() >= shortestHash && std::all_of(segment.begin(), segment.end(), isOfHash);
+}
+
+bool hasLetter(QStringView segment)
+{
+    for (qsizetype at = 0; at < segment.size();) {
+        const char32_t codePoint = codePointAt(segment, at);
+        if (isLetter(codePoint))
+            return true;
+        at += unitCount(codePoint);
+    }
+    return false;
+}
+
+} // namespace
+
+QString QXSwiftName::typeName(QStringView key)
+{
+    const QString name = joinedWords(key, FirstWord::Upper);
+    if (name.isEmpty())
+        return u"ApiResponse"_s;
+    return beginsWithDigit(name) ? u"Api"_s + name : name;
+}
+
+QString QXSwiftName::propertyName(QStringView key)
+{
+    const QString name = joinedWords(key, FirstWord::Lower);
+    if (name.isEmpty())
+        return u"value"_s;
+    if (beginsWithDigit(name))
+        return u"value"_s + name;
+    return isKeyword(name) ? u'`' + name + u'`' : name;
+}
+
+QStringView QXSwiftName::withoutResponse(QStringView typeName)
+{
+    return typeName.endsWith(response) ? typeName.chopped(response.size()) : typeName;
+}
+
+QString QXSwiftName::singular(QStringView typeName)
+{
+    if (typeName.endsWith(u"ies") && typeName.size() >= 4)
+        return typeName.chopped(3).toString() + u'y';
+    const bool losesItsEnd = typeName.endsWith(u's') && typeName.size() >= 2 && !typeName.endsWith(u"ss");
+    return typeName.chopped(losesItsEnd ? 1 : 0).toString();
+}
+
+std::optional<QString> QXSwiftName::suffix(int index)
+{
+    constexpr int letterCount = 26;
+    if (index >= suffixCount)
+        return std::nullopt;
+    const QChar last(u'A' + index % letterCount);
+    return index < letterCount ? QString(last) : QChar(u'A' + index / letterCount - 1) + QString(last);
+}
+
+QString QXSwiftName::stringLiteral(QStringView text)
+{
+    QString literal(1, u'"');
+    for (qsizetype at = 0; at < text.size();) {
+        const char32_t codePoint = codePointAt(text, at);
+        const qsizetype count = unitCount(codePoint);
+        if (codePoint == U'"' || codePoint == U'\\' || isInvisible(codePoint))
+            literal += escaped(codePoint);
+        else
+            literal += text.sliced(at, count);
+        at += count;
+    }
+    return literal + u'"';
+}
+
+QString QXSwiftName::rootTypeName(QStringView requestPath)
+{
+    while (!requestPath.isEmpty()) {
+        const qsizetype slash = requestPath.lastIndexOf(u'/');
+        QString segment = percentDecoded(requestPath.sliced(slash + 1));
+        requestPath.truncate(std::max(slash, qsizetype(0)));
+        if (segment.endsWith(".json"_L1, Qt::CaseInsensitive))
+            segment.chop(5);
+        if (!hasLetter(segment) || isVersion(segment) || isIdentifier(segment))
+            continue;
+        // "Response" alone would leave nothing to name other types after.
+        const QString name = typeName(segment);
+        if (name != response)
+            return name.endsWith(response) ? name : name + response;
+    }
+    return u"ApiResponse"_s;
+}
+
+QString QXSwiftName::fileName(QStringView rootTypeName)
+{
+    constexpr QLatin1StringView extension = ".swift"_L1;
+    constexpr qsizetype longestStem = 255 - extension.size();
+    QByteArray stem = rootTypeName.toUtf8();
+    if (stem.size() > longestStem) {
+        // Not in the middle of a character.
+        qsizetype size = longestStem;
+        while ((uchar(stem[size]) & 0xC0) == 0x80)
+            --size;
+        stem.truncate(size);
+    }
+    return QString::fromUtf8(stem) + extension;
+}

@@ -1,0 +1,2 @@
+struct EmptyResponse: Codable, Hashable {
+}

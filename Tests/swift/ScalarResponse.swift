@@ -1,0 +1,3 @@
+struct ScalarResponse: Codable, Hashable {
+    let value: String
+}

@@ -1,0 +1,5 @@
+struct TagA: Codable, Hashable {
+}
+struct Tag: Codable, Hashable {
+    let items: [TagA]
+}
