@@ -1,0 +1,81 @@
+// A shell reads a command back into the arguments that were put into it.
+
+#include "FuzzCheck.h"
+
+#include "Quorvix/QXCurlCommandBuilder.h"
+#include "Quorvix/QXRequestTrace.h"
+
+#include "Platform/JSONWriter.h"
+
+#include <QtCore/QStringList>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Reads words the way a POSIX shell does, as far as commands need it: quotes, backslashes, blanks.
+QStringList wordsOf(QStringView command)
+{
+    QStringList words;
+    QString word;
+    bool isQuoted = false;
+    bool hasWord = false;
+    for (qsizetype i = 0; i < command.size(); ++i) {
+        const QChar c = command[i];
+        if (c == u'\'') {
+            isQuoted = !isQuoted;
+            hasWord = true;
+        } else if (isQuoted) {
+            word += c;
+        } else if (c == u'\\') {
+            check(++i < command.size(), "a backslash is followed by something");
+            if (command[i] != u'\n') {
+                word += command[i];
+                hasWord = true;
+            }
+        } else if (c == u' ') {
+            if (hasWord)
+                words += std::exchange(word, {});
+            hasWord = false;
+        } else {
+            check(c != u'\n', "a line ends only within quotes, or behind a backslash");
+            word += c;
+            hasWord = true;
+        }
+    }
+    check(!isQuoted, "every quote is closed");
+    return hasWord ? words << word : words;
+}
+
+QString withLineFeeds(QString text)
+{
+    return text.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    // NUL bytes part a URL, a header's name and value, and a body.
+    const QList<QByteArray> parts = view(data, size).toByteArray().split('\0');
+    URLRequest request(QUrl(QString::fromUtf8(parts.value(0))));
+    if (parts.size() > 2)
+        request.setValue(QString::fromUtf8(parts.value(2)), QString::fromUtf8(parts.value(1)));
+    QXRequestTrace trace(u"id"_s, request);
+    if (parts.size() > 3)
+        trace.body = parts.value(3);
+
+    const auto command = QXCurlCommandBuilder::build(trace);
+    if (!command || (trace.body && !isValidUtf8(*trace.body)))
+        return 0;
+    check(!command.value().contains(u'\r'), "no carriage return is left");
+
+    QStringList expected{u"curl"_s, u"-X"_s, u"GET"_s, withLineFeeds(absoluteString(*trace.url))};
+    const HTTPHeaderFields headers = trace.headers.value_or(HTTPHeaderFields());
+    for (auto it = headers.cbegin(); it != headers.cend(); ++it)
+        expected << u"-H"_s << withLineFeeds(it.key() + ": "_L1 + it.value());
+    if (trace.body)
+        expected << u"--data-raw"_s << withLineFeeds(QString::fromUtf8(*trace.body));
+    check(wordsOf(command.value()) == expected, "the words are those that went in");
+    return 0;
+}

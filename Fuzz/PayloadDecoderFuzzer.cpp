@@ -1,0 +1,52 @@
+// What the decoder offers to decode, it decodes, and nothing else.
+
+#include "FuzzCheck.h"
+
+#include "Quorvix/QXPayloadDecoder.h"
+
+#include "Platform/JSONWriter.h"
+
+#include <QtCore/QStringDecoder>
+
+#include <algorithm>
+
+namespace {
+
+bool haveSameContent(const QXDecodedPayload &a, const QXDecodedPayload &b)
+{
+    const auto isSame = [](const QXDecodedSection &x, const QXDecodedSection &y) {
+        return x.title == y.title && x.content == y.content;
+    };
+    return a.title == b.title &&
+           std::equal(a.sections.cbegin(), a.sections.cend(), b.sections.cbegin(), b.sections.cend(), isSame);
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const QByteArrayView bytes = view(data, size);
+    const auto candidate = QXPayloadDecoder::findEncodedCandidate(bytes);
+    const auto payload = QXPayloadDecoder::decodePayload(bytes);
+    check(candidate.has_value() == payload.has_value(), "what is offered can be decoded");
+    check(candidate.has_value() == QXPayloadDecoder::hasEncodedCandidate(bytes), "asking is finding");
+    static_cast<void>(QXPayloadDecoder::decodeJWT(bytes));
+    static_cast<void>(QXPayloadDecoder::makeSection(bytes));
+
+    if (payload) {
+        check(candidate->size() >= 12, "nothing short is decoded");
+        check(payload->sections.size() == 1 || payload->sections.size() == 3,
+              "one section, or a token's three");
+        const auto again = QXPayloadDecoder::decodePayload(QByteArrayView(*candidate));
+        check(again && haveSameContent(*again, *payload), "the candidate decodes to the same");
+    }
+    if (isValidUtf8(bytes)) {
+        // All of it: a mark at the beginning is the decoder's to drop.
+        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+        const QString text = decoder(bytes);
+        const auto fromText = QXPayloadDecoder::decodePayload(text);
+        check(fromText.has_value() == payload.has_value(), "text is read like its bytes");
+        check(!payload || haveSameContent(*fromText, *payload), "text decodes like its bytes");
+    }
+    return 0;
+}
