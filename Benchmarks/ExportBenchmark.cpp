@@ -1,0 +1,157 @@
+// Turns one large exchange into a cURL command and a mock file, beside how an application would do it with Qt
+// alone.
+
+#include "Quorvix/QXApiMockDefinition.h"
+#include "Quorvix/QXApiMockGenerator.h"
+#include "Quorvix/QXCurlCommandBuilder.h"
+#include "Quorvix/QXRequestTrace.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype bodySize = 10'000'000;
+constexpr int rounds = 9;
+
+QByteArray makeBody()
+{
+    QByteArray body = "[";
+    for (int i = 0; body.size() < bodySize; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        body += QByteArray(i == 0 ? "" : ",") + "{\"title\":\"It's item " + number + "\",\"id\":" + number +
+                ",\"summary\":\"Some text that a person would read, of a usual "
+                "length.\",\"on\":true,\"price\":9.5}";
+    }
+    return body + "]";
+}
+
+QXRequestTrace makeTrace()
+{
+    URLRequest request(QUrl(u"https://api.example.com/api/v1/items"_s));
+    request.setValue(u"application/json"_s, u"Content-Type"_s);
+    QXRequestTrace trace(u"1"_s, request);
+    trace.body = makeBody();
+    trace.response =
+        QXResponseTrace(NSHTTPURLResponse(request.url, 200, u"HTTP/1.1"_s, {}), std::optional(*trace.body));
+    return trace;
+}
+
+QString commandByReplacing(const QXRequestTrace &trace)
+{
+    QString body = QString::fromUtf8(*trace.body);
+    body.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n').replace("'"_L1, "'\\''"_L1);
+    return u"curl -X GET '"_s + trace.url->toString() +
+           "' \\\n  -H 'Content-Type: application/json' \\\n  --data-raw '"_L1 + body + u'\'';
+}
+
+QByteArray mockByQJsonDocument(const QXRequestTrace &trace)
+{
+    const QJsonDocument body = QJsonDocument::fromJson(*trace.response->body);
+    const QJsonObject response{{u"data"_s, body.array()}, {u"default"_s, true}, {u"status"_s, 200}};
+    const QJsonObject request{{u"method"_s, u"GET"_s}, {u"url"_s, u"/api/v1/items(\\?.*)?$"_s}};
+    const QJsonObject definition{{u"name"_s, u"/api/v1/items_GET"_s},
+                                 {u"request"_s, request},
+                                 {u"responses"_s, QJsonObject{{u"success"_s, response}}}};
+    return QJsonDocument(definition).toJson();
+}
+
+std::string mockByNlohmann(const QXRequestTrace &trace)
+{
+    const QByteArray &body = *trace.response->body;
+    const nlohmann::json definition = {{"name", "/api/v1/items_GET"},
+                                       {"request", {{"method", "GET"}, {"url", "/api/v1/items(\\?.*)?$"}}},
+                                       {"responses",
+                                        {{"success",
+                                          {{"data", nlohmann::json::parse(body.cbegin(), body.cend())},
+                                           {"default", true},
+                                           {"status", 200}}}}}};
+    return definition.dump(2);
+}
+
+QByteArray mock(const QXRequestTrace &trace)
+{
+    const auto body = JSONReader::parse(*trace.response->body);
+    if (!body)
+        return {};
+    const QXApiMockResponse response{trace.response->statusCode, QXApiMockAnyEncodable(body.value()), true};
+    return QXApiMockDefinition{QXApiMockGenerator::endpointName(*trace.url, *trace.method),
+                               {QXApiMockGenerator::urlPattern(*trace.url), *trace.method},
+                               {{u"success"_s, response}}}
+        .encode();
+}
+
+void require(bool condition, const char *what)
+{
+    if (condition)
+        return;
+    std::fprintf(stderr, "not measured: %s\n", what);
+    std::exit(EXIT_FAILURE);
+}
+
+struct Contender
+{
+    const char *name;
+    /// Returns the size of what was made, so that it is made.
+    std::function<size_t()> run;
+    std::vector<double> times;
+
+    void take()
+    {
+        const auto start = std::chrono::steady_clock::now();
+        require(run() > size_t(bodySize), name);
+        const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+        times.push_back(time.count());
+    }
+    double median()
+    {
+        std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
+        return times[rounds / 2];
+    }
+};
+
+/// The last contender is the peer.
+void compare(const char *title, std::vector<Contender> contenders)
+{
+    for (int round = 0; round < rounds; ++round) {
+        for (Contender &contender : contenders)
+            contender.take();
+    }
+    std::printf("%s\n", title);
+    const double peer = contenders.back().median();
+    for (Contender &contender : contenders)
+        std::printf("  %-32s %7.1f ms   %5.2f\n", contender.name, contender.median(),
+                    contender.median() / peer);
+}
+
+} // namespace
+
+int main()
+{
+    const QXRequestTrace trace = makeTrace();
+    std::printf("One exchange with bodies of %.1f MB; median of %d turns\n\n",
+                double(trace.body->size()) / 1e6, rounds);
+
+    const auto command = QXCurlCommandBuilder::build(trace);
+    require(command && command.value() == commandByReplacing(trace), "the commands differ");
+    compare("cURL command",
+            {{"ours", [&] { return size_t(QXCurlCommandBuilder::build(trace).value().size()); }, {}},
+             {"QString::replace", [&] { return size_t(commandByReplacing(trace).size()); }, {}}});
+    compare("mock file's text",
+            {{"ours", [&] { return size_t(mock(trace).size()); }, {}},
+             {"nlohmann::json", [&] { return mockByNlohmann(trace).size(); }, {}},
+             {"QJsonDocument", [&] { return size_t(mockByQJsonDocument(trace).size()); }, {}}});
+}
