@@ -16,6 +16,7 @@ FocusScope {
     objectName: "QXBreakpointsListView"
 
     QXText {
+        objectName: "QXNoBreakpoints"
         anchors.left: parent.left
         anchors.right: parent.right
         padding: QXTheme.margin
