@@ -1,6 +1,8 @@
 // Looks for something to decode in bodies of 10 MB and decodes it, beside what Qt takes for the bare
 // decoding.
 
+#include "Benchmarks/Contest.h"
+
 #include "Quorvix/QXPayloadDecoder.h"
 
 #include <QtCore/QByteArray>
@@ -8,16 +10,12 @@
 #include <QtCore/QString>
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <vector>
+
+using Contest::require;
 
 namespace {
 
 constexpr qsizetype bodySize = 10'000'000;
-constexpr int rounds = 9;
 constexpr int mailColumns = 76;
 
 QByteArray binaryBytes(qsizetype size)
@@ -60,39 +58,10 @@ QByteArray wrapped(const QByteArray &text)
     return lines;
 }
 
-double milliseconds(const std::function<void()> &work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> times)
-{
-    std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
-    return times[rounds / 2];
-}
-
-void require(bool condition, const char *what)
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "not measured: %s\n", what);
-    std::exit(EXIT_FAILURE);
-}
-
-/// Both in turns, freeing included, so that neither has the machine at a better time.
 void compare(const char *what, const std::function<void()> &ours, const std::function<void()> &peer)
 {
-    std::vector<double> ourTimes;
-    std::vector<double> peerTimes;
-    for (int round = 0; round < rounds; ++round) {
-        ourTimes.push_back(milliseconds(ours));
-        peerTimes.push_back(milliseconds(peer));
-    }
-    const double ourMedian = median(ourTimes);
-    const double peerMedian = median(peerTimes);
-    std::printf("%-42s %8.2f ms %8.2f ms %8.2f\n", what, ourMedian, peerMedian, ourMedian / peerMedian);
+    const std::vector<double> times = Contest::medians({{what, ours}, {what, peer}});
+    std::printf("%-42s %8.2f ms %8.2f ms %8.2f\n", what, times[0], times[1], times[0] / times[1]);
 }
 
 void compareDecoding(const char *what, const QByteArray &text, const char *sectionTitle)
@@ -122,7 +91,7 @@ int main()
     const QByteArray text = plainText(decodedSize).toBase64();
     const QByteArray json = jsonText(decodedSize).toBase64();
 
-    std::printf("Texts of %.0f MB; median of %d turns\n\n", double(bodySize) / 1e6, rounds);
+    std::printf("Texts of %.0f MB; median of %d turns\n\n", double(bodySize) / 1e6, Contest::rounds);
     std::printf("%-42s %11s %11s %8s\n", "decoded, up to the section that is shown", "ours", "fromBase64",
                 "ratio");
     compareDecoding("Base64 of binary data", binary, "Bytes");

@@ -1,6 +1,8 @@
 // Turns one large exchange into a cURL command and a mock file, beside how an application would do it with Qt
 // alone.
 
+#include "Benchmarks/Contest.h"
+
 #include "Quorvix/QXApiMockDefinition.h"
 #include "Quorvix/QXApiMockGenerator.h"
 #include "Quorvix/QXCurlCommandBuilder.h"
@@ -12,20 +14,14 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <vector>
+#include <string>
 
 using namespace Qt::StringLiterals;
+using Contest::require;
 
 namespace {
 
 constexpr qsizetype bodySize = 10'000'000;
-constexpr int rounds = 9;
 
 QByteArray makeBody()
 {
@@ -94,47 +90,10 @@ QByteArray mock(const QXRequestTrace &trace)
         .encode();
 }
 
-void require(bool condition, const char *what)
+/// Whether something of at least a body's size was made.
+void requireLarge(size_t size)
 {
-    if (condition)
-        return;
-    std::fprintf(stderr, "not measured: %s\n", what);
-    std::exit(EXIT_FAILURE);
-}
-
-struct Contender
-{
-    const char *name;
-    /// Returns the size of what was made, so that it is made.
-    std::function<size_t()> run;
-    std::vector<double> times;
-
-    void take()
-    {
-        const auto start = std::chrono::steady_clock::now();
-        require(run() > size_t(bodySize), name);
-        const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-        times.push_back(time.count());
-    }
-    double median()
-    {
-        std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
-        return times[rounds / 2];
-    }
-};
-
-/// The last contender is the peer.
-void compare(const char *title, std::vector<Contender> contenders)
-{
-    for (int round = 0; round < rounds; ++round) {
-        for (Contender &contender : contenders)
-            contender.take();
-    }
-    std::printf("%s\n", title);
-    const double peer = contenders.back().median();
-    for (Contender &contender : contenders)
-        std::printf("  %-32s %7.1f ms   %5.2f\n", contender.name, contender.median(),
-                    contender.median() / peer);
+    require(size > size_t(bodySize), "the body is missing");
 }
 
 } // namespace
@@ -143,15 +102,27 @@ int main()
 {
     const QXRequestTrace trace = makeTrace();
     std::printf("One exchange with bodies of %.1f MB; median of %d turns\n\n",
-                double(trace.body->size()) / 1e6, rounds);
+                double(trace.body->size()) / 1e6, Contest::rounds);
 
     const auto command = QXCurlCommandBuilder::build(trace);
     require(command && command.value() == commandByReplacing(trace), "the commands differ");
-    compare("cURL command",
-            {{"ours", [&] { return size_t(QXCurlCommandBuilder::build(trace).value().size()); }, {}},
-             {"QString::replace", [&] { return size_t(commandByReplacing(trace).size()); }, {}}});
-    compare("mock file's text",
-            {{"ours", [&] { return size_t(mock(trace).size()); }, {}},
-             {"nlohmann::json", [&] { return mockByNlohmann(trace).size(); }, {}},
-             {"QJsonDocument", [&] { return size_t(mockByQJsonDocument(trace).size()); }, {}}});
+    Contest::print("cURL command",
+                   {{"ours",
+                     [&] {
+                         requireLarge(size_t(QXCurlCommandBuilder::build(trace).value().size()));
+                     }},
+                    {"QString::replace", [&] {
+                         requireLarge(size_t(commandByReplacing(trace).size()));
+                     }}});
+    Contest::print("mock file's text", {{"ours",
+                                         [&] {
+                                             requireLarge(size_t(mock(trace).size()));
+                                         }},
+                                        {"nlohmann::json",
+                                         [&] {
+                                             requireLarge(mockByNlohmann(trace).size());
+                                         }},
+                                        {"QJsonDocument", [&] {
+                                             requireLarge(size_t(mockByQJsonDocument(trace).size()));
+                                         }}});
 }

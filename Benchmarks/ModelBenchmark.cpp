@@ -1,23 +1,18 @@
 // Writes Swift models of documents of 8 MB, beside the parsing that goes before it, and beside the parsing of
 // the same text by the parser that an application would otherwise call for it.
 
+#include "Benchmarks/Contest.h"
+
 #include "Quorvix/QXApiTreeParser.h"
 #include "Quorvix/QXSwiftModelGenerator.h"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <vector>
+using Contest::require;
 
 namespace {
 
 constexpr int recordCount = 46 * 1000;
-constexpr int rounds = 9;
 
 /// 13 nodes.
 QByteArray record(int i)
@@ -46,14 +41,6 @@ QByteArray mapDocument()
     return text + '}';
 }
 
-void require(bool condition, const char *what)
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "not measured: %s\n", what);
-    std::exit(EXIT_FAILURE);
-}
-
 size_t countNodes(const QXApiTreeField &field)
 {
     size_t count = 1;
@@ -61,26 +48,6 @@ size_t countNodes(const QXApiTreeField &field)
         count += countNodes(child);
     return count;
 }
-
-double milliseconds(const std::function<void()> &work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-struct Contender
-{
-    const char *name;
-    std::function<void()> run;
-    std::vector<double> times;
-
-    double median()
-    {
-        std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
-        return times[rounds / 2];
-    }
-};
 
 void compare(const char *title, const QByteArray &document)
 {
@@ -94,24 +61,20 @@ void compare(const char *title, const QByteArray &document)
     };
     std::printf("%s: %.1f MB, %zu nodes, a model of %lld lines\n", title, double(document.size()) / 1e6,
                 countNodes(root), (long long)makeModel().count(u'\n'));
-
-    std::array contenders{
-        Contender{
-            "tree", [&] { require(bool(QXApiTreeParser::parse(QByteArrayView(document))), "no tree"); }, {}},
-        Contender{"model of the tree", [&] { require(!makeModel().isEmpty(), "empty model"); }, {}},
-        Contender{"nlohmann::json::parse",
-                  [&] {
-                      require(nlohmann::json::parse(document.cbegin(), document.cend()).is_object(),
-                              "no object");
-                  },
-                  {}},
+    const auto parsedByNlohmann = [&] {
+        return nlohmann::json::parse(document.cbegin(), document.cend());
     };
-    for (int round = 0; round < rounds; ++round) {
-        for (Contender &contender : contenders)
-            contender.times.push_back(milliseconds(contender.run));
-    }
-    for (Contender &contender : contenders)
-        std::printf("  %-24s %8.2f ms\n", contender.name, contender.median());
+    Contest::print("took", {{"model of the tree",
+                         [&] {
+                             require(!makeModel().isEmpty(), "empty model");
+                         }},
+                        {"tree",
+                         [&] {
+                             require(bool(QXApiTreeParser::parse(QByteArrayView(document))), "no tree");
+                         }},
+                        {"nlohmann::json::parse", [&] {
+                             require(parsedByNlohmann().is_object(), "no object");
+                         }}});
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 // Turns a document of 8 MB into a tree, beside the parsers that an application would otherwise call for it.
 
+#include "Benchmarks/Contest.h"
+
 #include "Quorvix/QXApiTreeParser.h"
 
 #include <QtCore/QJsonDocument>
@@ -7,20 +9,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <vector>
-
 #include <malloc.h>
+
+using Contest::require;
 
 namespace {
 
 constexpr int nodeCount = 600 * 1000;
-constexpr int rounds = 9;
 
 /// Records as a server sends them, 20 nodes each: numbers, texts with escapes and letters beyond ASCII,
 /// lists, nested objects, keys that are not in order.
@@ -48,41 +43,12 @@ size_t countNodes(const QXApiTreeField &field)
     return count;
 }
 
-double milliseconds(const std::function<void()> &work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
 /// What the allocator has handed out and not got back.
 size_t bytesInUse()
 {
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
 }
-
-void require(bool condition, const char *what)
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "not measured: %s\n", what);
-    std::exit(EXIT_FAILURE);
-}
-
-struct Contender
-{
-    const char *name;
-    /// Parses and lets go of the result.
-    std::function<void()> run;
-    std::vector<double> times;
-
-    double median()
-    {
-        std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
-        return times[rounds / 2];
-    }
-};
 
 } // namespace
 
@@ -99,32 +65,25 @@ int main()
     require(nodes >= nodeCount, "the document has too few nodes");
     fields = QXApiTreeParser::Fields();
 
-    std::array contenders{
-        Contender{"QJsonDocument::fromJson",
-                  [&] { require(QJsonDocument::fromJson(document).isObject(), "no object"); },
-                  {}},
-        Contender{"tree from bytes",
-                  [&] { require(bool(QXApiTreeParser::parse(QByteArrayView(document))), "no tree"); },
-                  {}},
-        Contender{"tree from QString", [&] { require(bool(QXApiTreeParser::parse(text)), "no tree"); }, {}},
-        Contender{"nlohmann::json::parse",
-                  [&] {
-                      require(nlohmann::json::parse(document.cbegin(), document.cend()).is_object(),
-                              "no object");
-                  },
-                  {}},
-    };
-    for (int round = 0; round < rounds; ++round) {
-        for (Contender &contender : contenders)
-            contender.times.push_back(milliseconds(contender.run));
-    }
-
     std::printf("A document of %.1f MB, %zu nodes; median of %d turns, freeing included\n\n",
-                double(document.size()) / 1e6, nodes, rounds);
-    const double peer = contenders.front().median();
-    for (Contender &contender : contenders) {
-        const double median = contender.median();
-        std::printf("%-26s %7.1f ms   %5.2f x QJsonDocument\n", contender.name, median, median / peer);
-    }
+                double(document.size()) / 1e6, nodes, Contest::rounds);
+    const auto parsedByNlohmann = [&] {
+        return nlohmann::json::parse(document.cbegin(), document.cend());
+    };
+    Contest::print("parsed", {{"tree from bytes",
+                               [&] {
+                                   require(bool(QXApiTreeParser::parse(QByteArrayView(document))), "no tree");
+                               }},
+                              {"tree from QString",
+                               [&] {
+                                   require(bool(QXApiTreeParser::parse(text)), "no tree");
+                               }},
+                              {"nlohmann::json::parse",
+                               [&] {
+                                   require(parsedByNlohmann().is_object(), "no object");
+                               }},
+                              {"QJsonDocument::fromJson", [&] {
+                                   require(QJsonDocument::fromJson(document).isObject(), "no object");
+                               }}});
     std::printf("\nThe tree holds %.1f bytes per node, texts included.\n", double(used) / double(nodes));
 }
