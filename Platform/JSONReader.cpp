@@ -123,7 +123,7 @@ void locate(ParsedText &parsed, std::vector<JSONWideNumbers::Number> numbers)
 
 simdjson::error_code parseWideNumbersInto(ParsedText &parsed, QByteArrayView text)
 {
-    JSONWideNumbers wide(text);
+    JSONWideNumbers wide = JSONWideNumbers::replacedIn(text);
     const simdjson::error_code error = parseInto(parsed, wide.text);
     if (error == simdjson::SUCCESS)
         locate(parsed, std::move(wide.numbers));

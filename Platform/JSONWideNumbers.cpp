@@ -95,7 +95,7 @@ private:
 /// In a form that is never read as an integer.
 QByteArray doubleText(double number)
 {
-    std::array<char, 32> text;
+    std::array<char, 32> text{};
     char *const end =
         std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific).ptr;
     return {text.data(), end - text.data()};
@@ -103,8 +103,9 @@ QByteArray doubleText(double number)
 
 } // namespace
 
-JSONWideNumbers::JSONWideNumbers(QByteArrayView original)
+JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
 {
+    JSONWideNumbers wide;
     const char *copied = original.cbegin();
     const char *at = original.cbegin();
     const char *const end = original.cend();
@@ -119,13 +120,14 @@ JSONWideNumbers::JSONWideNumbers(QByteArrayView original)
         at = std::find_if_not(at, end, isPartOfNumber);
         const Token token(first, at);
         if (token.isWide()) {
-            text.append(copied, first - copied).append(doubleText(nearestDouble(token.view())));
+            wide.text.append(copied, first - copied).append(doubleText(nearestDouble(token.view())));
             copied = at;
-            numbers.push_back({ordinal, token.view().toByteArray()});
+            wide.numbers.push_back({ordinal, token.view().toByteArray()});
         }
         ++ordinal;
     }
-    text.append(copied, end - copied);
+    wide.text.append(copied, end - copied);
+    return wide;
 }
 
 double nearestDouble(QByteArrayView digits)

@@ -21,7 +21,7 @@ struct JSONWideNumbers
         QByteArray digits;
     };
 
-    explicit JSONWideNumbers(QByteArrayView text);
+    [[nodiscard]] static JSONWideNumbers replacedIn(QByteArrayView original);
 
     QByteArray text;
     /// What was replaced, in order.

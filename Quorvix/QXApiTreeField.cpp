@@ -7,6 +7,7 @@
 
 #include <QtCore/QCoreApplication>
 
+#include <algorithm>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -47,8 +48,9 @@ std::optional<QString> QXApiTreeField::keyPath() const
     for (const QXApiTreeField *node = this; node->m_parent; node = node->m_parent)
         way.push_back(node);
     QString path;
-    for (auto node = way.crbegin(); node != way.crend(); ++node)
-        path = joined(path, *(*node)->key());
+    std::reverse(way.begin(), way.end());
+    for (const QXApiTreeField *node : way)
+        path = joined(path, *node->key());
     return path.isEmpty() ? std::nullopt : std::optional(path);
 }
 

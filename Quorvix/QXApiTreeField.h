@@ -66,7 +66,9 @@ private:
 
     enum class Form : quint8 { Object, Array, String, Int64, UInt64, Double, WideNumber, True, False, Null };
 
-    QXApiTreeField() = default; // NOLINT(cppcoreguidelines-pro-type-member-init): its unions have a first member
+    // One member of each union will do.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
+    QXApiTreeField() noexcept : m_children(nullptr), m_name(nullptr) {}
 
     [[nodiscard]] bool isContainer() const noexcept
     {
@@ -75,7 +77,7 @@ private:
 
     QXApiTreeField *m_parent = nullptr;
     union {
-        QXApiTreeField *m_children = nullptr;
+        QXApiTreeField *m_children;
         const char *m_text;
         qint64 m_int64;
         quint64 m_uint64;
@@ -83,7 +85,7 @@ private:
     };
     union {
         /// Of a member.
-        const char *m_name = nullptr;
+        const char *m_name;
         /// Of the root.
         QXApiTree *m_tree;
     };
