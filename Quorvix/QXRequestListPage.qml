@@ -34,6 +34,7 @@ FocusScope {
     QXNavigationBar {
         id: navigationBar
 
+        objectName: "QXRequestListBar"
         width: root.width
         title: qsTranslate("Quorvix", "Network Requests")
         flickable: list
