@@ -1,22 +1,25 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix
 
-/// One breakpoint rule, with its ways to be deleted.
-T.SwipeDelegate {
+/// One breakpoint rule, with its ways to be deleted. A swipe towards its beginning uncovers a button.
+Item {
     id: root
 
     required property string displayText
     property bool isEditing: false
     property bool isCurrent: false
+    /// How much of the button has been uncovered, from 0 to 1.
+    property real uncovered: 0
+
+    readonly property real direction: QXTheme.isMirrored ? -1 : 1
+    readonly property real shift: -direction * uncovered * deleteButton.width
 
     signal deleteRequested
 
     objectName: "QXBreakpointRow"
     implicitHeight: Math.max(QXTheme.touchTarget, lines.implicitHeight + 20)
-    focusPolicy: Qt.NoFocus
+    clip: true
+    onIsEditingChanged: root.uncovered = 0
 
     Accessible.name: displayText
     Accessible.role: Accessible.ListItem
@@ -25,16 +28,46 @@ T.SwipeDelegate {
             root.deleteRequested();
     }
 
-    swipe.right: QXDeleteButton {
+    DragHandler {
+        id: swipe
+
+        property real uncoveredBefore: 0
+
+        target: null
+        enabled: !root.isEditing
+        yAxis.enabled: false
+        onActiveChanged: {
+            if (active)
+                uncoveredBefore = root.uncovered;
+            else
+                root.uncovered = root.uncovered > 0.5 ? 1 : 0;
+        }
+        onActiveTranslationChanged: {
+            if (active)
+                root.uncovered = Math.max(0, Math.min(1, uncoveredBefore
+                                          - root.direction * activeTranslation.x / deleteButton.width));
+        }
+    }
+
+    TapHandler {
+        onTapped: root.uncovered = 0
+    }
+
+    QXDeleteButton {
+        id: deleteButton
+
         objectName: "QXBreakpointDeleteButton"
-        x: root.width - width
+        anchors.right: parent.right
         height: root.height
+        visible: root.uncovered > 0
         onClicked: root.deleteRequested()
     }
 
-    background: Rectangle {
-        x: root.swipe.position * 88
-        color: root.isCurrent || root.pressed ? QXTheme.pressedFill : QXTheme.secondaryBackground
+    Rectangle {
+        x: root.shift
+        width: root.width
+        height: root.height
+        color: root.isCurrent ? QXTheme.pressedFill : QXTheme.secondaryBackground
 
         QXSeparator {
             anchors.left: parent.left
@@ -42,12 +75,6 @@ T.SwipeDelegate {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
         }
-    }
-
-    Item {
-        x: root.swipe.position * 88
-        width: root.width
-        height: root.height
 
         QXToolButton {
             id: minus
@@ -91,6 +118,15 @@ T.SwipeDelegate {
                 elide: Text.ElideRight
                 Accessible.ignored: true
             }
+        }
+    }
+
+    Behavior on uncovered {
+        enabled: !swipe.active
+
+        NumberAnimation {
+            duration: QXTheme.duration
+            easing.type: Easing.OutCubic
         }
     }
 }

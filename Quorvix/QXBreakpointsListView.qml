@@ -32,7 +32,7 @@ FocusScope {
 
         anchors.fill: parent
         focus: true
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: true
         clip: true
         currentIndex: -1
         model: root.viewModel

@@ -75,11 +75,11 @@ void BreakpointScreenTest::initTestCase()
     // Every look at the clock is past the last cooldown.
     QXBreakpointCenter::shared().setClock(
         [now = QXBreakpointCenter::TimePoint()]() mutable { return now += std::chrono::seconds(1); });
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
 }
 
 void BreakpointScreenTest::init()
 {
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
     QSettings().clear();
     m_delivered.clear();
     m_window = std::make_unique<QQuickWindow>();
