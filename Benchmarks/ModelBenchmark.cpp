@@ -65,16 +65,16 @@ void compare(const char *title, const QByteArray &document)
         return nlohmann::json::parse(document.cbegin(), document.cend());
     };
     Contest::print("took", {{"model of the tree",
-                         [&] {
-                             require(!makeModel().isEmpty(), "empty model");
-                         }},
-                        {"tree",
-                         [&] {
-                             require(bool(QXApiTreeParser::parse(QByteArrayView(document))), "no tree");
-                         }},
-                        {"nlohmann::json::parse", [&] {
-                             require(parsedByNlohmann().is_object(), "no object");
-                         }}});
+                             [&] {
+                                 require(!makeModel().isEmpty(), "empty model");
+                             }},
+                            {"tree",
+                             [&] {
+                                 require(bool(QXApiTreeParser::parse(QByteArrayView(document))), "no tree");
+                             }},
+                            {"nlohmann::json::parse", [&] {
+                                 require(parsedByNlohmann().is_object(), "no object");
+                             }}});
 }
 
 } // namespace

@@ -37,6 +37,8 @@ constexpr qreal usualPixelSize()
 QXAppearance::QXAppearance(QObject *parent) : QObject(parent)
 {
     qGuiApp->installEventFilter(this);
+    // Told of by a signal only; the event goes to the windows.
+    connect(qGuiApp, &QGuiApplication::layoutDirectionChanged, this, &QXAppearance::changed);
 }
 
 bool QXAppearance::isDark() const
@@ -70,7 +72,6 @@ bool QXAppearance::eventFilter(QObject *watched, QEvent *event)
     if (watched == qGuiApp) {
         switch (event->type()) {
         case QEvent::ApplicationFontChange:
-        case QEvent::ApplicationLayoutDirectionChange:
         case QEvent::ApplicationPaletteChange:
             Q_EMIT changed();
             break;

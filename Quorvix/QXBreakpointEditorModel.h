@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quorvix/QXBreakpointItem.h"
+#include "Quorvix/QXTextDocument.h"
 
 #include <QtCore/QObject>
 #include <QtQml/qqmlregistration.h>
@@ -14,7 +15,8 @@ class QUORVIX_INTERNAL_EXPORT QXBreakpointEditorModel final : public QObject
     Q_PROPERTY(QString displayTitle READ displayTitle CONSTANT)
     Q_PROPERTY(
         QString statusCodeText READ statusCodeText WRITE setStatusCodeText NOTIFY statusCodeTextChanged)
-    Q_PROPERTY(QString bodyText READ bodyText WRITE setBodyText NOTIFY bodyTextChanged)
+    /// The body as it is edited.
+    Q_PROPERTY(QXTextDocument *document READ document CONSTANT)
 
 public:
     explicit QXBreakpointEditorModel(const QXBreakpointItem &item, QObject *parent = nullptr);
@@ -22,10 +24,8 @@ public:
     [[nodiscard]] const QString &displayTitle() const noexcept { return m_displayTitle; }
     [[nodiscard]] const QString &statusCodeText() const noexcept { return m_statusCodeText; }
     void setStatusCodeText(const QString &text);
-    [[nodiscard]] const QString &bodyText() const noexcept { return m_bodyText; }
-    /// Takes over what a text editor holds. A text that differs only by what such an editor cannot hold, as
-    /// carriage returns, is no edit and leaves the body as it came.
-    void setBodyText(const QString &text);
+    [[nodiscard]] QXTextDocument *document() const noexcept { return m_document; }
+    [[nodiscard]] QString bodyText() const { return m_document->text(); }
 
     /// Releases the response as it came.
     Q_INVOKABLE void continueResponse();
@@ -38,10 +38,10 @@ public:
 
 Q_SIGNALS:
     void statusCodeTextChanged();
-    void bodyTextChanged();
 
 private:
     QString m_displayTitle;
     QString m_statusCodeText;
-    QString m_bodyText;
+    /// A child.
+    QXTextDocument *m_document;
 };

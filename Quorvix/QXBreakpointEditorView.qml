@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix
 
 /// The editor of a held response: its status code and its body, released unchanged or with the edits.
@@ -12,14 +11,7 @@ FocusScope {
     property real safeAreaRight: 0
     property real safeAreaBottom: 0
 
-    /// From then on the body is laid out; in no width at all every character would be a line of its own.
-    property bool hasRoom: false
-
     objectName: "QXBreakpointEditorView"
-    onWidthChanged: {
-        if (width > 0)
-            hasRoom = true;
-    }
 
     LayoutMirroring.enabled: QXTheme.isMirrored
     LayoutMirroring.childrenInherit: true
@@ -150,47 +142,15 @@ FocusScope {
             }
         }
 
-        Rectangle {
+        QXTextArea {
+            objectName: "QXBodyArea"
             anchors.top: caption.bottom
             anchors.bottom: parent.bottom
             width: parent.width
-            radius: QXTheme.cornerRadius
-            color: "transparent"
-            border.width: body.activeFocus ? 2 : 1
-            border.color: body.activeFocus ? QXTheme.blue : QXTheme.separator
-
-            Flickable {
-                id: page
-
-                anchors.fill: parent
-                anchors.margins: 2
-                boundsBehavior: Flickable.StopAtBounds
-                flickableDirection: Flickable.VerticalFlick
-                clip: true
-
-                T.ScrollBar.vertical: QXScrollBar {}
-
-                T.TextArea.flickable: T.TextArea {
-                    id: body
-
-                    objectName: "QXBodyEditor"
-                    padding: 10
-                    text: root.hasRoom ? root.model.bodyText : ""
-                    font: QXTheme.subheadline
-                    color: QXTheme.label
-                    selectionColor: QXTheme.blue
-                    selectedTextColor: QXTheme.onColor
-                    textFormat: TextEdit.PlainText
-                    wrapMode: TextEdit.WrapAnywhere
-                    selectByMouse: true
-                    inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
-                    KeyNavigation.priority: KeyNavigation.BeforeItem
-                    KeyNavigation.tab: continueButton
-                    KeyNavigation.backtab: deleteButton
-                    Accessible.name: qsTranslate("Quorvix", "RESPONSE BODY")
-                    onTextChanged: root.model.bodyText = text
-                }
-            }
+            document: root.model.document
+            KeyNavigation.tab: continueButton
+            KeyNavigation.backtab: deleteButton
+            Accessible.name: qsTranslate("Quorvix", "RESPONSE BODY")
         }
     }
 }

@@ -4,22 +4,28 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix
 
-/// Everything that is known about one exchange.
+/// Everything that is known about one exchange. Takes its model with it when it goes.
 FocusScope {
     id: root
 
+    /// Where the sheets, alerts and menus of this screen lie.
+    required property QXPresentationLayer presentationLayer
     required property QXRequestDetailsViewModel viewModel
     property real bottomInset: 0
+    property bool _showShareOptions: false
+    property bool _showRequestCookies: false
+    property bool _showResponseCookies: false
+    property bool _showResponseCache: false
+
+    readonly property bool _showLogTree: viewModel._logTreeDestination !== undefined
 
     objectName: "QXRequestDetailsView"
-
-    function back() {
-        root.T.StackView.view.pop();
-    }
 
     Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape
     Keys.onEscapePressed: root.back()
     Keys.onBackPressed: root.back()
+
+    T.StackView.onActivated: root.viewModel._logTreeDestination = undefined
 
     Rectangle {
         anchors.fill: parent
@@ -31,7 +37,7 @@ FocusScope {
 
         width: root.width
         title: qsTranslate("Quorvix", "Request Details")
-        flickable: list
+        flickable: scroller
 
         leading: QXToolButton {
             objectName: "QXBackButton"
@@ -39,24 +45,147 @@ FocusScope {
             text: qsTranslate("Quorvix", "Back")
             onClicked: root.back()
         }
+        trailing: QXToolButton {
+            objectName: "QXShareButton"
+            symbol: "square.and.arrow.up"
+            text: qsTranslate("Quorvix", "Share Request")
+            onClicked: root._showShareOptions = true
+        }
     }
 
-    QXPageList {
-        id: list
+    QXPage {
+        id: scroller
 
-        objectName: "QXRequestDetailsList"
+        objectName: "QXRequestDetailsPage"
         height: root.height - y
         bar: navigationBar
         bottomInset: root.bottomInset
-        keyNavigationEnabled: false
-        model: root.viewModel
 
-        Keys.onUpPressed: list.flick(0, 900)
-        Keys.onDownPressed: list.flick(0, -900)
+        Repeater {
+            model: root.viewModel
 
-        delegate: QXRequestDetailsRowView {
-            width: ListView.view.width
-            columnMargin: navigationBar.columnMargin
+            delegate: QXRequestSectionView {
+                required property string flag
+
+                width: scroller.width
+                viewModel: root.viewModel
+                page: scroller
+                columnMargin: navigationBar.columnMargin
+                expanded: flag.length > 0 && root[flag]
+                onToggled: root[flag] = !root[flag]
+                onMenuRequested: (item, position, text) => menu.openFor(item, position, text)
+            }
         }
+    }
+
+    QXContextMenu {
+        id: menu
+
+        property string text
+        property bool canDecode: false
+
+        presentationLayer: root.presentationLayer
+
+        QXMenuItem {
+            objectName: "QXCopyValueItem"
+            text: qsTranslate("Quorvix", "Copy")
+            symbol: "doc.on.doc"
+            onTriggered: root.viewModel.copyValue(menu.text)
+        }
+
+        QXMenuItem {
+            objectName: "QXDecodeValueItem"
+            visible: menu.canDecode
+            text: qsTranslate("Quorvix", "Decode Base64")
+            symbol: "doc.text"
+            onTriggered: root.viewModel.decodeValue(menu.text)
+        }
+
+        function openFor(item: Item, position: point, text: string) {
+            menu.text = text;
+            menu.canDecode = root.viewModel.canDecodeValue(text);
+            menu.open(item, position.x, position.y);
+        }
+    }
+
+    QXConfirmationDialog {
+        presentationLayer: root.presentationLayer
+        presented: root._showShareOptions
+        title: qsTranslate("Quorvix", "Share Request")
+        safeAreaBottom: root.bottomInset
+        onDismissRequested: root._showShareOptions = false
+
+        QXConfirmationAction {
+            objectName: "QXShareCurl"
+            text: qsTranslate("Quorvix", "Share cURL")
+            onTriggered: root.viewModel.shareCurl()
+        }
+
+        QXConfirmationAction {
+            objectName: "QXShareHarFile"
+            text: qsTranslate("Quorvix", "Share HAR File")
+            onTriggered: root.viewModel.shareHarFile()
+        }
+
+        QXConfirmationAction {
+            objectName: "QXShareMockServerFile"
+            text: qsTranslate("Quorvix", "Share Mock Server File")
+            onTriggered: root.viewModel.shareMockServerFile()
+        }
+
+        QXConfirmationAction {
+            objectName: "QXShareSwiftModel"
+            text: qsTranslate("Quorvix", "Share Swift Model")
+            onTriggered: root.viewModel.shareSwiftModel()
+        }
+
+        QXConfirmationAction {
+            objectName: "QXShareRawDetails"
+            text: qsTranslate("Quorvix", "Share Raw Details")
+            onTriggered: root.viewModel.shareRawDetails()
+        }
+    }
+
+    QXActivityView {
+        presentationLayer: root.presentationLayer
+        shareItem: root.viewModel._shareItem
+        safeAreaBottom: root.bottomInset
+        onDismissRequested: root.viewModel._shareItem = undefined
+    }
+
+    QXDecodedPayloadView {
+        presentationLayer: root.presentationLayer
+        payload: root.viewModel._decodedPayload
+        safeAreaBottom: root.bottomInset
+        onDismissRequested: root.viewModel._decodedPayload = undefined
+    }
+
+    QXAlert {
+        presentationLayer: root.presentationLayer
+        presented: root.viewModel._showAlert
+        title: root.viewModel._alertTitle
+        message: root.viewModel._alertMessage
+        onDismissRequested: root.viewModel._showAlert = false
+    }
+
+    on_ShowLogTreeChanged: {
+        if (_showLogTree)
+            root.showLogTree();
+    }
+    Component.onDestruction: root.viewModel.destroy()
+
+    function showLogTree() {
+        const tree = root.viewModel.makeLogTree();
+        const page = root.T.StackView.view.push(Qt.resolvedUrl("QXLogTreeView.qml"), {
+            presentationLayer: root.presentationLayer,
+            viewModel: tree,
+            requestPath: root.viewModel._logTreeDestination.requestPath,
+            bottomInset: Qt.binding(() => root.bottomInset)
+        });
+        page.Component.destruction.connect(() => tree.destroy());
+    }
+
+    function back() {
+        root.T.StackView.view.pop();
     }
 }

@@ -1,166 +1,131 @@
 #include "Quorvix/QXRequestDetailsViewModel.h"
 
+#include "Quorvix/QXApiMockGenerator.h"
+#include "Quorvix/QXArchiveWriter.h"
+#include "Quorvix/QXBodyText.h"
+#include "Quorvix/QXBreakpointStore.h"
+#include "Quorvix/QXCurlCommandBuilder.h"
+#include "Quorvix/QXLogTreeViewModel.h"
+#include "Quorvix/QXPayloadDecoder.h"
+#include "Quorvix/QXRawDetails.h"
+#include "Quorvix/QXSwiftModelExport.h"
+
+#include "Platform/MainActor.h"
+
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDateTime>
-#include <QtCore/QLocale>
-#include <QtCore/QRegularExpression>
+#include <QtCore/QThreadPool>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 
 namespace {
 
-QString translated(const char *text)
+/// What is made readable within a millisecond or two is not worth a thread, nor a screen without it.
+constexpr qsizetype largestBodyAtOnce = 131'072;
+/// In UTF-16 units. A text item takes a frame for a few thousand, and many seconds for a quarter of a
+/// million.
+constexpr qsizetype longestValueInOneItem = 3000;
+
+QString localized(const char *text)
 {
     return QCoreApplication::translate("Quorvix", text);
 }
 
-/// Date and time as the locale writes them, with the month cut short and neither weekday nor time zone.
-QString mediumText(std::chrono::system_clock::time_point time)
+template<typename Value>
+QVariant asVariant(const std::optional<Value> &value)
 {
-    const QLocale locale;
-    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
-    const auto dateTime = QDateTime::fromMSecsSinceEpoch(milliseconds.count());
-    QString dateFormat = locale.dateFormat(QLocale::LongFormat);
-    dateFormat.remove(QRegularExpression(QStringLiteral("[\\s,]*dddd[\\s,.]*")));
-    dateFormat.replace(QLatin1StringView("MMMM"), QLatin1StringView("MMM"));
-    QString timeFormat = locale.timeFormat(QLocale::LongFormat);
-    timeFormat.remove(QRegularExpression(QStringLiteral("[\\s(\\[]*t+[\\s)\\]]*")));
-    return locale.toString(dateTime.date(), dateFormat) + QStringLiteral(", ") +
-           locale.toString(dateTime.time(), timeFormat);
+    return value ? QVariant::fromValue(*value) : QVariant();
 }
 
-/// The translation is not handed to a formatting function: it comes from the host.
-QString durationText(double seconds)
+template<typename Value>
+std::optional<Value> fromVariant(const QVariant &value)
 {
-    return translated("%.3f seconds").replace(QLatin1StringView("%.3f"), QString::number(seconds, 'f', 3));
+    return value.metaType() == QMetaType::fromType<Value>() ? std::optional(value.value<Value>())
+                                                            : std::nullopt;
 }
 
-/// Not the rule of the list: there is no yellow here.
-QXSystemColor::Value colorForStatusCode(qint64 code)
+QXRequestDetailsViewModel::Kind kindFor(QXRequestSection::Kind kind)
 {
-    if (code >= 200 && code <= 299)
-        return QXSystemColor::Green;
-    return code >= 400 ? QXSystemColor::Red : QXSystemColor::Orange;
+    switch (kind) {
+    case QXRequestSection::Kind::Breakpoint:
+        return QXRequestDetailsViewModel::BreakpointSection;
+    case QXRequestSection::Kind::Group:
+        return QXRequestDetailsViewModel::GroupSection;
+    case QXRequestSection::Kind::Body:
+        return QXRequestDetailsViewModel::BodySection;
+    case QXRequestSection::Kind::Values:
+        break;
+    }
+    return QXRequestDetailsViewModel::ValueSection;
+}
+
+QVariantList asVariants(const QList<QXRequestValue> &values)
+{
+    QVariantList variants;
+    for (const QXRequestValue &value : values)
+        variants.append(QVariant::fromValue(value));
+    return variants;
 }
 
 } // namespace
 
 QXRequestDetailsViewModel::QXRequestDetailsViewModel(const QXRequestTrace &request, QObject *parent)
-    : QAbstractListModel(parent), m_request(request)
+    : QAbstractListModel(parent), m_request(request), m_sections(requestSections(request)),
+      m_documents(m_sections.size()), m_alertTitle(localized("Export Failed"))
 {
-    addRequest();
-    if (m_request.response)
-        addResponse(*m_request.response);
-    if (m_request.error) {
-        addValues(translated("ERROR"), {{translated("Description"), m_request.error->localizedDescription},
-                                        {translated("Domain"), m_request.error->domain},
-                                        {translated("Code"), QString::number(m_request.error->code)}});
+    connect(&QXBreakpointStore::shared(), &QXBreakpointStore::rulesChanged, this,
+            &QXRequestDetailsViewModel::breakpointEnabledChanged);
+    for (std::size_t row = 0; row < m_sections.size(); ++row) {
+        if (m_sections[row].kind == QXRequestSection::Kind::Body)
+            makeReadable(row);
     }
 }
 
-void QXRequestDetailsViewModel::addRequest()
+QXRequestDetailsViewModel::~QXRequestDetailsViewModel() = default;
+
+void QXRequestDetailsViewModel::makeReadable(std::size_t row)
 {
-    std::vector<Value> values{
-        {translated("URL"), m_request.url ? absoluteString(*m_request.url) : translated("N/A")},
-        {translated("Method"), m_request.method.value_or(QStringLiteral("GET"))},
-        {translated("Time"), mediumText(m_request.date)}};
-    if (m_request.duration)
-        values.push_back({translated("Duration"), durationText(*m_request.duration)});
-    addValues(translated("REQUEST"), std::move(values));
-    addHeaders(translated("REQUEST HEADERS"), m_request.headers);
-    addBody(translated("REQUEST BODY"), m_request.body);
+    const QByteArray body = m_sections[row].body;
+    if (body.size() <= largestBodyAtOnce)
+        return setBody(row, QXBodyText::readable(body));
+    QThreadPool::globalInstance()->start([this, row, body, alive = std::weak_ptr(m_alive)] {
+        if (alive.expired())
+            return;
+        MainActor::schedule([this, row, alive, text = QXBodyText::readable(body)] {
+            if (!alive.expired())
+                setBody(row, text);
+        });
+    });
 }
 
-void QXRequestDetailsViewModel::addResponse(const QXResponseTrace &response)
+void QXRequestDetailsViewModel::setBody(std::size_t row, const std::optional<QString> &text)
 {
-    addValues(translated("RESPONSE"), {{translated("Status Code"), QString::number(response.statusCode),
-                                        colorForStatusCode(response.statusCode)},
-                                       {translated("Time"), mediumText(response.date)}});
-    addHeaders(translated("RESPONSE HEADERS"), response.headers);
-    addBody(translated("RESPONSE BODY"), response.body);
-}
-
-void QXRequestDetailsViewModel::addValues(const QString &title, std::vector<Value> values)
-{
-    m_sections.push_back({title, std::move(values), std::nullopt});
-}
-
-void QXRequestDetailsViewModel::addHeaders(const QString &title,
-                                           const std::optional<HTTPHeaderFields> &headers)
-{
-    if (!headers || headers->isEmpty())
-        return;
-    std::vector<Value> values;
-    for (auto it = headers->cbegin(); it != headers->cend(); ++it)
-        values.push_back({it.key(), it.value()});
-    addValues(title, std::move(values));
-}
-
-void QXRequestDetailsViewModel::addBody(const QString &title, const std::optional<QByteArray> &body)
-{
-    if (body)
-        m_sections.push_back({title, {}, QXBodyLines(*body)});
+    m_documents[row] =
+        text ? new QXTextDocument(*text, this) : new QXTextDocument(m_sections[row].body, this);
+    Q_EMIT dataChanged(index(int(row)), index(int(row)), {DocumentRole});
 }
 
 int QXRequestDetailsViewModel::rowCount(const QModelIndex &parent) const
 {
-    if (parent.isValid())
-        return 0;
-    int count = 0;
-    for (const Section &section : m_sections)
-        count += 1 + section.contentCount();
-    return count;
+    return parent.isValid() ? 0 : int(m_sections.size());
 }
 
 QVariant QXRequestDetailsViewModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
-    int row = index.row();
-    for (const Section &section : m_sections) {
-        if (row == 0)
-            return titleData(section, role);
-        if (row <= section.contentCount())
-            return contentData(section, row - 1, role);
-        row -= 1 + section.contentCount();
-    }
-    return {};
-}
-
-QVariant QXRequestDetailsViewModel::titleData(const Section &section, int role)
-{
+    const QXRequestSection &section = m_sections[std::size_t(index.row())];
     switch (role) {
     case KindRole:
-        return SectionTitle;
+        return kindFor(section.kind);
     case Qt::DisplayRole:
-    case LabelRole:
+    case TitleRole:
         return section.title;
-    case TextRole:
-        return QString();
-    case TextColorRole:
-        return QXSystemColor::Clear;
-    case IsFirstRole:
-    case IsLastRole:
-        return false;
-    default:
-        return {};
-    }
-}
-
-QVariant QXRequestDetailsViewModel::contentData(const Section &section, int index, int role)
-{
-    switch (role) {
-    case KindRole:
-        return section.body ? BodyLine : ValueRow;
-    case LabelRole:
-        return section.body ? QString() : section.values[std::size_t(index)].label;
-    case Qt::DisplayRole:
-    case TextRole:
-        return section.body ? section.body->line(index) : section.values[std::size_t(index)].text;
-    case TextColorRole:
-        return section.body ? QXSystemColor::Clear : section.values[std::size_t(index)].color;
-    case IsFirstRole:
-        return index == 0;
-    case IsLastRole:
-        return index == section.contentCount() - 1;
+    case ValuesRole:
+        return asVariants(section.values);
+    case FlagRole:
+        return QString(section.flag);
+    case DocumentRole:
+        return QVariant::fromValue(m_documents[std::size_t(index.row())]);
     default:
         return {};
     }
@@ -168,6 +133,158 @@ QVariant QXRequestDetailsViewModel::contentData(const Section &section, int inde
 
 QHash<int, QByteArray> QXRequestDetailsViewModel::roleNames() const
 {
-    return {{KindRole, "kind"},           {LabelRole, "label"},     {TextRole, "text"},
-            {TextColorRole, "textColor"}, {IsFirstRole, "isFirst"}, {IsLastRole, "isLast"}};
+    return {{KindRole, "kind"},
+            {TitleRole, "title"},
+            {ValuesRole, "values"},
+            {FlagRole, "flag"},
+            {DocumentRole, "document"}};
+}
+
+bool QXRequestDetailsViewModel::breakpointEnabled() const
+{
+    const auto key = QXBreakpointKey::make(m_request.url, m_request.method);
+    return key && QXBreakpointStore::shared().contains(*key);
+}
+
+void QXRequestDetailsViewModel::setBreakpointEnabled(bool enabled)
+{
+    const auto key = QXBreakpointKey::make(m_request.url, m_request.method);
+    if (!key)
+        Q_EMIT breakpointEnabledChanged(); // a switch that was moved reads again, and springs back
+    else if (enabled)
+        QXBreakpointStore::shared().insert(*key);
+    else
+        QXBreakpointStore::shared().remove(*key);
+}
+
+QXTextDocument *QXRequestDetailsViewModel::documentForValue(const QString &text)
+{
+    return text.size() > longestValueInOneItem ? new QXTextDocument(text, this) : nullptr;
+}
+
+void QXRequestDetailsViewModel::copyValue(const QString &text)
+{
+    QGuiApplication::clipboard()->setText(text);
+    alert(localized("Copied!"), localized("Value copied to pasteboard."));
+}
+
+bool QXRequestDetailsViewModel::canDecodeValue(const QString &text) const
+{
+    return QXPayloadDecoder::hasEncodedCandidate(text);
+}
+
+void QXRequestDetailsViewModel::decodeValue(const QString &text)
+{
+    auto payload = QXPayloadDecoder::decodePayload(text);
+    if (!payload)
+        return;
+    m_decodedPayload = std::move(payload);
+    Q_EMIT _decodedPayloadChanged();
+}
+
+void QXRequestDetailsViewModel::openLogTree(int row)
+{
+    if (row < 0 || row >= rowCount() || !m_documents[std::size_t(row)])
+        return;
+    const QString path = m_request.url ? m_request.url->path() : localized("Unknown");
+    m_logTreeDestination = QXLogTreeDestination(path, m_documents[std::size_t(row)]->text());
+    Q_EMIT _logTreeDestinationChanged();
+}
+
+QXLogTreeViewModel *QXRequestDetailsViewModel::makeLogTree() const
+{
+    return m_logTreeDestination ? new QXLogTreeViewModel(m_logTreeDestination->jsonString) : nullptr;
+}
+
+void QXRequestDetailsViewModel::shareCurl()
+{
+    share(QXCurlCommandBuilder::build(m_request));
+}
+
+void QXRequestDetailsViewModel::shareHarFile()
+{
+    if (const auto file = QXArchiveWriter::exportTrace(m_request, std::chrono::system_clock::now()))
+        share(QXShareItem(file.value()));
+    else
+        alert(localized("Export Failed"), QXArchiveWriter::failureMessage(file.error()));
+}
+
+void QXRequestDetailsViewModel::shareMockServerFile()
+{
+    share(QXApiMockGenerator::exportMock(m_request));
+}
+
+void QXRequestDetailsViewModel::shareSwiftModel()
+{
+    share(QXSwiftModelExport::exportTrace(m_request));
+}
+
+void QXRequestDetailsViewModel::shareRawDetails()
+{
+    share(QXShareItem(rawDetails(m_request)));
+}
+
+template<typename Artefact>
+void QXRequestDetailsViewModel::share(const Result<Artefact> &artefact)
+{
+    if (artefact)
+        share(QXShareItem(artefact.value()));
+    else
+        alert(localized("Export Failed"), artefact.error().localizedDescription);
+}
+
+void QXRequestDetailsViewModel::share(const QXShareItem &item)
+{
+    m_shareItem = item;
+    Q_EMIT _shareItemChanged();
+}
+
+void QXRequestDetailsViewModel::alert(const QString &title, const QString &message)
+{
+    m_alertTitle = title;
+    Q_EMIT _alertTitleChanged();
+    m_alertMessage = message;
+    Q_EMIT _alertMessageChanged();
+    setShowAlert(true);
+}
+
+void QXRequestDetailsViewModel::setShowAlert(bool show)
+{
+    if (m_showAlert == show)
+        return;
+    m_showAlert = show;
+    Q_EMIT _showAlertChanged();
+}
+
+QVariant QXRequestDetailsViewModel::shareItemValue() const
+{
+    return asVariant(m_shareItem);
+}
+
+void QXRequestDetailsViewModel::setShareItemValue(const QVariant &value)
+{
+    m_shareItem = fromVariant<QXShareItem>(value);
+    Q_EMIT _shareItemChanged();
+}
+
+QVariant QXRequestDetailsViewModel::decodedPayloadValue() const
+{
+    return asVariant(m_decodedPayload);
+}
+
+void QXRequestDetailsViewModel::setDecodedPayloadValue(const QVariant &value)
+{
+    m_decodedPayload = fromVariant<QXDecodedPayload>(value);
+    Q_EMIT _decodedPayloadChanged();
+}
+
+QVariant QXRequestDetailsViewModel::logTreeDestinationValue() const
+{
+    return asVariant(m_logTreeDestination);
+}
+
+void QXRequestDetailsViewModel::setLogTreeDestinationValue(const QVariant &value)
+{
+    m_logTreeDestination = fromVariant<QXLogTreeDestination>(value);
+    Q_EMIT _logTreeDestinationChanged();
 }

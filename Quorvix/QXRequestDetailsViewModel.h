@@ -1,64 +1,131 @@
 #pragma once
 
-#include "Quorvix/QXBodyLines.h"
-#include "Quorvix/QXRequestTrace.h"
-#include "Quorvix/QXSystemColor.h"
+#include "Quorvix/QXDecodedPayload.h"
+#include "Quorvix/QXLogTreeDestination.h"
+#include "Quorvix/QXRequestSections.h"
+#include "Quorvix/QXShareItem.h"
+#include "Quorvix/QXTextDocument.h"
+
+#include "Platform/Result.h"
 
 #include <QtCore/QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
-#include <vector>
+#include <memory>
 
-/// All that is known about one exchange, as the rows of the details screen. Main thread only.
+class QXLogTreeViewModel;
+
+/// All that is known about one exchange, as the sections of the details screen, and what can be done with it.
+/// Main thread only.
 ///
-/// Sections follow one another; each is a title and either labelled values or the lines of a body. The trace
-/// is the one given, whatever the recorder makes of the exchange later.
+/// The trace is the one given, whatever the recorder makes of the exchange later. A large body is made
+/// readable on another thread; its section has no document until then.
 class QUORVIX_INTERNAL_EXPORT QXRequestDetailsViewModel final : public QAbstractListModel
 {
     Q_OBJECT
+    Q_MOC_INCLUDE("Quorvix/QXLogTreeViewModel.h")
     QML_ELEMENT
     QML_UNCREATABLE("made by the request list")
+    /// A QXShareItem while the share sheet is to be shown, else undefined; assigning undefined clears it.
+    Q_PROPERTY(QVariant _shareItem READ shareItemValue WRITE setShareItemValue NOTIFY _shareItemChanged)
+    Q_PROPERTY(QString _alertTitle READ alertTitle NOTIFY _alertTitleChanged)
+    /// Empty while there is no message.
+    Q_PROPERTY(QString _alertMessage READ alertMessageText NOTIFY _alertMessageChanged)
+    Q_PROPERTY(bool _showAlert READ showAlert WRITE setShowAlert NOTIFY _showAlertChanged)
+    /// A QXDecodedPayload while it is to be shown, else undefined; assigning undefined clears it.
+    Q_PROPERTY(QVariant _decodedPayload READ decodedPayloadValue WRITE setDecodedPayloadValue NOTIFY
+                   _decodedPayloadChanged)
+    /// A QXLogTreeDestination while the tree is to be shown, else undefined; assigning undefined clears it.
+    Q_PROPERTY(QVariant _logTreeDestination READ logTreeDestinationValue WRITE setLogTreeDestinationValue
+                   NOTIFY _logTreeDestinationChanged)
+    /// Whether responses to requests like this one are held. Stays off without a URL.
+    Q_PROPERTY(bool breakpointEnabled READ breakpointEnabled WRITE setBreakpointEnabled NOTIFY
+                   breakpointEnabledChanged)
 
 public:
-    enum Role { KindRole = Qt::UserRole, LabelRole, TextRole, TextColorRole, IsFirstRole, IsLastRole };
+    enum Role { KindRole = Qt::UserRole, TitleRole, ValuesRole, FlagRole, DocumentRole };
 
-    enum Kind { SectionTitle, ValueRow, BodyLine };
+    enum Kind { ValueSection, BreakpointSection, GroupSection, BodySection };
     Q_ENUM(Kind)
 
     explicit QXRequestDetailsViewModel(const QXRequestTrace &request, QObject *parent = nullptr);
+    ~QXRequestDetailsViewModel() override;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     [[nodiscard]] const QXRequestTrace &request() const noexcept { return m_request; }
+    [[nodiscard]] const std::optional<QXShareItem> &shareItem() const noexcept { return m_shareItem; }
+    [[nodiscard]] const QString &alertTitle() const noexcept { return m_alertTitle; }
+    [[nodiscard]] const std::optional<QString> &alertMessage() const noexcept { return m_alertMessage; }
+    [[nodiscard]] bool showAlert() const noexcept { return m_showAlert; }
+    void setShowAlert(bool show);
+    [[nodiscard]] const std::optional<QXDecodedPayload> &decodedPayload() const noexcept
+    {
+        return m_decodedPayload;
+    }
+    [[nodiscard]] const std::optional<QXLogTreeDestination> &logTreeDestination() const noexcept
+    {
+        return m_logTreeDestination;
+    }
+    [[nodiscard]] bool breakpointEnabled() const;
+    void setBreakpointEnabled(bool enabled);
+
+    /// What shows a value that no single text item could lay out in time, a child of the model; null for
+    /// others.
+    Q_INVOKABLE QXTextDocument *documentForValue(const QString &text);
+    /// Places a value on the clipboard and says so in the alert.
+    Q_INVOKABLE void copyValue(const QString &text);
+    /// Whether decodeValue() would find something. Takes time that grows with the text.
+    Q_INVOKABLE bool canDecodeValue(const QString &text) const;
+    Q_INVOKABLE void decodeValue(const QString &text);
+    /// Publishes the body of a section as the tree to be shown; nothing while it has no document.
+    Q_INVOKABLE void openLogTree(int row);
+    /// The tree of the destination that is published, to be owned by QML; null without one.
+    Q_INVOKABLE QXLogTreeViewModel *makeLogTree() const;
+
+    Q_INVOKABLE void shareCurl();
+    Q_INVOKABLE void shareHarFile();
+    Q_INVOKABLE void shareMockServerFile();
+    Q_INVOKABLE void shareSwiftModel();
+    Q_INVOKABLE void shareRawDetails();
+
+Q_SIGNALS:
+    void _shareItemChanged();
+    void _alertTitleChanged();
+    void _alertMessageChanged();
+    void _showAlertChanged();
+    void _decodedPayloadChanged();
+    void _logTreeDestinationChanged();
+    void breakpointEnabledChanged();
 
 private:
-    struct Value
-    {
-        QString label;
-        QString text;
-        /// Clear stands for the primary text colour.
-        QXSystemColor::Value color = QXSystemColor::Clear;
-    };
-    struct Section
-    {
-        QString title;
-        std::vector<Value> values;
-        /// Takes the place of the values.
-        std::optional<QXBodyLines> body;
+    [[nodiscard]] QVariant shareItemValue() const;
+    void setShareItemValue(const QVariant &value);
+    [[nodiscard]] QString alertMessageText() const { return m_alertMessage.value_or(QString()); }
+    [[nodiscard]] QVariant decodedPayloadValue() const;
+    void setDecodedPayloadValue(const QVariant &value);
+    [[nodiscard]] QVariant logTreeDestinationValue() const;
+    void setLogTreeDestinationValue(const QVariant &value);
 
-        [[nodiscard]] int contentCount() const { return body ? body->count() : int(values.size()); }
-    };
+    void makeReadable(std::size_t row);
+    void setBody(std::size_t row, const std::optional<QString> &text);
+    void share(const QXShareItem &item);
+    template<typename Artefact>
+    void share(const Result<Artefact> &artefact);
+    void alert(const QString &title, const QString &message);
 
-    void addValues(const QString &title, std::vector<Value> values);
-    void addHeaders(const QString &title, const std::optional<HTTPHeaderFields> &headers);
-    void addBody(const QString &title, const std::optional<QByteArray> &body);
-    void addRequest();
-    void addResponse(const QXResponseTrace &response);
-    [[nodiscard]] static QVariant titleData(const Section &section, int role);
-    [[nodiscard]] static QVariant contentData(const Section &section, int index, int role);
-
-    QXRequestTrace m_request;
-    std::vector<Section> m_sections;
+    const QXRequestTrace m_request;
+    std::vector<QXRequestSection> m_sections;
+    /// For each section: what shows its body, a child of the model, or null.
+    std::vector<QXTextDocument *> m_documents;
+    std::optional<QXShareItem> m_shareItem;
+    QString m_alertTitle;
+    std::optional<QString> m_alertMessage;
+    bool m_showAlert = false;
+    std::optional<QXDecodedPayload> m_decodedPayload;
+    std::optional<QXLogTreeDestination> m_logTreeDestination;
+    /// Lives as long as the model, for those on other threads who work for it.
+    std::shared_ptr<const bool> m_alive = std::make_shared<const bool>(true);
 };

@@ -89,6 +89,7 @@ FocusScope {
 
     function openDetails(row: int) {
         stack.push(Qt.resolvedUrl("QXRequestDetailsView.qml"), {
+            presentationLayer: root.presentationLayer,
             viewModel: root.viewModel.makeDetails(row),
             bottomInset: Qt.binding(() => root.safeAreaBottom)
         });

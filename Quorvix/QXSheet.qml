@@ -12,6 +12,7 @@ QXModal {
     property real contentHeight: 400
     property real safeAreaBottom: 0
     property string doneName: "QXSheetDone"
+    property alias doneText: done.text
     property alias trailing: trailingItems.data
     default property alias sheetContent: contentItem.data
 
@@ -83,7 +84,9 @@ QXModal {
                 anchors.right: parent.right
                 anchors.margins: 88
                 text: root.title
-                font: QXTheme.headline
+                font: QXTheme.barTitle
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 12
                 elide: Text.ElideRight
                 horizontalAlignment: Text.AlignHCenter
                 Accessible.role: Accessible.Heading

@@ -21,6 +21,8 @@ QtObject {
     readonly property color secondaryBackground: isDark ? "#1c1c1e" : "#f2f2f7"
     /// What lies on the secondary background, or over everything else.
     readonly property color elevatedBackground: isDark ? "#2c2c2e" : "#ffffff"
+    /// The secondary label's colour at 8 %, on the background and on a sheet's in dark.
+    readonly property color payloadFill: isDark ? "#2d2d2f" : "#efeff0"
     readonly property color fill: isDark ? "#3d767680" : "#1f767680"
     readonly property color pressedFill: isDark ? "#5c767680" : "#33767680"
     readonly property color scrim: isDark ? "#80000000" : "#66000000"
@@ -36,6 +38,8 @@ QtObject {
     readonly property color pink: isDark ? "#ff375f" : "#ff2d55"
     readonly property color gray: "#8e8e93"
     readonly property color onColor: "#ffffff"
+    /// By the kinds of QXApiValueKind, in light and dark: small white text has to read well on them.
+    readonly property var kindColors: ["#5856d6", "#0b7a84", "#217d38", "#0a66d6", "#b85600", "#6c6c70"]
     readonly property color shadow: "#26000000"
 
     /// In a bar text grows only so far: its room does not.
@@ -87,6 +91,10 @@ QtObject {
     /// The margin at either side of a column in a view of this width.
     function columnMargin(width: real): real {
         return Math.max(root.margin, (width - root.readableWidth) / 2);
+    }
+
+    function kindColor(kind: int): color {
+        return root.kindColors[kind];
     }
 
     function systemColor(value: int): color {

@@ -166,7 +166,7 @@ void BreakpointScreenTest::releasesWhatIsShown()
     if (deletesBody)
         click(*m_window, "QXDeleteBodyButton");
     if (!typedBody.isEmpty()) {
-        click(*m_window, "QXBodyEditor");
+        click(*m_window, "QXTextEditor");
         QTest::keySequence(m_window.get(), QKeySequence::MoveToEndOfDocument);
         type(*m_window, typedBody);
     }
@@ -180,9 +180,9 @@ void BreakpointScreenTest::showsTheHeldResponse()
     hold("the body");
     QCOMPARE(text("QXBreakpointTitle"), u"GET host/held"_s);
     QCOMPARE(text("QXStatusCodeField"), u"200"_s);
-    QCOMPARE(text("QXBodyEditor"), u"the body"_s);
+    QCOMPARE(text("QXTextEditor"), u"the body"_s);
     for (const char *name : {"QXContinueButton", "QXApplyButton", "QXStatusCodeField", "QXCopyBodyButton",
-                             "QXDeleteBodyButton", "QXBodyEditor"}) {
+                             "QXDeleteBodyButton", "QXTextEditor"}) {
         const QQuickItem *const item = find(*m_window, name);
         QVERIFY2(item && item->height() >= 44 && item->width() >= 44, name);
     }
@@ -202,9 +202,9 @@ void BreakpointScreenTest::worksByKeyboardAlone()
     QTRY_VERIFY(find(*m_window, "QXStatusCodeField")->hasActiveFocus());
     QTest::keySequence(m_window.get(), QKeySequence::SelectAll);
     type(*m_window, "201");
-    for (int i = 0; i < 10 && !find(*m_window, "QXBodyEditor")->hasActiveFocus(); ++i)
+    for (int i = 0; i < 10 && !find(*m_window, "QXTextEditor")->hasActiveFocus(); ++i)
         press(Qt::Key_Tab);
-    QVERIFY(find(*m_window, "QXBodyEditor")->hasActiveFocus());
+    QVERIFY(find(*m_window, "QXTextEditor")->hasActiveFocus());
     QTest::keySequence(m_window.get(), QKeySequence::SelectAll);
     type(*m_window, "new");
     for (int i = 0; i < 10 && !find(*m_window, "QXApplyButton")->hasActiveFocus(); ++i)

@@ -391,7 +391,7 @@ void OverlayTest::editorFollowsTheHeldResponses()
     QVERIFY(overlay().breakpointWindow());
     QTRY_VERIFY(overlay().breakpointWindow()->isKeyWindow());
     const auto body = [&] {
-        QQuickItem *const editor = find(window, "QXBodyEditor");
+        QQuickItem *const editor = find(window, "QXTextEditor");
         return editor ? editor->property("text").toString() : QString();
     };
     QTRY_COMPARE(body(), QStringLiteral("first"));

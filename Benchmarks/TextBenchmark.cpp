@@ -1,0 +1,195 @@
+// Shows and edits bodies of some megabytes, beside what Qt's own text document takes to lay them out.
+
+#include "Quorvix/QXTextDocument.h"
+#include "Quorvix/QXTextEditor.h"
+#include "Quorvix/QXTextRows.h"
+#include "Quorvix/QXTextView.h"
+
+#include <QtGui/QFontDatabase>
+#include <QtGui/QFontMetricsF>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QTextDocument>
+#include <QtQuick/QQuickWindow>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize screen(1024, 768);
+constexpr qsizetype bodySize = 10'000'000;
+constexpr qsizetype lineSize = 5'000'000;
+
+QByteArray jsonBody()
+{
+    QByteArray body = "{\n  \"items\": [\n";
+    for (int i = 0; body.size() < bodySize; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        body += "    {\n      \"id\": " + number + ",\n      \"title\": \"The title of item " + number +
+                "\",\n      \"summary\": \"Some text that a person would read, of a usual length.\",\n"
+                "      \"on\": true\n    },\n";
+    }
+    body.truncate(bodySize);
+    return body;
+}
+
+QByteArray oneLine()
+{
+    QByteArray line = jsonBody().left(lineSize);
+    line.replace('\n', ' ');
+    return line;
+}
+
+double millisecondsFor(const std::function<void()> &action)
+{
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// In milliseconds.
+double fastest(int runs, const std::function<void()> &action)
+{
+    double best = millisecondsFor(action);
+    for (int run = 1; run < runs; ++run)
+        best = std::min(best, millisecondsFor(action));
+    return best;
+}
+
+QFont bodyFont()
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPixelSize(13);
+    return font;
+}
+
+/// A window as large as a tablet's, with nothing but a view on it.
+template<typename View>
+struct Stage
+{
+    Stage()
+    {
+        window.resize(screen);
+        window.show();
+        view.setParentItem(window.contentItem());
+        view.setSize(screen);
+        view.setFont(bodyFont());
+        QCoreApplication::processEvents();
+    }
+
+    QQuickWindow window;
+    View view;
+};
+
+/// Qt lays out all of a text, with rows broken as ours are. A tenth of it, to be multiplied: it takes long.
+double peerLayout(const QString &text)
+{
+    constexpr int share = 10;
+    const QString part = text.left(text.size() / share);
+    return share * millisecondsFor([&] {
+               QTextDocument document;
+               document.setDefaultFont(bodyFont());
+               QTextOption option;
+               option.setWrapMode(QTextOption::WrapAnywhere);
+               document.setDefaultTextOption(option);
+               document.setTextWidth(screen.width());
+               document.setPlainText(part);
+               if (document.size().height() < screen.height())
+                   std::abort();
+           });
+}
+
+void print(const char *what, double milliseconds, const char *note = "")
+{
+    std::printf("  %-44s %8.1f ms%s\n", what, milliseconds, note);
+}
+
+/// A single run is what a user sees, so the slowest one counts as well.
+void printUsual(const char *what, const std::function<void()> &action)
+{
+    std::array<double, 41> taken{};
+    for (double &milliseconds : taken)
+        milliseconds = millisecondsFor(action);
+    std::sort(taken.begin(), taken.end());
+    std::printf("  %-44s %8.1f ms, %.1f ms at worst\n", what, taken[taken.size() / 2], taken.back());
+}
+
+void compareLayout(const QString &text)
+{
+    const int columns = int(screen.width() / QFontMetricsF(bodyFont()).horizontalAdvance(u'0'));
+    QXTextRows rows;
+    const double breaking = fastest(5, [&] { rows.breakText(text, columns); });
+    const double peer = peerLayout(text);
+    print("breaking all rows, on a tablet", breaking);
+    print("breaking all rows, on a phone", fastest(5, [&] { rows.breakText(text, 42); }));
+    print("QTextDocument, laying out", peer, " (a tenth, ten times)");
+    std::printf("  faster by %.0f\n", peer / breaking);
+}
+
+void measureShowing(const QByteArray &body)
+{
+    Stage<QXTextView> stage;
+    const auto paint = [&] {
+        if (stage.window.grabWindow().isNull())
+            std::abort();
+    };
+    print("from the bytes to the first frame", millisecondsFor([&] {
+              stage.view.setDocument(QXTextDocument::ofBody(body, &stage.view));
+              paint();
+          }));
+    const double distance = stage.view.contentHeight() / 50;
+    int step = 0;
+    printUsual("a frame after a jump", [&] {
+        stage.view.setScrollOffset(++step * distance);
+        paint();
+    });
+    printUsual("a frame while scrolling", [&] {
+        stage.view.setScrollOffset(stage.view.scrollOffset() - 40);
+        paint();
+    });
+    printUsual("of that, the copy for this program", paint);
+}
+
+void measureEditing(const QString &text)
+{
+    Stage<QXTextEditor> stage;
+    stage.view.setText(text);
+    stage.window.grabWindow();
+    QXTextSelection middle;
+    middle.set(text.size() / 2, text.size() / 2);
+    stage.view.setSelection(middle);
+    print("first keystroke, which copies a shared text", millisecondsFor([&] { stage.view.insert(u"a"_s); }));
+    printUsual("another keystroke", [&] { stage.view.insert(u"a"_s); });
+    printUsual("a new line, with its frame", [&] {
+        stage.view.insert(u"\n"_s);
+        stage.window.grabWindow();
+    });
+}
+
+void measureText(const char *title, const QByteArray &body)
+{
+    std::printf("%s, %.0f MB\n", title, double(body.size()) / 1e6);
+    compareLayout(QString::fromUtf8(body));
+    measureShowing(body);
+    measureEditing(QString::fromUtf8(body));
+    std::printf("\n");
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    const QGuiApplication application(argc, argv);
+    measureText("JSON in lines", jsonBody());
+    measureText("JSON in one line", oneLine());
+    std::printf("Bytes that are no text, %.0f MB\n", double(bodySize) / 1e6);
+    measureShowing(QByteArray(bodySize, '\xff'));
+    return 0;
+}

@@ -1,0 +1,10 @@
+import QtQuick
+import Quorvix
+
+/// One of the choices of a confirmation dialog.
+QXMenuItem {
+    smallestHeight: 54
+    color: QXTheme.blue
+    alignment: Text.AlignHCenter
+    Accessible.role: Accessible.Button
+}

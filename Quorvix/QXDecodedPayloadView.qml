@@ -1,0 +1,123 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// The decoded payload screen: what was found in an encoded text, one block for each of its parts.
+QXSheet {
+    id: root
+
+    /// A QXDecodedPayload, or undefined while there is nothing to show.
+    property var payload: undefined
+
+    objectName: "QXDecodedPayloadSheet"
+    doneName: "QXDecodedPayloadDone"
+    doneText: qsTranslate("Quorvix", "OK")
+    presented: payload !== undefined
+    title: sections.title
+    contentHeight: column.height
+
+    onPayloadChanged: sections.payload = root.payload
+    Component.onCompleted: sections.payload = root.payload
+
+    QXDecodedPayloadModel {
+        id: sections
+
+        onPayloadChanged: page.contentY = 0
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.bottomMargin: -root.safeAreaBottom
+        color: QXTheme.background
+
+        QXSeparator {
+            width: parent.width
+        }
+    }
+
+    Flickable {
+        id: page
+
+        objectName: "QXDecodedPayloadPage"
+        anchors.fill: parent
+        contentHeight: column.height
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+
+        T.ScrollBar.vertical: QXScrollBar {}
+
+        Column {
+            id: column
+
+            width: page.width
+            padding: QXTheme.margin
+            spacing: QXTheme.margin
+
+            Repeater {
+                model: sections
+
+                delegate: Column {
+                    id: section
+
+                    required property string title
+                    required property QXTextDocument document
+
+                    width: column.width - 2 * column.padding
+                    spacing: 6
+
+                    QXText {
+                        objectName: "QXDecodedSectionTitle"
+                        width: parent.width
+                        text: section.title
+                        font: QXTheme.caption
+                        color: QXTheme.secondaryLabel
+                        wrapMode: Text.Wrap
+                        Accessible.role: Accessible.Heading
+                        Accessible.name: text
+                    }
+
+                    QXTextBlock {
+                        id: block
+
+                        objectName: "QXDecodedSectionText"
+                        width: parent.width
+                        page: page
+                        document: section.document
+                        color: QXTheme.payloadFill
+                        view.font: Qt.font({
+                            family: QXTheme.appearance.monospacedFamily,
+                            pixelSize: Math.round(12 * QXTheme.scale)
+                        })
+                        onContextMenuRequested: position => menu.openFor(block, position)
+                    }
+                }
+            }
+        }
+    }
+
+    QXContextMenu {
+        id: menu
+
+        property QXTextBlock block: null
+
+        presentationLayer: root.presentationLayer
+
+        QXMenuItem {
+            objectName: "QXCopySectionItem"
+            text: qsTranslate("Quorvix", "Copy")
+            symbol: "doc.on.doc"
+            onTriggered: {
+                if (!menu.block.hasSelection)
+                    menu.block.selectAll();
+                menu.block.copySelection();
+            }
+        }
+
+        function openFor(block: QXTextBlock, position: point) {
+            menu.block = block;
+            menu.open(block, position.x, position.y);
+        }
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Quorvix/QuorvixGlobal.h"
+
+#include <QtCore/QHashFunctions>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QUuid>
+
+#include <utility>
+
+/// A body to be browsed as a tree, under a fresh identity. A value.
+struct QUORVIX_INTERNAL_EXPORT QXLogTreeDestination
+{
+    Q_GADGET
+    Q_PROPERTY(QUuid id MEMBER id)
+    Q_PROPERTY(QString requestPath MEMBER requestPath)
+    Q_PROPERTY(QString jsonString MEMBER jsonString)
+
+public:
+    QXLogTreeDestination() = default;
+    QXLogTreeDestination(QString requestPath, QString jsonString)
+        : id(QUuid::createUuid()), requestPath(std::move(requestPath)), jsonString(std::move(jsonString))
+    {
+    }
+
+    QUuid id;
+    /// The path of the request that the body belongs to.
+    QString requestPath;
+    QString jsonString;
+
+    bool operator==(const QXLogTreeDestination &) const = default;
+};
+
+[[nodiscard]] inline size_t qHash(const QXLogTreeDestination &destination, size_t seed = 0)
+{
+    return qHashMulti(seed, destination.id, destination.requestPath, destination.jsonString);
+}

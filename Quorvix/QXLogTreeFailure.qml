@@ -1,0 +1,55 @@
+import QtQuick
+import Quorvix
+
+/// Why there is no log tree.
+Flickable {
+    id: root
+
+    required property string message
+
+    objectName: "QXLogTreeFailure"
+    contentHeight: Math.max(height, column.implicitHeight)
+    boundsBehavior: Flickable.StopAtBounds
+    clip: true
+
+    Column {
+        id: column
+
+        anchors.horizontalCenter: parent.horizontalCenter
+        // Where the eye expects the middle, which is a little above it.
+        y: Math.max(0, (root.height - height) * 0.45)
+        width: root.width - 2 * QXTheme.columnMargin(root.width)
+        topPadding: QXTheme.margin
+        bottomPadding: QXTheme.margin
+        spacing: QXTheme.spacing
+
+        QXIcon {
+            anchors.horizontalCenter: parent.horizontalCenter
+            symbol: "exclamationmark.triangle"
+            size: QXTheme.largeTitle.pixelSize
+            color: QXTheme.orange
+        }
+
+        QXText {
+            width: parent.width
+            text: qsTranslate("Quorvix", "Log Parse Error")
+            font: QXTheme.headline
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+        }
+
+        QXText {
+            objectName: "QXLogTreeFailureText"
+            width: parent.width
+            text: root.message
+            font: QXTheme.subheadline
+            color: QXTheme.secondaryLabel
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
+        }
+    }
+}

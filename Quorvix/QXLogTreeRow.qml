@@ -1,0 +1,156 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// One node of a log tree: how deep it lies, whether it is open, its key, its value and its kind.
+T.AbstractButton {
+    id: root
+
+    required property string key
+    required property string summary
+    required property int kind
+    required property string kindName
+    required property int depth
+    required property bool isExpanded
+    required property bool hasChildren
+    /// For each level.
+    required property real indentationWidth
+    /// Whether the keyboard would act on this row.
+    property bool isCurrent: false
+    property real columnMargin: QXTheme.margin
+
+    // From some depth on the level is told by its number, not by room: the key needs that.
+    readonly property real fullIndentation: depth * indentationWidth
+    readonly property real room: (width - 2 * columnMargin) * 0.4 / Math.max(1, QXTheme.scale)
+    readonly property real largestIndentation: Math.floor(room / indentationWidth) * indentationWidth
+    readonly property bool isDeep: fullIndentation > largestIndentation
+    readonly property real rowPadding: 6
+
+    /// Asked for with a right click or a long press.
+    signal menuRequested(point position)
+
+    objectName: "QXLogTreeRow"
+    // Even, so that the place of a row far down a long list is exact in single precision.
+    implicitHeight: Math.max(QXTheme.touchTarget,
+                             2 * Math.ceil((Math.max(keyText.implicitHeight, badge.height) + 2 * rowPadding) / 2))
+    focusPolicy: Qt.NoFocus
+
+    Accessible.role: Accessible.TreeItem
+    Accessible.name: (key ? key + ", " : "") + (summary ? summary + ", " : "") + kindName
+    Accessible.description: !hasChildren ? ""
+                          : isExpanded ? qsTranslate("Quorvix", "Expanded") : qsTranslate("Quorvix", "Collapsed")
+
+    onPressAndHold: root.menuRequested(Qt.point(root.pressX, root.pressY))
+
+    background: Rectangle {
+        visible: root.pressed || root.isCurrent
+        color: QXTheme.pressedFill
+    }
+
+    TapHandler {
+        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
+        acceptedButtons: Qt.RightButton
+        onTapped: eventPoint => root.menuRequested(eventPoint.position)
+    }
+
+    QXText {
+        anchors.right: chevron.left
+        anchors.rightMargin: 4
+        anchors.verticalCenter: parent.verticalCenter
+        visible: root.isDeep
+        text: root.depth
+        font: QXTheme.caption
+        color: QXTheme.secondaryLabel
+        Accessible.ignored: true
+    }
+
+    QXIcon {
+        id: chevron
+
+        objectName: "QXLogTreeChevron"
+        anchors.left: parent.left
+        anchors.leftMargin: root.columnMargin + Math.min(root.fullIndentation, root.largestIndentation)
+        anchors.verticalCenter: parent.verticalCenter
+        visible: root.hasChildren
+        symbol: root.isExpanded ? "chevron.down" : "chevron.right"
+        size: 12 * Math.max(1, QXTheme.scale)
+        mirror: root.mirrored && !root.isExpanded
+    }
+
+    Item {
+        id: texts
+
+        readonly property real spacing: keyText.visible && valueText.visible ? QXTheme.spacing : 0
+        readonly property real room: Math.max(0, width - spacing)
+
+        anchors.left: chevron.right
+        anchors.leftMargin: QXTheme.spacing
+        anchors.right: badge.left
+        anchors.rightMargin: QXTheme.spacing
+        height: parent.height
+
+        QXText {
+            id: keyText
+
+            objectName: "QXLogTreeKey"
+            anchors.left: parent.left
+            anchors.verticalCenter: parent.verticalCenter
+            // A long key leaves a good part of the room to the value.
+            width: Math.min(implicitWidth, Math.max(texts.room * 0.6, texts.room - valueText.implicitWidth))
+            visible: root.key.length > 0
+            text: root.key
+            font: Qt.font({
+                family: QXTheme.appearance.monospacedFamily,
+                pixelSize: Math.round(14 * QXTheme.scale),
+                weight: Font.Medium
+            })
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+
+        QXText {
+            id: valueText
+
+            objectName: "QXLogTreeValue"
+            anchors.left: keyText.visible ? keyText.right : parent.left
+            anchors.leftMargin: texts.spacing
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            visible: root.summary.length > 0
+            text: root.summary
+            font: QXTheme.text(14, Font.Normal)
+            color: QXTheme.secondaryLabel
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+    }
+
+    Rectangle {
+        id: badge
+
+        objectName: "QXLogTreeBadge"
+        anchors.right: parent.right
+        anchors.rightMargin: root.columnMargin
+        anchors.verticalCenter: parent.verticalCenter
+        width: kindText.implicitWidth
+        height: kindText.implicitHeight
+        radius: 5
+        color: QXTheme.kindColor(root.kind)
+
+        QXText {
+            id: kindText
+
+            padding: 3
+            text: root.kindName
+            font: QXTheme.text(11, Font.DemiBold)
+            color: QXTheme.onColor
+            Accessible.ignored: true
+        }
+    }
+
+    QXSeparator {
+        anchors.left: texts.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+    }
+}

@@ -1,0 +1,300 @@
+#include "Quorvix/QXLogTreeViewModel.h"
+
+#include "Quorvix/QXExportError.h"
+#include "Quorvix/QXPayloadDecoder.h"
+#include "Quorvix/QXSwiftName.h"
+
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// More than a line of any window shows, in UTF-16 units.
+constexpr qsizetype longestShown = 300;
+
+bool breaksLine(QChar unit)
+{
+    switch (unit.category()) {
+    case QChar::Other_Control:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The beginning of a text, on one line.
+QString cutShort(QString text)
+{
+    if (text.size() > longestShown) {
+        text.truncate(text[longestShown - 1].isHighSurrogate() ? longestShown - 1 : longestShown);
+        text += u'…';
+    }
+    for (QChar &unit : text) {
+        if (breaksLine(unit))
+            unit = u' ';
+    }
+    return text;
+}
+
+/// Converts no more than is needed.
+QString cutShort(QByteArrayView utf8)
+{
+    constexpr qsizetype bytesPerCharacter = 4;
+    return cutShort(QString::fromUtf8(utf8.first(qMin(utf8.size(), (longestShown + 2) * bytesPerCharacter))));
+}
+
+QString shownKey(const QXApiTreeField &field)
+{
+    const QByteArrayView name = field.nameUtf8();
+    return name.isEmpty() ? field.key().value_or(QString()) : cutShort(name);
+}
+
+QString shownSummary(const QXApiTreeField &field)
+{
+    if (field.kind() == QXApiValueKind::string)
+        return u'"' + cutShort(field.textUtf8()) + u'"';
+    return cutShort(field.summary().value_or(QString()));
+}
+
+template<typename Record>
+QVariant variantOf(const std::optional<Record> &record)
+{
+    return record ? QVariant::fromValue(*record) : QVariant();
+}
+
+template<typename Record>
+std::optional<Record> recordIn(const QVariant &value)
+{
+    return value.canConvert<Record>() ? std::optional(value.value<Record>()) : std::nullopt;
+}
+
+/// The node that is shown next after @p node under @p top, or null.
+QXApiTreeField *next(QXApiTreeField *node, const QXApiTreeField *top)
+{
+    if (node->isExpanded() && !node->children().empty())
+        return node->children().data();
+    for (; node != top; node = node->parent()) {
+        if (node != &node->parent()->children().back())
+            return node + 1;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+QXLogTreeViewModel::QXLogTreeViewModel(const QString &json, QObject *parent) : QAbstractListModel(parent)
+{
+    load(json);
+}
+
+void QXLogTreeViewModel::load(QStringView json)
+{
+    auto fields = QXApiTreeParser::parse(json);
+    if (!fields) {
+        m_parseError = fields.error().localizedDescription;
+        Q_EMIT parseErrorChanged();
+        return;
+    }
+    beginResetModel();
+    m_rows.clear();
+    m_rootFields = std::move(fields).value();
+    std::vector<QXApiTreeField *> shown;
+    for (const auto &root : std::as_const(m_rootFields))
+        shown.push_back(root.get());
+    m_rows.insert(0, shown);
+    endResetModel();
+}
+
+int QXLogTreeViewModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QVariant QXLogTreeViewModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    const QXApiTreeField &shown = field(index.row());
+    switch (role) {
+    case KeyRole:
+        return shownKey(shown);
+    case Qt::DisplayRole:
+    case SummaryRole:
+        return shownSummary(shown);
+    case KindRole:
+        return int(shown.kind());
+    case KindNameRole:
+        return displayName(shown.kind());
+    case DepthRole:
+        return shown.depth();
+    case IsExpandedRole:
+        return shown.isExpanded();
+    case HasChildrenRole:
+        return !shown.children().empty();
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> QXLogTreeViewModel::roleNames() const
+{
+    return {{KeyRole, "key"},
+            {SummaryRole, "summary"},
+            {KindRole, "kind"},
+            {KindNameRole, "kindName"},
+            {DepthRole, "depth"},
+            {IsExpandedRole, "isExpanded"},
+            {HasChildrenRole, "hasChildren"}};
+}
+
+std::vector<const QXApiTreeField *> QXLogTreeViewModel::visibleFields() const
+{
+    std::vector<const QXApiTreeField *> fields;
+    fields.reserve(m_rows.size());
+    for (int row = 0; row < rowCount(); ++row)
+        fields.push_back(&field(row));
+    return fields;
+}
+
+void QXLogTreeViewModel::toggle(int row)
+{
+    if (!hasRow(row) || field(row).children().empty())
+        return;
+    field(row).isExpanded() ? hideBelow(row) : showBelow(row);
+    Q_EMIT dataChanged(index(row), index(row), {IsExpandedRole});
+}
+
+void QXLogTreeViewModel::showBelow(int row)
+{
+    QXApiTreeField &top = field(row);
+    top.setExpanded(true);
+    std::vector<QXApiTreeField *> below;
+    for (QXApiTreeField *node = next(&top, &top); node; node = next(node, &top))
+        below.push_back(node);
+    beginInsertRows({}, row + 1, row + int(below.size()));
+    m_rows.insert(size_t(row) + 1, below);
+    endInsertRows();
+}
+
+void QXLogTreeViewModel::hideBelow(int row)
+{
+    field(row).setExpanded(false);
+    // Not by the flags of the nodes, which others hold as well.
+    const size_t count = m_rows.countBelow(size_t(row));
+    if (count == 0)
+        return;
+    beginRemoveRows({}, row + 1, row + int(count));
+    m_rows.remove(size_t(row) + 1, count);
+    endRemoveRows();
+}
+
+int QXLogTreeViewModel::expand(int row)
+{
+    if (!hasRow(row) || field(row).children().empty())
+        return row;
+    if (field(row).isExpanded())
+        return row + 1;
+    toggle(row);
+    return row;
+}
+
+int QXLogTreeViewModel::collapse(int row)
+{
+    if (!hasRow(row))
+        return row;
+    const QXApiTreeField &shown = field(row);
+    if (!shown.isExpanded())
+        return shown.parent() ? int(m_rows.rowBefore(size_t(row), shown.parent())) : row;
+    toggle(row);
+    return row;
+}
+
+QString QXLogTreeViewModel::copyText(int row) const
+{
+    if (!hasRow(row))
+        return {};
+    const QXApiTreeField &copied = field(row);
+    if (const auto text = copied.rowText())
+        return *text;
+    const QString key = copied.key().value_or(QString());
+    const QString summary = copied.summary().value_or(QString());
+    return key.isEmpty() ? summary : key + ": "_L1 + summary;
+}
+
+void QXLogTreeViewModel::copy(int row) const
+{
+    if (const QString text = copyText(row); !text.isEmpty())
+        QGuiApplication::clipboard()->setText(text);
+}
+
+bool QXLogTreeViewModel::canDecodeBase64(int row) const
+{
+    return hasRow(row) && field(row).kind() == QXApiValueKind::string &&
+           QXPayloadDecoder::hasEncodedCandidate(field(row).textUtf8());
+}
+
+void QXLogTreeViewModel::decodeBase64(int row)
+{
+    if (!hasRow(row) || field(row).kind() != QXApiValueKind::string)
+        return;
+    m_decodedPayload = QXPayloadDecoder::decodePayload(field(row).textUtf8());
+    Q_EMIT decodedPayloadChanged();
+}
+
+void QXLogTreeViewModel::shareSwiftModel(const QString &requestPath)
+{
+    if (m_rootFields.isEmpty())
+        return fail(makeError(QXExportError::swiftModelNotGenerated).localizedDescription);
+    const QString name = QXSwiftName::rootTypeName(requestPath);
+    const auto source = QXApiTreeParser::swiftModel(*m_rootFields.constFirst(), name);
+    if (!source)
+        return fail(source.error().localizedDescription);
+    m_shareItem = QXShareItem(source.value());
+    Q_EMIT shareItemChanged();
+}
+
+QVariant QXLogTreeViewModel::parseErrorValue() const
+{
+    return variantOf(m_parseError);
+}
+
+QVariant QXLogTreeViewModel::shareItemValue() const
+{
+    return variantOf(m_shareItem);
+}
+
+void QXLogTreeViewModel::setShareItemValue(const QVariant &value)
+{
+    m_shareItem = recordIn<QXShareItem>(value);
+    Q_EMIT shareItemChanged();
+}
+
+QVariant QXLogTreeViewModel::decodedPayloadValue() const
+{
+    return variantOf(m_decodedPayload);
+}
+
+void QXLogTreeViewModel::setDecodedPayloadValue(const QVariant &value)
+{
+    m_decodedPayload = recordIn<QXDecodedPayload>(value);
+    Q_EMIT decodedPayloadChanged();
+}
+
+void QXLogTreeViewModel::setShowAlert(bool show)
+{
+    if (m_showAlert == show)
+        return;
+    m_showAlert = show;
+    Q_EMIT showAlertChanged();
+}
+
+void QXLogTreeViewModel::fail(const QString &message)
+{
+    m_alertMessage = message;
+    Q_EMIT alertMessageChanged();
+    setShowAlert(true);
+}

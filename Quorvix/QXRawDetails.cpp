@@ -1,0 +1,115 @@
+#include "Quorvix/QXRawDetails.h"
+
+#include "Quorvix/QXBodyText.h"
+#include "Quorvix/QXCacheSummary.h"
+#include "Quorvix/QXMediumText.h"
+#include "Quorvix/QXRequestSections.h"
+
+#include <QtCore/QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString localized(const char *text)
+{
+    return QCoreApplication::translate("Quorvix", text);
+}
+
+/// The labels by which the request's half and the response's half of an exchange differ.
+struct Side
+{
+    const char *headers;
+    const char *cookies;
+    const char *body;
+};
+
+constexpr Side requestSide{QT_TRANSLATE_NOOP("Quorvix", "Request Headers"),
+                           QT_TRANSLATE_NOOP("Quorvix", "Request Cookies"),
+                           QT_TRANSLATE_NOOP("Quorvix", "Request Body")};
+constexpr Side responseSide{QT_TRANSLATE_NOOP("Quorvix", "Response Headers"),
+                            QT_TRANSLATE_NOOP("Quorvix", "Response Cookies"),
+                            QT_TRANSLATE_NOOP("Quorvix", "Response Body")};
+
+void addBlock(QStringList &lines, const char *label, const QString &value)
+{
+    const QString rule(83, u'-');
+    lines += {rule, localized(label), rule};
+    if (!value.isEmpty())
+        lines += value;
+    lines += QString();
+}
+
+void addHeaders(QStringList &lines, const Side &side, const std::optional<HTTPHeaderFields> &headers)
+{
+    if (!headers || headers->isEmpty())
+        return;
+    QStringList headerLines;
+    for (auto it = headers->cbegin(); it != headers->cend(); ++it)
+        headerLines += u"    \""_s + it.key() + u"\" = "_s + it.value() + u';';
+    headerLines.sort();
+    addBlock(lines, side.headers, u"{\n"_s + headerLines.join(u'\n') + u"\n}"_s);
+}
+
+void addCookies(QStringList &lines, const Side &side, const QXRequestTrace &request)
+{
+    QStringList cookieLines;
+    for (const QNetworkCookie &cookie : sharedCookies(request))
+        cookieLines += QString::fromUtf8(cookie.name()) + u" = "_s + QString::fromUtf8(cookie.value());
+    if (!cookieLines.isEmpty())
+        addBlock(lines, side.cookies, cookieLines.join(u'\n'));
+}
+
+void addCache(QStringList &lines, const QXRequestTrace &request)
+{
+    QStringList entries;
+    for (const QXCacheSection &entry : cacheSummary(request.response))
+        entries += entry.title + u'\n' + entry.text;
+    if (!entries.isEmpty())
+        addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Response Cache"), entries.join(u"\n\n"_s));
+}
+
+void addBody(QStringList &lines, const Side &side, const std::optional<QByteArray> &body)
+{
+    if (body)
+        addBlock(lines, side.body, QXBodyText::text(*body));
+}
+
+QString status(const QXRequestTrace &request)
+{
+    if (request.response)
+        return localized("Completed");
+    return request.error ? localized("Failed") : localized("Pending");
+}
+
+} // namespace
+
+QString rawDetails(const QXRequestTrace &request)
+{
+    QStringList lines;
+    addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "URL"),
+             request.url ? absoluteString(*request.url) : localized("N/A"));
+    addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP type"), request.method.value_or(u"GET"_s));
+    addHeaders(lines, requestSide, request.headers);
+    addCookies(lines, requestSide, request);
+    addBody(lines, requestSide, request.body);
+    addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request time"), QXMediumText::date(request.date));
+    addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request status"), status(request));
+    if (const auto &response = request.response) {
+        addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP Response code"),
+                 QString::number(response->statusCode));
+        addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Response Time"), QXMediumText::date(response->date));
+        addHeaders(lines, responseSide, response->headers);
+        addCookies(lines, responseSide, request);
+        addCache(lines, request);
+        addBody(lines, responseSide, response->body);
+    }
+    if (request.duration) {
+        addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Roundtrip duration"),
+                 secondsText(localized("%.6f secs"), "%.6f"_L1, *request.duration, 6));
+    }
+    if (request.body)
+        addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request Size"),
+                 QXMediumText::byteCount(request.body->size()));
+    return lines.join(u'\n');
+}

@@ -1,0 +1,152 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvix
+
+/// One section of the details: values, the breakpoint switch, values that are folded away, or a body.
+Column {
+    id: root
+
+    required property int index
+    required property int kind
+    required property string title
+    required property var values
+    required property QXTextDocument document
+    required property QXRequestDetailsViewModel viewModel
+    required property QXPage page
+    property real columnMargin: QXTheme.margin
+    property bool expanded: false
+
+    readonly property bool isBody: kind === QXRequestDetailsViewModel.BodySection
+    readonly property bool isGroup: kind === QXRequestDetailsViewModel.GroupSection
+    readonly property real columnWidth: width - 2 * columnMargin
+
+    signal toggled
+    /// A menu for a text, at a point of an item.
+    signal menuRequested(Item item, point position, string text)
+
+    objectName: "QXRequestSection"
+    topPadding: isGroup ? 10 : 20
+
+    QXSectionTitle {
+        x: root.columnMargin
+        width: root.columnWidth
+        bottomPadding: 4
+        visible: !root.isBody && !root.isGroup
+        text: root.title
+    }
+
+    // What only some sections have is made for those alone.
+    Repeater {
+        model: root.kind === QXRequestDetailsViewModel.BreakpointSection ? 1 : 0
+
+        delegate: QXSwitch {
+            id: breakpoint
+
+            objectName: "QXBreakpointSwitch"
+            x: root.columnMargin
+            width: root.columnWidth
+            text: qsTranslate("Quorvix", "Enable response breakpoint")
+            checked: root.viewModel.breakpointEnabled
+            onToggled: root.viewModel.breakpointEnabled = checked
+            onVisualFocusChanged: root.page.revealFocused(breakpoint)
+        }
+    }
+
+    Repeater {
+        model: root.isGroup ? 1 : 0
+
+        delegate: QXDisclosureGroup {
+            id: group
+
+            width: root.width
+            columnMargin: root.columnMargin
+            text: root.title
+            expanded: root.expanded
+            onClicked: root.toggled()
+            onVisualFocusChanged: root.page.revealFocused(group)
+        }
+    }
+
+    Repeater {
+        model: root.values
+
+        delegate: QXValueRow {
+            id: row
+
+            required property var modelData
+
+            width: root.width
+            visible: !root.isGroup || root.expanded
+            columnMargin: root.columnMargin
+            label: modelData.label
+            text: modelData.text
+            document: root.viewModel.documentForValue(modelData.text)
+            page: root.page
+            textColor: modelData.color === QXSystemColor.Clear ? QXTheme.label : QXTheme.systemColor(modelData.color)
+            onContextMenuRequested: position => root.menuRequested(row, position, row.text)
+            onVisualFocusChanged: root.page.revealFocused(row)
+        }
+    }
+
+    Repeater {
+        model: root.isBody ? 1 : 0
+
+        delegate: Item {
+            x: root.columnMargin
+            width: root.columnWidth
+            height: Math.max(treeButton.height, bodyTitle.height) + QXTheme.spacing
+
+            QXSectionTitle {
+                id: bodyTitle
+
+                anchors.left: parent.left
+                anchors.right: treeButton.left
+                anchors.rightMargin: QXTheme.spacing
+                anchors.verticalCenter: treeButton.verticalCenter
+                text: root.title
+            }
+
+            QXRoundButton {
+                id: treeButton
+
+                objectName: "QXLogTreeButton"
+                anchors.right: parent.right
+                symbol: "flowchart"
+                text: qsTranslate("Quorvix", "Show as tree")
+                enabled: root.document !== null
+                onClicked: root.viewModel.openLogTree(root.index)
+                onVisualFocusChanged: root.page.revealFocused(treeButton)
+            }
+        }
+    }
+
+    // What stands there until the text has been made.
+    Rectangle {
+        x: root.columnMargin
+        width: root.columnWidth
+        height: QXTheme.touchTarget
+        visible: root.isBody && root.document === null
+        radius: QXTheme.cornerRadius
+        color: QXTheme.secondaryBackground
+    }
+
+    Repeater {
+        model: root.isBody && root.document !== null ? 1 : 0
+
+        delegate: QXTextBlock {
+            id: block
+
+            objectName: "QXBodyBlock"
+            x: root.columnMargin
+            width: root.columnWidth
+            page: root.page
+            document: root.document
+            onContextMenuRequested: position => root.menuRequested(block, position, root.document.text())
+            onActiveFocusChanged: {
+                if (activeFocus)
+                    root.page.revealBeginning(block);
+            }
+        }
+    }
+}

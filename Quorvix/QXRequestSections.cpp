@@ -1,0 +1,145 @@
+#include "Quorvix/QXRequestSections.h"
+
+#include "Quorvix/QXCacheSummary.h"
+#include "Quorvix/QXMediumText.h"
+
+#include "Platform/HTTPCookieStorage.h"
+
+#include <QtCore/QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Kind = QXRequestSection::Kind;
+using Sections = std::vector<QXRequestSection>;
+using Values = QList<QXRequestValue>;
+
+QString localized(const char *text)
+{
+    return QCoreApplication::translate("Quorvix", text);
+}
+
+/// What the request's half and the response's half of an exchange differ by.
+struct Side
+{
+    const char *headersTitle = nullptr;
+    const char *cookiesTitle = nullptr;
+    const char *bodyTitle = nullptr;
+    QLatin1StringView cookiesFlag;
+};
+
+constexpr Side requestSide{QT_TRANSLATE_NOOP("Quorvix", "REQUEST HEADERS"),
+                           QT_TRANSLATE_NOOP("Quorvix", "REQUEST COOKIES"),
+                           QT_TRANSLATE_NOOP("Quorvix", "REQUEST BODY"), "_showRequestCookies"_L1};
+constexpr Side responseSide{QT_TRANSLATE_NOOP("Quorvix", "RESPONSE HEADERS"),
+                            QT_TRANSLATE_NOOP("Quorvix", "RESPONSE COOKIES"),
+                            QT_TRANSLATE_NOOP("Quorvix", "RESPONSE BODY"), "_showResponseCookies"_L1};
+
+/// Not the rule of the list: there is no yellow here.
+QXSystemColor::Value colorForStatusCode(qint64 code)
+{
+    if (code >= 200 && code <= 299)
+        return QXSystemColor::Green;
+    return code >= 400 ? QXSystemColor::Red : QXSystemColor::Orange;
+}
+
+void addValues(Sections &sections, const char *title, Values values)
+{
+    if (!values.isEmpty())
+        sections.push_back({Kind::Values, localized(title), std::move(values), {}, {}});
+}
+
+void addGroup(Sections &sections, const char *title, QLatin1StringView flag, Values values)
+{
+    if (!values.isEmpty())
+        sections.push_back({Kind::Group, localized(title), std::move(values), flag, {}});
+}
+
+void addHeaders(Sections &sections, const Side &side, const std::optional<HTTPHeaderFields> &headers)
+{
+    if (!headers)
+        return;
+    Values values;
+    for (auto it = headers->cbegin(); it != headers->cend(); ++it)
+        values.append({it.key(), it.value()});
+    addValues(sections, side.headersTitle, std::move(values));
+}
+
+void addCookies(Sections &sections, const Side &side, const QXRequestTrace &request)
+{
+    Values values;
+    for (const QNetworkCookie &cookie : sharedCookies(request))
+        values.append({QString::fromUtf8(cookie.name()), QString::fromUtf8(cookie.value())});
+    addGroup(sections, side.cookiesTitle, side.cookiesFlag, std::move(values));
+}
+
+void addCache(Sections &sections, const QXRequestTrace &request)
+{
+    Values values;
+    for (const QXCacheSection &entry : cacheSummary(request.response))
+        values.append({entry.title, entry.text});
+    addGroup(sections, QT_TRANSLATE_NOOP("Quorvix", "RESPONSE CACHE"), "_showResponseCache"_L1,
+             std::move(values));
+}
+
+void addBody(Sections &sections, const Side &side, const std::optional<QByteArray> &body)
+{
+    if (body)
+        sections.push_back({Kind::Body, localized(side.bodyTitle), {}, {}, *body});
+}
+
+void addRequest(Sections &sections, const QXRequestTrace &request)
+{
+    Values values{{localized("URL"), request.url ? absoluteString(*request.url) : localized("N/A")},
+                  {localized("Method"), request.method.value_or(u"GET"_s)},
+                  {localized("Time"), QXMediumText::date(request.date)}};
+    if (request.duration)
+        values.append(
+            {localized("Duration"), secondsText(localized("%.3f seconds"), "%.3f"_L1, *request.duration, 3)});
+    addValues(sections, QT_TRANSLATE_NOOP("Quorvix", "REQUEST"), std::move(values));
+    sections.push_back({Kind::Breakpoint, localized("BREAKPOINT"), {}, {}, {}});
+    addHeaders(sections, requestSide, request.headers);
+    addCookies(sections, requestSide, request);
+    addBody(sections, requestSide, request.body);
+}
+
+void addResponse(Sections &sections, const QXRequestTrace &request, const QXResponseTrace &response)
+{
+    addValues(sections, QT_TRANSLATE_NOOP("Quorvix", "RESPONSE"),
+              {{localized("Status Code"), QString::number(response.statusCode),
+                colorForStatusCode(response.statusCode)},
+               {localized("Time"), QXMediumText::date(response.date)}});
+    addHeaders(sections, responseSide, response.headers);
+    addCookies(sections, responseSide, request);
+    addCache(sections, request);
+    addBody(sections, responseSide, response.body);
+}
+
+} // namespace
+
+std::vector<QXRequestSection> requestSections(const QXRequestTrace &request)
+{
+    Sections sections;
+    addRequest(sections, request);
+    if (request.response)
+        addResponse(sections, request, *request.response);
+    if (request.error) {
+        addValues(sections, QT_TRANSLATE_NOOP("Quorvix", "ERROR"),
+                  {{localized("Description"), request.error->localizedDescription},
+                   {localized("Domain"), request.error->domain},
+                   {localized("Code"), QString::number(request.error->code)}});
+    }
+    return sections;
+}
+
+QList<QNetworkCookie> sharedCookies(const QXRequestTrace &request)
+{
+    return request.url ? HTTPCookieStorage::shared().cookiesForURL(*request.url) : QList<QNetworkCookie>();
+}
+
+/// The text comes from the host's translation, so it is not handed to a formatting function.
+QString secondsText(const QString &text, QLatin1StringView directive, double seconds, int digits)
+{
+    return QString(text).replace(directive, QString::number(seconds, 'f', digits));
+}

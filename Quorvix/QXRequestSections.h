@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Quorvix/QXRequestTrace.h"
+#include "Quorvix/QXSystemColor.h"
+
+#include <QtNetwork/QNetworkCookie>
+
+#include <vector>
+
+/// A label and what it labels. A value.
+struct QUORVIX_INTERNAL_EXPORT QXRequestValue
+{
+    Q_GADGET
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString text MEMBER text)
+    Q_PROPERTY(int color MEMBER color)
+
+public:
+    QString label;
+    QString text;
+    /// A QXSystemColor::Value; clear stands for the primary text colour.
+    int color = QXSystemColor::Clear;
+
+    bool operator==(const QXRequestValue &) const = default;
+};
+
+/// One section of what is known about an exchange. A value.
+struct QXRequestSection
+{
+    enum class Kind { Values, Breakpoint, Group, Body };
+
+    Kind kind = Kind::Values;
+    QString title;
+    QList<QXRequestValue> values;
+    /// Of a group: the name of the screen's flag that tells whether it is unfolded.
+    QLatin1StringView flag;
+    /// Of a body: shared with the trace.
+    QByteArray body;
+};
+
+/// The sections of the details screen, from top to bottom; the cookies are those of the shared storage as it
+/// stands. Any thread.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT std::vector<QXRequestSection>
+requestSections(const QXRequestTrace &request);
+
+/// The cookies that the shared storage has for the URL of an exchange.
+[[nodiscard]] QList<QNetworkCookie> sharedCookies(const QXRequestTrace &request);
+
+/// A number of seconds in a text that has @p directive, as "%.3f", where the number goes; it gets so many
+/// digits behind the point.
+[[nodiscard]] QString secondsText(const QString &text, QLatin1StringView directive, double seconds,
+                                  int digits);

@@ -1,0 +1,122 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix
+
+/// A label and its value, side by side, with a menu for the value.
+T.Control {
+    id: root
+
+    required property string label
+    required property string text
+    property color textColor: QXTheme.label
+    property real columnMargin: QXTheme.margin
+    /// Shows a value that is too long for a single text item, on a page that scrolls; else null.
+    property QXTextDocument document: null
+    property Flickable page: null
+    property real blockHeight: 0
+
+    readonly property real labelWidth: Math.min(100 * Math.max(1, QXTheme.scale), 0.4 * (width - 2 * columnMargin))
+
+    /// At a point of this row.
+    signal contextMenuRequested(point position)
+
+    objectName: "QXValueRow"
+    implicitWidth: 320
+    implicitHeight: Math.max(title.implicitHeight, document ? blockHeight : value.implicitHeight) + 2 * QXTheme.spacing
+    focusPolicy: Qt.StrongFocus
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: label + ", " + (document ? document.beginning : text)
+    Accessible.focusable: true
+
+    Keys.onPressed: event => {
+        event.accepted = event.key === Qt.Key_Menu
+                      || (event.key === Qt.Key_F10 && (event.modifiers & Qt.ShiftModifier) !== 0);
+        if (event.accepted)
+            root.contextMenuRequested(Qt.point(value.x, root.height));
+    }
+
+    background: Item {
+        Rectangle {
+            anchors.fill: parent
+            anchors.leftMargin: root.columnMargin - QXTheme.spacing
+            anchors.rightMargin: anchors.leftMargin
+            radius: QXTheme.cornerRadius
+            color: area.isHeld ? QXTheme.fill : "transparent"
+
+            QXFocusRing {
+                anchors.fill: parent
+                visible: root.visualFocus
+            }
+        }
+    }
+
+    QXText {
+        id: title
+
+        anchors.left: parent.left
+        anchors.leftMargin: root.columnMargin
+        y: QXTheme.spacing
+        width: root.labelWidth
+        text: root.label
+        font: QXTheme.subheadlineSemibold
+        color: QXTheme.secondaryLabel
+        wrapMode: Text.Wrap
+        Accessible.ignored: true
+    }
+
+    QXText {
+        id: value
+
+        anchors.left: title.right
+        anchors.leftMargin: QXTheme.spacing
+        anchors.right: parent.right
+        anchors.rightMargin: root.columnMargin
+        y: QXTheme.spacing
+        text: root.document ? "" : root.text
+        font: QXTheme.subheadline
+        color: root.textColor
+        wrapMode: Text.Wrap
+        Accessible.ignored: true
+    }
+
+    Repeater {
+        model: root.document ? 1 : 0
+
+        delegate: QXTextBlock {
+            id: block
+
+            x: value.x
+            y: QXTheme.spacing
+            width: value.width
+            page: root.page
+            document: root.document
+            onImplicitHeightChanged: root.blockHeight = implicitHeight
+            onContextMenuRequested: position => root.contextMenuRequested(block.mapToItem(root, position))
+            Component.onCompleted: root.blockHeight = implicitHeight
+        }
+    }
+
+    MouseArea {
+        id: area
+
+        property bool isHeld: false
+
+        anchors.fill: parent
+        acceptedButtons: Qt.LeftButton | Qt.RightButton
+        onClicked: mouse => {
+            root.forceActiveFocus(Qt.MouseFocusReason);
+            if (mouse.button === Qt.RightButton)
+                root.contextMenuRequested(Qt.point(mouse.x, mouse.y));
+        }
+        onPressAndHold: mouse => {
+            root.forceActiveFocus(Qt.MouseFocusReason);
+            root.contextMenuRequested(Qt.point(mouse.x, mouse.y));
+        }
+        onPressed: mouse => isHeld = mouse.button === Qt.LeftButton
+        onReleased: isHeld = false
+        onCanceled: isHeld = false
+    }
+}

@@ -1,0 +1,355 @@
+#include "Tests/ScreenDriver.h"
+
+#include "Quorvix/QXTextDocument.h"
+#include "Quorvix/QXTextView.h"
+
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QImage>
+#include <QtGui/QPainter>
+#include <QtGui/QStyleHints>
+#include <QtQml/QQmlComponent>
+#include <QtQml/QQmlEngine>
+#include <QtTest/QSignalSpy>
+
+#include <chrono>
+
+using namespace ScreenDriver;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char pageQml[] = R"(
+import QtQuick
+import Quorvix
+
+Window {
+    id: root
+
+    property QXTextDocument document
+    property string requested
+
+    width: 390
+    height: 650
+    visible: true
+
+    Flickable {
+        id: page
+        objectName: "page"
+        width: parent.width
+        height: 600
+        contentHeight: column.height
+        clip: true
+
+        Column {
+            id: column
+            width: page.width
+
+            Item { objectName: "above"; width: 1; height: 100 }
+            QXTextBlock {
+                objectName: "block"
+                x: 16
+                width: page.width - 32
+                page: page
+                document: root.document
+                focus: true
+                onContextMenuRequested: position => root.requested = Math.round(position.x) + "," + Math.round(position.y)
+            }
+            Item { width: 1; height: 100 }
+        }
+    }
+}
+)";
+
+/// A text of numbered lines, each 20 units long with its line end.
+QString numberedLines(int count)
+{
+    QString text;
+    text.reserve(count * 20);
+    for (int i = 0; i < count; ++i)
+        text += u"line %1\n"_s.arg(i, 14, 10, QChar(u'0'));
+    return text;
+}
+
+double secondsFor(const std::function<void()> &action)
+{
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+} // namespace
+
+class TextViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanup();
+    void showsBytes();
+    void scrolls();
+    void showsALineWithoutEnd();
+    void staysAtTheTopRowWhenResized();
+    void selectsWithTheMouse_data();
+    void selectsWithTheMouse();
+    void selectionScrollsAlong();
+    void selectsWithKeys();
+    void touchScrolls();
+    void asksForTheMenu();
+    void fitsForeignLetters();
+
+private:
+    [[nodiscard]] bool open(QXTextDocument *document);
+    [[nodiscard]] QQuickItem *page() { return find(*m_window, "page"); }
+    [[nodiscard]] QXTextView *view() { return qobject_cast<QXTextView *>(find(*m_window, "QXTextView")); }
+    void scrollTo(qreal y);
+    /// The left edge of a character, in the window.
+    [[nodiscard]] QPoint placeOf(qsizetype position);
+    [[nodiscard]] QString copied();
+
+    QQmlEngine m_engine;
+    std::unique_ptr<QXTextDocument> m_document;
+    std::unique_ptr<QQuickWindow> m_window;
+};
+
+void TextViewTest::initTestCase()
+{
+    m_engine.addImportPath(u"qrc:/qt/qml"_s);
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+void TextViewTest::cleanup()
+{
+    m_window.reset();
+    m_document.reset();
+}
+
+bool TextViewTest::open(QXTextDocument *document)
+{
+    m_document.reset(document);
+    QQmlComponent component(&m_engine);
+    component.setData(pageQml, QUrl());
+    if (!component.isReady())
+        qFatal("%s", qPrintable(component.errorString()));
+    m_window.reset(qobject_cast<QQuickWindow *>(
+        component.createWithInitialProperties({{u"document"_s, QVariant::fromValue(document)}})));
+    return QTest::qWaitForWindowActive(m_window.get()) &&
+           QTest::qWaitFor([this] { return view() && view()->contentHeight() > 0 && view()->height() > 0; });
+}
+
+void TextViewTest::scrollTo(qreal y)
+{
+    page()->setProperty("contentY", y);
+    QTRY_VERIFY(qAbs(view()->scrollOffset() - (y - 112)) < 1);
+}
+
+QPoint TextViewTest::placeOf(qsizetype position)
+{
+    const QRectF caret = view()->caretAt(position).translated(0, -view()->scrollOffset());
+    return view()->mapToScene(caret.center() + QPointF(1, 0)).toPoint();
+}
+
+QString TextViewTest::copied()
+{
+    QGuiApplication::clipboard()->clear();
+    QTest::keyClick(m_window.get(), Qt::Key_C, Qt::ControlModifier);
+    return QGuiApplication::clipboard()->text();
+}
+
+void TextViewTest::showsBytes()
+{
+    QByteArray bytes("\xff\x00\x1a", 3);
+    bytes.append(QByteArray(10'000'000, 'a'));
+    QVERIFY(open(QXTextDocument::ofBody(bytes)));
+    QVERIFY(m_document->isHexadecimal());
+    QVERIFY(view()->rowTextAt(1).startsWith(u"ff 00 1a 61 61"_s));
+    QCOMPARE(m_document->length(), bytes.size() * 3 - 1);
+    QCOMPARE(m_document->text(m_document->length() - 4, 10), u"1 61"_s.right(4));
+    QCOMPARE(QXTextDocument(QByteArray("\x01\x02", 2)).text(), u"01 02"_s);
+    QVERIFY(!std::unique_ptr<QXTextDocument>(QXTextDocument::ofBody("ä"))->isHexadecimal());
+}
+
+void TextViewTest::scrolls()
+{
+    QVERIFY(open(new QXTextDocument(numberedLines(500'000))));
+    QCOMPARE(view()->rowTextAt(1), u"line 00000000000000"_s);
+    QVERIFY(view()->contentHeight() > 5e6);
+    const qreal row = view()->rowHeight();
+    scrollTo(112 + 250'000 * row);
+    QCOMPARE(view()->rowTextAt(1), u"line 00000000250000"_s);
+    QCOMPARE(view()->mapToItem(page(), QPointF()), QPointF(28, 0));
+    QVERIFY(view()->height() <= 600);
+    scrollTo(page()->property("contentHeight").toReal() - 600);
+    QCOMPARE(view()->rowTextAt(view()->height() - 1), QString());
+    QCOMPARE(view()->rowTextAt(view()->height() - 1 - row), u"line 00000000499999"_s);
+}
+
+void TextViewTest::showsALineWithoutEnd()
+{
+    const auto painting = [&](int size) {
+        if (!open(new QXTextDocument(QString(size, u'x') + u"end"_s)))
+            qFatal("no window");
+        scrollTo(page()->property("contentHeight").toReal() - 600);
+        QImage image(view()->size().toSize(), QImage::Format_RGB32);
+        QPainter painter(&image);
+        return secondsFor([&] { view()->paint(&painter); });
+    };
+    const double little = painting(50'000);
+    QVERIFY(painting(5'000'000) < 10 * little);
+    QVERIFY(view()->rowTextAt(view()->height() - 1).endsWith(u"xend"_s));
+    QCOMPARE(view()->rows().end(view()->rows().count() - 1), 5'000'003);
+}
+
+void TextViewTest::staysAtTheTopRowWhenResized()
+{
+    QVERIFY(open(new QXTextDocument(QString(u"x"_s.repeated(99) + u'\n').repeated(1000))));
+    const qreal narrow = view()->contentHeight();
+    scrollTo(112 + 5000 / 43 * 2 * view()->rowHeight());
+    const qsizetype top = view()->positionAt({0, 1});
+    m_window->resize(800, 650);
+    QTRY_VERIFY(view()->contentHeight() < narrow);
+    const auto distance = [&] {
+        return qAbs(view()->positionAt({0, 1}) - top);
+    };
+    QTRY_VERIFY2(distance() < 200, qPrintable(QString::number(distance())));
+}
+
+void TextViewTest::selectsWithTheMouse_data()
+{
+    QTest::addColumn<QList<int>>("clicks"); // the first number is how often
+    QTest::addColumn<int>("dragTo");
+    QTest::addColumn<int>("shiftClick");
+    QTest::addColumn<QString>("selected");
+    QTest::newRow("drag") << QList<int>{1, 2} << 9 << -1 << u"e two\nt"_s;
+    QTest::newRow("drag backwards") << QList<int>{1, 9} << 2 << -1 << u"e two\nt"_s;
+    QTest::newRow("word") << QList<int>{2, 5} << -1 << -1 << u"two"_s;
+    QTest::newRow("word after another click") << QList<int>{2, 9} << -1 << -1 << u"three_3"_s;
+    QTest::newRow("words by dragging back") << QList<int>{2, 9} << 5 << -1 << u"two\nthree_3"_s;
+    QTest::newRow("line") << QList<int>{3, 5} << -1 << -1 << u"one two\n"_s;
+    QTest::newRow("shift") << QList<int>{1, 2} << -1 << 9 << u"e two\nt"_s;
+    QTest::newRow("click") << QList<int>{1, 2} << -1 << -1 << QString();
+}
+
+void TextViewTest::selectsWithTheMouse()
+{
+    QFETCH(const QList<int>, clicks);
+    QFETCH(const int, dragTo);
+    QFETCH(const int, shiftClick);
+    QVERIFY(open(new QXTextDocument(u"one two\nthree_3 four"_s)));
+    QQuickWindow *const window = m_window.get();
+    const QPoint first = placeOf(clicks[1]);
+    QTest::mousePress(window, Qt::LeftButton, {}, first);
+    for (int click = 2; click <= clicks[0]; ++click) {
+        QTest::mouseRelease(window, Qt::LeftButton, {}, first);
+        QTest::mousePress(window, Qt::LeftButton, {}, first);
+        if (click == 2) {
+            QMouseEvent second(QEvent::MouseButtonDblClick, first, window->mapToGlobal(first), Qt::LeftButton,
+                               Qt::LeftButton, {});
+            QCoreApplication::sendEvent(window, &second);
+        }
+    }
+    if (dragTo >= 0)
+        QTest::mouseMove(window, placeOf(dragTo));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, dragTo >= 0 ? placeOf(dragTo) : first);
+    if (shiftClick >= 0)
+        QTest::mouseClick(window, Qt::LeftButton, Qt::ShiftModifier, placeOf(shiftClick));
+    QTEST(view()->selectedText(), "selected");
+    QTEST(copied(), "selected");
+}
+
+void TextViewTest::selectionScrollsAlong()
+{
+    QVERIFY(open(new QXTextDocument(numberedLines(100'000))));
+    QQuickWindow *const window = m_window.get();
+    const QPoint first = placeOf(5);
+    QTest::mousePress(window, Qt::LeftButton, {}, first);
+    QTest::mouseMove(window, first + QPoint(20, 20));
+    QTest::mouseMove(window, QPoint(first.x(), 640));
+    QTRY_VERIFY(page()->property("contentY").toReal() > 2000);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, QPoint(first.x(), 640));
+    const QString selected = view()->selectedText();
+    QVERIFY(selected.size() > 2000 && m_document->text().mid(5).startsWith(selected));
+    scrollTo(1'000'000);
+    QCOMPARE(view()->selectedText(), selected);
+    QCOMPARE(copied(), selected);
+    QTest::keyClick(window, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(copied(), m_document->text());
+}
+
+void TextViewTest::selectsWithKeys()
+{
+    QVERIFY(open(new QXTextDocument(numberedLines(100'000))));
+    QQuickWindow *const window = m_window.get();
+    QVERIFY(find(*window, "block")->hasActiveFocus());
+    QTest::keyClick(window, Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(copied(), u"line "_s);
+    QTest::keyClick(window, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(window, Qt::Key_End, Qt::ShiftModifier);
+    QTest::keyClick(window, Qt::Key_Left, Qt::ShiftModifier);
+    QCOMPARE(copied(), u"line 00000000000000\nline 0000000000000"_s);
+    QTest::keyClick(window, Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
+    QTRY_COMPARE(view()->rowTextAt(view()->height() - 1), QString());
+    QCOMPARE(view()->selection().end(), m_document->length());
+    // Begins where one is looking.
+    QTest::mouseClick(window, Qt::LeftButton, {}, placeOf(m_document->length()));
+    scrollTo(112 + 50'000 * view()->rowHeight());
+    QTest::keyClick(window, Qt::Key_Right, Qt::ShiftModifier);
+    QVERIFY(qAbs(view()->selection().start() - 50'000 * 20) <= 20);
+}
+
+void TextViewTest::touchScrolls()
+{
+    QVERIFY(open(new QXTextDocument(numberedLines(1000))));
+    QQuickWindow *const window = m_window.get();
+    static const std::unique_ptr<QPointingDevice> device(QTest::createTouchDevice());
+    QPoint place(200, 400);
+    QTest::touchEvent(window, device.get()).press(0, place, window).commit();
+    for (int step = 0; step < 10; ++step) {
+        place.ry() -= 20;
+        QTest::touchEvent(window, device.get()).move(0, place, window).commit();
+    }
+    QTest::touchEvent(window, device.get()).release(0, place, window).commit();
+    QTRY_VERIFY(page()->property("contentY").toReal() > 50);
+    QVERIFY(!view()->hasSelection() && window->property("requested").toString().isEmpty());
+    QTRY_VERIFY(!page()->property("moving").toBool());
+    const qreal scrolled = page()->property("contentY").toReal();
+
+    QTest::touchEvent(window, device.get()).press(0, place, window).commit();
+    QTRY_COMPARE(window->property("requested").toString(),
+                 u"%1,%2"_s.arg(place.x() - 16).arg(place.y() + qRound(scrolled) - 100));
+    QTest::touchEvent(window, device.get()).release(0, place, window).commit();
+    QVERIFY(!view()->hasSelection());
+}
+
+void TextViewTest::asksForTheMenu()
+{
+    QVERIFY(open(new QXTextDocument(numberedLines(100'000))));
+    QSignalSpy requested(view(), &QXTextView::contextMenuRequested);
+    QTest::keyClick(m_window.get(), Qt::Key_A, Qt::ControlModifier);
+    QTest::mouseClick(m_window.get(), Qt::RightButton, {}, QPoint(100, 300));
+    QCOMPARE(m_window->property("requested").toString(), u"84,200"_s);
+    QVERIFY(view()->hasSelection());
+    QTest::keyClick(m_window.get(), Qt::Key_Menu);
+    QTest::keyClick(m_window.get(), Qt::Key_F10, Qt::ShiftModifier);
+    QCOMPARE(requested.size(), 3);
+    QCOMPARE(requested[1][0].toPointF(), QPointF()); // the cursor is out of sight
+}
+
+void TextViewTest::fitsForeignLetters()
+{
+    const QString line =
+        u"\u0627\u0644\u0633\u0644\u0627\u0645 abc \u4E2D\u6587 \U0001F600 \uFDFD\uFDFD \x01\u2028"_s
+            .repeated(4);
+    QVERIFY(open(new QXTextDocument(line)));
+    for (qsizetype position = 0; position < line.size(); ++position) {
+        const QRectF caret = view()->caretAt(position);
+        QVERIFY(caret.x() >= 0 && caret.right() <= view()->width());
+    }
+    QVERIFY(!view()->rowTextAt(1).contains(QChar(1)) && !view()->rowTextAt(1).contains(QChar::LineSeparator));
+    QTest::keyClick(m_window.get(), Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(copied(), line); // whatever is painted instead
+}
+
+QTEST_MAIN(TextViewTest)
+#include "TextViewTest.moc"
