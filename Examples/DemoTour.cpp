@@ -1,5 +1,8 @@
 #include "Examples/DemoTour.h"
 
+#include "Examples/BreakpointStage.h"
+#include "Examples/DetailsStage.h"
+#include "Examples/FarewellStage.h"
 #include "Examples/InspectorStage.h"
 #include "Examples/NightStage.h"
 #include "Examples/StoreStage.h"
@@ -27,11 +30,15 @@ int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
     TourRobot robot(window);
     StoreStage store(robot, outputFolder);
     InspectorStage inspector(robot, outputFolder);
+    DetailsStage details(robot, outputFolder);
+    BreakpointStage breakpoint(robot, outputFolder);
+    FarewellStage farewell(robot, outputFolder);
     NightStage night(robot, outputFolder);
 
     int number = 0;
     int failures = 0;
-    for (const auto &step : store.steps() + inspector.steps() + night.steps()) {
+    for (const auto &step : store.steps() + inspector.steps() + details.steps() + breakpoint.steps() +
+                                farewell.steps() + night.steps()) {
         const QString picture = pictureName(++number, step.name);
         const bool succeeded = step.take();
         const QString complaint = succeeded ? QString() : robot.complaint();

@@ -13,8 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto exportLimit = 20s;
-/// How near the floating button comes to an edge.
-constexpr int buttonMargin = 12;
 
 } // namespace
 
@@ -25,16 +23,10 @@ QList<TourStage::Step> InspectorStage::steps()
         {"inspector-scrolled", std::bind_front(&InspectorStage::listScrolls, this)},
         {"inspector-search", std::bind_front(&InspectorStage::searchNarrowsList, this)},
         {"inspector-no-match", std::bind_front(&InspectorStage::searchFindsNothing, this)},
-        {"details", std::bind_front(&InspectorStage::detailsOpen, this)},
-        {"details-back", std::bind_front(&InspectorStage::detailsClose, this)},
-        {"breakpoints", std::bind_front(&InspectorStage::breakpointsOpen, this)},
-        {"breakpoints-closed", std::bind_front(&InspectorStage::breakpointsClose, this)},
+        {"inspector-search-left", std::bind_front(&InspectorStage::searchIsLeft, this)},
         {"export", std::bind_front(&InspectorStage::exportShares, this)},
         {"export-file", std::bind_front(&InspectorStage::exportedFileIsComplete, this)},
         {"summary", std::bind_front(&InspectorStage::summaryIsWritten, this)},
-        {"trash", std::bind_front(&InspectorStage::trashEmptiesList, this)},
-        {"inspector-closed", std::bind_front(&InspectorStage::inspectorCloses, this)},
-        {"floating-button-dragged", std::bind_front(&InspectorStage::buttonIsDragged, this)},
     };
 }
 
@@ -76,31 +68,11 @@ bool InspectorStage::searchFindsNothing()
                              QStringLiteral("rows remain"));
 }
 
-bool InspectorStage::detailsOpen()
+bool InspectorStage::searchIsLeft()
 {
     return robot().click(name("QXSearchClearButton")) &&
-           robot().type(name("QXSearchField"), QStringLiteral("profile")) &&
-           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) == 1; },
-                             QStringLiteral("not one row")) &&
-           robot().click(name("QXRequestRow")) && robot().waitFor(name("QXRequestDetailsView"));
-}
-
-bool InspectorStage::detailsClose()
-{
-    return robot().click(name("QXBackButton")) && robot().waitUntilGone(name("QXRequestDetailsView")) &&
-           robot().click(name("QXSearchClearButton")) &&
            robot().waitUntil([this] { return robot().count(name("QXRequestRow")) >= 5; },
                              QStringLiteral("the list did not come back"));
-}
-
-bool InspectorStage::breakpointsOpen()
-{
-    return robot().click(name("QXBreakpointsButton")) && robot().waitFor(name("QXBreakpointsListView"));
-}
-
-bool InspectorStage::breakpointsClose()
-{
-    return robot().click(name("QXSheetDone")) && robot().waitUntilGone(name("QXBreakpointsListView"));
 }
 
 bool InspectorStage::exportShares()
@@ -132,33 +104,4 @@ bool InspectorStage::summaryIsWritten()
 {
     return robot().check(writeTourSummary(outputFile(QStringLiteral("summary.txt"))),
                          "cannot write the summary");
-}
-
-bool InspectorStage::trashEmptiesList()
-{
-    return robot().click(name("QXTrashButton")) &&
-           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) == 0; },
-                             QStringLiteral("rows remain")) &&
-           robot().check(capturedCount() == 0, "traces remain");
-}
-
-bool InspectorStage::inspectorCloses()
-{
-    return robot().click(name("QXCloseButton")) && robot().waitUntilGone(name("QXRequestListView"));
-}
-
-bool InspectorStage::buttonIsDragged()
-{
-    const QQuickItem *const button = robot().find(name("QXFloatingButton"));
-    if (!robot().check(button, "no floating button"))
-        return false;
-    const auto corner = [button] {
-        return button->mapToScene({button->width(), 0});
-    };
-    const QPointF middle = corner() + QPointF(-button->width() / 2, button->height() / 2);
-    return robot().drag(name("QXFloatingButton"), QPoint(phone.width() - 1, 1) - middle.toPoint()) &&
-           robot().waitUntil(
-               [&] { return corner().x() == phone.width() - buttonMargin && corner().y() >= buttonMargin; },
-               QStringLiteral("the button does not stop 12 points inside")) &&
-           robot().drag(name("QXFloatingButton"), {0, 560});
 }

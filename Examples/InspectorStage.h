@@ -2,7 +2,7 @@
 
 #include "Examples/TourStage.h"
 
-/// What the shopping left in the inspector: list, search, details, breakpoints, export, trash.
+/// What the shopping left in the inspector: list, search, export of it all. Ends in the list of requests.
 class InspectorStage final : public TourStage
 {
 public:
@@ -15,14 +15,8 @@ private:
     bool listScrolls();
     bool searchNarrowsList();
     bool searchFindsNothing();
-    bool detailsOpen();
-    bool detailsClose();
-    bool breakpointsOpen();
-    bool breakpointsClose();
+    bool searchIsLeft();
     bool exportShares();
     bool exportedFileIsComplete();
     bool summaryIsWritten();
-    bool trashEmptiesList();
-    bool inspectorCloses();
-    bool buttonIsDragged();
 };

@@ -2,6 +2,8 @@
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDeadlineTimer>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtGui/QWheelEvent>
 #include <QtQuick/QQuickItem>
@@ -36,14 +38,34 @@ void visitVisible(QQuickItem *item, const Visit &visit)
     }
 }
 
+/// Whether an item is what TourRobot::find() is asked for.
+bool isNamed(const QQuickItem *item, const QString &name)
+{
+    const qsizetype colon = name.indexOf(u':');
+    if (colon < 0 || item->objectName() != QStringView(name).first(colon))
+        return item->objectName() == name;
+    const QStringView label = QStringView(name).sliced(colon + 1);
+    return item->property("label").toString() == label || item->property("key").toString() == label;
+}
+
 /// The nearest item around @p item that scrolls; null when there is none.
-QQuickItem *scroller(QQuickItem *item)
+QQuickItem *scroller(const QQuickItem *item)
 {
     for (QQuickItem *parent = item->parentItem(); parent; parent = parent->parentItem()) {
         if (parent->inherits("QQuickFlickable"))
             return parent;
     }
     return nullptr;
+}
+
+/// How far the middle of an item lies below what its scroller shows, or above it when negative.
+double distanceFromView(const QQuickItem *item)
+{
+    const QQuickItem *const around = item ? scroller(item) : nullptr;
+    if (!around)
+        return 0;
+    const double y = item->mapToItem(around, QPointF(0, item->height() / 2)).y();
+    return y < 0 ? y - item->height() : std::max(0.0, y + item->height() / 2 - around->height());
 }
 
 /// Whether an item takes clicks: it is enabled, and no stack of pages is changing pages around it.
@@ -64,7 +86,7 @@ QQuickItem *TourRobot::find(const QString &name) const
 {
     QQuickItem *found = nullptr;
     visitVisible(m_window.contentItem(), [&](QQuickItem *item) {
-        if (item->objectName() == name)
+        if (isNamed(item, name))
             found = item;
     });
     return found;
@@ -73,8 +95,7 @@ QQuickItem *TourRobot::find(const QString &name) const
 int TourRobot::count(const QString &name) const
 {
     int count = 0;
-    visitVisible(m_window.contentItem(),
-                 [&](const QQuickItem *item) { count += item->objectName() == name; });
+    visitVisible(m_window.contentItem(), [&](const QQuickItem *item) { count += isNamed(item, name); });
     return count;
 }
 
@@ -102,10 +123,40 @@ bool TourRobot::waitUntilGone(const QString &name)
 
 bool TourRobot::click(const QString &name)
 {
-    if (!waitFor(name) || !bringIntoView(name) || !waitUntilStill(name))
-        return false;
-    QTest::mouseClick(&m_window, Qt::LeftButton, {}, middle(*find(name)));
+    return clickWith(Qt::LeftButton, name);
+}
+
+bool TourRobot::rightClick(const QString &name)
+{
+    return clickWith(Qt::RightButton, name);
+}
+
+bool TourRobot::clickWith(Qt::MouseButton button, const QString &name)
+{
+    // What was scrolled may glide on for a while.
+    do {
+        if (!waitFor(name) || !bringIntoView(name) || !waitUntilStill(name))
+            return false;
+    } while (distanceFromView(find(name)) != 0);
+    QTest::mouseClick(&m_window, button, {}, middle(*find(name)));
     return true;
+}
+
+bool TourRobot::press(Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    QTest::keyClick(&m_window, key, modifiers);
+    return true;
+}
+
+bool TourRobot::paste(const QString &name, const QString &text)
+{
+    if (!click(name))
+        return false;
+    QGuiApplication::clipboard()->setText(text);
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_V, Qt::ControlModifier);
+    return waitUntil([&] { return this->text(name) == text; },
+                     name + QStringLiteral(" did not take the text"));
 }
 
 bool TourRobot::type(const QString &name, const QString &text)
@@ -182,20 +233,13 @@ bool TourRobot::complain(const QString &complaint)
 
 bool TourRobot::bringIntoView(const QString &name)
 {
-    QQuickItem *const item = find(name);
-    QQuickItem *const around = scroller(item);
-    if (!around)
-        return true;
-    const auto offset = [&] {
-        const double y = item->mapToItem(around, QPointF(0, item->height() / 2)).y();
-        return y < 0 ? y - item->height() : std::max(0.0, y + item->height() / 2 - around->height());
-    };
     return waitUntil(
         [&] {
-            const double by = offset();
+            const QQuickItem *const item = find(name);
+            const double by = distanceFromView(item);
             if (by == 0)
                 return true;
-            turnWheel(middle(*around), std::clamp(static_cast<int>(by), -notch, notch));
+            turnWheel(middle(*scroller(item)), std::clamp(static_cast<int>(by), -notch, notch));
             return false;
         },
         QStringLiteral("cannot scroll to ") + name);

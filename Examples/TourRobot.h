@@ -19,7 +19,8 @@ public:
 
     explicit TourRobot(QQuickWindow &window) : m_window(window) {}
 
-    /// The visible item of this name that is painted last; null when there is none.
+    /// The visible item of this name that is painted last; null when there is none. "Row:Accept" means the
+    /// item with the object name "Row" whose label or key is "Accept".
     [[nodiscard]] QQuickItem *find(const QString &name) const;
     /// How many visible items have this name.
     [[nodiscard]] int count(const QString &name) const;
@@ -34,6 +35,11 @@ public:
 
     /// Presses and releases the middle of an item, after scrolling to it where it is out of sight.
     bool click(const QString &name);
+    /// Opens the menu of an item, as a mouse does.
+    bool rightClick(const QString &name);
+    bool press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+    /// Clicks a field and puts @p text in the place of all that it holds, by way of the clipboard.
+    bool paste(const QString &name, const QString &text);
     /// Clicks a field and types; characters of ASCII only.
     bool type(const QString &name, const QString &text);
     /// Empties a field with the keyboard.
@@ -55,6 +61,7 @@ public:
 
 private:
     bool complain(const QString &complaint);
+    bool clickWith(Qt::MouseButton button, const QString &name);
     bool bringIntoView(const QString &name);
     /// What moves, or is disabled while it does, cannot be clicked reliably.
     bool waitUntilStill(const QString &name);

@@ -1,0 +1,184 @@
+#include "Examples/DetailsStage.h"
+
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+#include <QtQuick/QQuickItem>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// For what is made of 10 MB on a busy machine.
+constexpr auto largeBodyLimit = 20s;
+
+} // namespace
+
+QList<TourStage::Step> DetailsStage::steps()
+{
+    return {
+        {"details", std::bind_front(&DetailsStage::profileOpens, this)},
+        {"details-menu", std::bind_front(&DetailsStage::headerHasMenu, this)},
+        {"details-decoded", std::bind_front(&DetailsStage::tokenIsDecoded, this)},
+        {"details-copied", std::bind_front(&DetailsStage::valueIsCopied, this)},
+        {"share-menu", std::bind_front(&DetailsStage::shareMenuOpens, this)},
+        {"share-curl",
+         [this] {
+             return share("QXShareCurl");
+         }},
+        {"share-har",
+         [this] {
+             return closeShareSheet() && share("QXShareHarFile");
+         }},
+        {"share-mock",
+         [this] {
+             return closeShareSheet() && share("QXShareMockServerFile");
+         }},
+        {"share-model",
+         [this] {
+             return closeShareSheet() && share("QXShareSwiftModel");
+         }},
+        {"share-raw",
+         [this] {
+             return closeShareSheet() && share("QXShareRawDetails");
+         }},
+        {"tree", std::bind_front(&DetailsStage::treeOpens, this)},
+        {"tree-menu", std::bind_front(&DetailsStage::treeHasMenu, this)},
+        {"tree-share", std::bind_front(&DetailsStage::treeIsShared, this)},
+        {"large-body", std::bind_front(&DetailsStage::largeBodyOpens, this)},
+        {"large-body-scrolled", std::bind_front(&DetailsStage::largeBodyScrolls, this)},
+        {"large-tree", std::bind_front(&DetailsStage::largeTreeOpens, this)},
+        {"binary-body", std::bind_front(&DetailsStage::binaryBodyOpens, this)},
+        {"failure", std::bind_front(&DetailsStage::failureOpens, this)},
+        {"details-closed", std::bind_front(&DetailsStage::detailsClose, this)},
+    };
+}
+
+bool DetailsStage::open(const char *search)
+{
+    return (robot().text(name("QXSearchField")).isEmpty() || robot().click(name("QXSearchClearButton"))) &&
+           robot().type(name("QXSearchField"), name(search)) &&
+           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) == 1; },
+                             QStringLiteral("not one row for ") + name(search)) &&
+           robot().click(name("QXRequestRow")) && robot().waitFor(name("QXValueRow:URL"));
+}
+
+bool DetailsStage::close()
+{
+    return robot().click(name("QXBackButton")) && robot().waitUntilGone(name("QXRequestDetailsView"));
+}
+
+bool DetailsStage::openTree()
+{
+    return robot().waitUntil(
+               [this] {
+                   const QQuickItem *const button = robot().find(name("QXLogTreeButton"));
+                   return button && button->isEnabled();
+               },
+               QStringLiteral("the body is not ready"), largeBodyLimit) &&
+           robot().click(name("QXLogTreeButton")) && robot().waitFor(name("QXLogTreeRow"), largeBodyLimit);
+}
+
+bool DetailsStage::closeTree()
+{
+    return robot().click(name("QXBackButton")) && robot().waitUntilGone(name("QXLogTreeView"));
+}
+
+bool DetailsStage::share(const char *action)
+{
+    return (robot().find(name(action)) || robot().click(name("QXShareButton"))) &&
+           robot().click(name(action)) && robot().waitFor(name("QXActivitySheet"));
+}
+
+bool DetailsStage::closeShareSheet()
+{
+    return robot().click(name("QXActivityDone")) && robot().waitUntilGone(name("QXActivitySheet"));
+}
+
+bool DetailsStage::profileOpens()
+{
+    return open("profile");
+}
+
+bool DetailsStage::headerHasMenu()
+{
+    return robot().rightClick(name("QXValueRow:Authorization")) && robot().waitFor(name("QXDecodeValueItem"));
+}
+
+bool DetailsStage::tokenIsDecoded()
+{
+    return robot().click(name("QXDecodeValueItem")) && robot().waitFor(name("QXDecodedPayloadSheet"));
+}
+
+bool DetailsStage::valueIsCopied()
+{
+    return robot().press(Qt::Key_Escape) && robot().waitUntilGone(name("QXDecodedPayloadSheet")) &&
+           robot().rightClick(name("QXValueRow:URL")) && robot().click(name("QXCopyValueItem")) &&
+           robot().waitFor(name("QXAlert")) &&
+           robot().check(QGuiApplication::clipboard()->text().endsWith(QStringLiteral("/api/v1/profile")),
+                         "the URL is not on the clipboard");
+}
+
+bool DetailsStage::shareMenuOpens()
+{
+    return robot().click(name("QXAlertButton")) && robot().waitUntilGone(name("QXAlert")) &&
+           robot().click(name("QXShareButton")) && robot().waitFor(name("QXShareRawDetails"));
+}
+
+bool DetailsStage::treeOpens()
+{
+    return closeShareSheet() && openTree() && robot().click(name("QXLogTreeRow")) &&
+           robot().waitFor(name("QXLogTreeRow:addresses")) && robot().click(name("QXLogTreeRow:addresses")) &&
+           robot().click(name("QXLogTreeRow:[0]")) && robot().waitFor(name("QXLogTreeRow:city"));
+}
+
+bool DetailsStage::treeHasMenu()
+{
+    return robot().rightClick(name("QXLogTreeRow:city")) && robot().click(name("QXCopyRowItem")) &&
+           robot().waitUntil(
+               [] { return QGuiApplication::clipboard()->text() == QStringLiteral("city: \"Galway\""); },
+               QStringLiteral("the row is not on the clipboard")) &&
+           robot().rightClick(name("QXLogTreeRow:city")) && robot().waitFor(name("QXContextMenuCard"));
+}
+
+bool DetailsStage::treeIsShared()
+{
+    return robot().press(Qt::Key_Escape) && robot().waitUntilGone(name("QXContextMenuCard")) &&
+           robot().click(name("QXShareModelButton")) && robot().waitFor(name("QXActivitySheet"));
+}
+
+bool DetailsStage::largeBodyOpens()
+{
+    return closeShareSheet() && closeTree() && close() && open("export") &&
+           robot().waitFor(name("QXBodyBlock"), largeBodyLimit) &&
+           robot().scroll(name("QXRequestDetailsPage"), 700);
+}
+
+bool DetailsStage::largeBodyScrolls()
+{
+    return robot().scroll(name("QXRequestDetailsPage"), 4000);
+}
+
+bool DetailsStage::largeTreeOpens()
+{
+    return openTree() && robot().click(name("QXLogTreeRow")) &&
+           robot().waitFor(name("QXLogTreeRow:orders")) && robot().click(name("QXLogTreeRow:orders")) &&
+           robot().waitFor(name("QXLogTreeRow:[3]")) && robot().click(name("QXLogTreeRow:[1]"));
+}
+
+bool DetailsStage::binaryBodyOpens()
+{
+    return closeTree() && close() && open("binary") && robot().waitFor(name("QXBodyBlock")) &&
+           robot().scroll(name("QXRequestDetailsPage"), 900);
+}
+
+bool DetailsStage::failureOpens()
+{
+    return close() && open("drop-midway") && robot().waitFor(name("QXValueRow:Domain"));
+}
+
+bool DetailsStage::detailsClose()
+{
+    return close() && robot().click(name("QXSearchClearButton")) &&
+           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) >= 5; },
+                             QStringLiteral("the list did not come back"));
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Examples/TourStage.h"
+
+/// Single exchanges: their details, their trees, what is decoded of them, and all that they can be shared as.
+/// Begins and ends in the list of requests.
+class DetailsStage final : public TourStage
+{
+public:
+    using TourStage::TourStage;
+
+    [[nodiscard]] QList<Step> steps() override;
+
+private:
+    /// Opens the exchange that alone is found by @p search.
+    bool open(const char *search);
+    bool close();
+    bool openTree();
+    bool closeTree();
+    /// Chooses an action of the share menu and waits for the share sheet.
+    bool share(const char *action);
+    bool closeShareSheet();
+
+    bool profileOpens();
+    bool headerHasMenu();
+    bool tokenIsDecoded();
+    bool valueIsCopied();
+    bool shareMenuOpens();
+    bool treeOpens();
+    bool treeHasMenu();
+    bool treeIsShared();
+    bool largeBodyOpens();
+    bool largeBodyScrolls();
+    bool largeTreeOpens();
+    bool binaryBodyOpens();
+    bool failureOpens();
+    bool detailsClose();
+};
