@@ -74,7 +74,7 @@ void TextRowsTest::followsEdits()
         const qsizetype position = random.bounded(int(text.size()) + 1);
         const qsizetype removed =
             qMin<qsizetype>(random.bounded(text.size() > 80 ? 9 : 3), text.size() - position);
-        const QString added = pieces[random.bounded(int(pieces.size()))];
+        const QString &added = pieces[random.bounded(int(pieces.size()))];
         text.replace(position, removed, added);
         rows.follow(text, position, removed, added.size());
         QXTextRows anew;

@@ -65,7 +65,7 @@ Window {
 QString numberedLines(int count)
 {
     QString text;
-    text.reserve(count * 20);
+    text.reserve(qsizetype(count) * 20);
     for (int i = 0; i < count; ++i)
         text += u"line %1\n"_s.arg(i, 14, 10, QChar(u'0'));
     return text;
@@ -205,7 +205,7 @@ void TextViewTest::staysAtTheTopRowWhenResized()
 {
     QVERIFY(open(new QXTextDocument(QString(u"x"_s.repeated(99) + u'\n').repeated(1000))));
     const qreal narrow = view()->contentHeight();
-    scrollTo(112 + 5000 / 43 * 2 * view()->rowHeight());
+    scrollTo(112 + 232 * view()->rowHeight());
     const qsizetype top = view()->positionAt({0, 1});
     m_window->resize(800, 650);
     QTRY_VERIFY(view()->contentHeight() < narrow);
@@ -295,7 +295,7 @@ void TextViewTest::selectsWithKeys()
     QTest::mouseClick(window, Qt::LeftButton, {}, placeOf(m_document->length()));
     scrollTo(112 + 50'000 * view()->rowHeight());
     QTest::keyClick(window, Qt::Key_Right, Qt::ShiftModifier);
-    QVERIFY(qAbs(view()->selection().start() - 50'000 * 20) <= 20);
+    QVERIFY(qAbs(view()->selection().start() - qsizetype(50'000) * 20) <= 20);
 }
 
 void TextViewTest::touchScrolls()
