@@ -1,0 +1,218 @@
+// What a user waits for who opens a body of ten megabytes, and what a frame costs while it scrolls, beside
+// what Qt takes to lay the same JSON out anew.
+
+#include "Benchmarks/Contest.h"
+#include "Tests/ScreenDriver.h"
+
+#include "Quorvix/QXRequestRecorder.h"
+#include "Quorvix/QuorvixClient.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QSettings>
+#include <QtCore/QStandardPaths>
+#include <QtGui/QGuiApplication>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize phone(390, 844);
+constexpr qsizetype bodySize = 10'000'000;
+constexpr int turns = 7;
+constexpr int scrolledFrames = 120;
+constexpr int step = 40;
+
+QByteArray jsonBody()
+{
+    QByteArray body = "{\"items\":[";
+    for (int i = 0; body.size() < bodySize; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        body += (i == 0 ? "{\"id\":" : ",{\"id\":") + number + ",\"title\":\"The title of item " + number +
+                "\",\"summary\":\"Some text that a person would read, of a usual length.\",\"on\":true}";
+    }
+    return body + "]}";
+}
+
+double median(std::vector<double> times)
+{
+    std::nth_element(times.begin(), times.begin() + qsizetype(times.size() / 2), times.end());
+    return times[times.size() / 2];
+}
+
+void print(const char *what, const std::vector<double> &times)
+{
+    std::printf("  %-44s %8.1f ms, %.1f ms at worst\n", what, median(times),
+                *std::max_element(times.begin(), times.end()));
+}
+
+/// The inspector over an empty window of a host, with one exchange.
+class Inspector
+{
+public:
+    Inspector()
+    {
+        m_window.resize(phone);
+        m_window.show();
+        QuorvixClient::shared().show();
+        QObject::connect(&m_window, &QQuickWindow::afterAnimating, [this] { m_frame.start(); });
+        QObject::connect(&m_window, &QQuickWindow::frameSwapped, [this] {
+            ++m_frames;
+            m_slowestFrame = std::max(m_slowestFrame, double(m_frame.nsecsElapsed()) / 1e6);
+        });
+    }
+
+    ~Inspector() { QuorvixClient::shared().hide(); }
+
+    void record(const QByteArray &body)
+    {
+        QXRequestRecorder::shared().clear();
+        const QUrl url(u"https://shop.test/v1/export"_s);
+        QXRequestRecorder::shared().record(u"id"_s, URLRequest{url});
+        QXRequestRecorder::shared().complete(u"id"_s, NSHTTPURLResponse::create(url, 200, u"HTTP/1.1"_s, {}),
+                                             body, {});
+    }
+
+    QQuickItem *item(const char *name) { return ScreenDriver::find(m_window, name); }
+    void click(const char *name) { ScreenDriver::click(m_window, name); }
+
+    void await(const char *name)
+    {
+        Contest::require(QTest::qWaitFor([&] { return item(name) != nullptr; }), name);
+    }
+
+    void awaitEnd(const char *name)
+    {
+        Contest::require(QTest::qWaitFor([&] { return item(name) == nullptr; }), name);
+    }
+
+    /// From the end of a click to the end of the first frame after @p isThere came true.
+    template<typename Condition>
+    double afterClick(const char *name, Qt::MouseButton button, const Condition &isThere)
+    {
+        Contest::require(ScreenDriver::waitForRest(m_window, name), name);
+        const QPoint at = ScreenDriver::middle(*item(name));
+        m_slowestFrame = 0;
+        QElapsedTimer timer;
+        timer.start();
+        QTest::mouseClick(&m_window, button, {}, at);
+        QDeadlineTimer limit(20'000);
+        while (!isThere() && !limit.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
+        for (const int seen = m_frames; m_frames == seen && !limit.hasExpired();)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
+        Contest::require(!limit.hasExpired(), name);
+        return double(timer.nsecsElapsed()) / 1e6;
+    }
+
+    [[nodiscard]] bool shows(const char *text, qreal rows)
+    {
+        const QQuickItem *const view = item(text);
+        return view && view->height() > 0 && view->property("contentHeight").toReal() > rows;
+    }
+
+    /// What each frame takes while a page is moved by a few lines a time.
+    std::vector<double> scroll(const char *page)
+    {
+        std::vector<double> frames;
+        for (int i = 0; i < scrolledFrames; ++i) {
+            QQuickItem *const flickable = item(page);
+            flickable->setProperty("contentY", flickable->property("contentY").toReal() + step);
+            m_slowestFrame = 0;
+            for (const int seen = m_frames; m_frames == seen;)
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
+            frames.push_back(m_slowestFrame);
+        }
+        return frames;
+    }
+
+    void rest() { QTest::qWait(500); }
+    [[nodiscard]] double slowestFrame() const { return m_slowestFrame; }
+
+private:
+    QQuickWindow m_window;
+    QElapsedTimer m_frame;
+    int m_frames = 0;
+    double m_slowestFrame = 0; // milliseconds
+};
+
+void measureBody(Inspector &inspector, const QByteArray &body)
+{
+    inspector.record(body);
+    inspector.click("QXFloatingButton");
+    inspector.await("QXRequestRow");
+    std::vector<double> screens;
+    std::vector<double> bodies;
+    std::vector<double> frames;
+    std::vector<double> peers;
+    for (int turn = 0; turn < turns; ++turn) {
+        inspector.rest();
+        screens.push_back(inspector.afterClick("QXRequestRow", Qt::LeftButton, [&] {
+            return inspector.item("QXRequestDetailsView") != nullptr;
+        }));
+        inspector.rest();
+        inspector.click("QXBackButton");
+        inspector.awaitEnd("QXRequestDetailsView");
+        inspector.rest();
+        bodies.push_back(inspector.afterClick("QXRequestRow", Qt::LeftButton,
+                                              [&] { return inspector.shows("QXTextView", 100'000); }));
+        frames.push_back(inspector.slowestFrame());
+        inspector.rest();
+        if (turn + 1 < turns) {
+            inspector.click("QXBackButton");
+            inspector.awaitEnd("QXRequestDetailsView");
+        }
+        peers.push_back(Contest::milliseconds([&] {
+            const QString text =
+                QString::fromUtf8(QJsonDocument::fromJson(body).toJson(QJsonDocument::Indented));
+            Contest::require(text.size() > bodySize, "Qt's JSON");
+        }));
+    }
+    print("click to the screen's first frame", screens);
+    print("click to the body's first frame", bodies);
+    print("slowest frame until then", frames);
+    print("QJsonDocument, laying the JSON out anew", peers);
+    std::printf("  ratio %.2f\n", median(bodies) / median(peers));
+    print("a frame while scrolling", inspector.scroll("QXRequestDetailsPage"));
+    inspector.click("QXBackButton");
+    inspector.awaitEnd("QXRequestDetailsView");
+}
+
+void measurePayload(Inspector &inspector, const QByteArray &body)
+{
+    inspector.record(body.toBase64());
+    inspector.click("QXRequestRow");
+    inspector.await("QXTextView");
+    inspector.rest();
+    const double menu = inspector.afterClick("QXTextView", Qt::RightButton,
+                                             [&] { return inspector.item("QXContextMenuCard") != nullptr; });
+    const double sheet = inspector.afterClick("QXDecodeValueItem", Qt::LeftButton, [&] {
+        return inspector.item("QXDecodedPayloadSheet") && inspector.shows("QXTextView", 100'000);
+    });
+    print("right click to the menu's first frame", {menu});
+    print("click to the decoded payload's first frame", {sheet});
+    inspector.rest();
+    print("a frame while the payload scrolls", inspector.scroll("QXDecodedPayloadPage"));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    QStandardPaths::setTestModeEnabled(true);
+    const QGuiApplication application(argc, argv);
+    QCoreApplication::setOrganizationName(u"QuorvixBenchmarks"_s);
+    QCoreApplication::setApplicationName(u"DetailsBenchmark"_s);
+    Inspector inspector;
+    const QByteArray body = jsonBody();
+    std::printf("A JSON body of %.0f MB, on a phone; %d turns\n", double(body.size()) / 1e6, turns);
+    measureBody(inspector, body);
+    std::printf("The same in Base64\n");
+    measurePayload(inspector, body);
+    return 0;
+}
