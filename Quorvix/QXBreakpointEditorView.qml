@@ -32,6 +32,7 @@ FocusScope {
         y: root.safeAreaTop
         width: parent.width - root.safeAreaLeft - root.safeAreaRight
         title: qsTranslate("Quorvix", "Breakpoint")
+        enabled: !presentations.isPresenting
 
         leading: QXTextButton {
             id: continueButton
@@ -56,6 +57,7 @@ FocusScope {
         anchors.bottomMargin: QXTheme.margin + Math.max(root.safeAreaBottom, keyboardHeight)
         x: bar.x + bar.columnMargin
         width: bar.width - 2 * bar.columnMargin
+        enabled: !presentations.isPresenting
 
         readonly property real keyboardHeight: InputMethod.visible ? InputMethod.keyboardRectangle.height : 0
 
@@ -143,6 +145,8 @@ FocusScope {
         }
 
         QXTextArea {
+            id: body
+
             objectName: "QXBodyArea"
             anchors.top: caption.bottom
             anchors.bottom: parent.bottom
@@ -151,6 +155,20 @@ FocusScope {
             KeyNavigation.tab: continueButton
             KeyNavigation.backtab: deleteButton
             Accessible.name: qsTranslate("Quorvix", "RESPONSE BODY")
+            onContextMenuRequested: position => menu.open(body, position.x, position.y)
         }
+    }
+
+    QXPresentationLayer {
+        id: presentations
+
+        anchors.fill: parent
+    }
+
+    QXEditMenu {
+        id: menu
+
+        presentationLayer: presentations
+        area: body
     }
 }

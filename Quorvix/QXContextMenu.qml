@@ -14,6 +14,7 @@ QXModal {
     readonly property real edge: QXTheme.spacing
 
     objectName: "QXContextMenu"
+    scrim: QXTheme.menuScrim
 
     Accessible.role: Accessible.PopupMenu
 

@@ -97,23 +97,15 @@ QXSheet {
         }
     }
 
-    QXContextMenu {
+    QXTextMenu {
         id: menu
 
-        property QXTextBlock block: null
-
         presentationLayer: root.presentationLayer
-
-        QXMenuItem {
-            objectName: "QXCopySectionItem"
-            text: qsTranslate("Quorvix", "Copy")
-            symbol: "doc.on.doc"
-            onTriggered: {
-                if (!menu.block.hasSelection)
-                    menu.block.selectAll();
-                menu.block.copySelection();
-            }
+        onCopyRequested: {
+            menu.block.selectAll();
+            menu.block.copySelection();
         }
+        onCopySelectionRequested: menu.block.copySelection()
 
         function openFor(block: QXTextBlock, position: point) {
             menu.block = block;

@@ -11,6 +11,7 @@ FocusScope {
     /// How far it has come in, from 0 to 1.
     property real progress: presented ? 1 : 0
     property bool dismissesOnOutsideTap: true
+    property color scrim: QXTheme.scrim
     default property alias content: holder.data
 
     property Item previousFocus: null
@@ -29,7 +30,7 @@ FocusScope {
 
     Rectangle {
         anchors.fill: parent
-        color: QXTheme.scrim
+        color: root.scrim
         opacity: root.progress
     }
 

@@ -73,38 +73,43 @@ FocusScope {
                 columnMargin: navigationBar.columnMargin
                 expanded: flag.length > 0 && root[flag]
                 onToggled: root[flag] = !root[flag]
-                onMenuRequested: (item, position, text) => menu.openFor(item, position, text)
+                onMenuRequested: (item, position, text) => valueMenu.openFor(item, position, text)
+                onBodyMenuRequested: (block, position) => bodyMenu.openFor(block, position, index)
             }
         }
     }
 
-    QXContextMenu {
-        id: menu
+    QXTextMenu {
+        id: valueMenu
 
         property string text
-        property bool canDecode: false
 
         presentationLayer: root.presentationLayer
-
-        QXMenuItem {
-            objectName: "QXCopyValueItem"
-            text: qsTranslate("Quorvix", "Copy")
-            symbol: "doc.on.doc"
-            onTriggered: root.viewModel.copyValue(menu.text)
-        }
-
-        QXMenuItem {
-            objectName: "QXDecodeValueItem"
-            visible: menu.canDecode
-            text: qsTranslate("Quorvix", "Decode Base64")
-            symbol: "doc.text"
-            onTriggered: root.viewModel.decodeValue(menu.text)
-        }
+        onCopyRequested: root.viewModel.copyValue(valueMenu.text)
+        onDecodeRequested: root.viewModel.decodeValue(valueMenu.text)
 
         function openFor(item: Item, position: point, text: string) {
-            menu.text = text;
-            menu.canDecode = root.viewModel.canDecodeValue(text);
-            menu.open(item, position.x, position.y);
+            valueMenu.text = text;
+            valueMenu.canDecode = root.viewModel.canDecodeValue(text);
+            valueMenu.open(item, position.x, position.y);
+        }
+    }
+
+    QXTextMenu {
+        id: bodyMenu
+
+        property int row
+
+        presentationLayer: root.presentationLayer
+        onCopyRequested: root.viewModel.copyValue(root.viewModel.bodyText(bodyMenu.row))
+        onCopySelectionRequested: root.viewModel.copyValue(bodyMenu.block.view.selectedText())
+        onDecodeRequested: root.viewModel.decodeValue(root.viewModel.bodyText(bodyMenu.row))
+
+        function openFor(block: QXTextBlock, position: point, row: int) {
+            bodyMenu.block = block;
+            bodyMenu.row = row;
+            bodyMenu.canDecode = root.viewModel.canDecodeBody(row);
+            bodyMenu.open(block, position.x, position.y);
         }
     }
 

@@ -70,7 +70,7 @@ QVariantList asVariants(const QList<QXRequestValue> &values)
 
 QXRequestDetailsViewModel::QXRequestDetailsViewModel(const QXRequestTrace &request, QObject *parent)
     : QAbstractListModel(parent), m_request(request), m_sections(requestSections(request)),
-      m_documents(m_sections.size()), m_alertTitle(localized("Export Failed"))
+      m_documents(m_sections.size()), m_decodable(m_sections.size()), m_alertTitle(localized("Export Failed"))
 {
     connect(&QXBreakpointStore::shared(), &QXBreakpointStore::rulesChanged, this,
             &QXRequestDetailsViewModel::breakpointEnabledChanged);
@@ -87,14 +87,35 @@ void QXRequestDetailsViewModel::makeReadable(std::size_t row)
     const QByteArray body = m_sections[row].body;
     if (body.size() <= largestBodyAtOnce)
         return setBody(row, QXBodyText::readable(body));
-    QThreadPool::globalInstance()->start([this, row, body, alive = std::weak_ptr(m_alive)] {
-        if (alive.expired())
-            return;
-        MainActor::schedule([this, row, alive, text = QXBodyText::readable(body)] {
-            if (!alive.expired())
-                setBody(row, text);
+    inBackground([body] { return QXBodyText::readable(body); },
+                 [this, row](const std::optional<QString> &text) {
+                     setBody(row, text);
+                     lookForEncoded(row);
+                 });
+}
+
+void QXRequestDetailsViewModel::lookForEncoded(std::size_t row)
+{
+    const bool isText = !m_documents[row]->isHexadecimal();
+    inBackground(
+        [body = m_sections[row].body, text = isText ? bodyText(int(row)) : QString()] {
+            return QXPayloadDecoder::hasEncodedCandidate(text.isNull() ? QXBodyText::text(body) : text);
+        },
+        [this, row](bool canDecode) { m_decodable[row] = canDecode; });
+}
+
+template<typename Work, typename Finish>
+void QXRequestDetailsViewModel::inBackground(Work work, Finish finish)
+{
+    QThreadPool::globalInstance()->start(
+        [alive = std::weak_ptr(m_alive), work = std::move(work), finish = std::move(finish)] {
+            if (alive.expired())
+                return;
+            MainActor::schedule([alive, finish, outcome = work()] {
+                if (!alive.expired())
+                    finish(outcome);
+            });
         });
-    });
 }
 
 void QXRequestDetailsViewModel::setBody(std::size_t row, const std::optional<QString> &text)
@@ -182,12 +203,30 @@ void QXRequestDetailsViewModel::decodeValue(const QString &text)
     Q_EMIT _decodedPayloadChanged();
 }
 
+QXTextDocument *QXRequestDetailsViewModel::document(int row) const
+{
+    return row >= 0 && row < rowCount() ? m_documents[std::size_t(row)] : nullptr;
+}
+
+QString QXRequestDetailsViewModel::bodyText(int row) const
+{
+    return document(row) ? document(row)->text() : QString();
+}
+
+bool QXRequestDetailsViewModel::canDecodeBody(int row) const
+{
+    if (!document(row))
+        return false;
+    const std::optional<bool> &known = m_decodable[std::size_t(row)];
+    return known ? *known : canDecodeValue(bodyText(row));
+}
+
 void QXRequestDetailsViewModel::openLogTree(int row)
 {
-    if (row < 0 || row >= rowCount() || !m_documents[std::size_t(row)])
+    if (!document(row))
         return;
     const QString path = m_request.url ? m_request.url->path() : localized("Unknown");
-    m_logTreeDestination = QXLogTreeDestination(path, m_documents[std::size_t(row)]->text());
+    m_logTreeDestination = QXLogTreeDestination(path, bodyText(row));
     Q_EMIT _logTreeDestinationChanged();
 }
 

@@ -80,6 +80,11 @@ public:
     /// Whether decodeValue() would find something. Takes time that grows with the text.
     Q_INVOKABLE bool canDecodeValue(const QString &text) const;
     Q_INVOKABLE void decodeValue(const QString &text);
+    /// The body of a section as it is shown; empty while it has no document.
+    [[nodiscard]] Q_INVOKABLE QString bodyText(int row) const;
+    /// Whether decodeValue() would find something in that text. Known before it is asked for when the body is
+    /// a large one that has been shown for a while.
+    [[nodiscard]] Q_INVOKABLE bool canDecodeBody(int row) const;
     /// Publishes the body of a section as the tree to be shown; nothing while it has no document.
     Q_INVOKABLE void openLogTree(int row);
     /// The tree of the destination that is published, to be owned by QML; null without one.
@@ -109,8 +114,15 @@ private:
     [[nodiscard]] QVariant logTreeDestinationValue() const;
     void setLogTreeDestinationValue(const QVariant &value);
 
+    /// What shows the body of a section: a child of the model, or null.
+    [[nodiscard]] QXTextDocument *document(int row) const;
     void makeReadable(std::size_t row);
     void setBody(std::size_t row, const std::optional<QString> &text);
+    void lookForEncoded(std::size_t row);
+    /// Does @p work on another thread, and then @p finish with what came of it here, unless the model has
+    /// gone.
+    template<typename Work, typename Finish>
+    void inBackground(Work work, Finish finish);
     void share(const QXShareItem &item);
     template<typename Artefact>
     void share(const Result<Artefact> &artefact);
@@ -120,6 +132,8 @@ private:
     std::vector<QXRequestSection> m_sections;
     /// For each section: what shows its body, a child of the model, or null.
     std::vector<QXTextDocument *> m_documents;
+    /// For each section: whether its body can be decoded, once that is known.
+    std::vector<std::optional<bool>> m_decodable;
     std::optional<QXShareItem> m_shareItem;
     QString m_alertTitle;
     std::optional<QString> m_alertMessage;

@@ -22,8 +22,10 @@ Column {
     readonly property real columnWidth: width - 2 * columnMargin
 
     signal toggled
-    /// A menu for a text, at a point of an item.
+    /// A menu for a value, at a point of an item.
     signal menuRequested(Item item, point position, string text)
+    /// A menu for the body of this section, at a point of the block that shows it.
+    signal bodyMenuRequested(QXTextBlock block, point position)
 
     objectName: "QXRequestSection"
     topPadding: isGroup ? 10 : 20
@@ -142,7 +144,7 @@ Column {
             width: root.columnWidth
             page: root.page
             document: root.document
-            onContextMenuRequested: position => root.menuRequested(block, position, root.document.text())
+            onContextMenuRequested: position => root.bodyMenuRequested(block, position)
             onActiveFocusChanged: {
                 if (activeFocus)
                     root.page.revealBeginning(block);

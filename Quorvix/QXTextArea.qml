@@ -12,7 +12,7 @@ FocusScope {
     readonly property alias editor: editor
     property real padding: 12
 
-    /// By a right click, press and hold, or the Menu key, in the area's coordinates.
+    /// By a right click, the Menu key, or a finger that is held, in the area's coordinates.
     signal contextMenuRequested(point position)
     signal textEdited
 
@@ -67,6 +67,11 @@ FocusScope {
         onContextMenuRequested: position => root.contextMenuRequested(editor.mapToItem(root, position))
         onRevealRequested: (top, bottom) => root.reveal(top, bottom)
         onTopRowMoved: distance => page.contentY += distance
+    }
+
+    QXTextHandles {
+        parent: page
+        view: editor
     }
 
     function reveal(top: real, bottom: real) {

@@ -20,7 +20,7 @@ Item {
     /// Where the block is in the page's viewport; brought up to date before each frame, whatever moved it.
     property point place
 
-    /// By a right click, press and hold, or the Menu key, in the block's coordinates.
+    /// By a right click, the Menu key, or a finger that is held, in the block's coordinates.
     signal contextMenuRequested(point position)
 
     implicitHeight: view.contentHeight + 2 * padding
@@ -88,6 +88,10 @@ Item {
             onContextMenuRequested: position => root.contextMenuRequested(view.mapToItem(root, position))
             onRevealRequested: (top, bottom) => root.reveal(top, bottom)
             onTopRowMoved: distance => root.page.contentY += distance
+        }
+
+        QXTextHandles {
+            view: view
         }
 
         QXFocusRing {

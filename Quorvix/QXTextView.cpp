@@ -5,6 +5,8 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QStyleHints>
 
+#include <utility>
+
 namespace {
 
 using Target = QXTextMove::Target;
@@ -33,6 +35,9 @@ QXTextView::QXTextView(QQuickItem *parent) : QXTextCanvas(parent)
 {
     setAcceptedMouseButtons(Qt::LeftButton | Qt::RightButton);
     setCursor(Qt::IBeamCursor);
+    for (const auto moved : {&QXTextCanvas::selectionChanged, &QXTextCanvas::scrollOffsetChanged,
+                             &QXTextCanvas::contentHeightChanged, &QXTextCanvas::fontChanged})
+        connect(this, moved, this, &QXTextView::edgesMoved);
 }
 
 QXTextView::~QXTextView() = default;
@@ -77,7 +82,8 @@ void QXTextView::mousePressEvent(QMouseEvent *event)
         m_holdTimer.start(QGuiApplication::styleHints()->mousePressAndHoldInterval(), this);
         return;
     }
-    (m_focusItem ? m_focusItem.data() : this)->forceActiveFocus(Qt::MouseFocusReason);
+    takeFocus();
+    setTouched(false);
     if (!document())
         return;
     setKeepMouseGrab(true); // or the page would be dragged instead
@@ -107,11 +113,15 @@ void QXTextView::mouseMoveEvent(QMouseEvent *event)
 {
     if (isFar(event->position(), m_pressed))
         m_holdTimer.stop();
-    if (!m_isSelecting)
-        return;
-    m_dragged = event->scenePosition();
-    extendTo(event->position());
-    if (event->position().y() >= 0 && event->position().y() < height())
+    if (m_isSelecting)
+        dragTo(event->position());
+}
+
+void QXTextView::dragTo(QPointF point)
+{
+    m_dragged = mapToScene(point);
+    extendTo(point);
+    if (point.y() >= 0 && point.y() < height())
         m_scrollTimer.stop();
     else if (!m_scrollTimer.isActive())
         m_scrollTimer.start(frame, this);
@@ -119,9 +129,13 @@ void QXTextView::mouseMoveEvent(QMouseEvent *event)
 
 void QXTextView::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (m_holdTimer.isActive())
-        tapped(event->position());
+    const bool isTap = m_holdTimer.isActive();
+    const bool wasHeld = m_isHeld;
     stopPointer();
+    if (isTap)
+        tapped(event->position());
+    else if (wasHeld)
+        Q_EMIT contextMenuRequested(event->position());
 }
 
 void QXTextView::mouseUngrabEvent()
@@ -132,6 +146,7 @@ void QXTextView::mouseUngrabEvent()
 void QXTextView::stopPointer()
 {
     m_isSelecting = false;
+    m_isHeld = false;
     m_holdTimer.stop();
     m_scrollTimer.stop();
     setKeepMouseGrab(false);
@@ -141,7 +156,7 @@ void QXTextView::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() == m_holdTimer.timerId()) {
         m_holdTimer.stop();
-        Q_EMIT contextMenuRequested(m_pressed);
+        holdAt(m_pressed);
     } else if (event->timerId() == m_scrollTimer.timerId()) {
         const QPointF point = mapFromScene(m_dragged);
         const qreal goal =
@@ -171,8 +186,71 @@ void QXTextView::extendTo(QPointF point)
 
 void QXTextView::tapped(QPointF point)
 {
-    if (document())
-        select(positionAt(point), QXTextSelection::Unit::Character);
+    if (!document())
+        return;
+    const qsizetype position = positionAt(point);
+    if (needsHandles() && position >= selection().start() && position <= selection().end())
+        Q_EMIT contextMenuRequested(point);
+    else
+        select(position, QXTextSelection::Unit::Character);
+}
+
+void QXTextView::holdAt(QPointF point)
+{
+    if (!document())
+        return;
+    takeFocus();
+    setKeepMouseGrab(true);
+    m_isHeld = true;
+    const qsizetype position = positionAt(point);
+    if (position >= selection().start() && position < selection().end())
+        return; // what is selected is what the menu is wanted for
+    m_isSelecting = true;
+    setTouched(true);
+    select(position, QXTextSelection::Unit::Word);
+}
+
+void QXTextView::takeFocus()
+{
+    (m_focusItem ? m_focusItem.data() : this)->forceActiveFocus(Qt::MouseFocusReason);
+}
+
+void QXTextView::setTouched(bool touched)
+{
+    if (std::exchange(m_isTouched, touched) != touched)
+        Q_EMIT edgesMoved();
+}
+
+QRectF QXTextView::startEdge() const
+{
+    return caretAt(selection().start()).translated(0, -scrollOffset());
+}
+
+QRectF QXTextView::endEdge() const
+{
+    // After the last character selected rather than before the next one, which may be on another row.
+    const bool hasLast = hasSelection();
+    return caretAt(selection().end() - hasLast, hasLast).translated(0, -scrollOffset());
+}
+
+void QXTextView::holdEdge(bool isStart)
+{
+    QXTextSelection held;
+    held.set(isStart ? selection().end() : selection().start(),
+             isStart ? selection().start() : selection().end());
+    setSelection(held);
+}
+
+void QXTextView::moveEdge(QPointF point)
+{
+    // With nothing selected there would be no handle left to hold.
+    if (positionAt(point) != selection().anchor())
+        dragTo(point);
+}
+
+void QXTextView::releaseEdge()
+{
+    stopPointer();
 }
 
 bool QXTextView::wantsKey(const QKeyEvent &event) const

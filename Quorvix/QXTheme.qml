@@ -26,6 +26,10 @@ QtObject {
     readonly property color fill: isDark ? "#3d767680" : "#1f767680"
     readonly property color pressedFill: isDark ? "#5c767680" : "#33767680"
     readonly property color scrim: isDark ? "#80000000" : "#66000000"
+    /// Behind a menu, which belongs to something that has to be seen beside it.
+    readonly property color menuScrim: isDark ? "#40000000" : "#1f000000"
+    /// What a switch that is off runs in: a white knob has to stand out on it.
+    readonly property color switchTrack: isDark ? "#5a5a5f" : "#949499"
     /// The button's material where what lies beneath cannot be blurred.
     readonly property color material: isDark ? "#323236" : "#f8f8fb"
     readonly property color materialEdge: "#59ffffff"

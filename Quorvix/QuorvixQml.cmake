@@ -13,6 +13,7 @@ set(QUORVIX_QML_FILES
     QXDecodedPayloadView.qml
     QXDeleteButton.qml
     QXDisclosureGroup.qml
+    QXEditMenu.qml
     QXFloatingButton.qml
     QXFocusRing.qml
     QXFrostedBackdrop.qml
@@ -50,6 +51,8 @@ set(QUORVIX_QML_FILES
     QXTextBlock.qml
     QXTextButton.qml
     QXTextField.qml
+    QXTextHandles.qml
+    QXTextMenu.qml
     QXTheme.qml
     QXToolButton.qml
     QXValueRow.qml)
