@@ -4,8 +4,10 @@
 #include "Examples/DetailsStage.h"
 #include "Examples/FarewellStage.h"
 #include "Examples/InspectorStage.h"
+#include "Examples/LargeTextStage.h"
 #include "Examples/NightStage.h"
 #include "Examples/StoreStage.h"
+#include "Examples/TabletStage.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QTextStream>
@@ -34,11 +36,13 @@ int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
     BreakpointStage breakpoint(robot, outputFolder);
     FarewellStage farewell(robot, outputFolder);
     NightStage night(robot, outputFolder);
+    TabletStage tablet(robot, outputFolder);
+    LargeTextStage largeText(robot, outputFolder);
 
     int number = 0;
     int failures = 0;
     for (const auto &step : store.steps() + inspector.steps() + details.steps() + breakpoint.steps() +
-                                farewell.steps() + night.steps()) {
+                                farewell.steps() + night.steps() + tablet.steps() + largeText.steps()) {
         const QString picture = pictureName(++number, step.name);
         const bool succeeded = step.take();
         const QString complaint = succeeded ? QString() : robot.complaint();

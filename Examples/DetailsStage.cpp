@@ -53,36 +53,6 @@ QList<TourStage::Step> DetailsStage::steps()
     };
 }
 
-bool DetailsStage::open(const char *search)
-{
-    return (robot().text(name("QXSearchField")).isEmpty() || robot().click(name("QXSearchClearButton"))) &&
-           robot().type(name("QXSearchField"), name(search)) &&
-           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) == 1; },
-                             QStringLiteral("not one row for ") + name(search)) &&
-           robot().click(name("QXRequestRow")) && robot().waitFor(name("QXValueRow:URL"));
-}
-
-bool DetailsStage::close()
-{
-    return robot().click(name("QXBackButton")) && robot().waitUntilGone(name("QXRequestDetailsView"));
-}
-
-bool DetailsStage::openTree()
-{
-    return robot().waitUntil(
-               [this] {
-                   const QQuickItem *const button = robot().find(name("QXLogTreeButton"));
-                   return button && button->isEnabled();
-               },
-               QStringLiteral("the body is not ready"), largeBodyLimit) &&
-           robot().click(name("QXLogTreeButton")) && robot().waitFor(name("QXLogTreeRow"), largeBodyLimit);
-}
-
-bool DetailsStage::closeTree()
-{
-    return robot().click(name("QXBackButton")) && robot().waitUntilGone(name("QXLogTreeView"));
-}
-
 bool DetailsStage::share(const char *action)
 {
     return (robot().find(name(action)) || robot().click(name("QXShareButton"))) &&
@@ -96,7 +66,7 @@ bool DetailsStage::closeShareSheet()
 
 bool DetailsStage::profileOpens()
 {
-    return open("profile");
+    return openExchange("profile");
 }
 
 bool DetailsStage::headerHasMenu()
@@ -148,7 +118,7 @@ bool DetailsStage::treeIsShared()
 
 bool DetailsStage::largeBodyOpens()
 {
-    return closeShareSheet() && closeTree() && close() && open("export") &&
+    return closeShareSheet() && closeTree() && closeExchange() && openExchange("export") &&
            robot().waitFor(name("QXBodyBlock"), largeBodyLimit) &&
            robot().scroll(name("QXRequestDetailsPage"), 700);
 }
@@ -167,18 +137,18 @@ bool DetailsStage::largeTreeOpens()
 
 bool DetailsStage::binaryBodyOpens()
 {
-    return closeTree() && close() && open("binary") && robot().waitFor(name("QXBodyBlock")) &&
-           robot().scroll(name("QXRequestDetailsPage"), 900);
+    return closeTree() && closeExchange() && openExchange("binary") &&
+           robot().show(name("QXLogTreeButton")) && robot().scroll(name("QXRequestDetailsPage"), 900);
 }
 
 bool DetailsStage::failureOpens()
 {
-    return close() && open("drop-midway") && robot().waitFor(name("QXValueRow:Domain"));
+    return closeExchange() && openExchange("drop-midway") && robot().show(name("QXValueRow:Code"));
 }
 
 bool DetailsStage::detailsClose()
 {
-    return close() && robot().click(name("QXSearchClearButton")) &&
+    return closeExchange() && robot().click(name("QXSearchClearButton")) &&
            robot().waitUntil([this] { return robot().count(name("QXRequestRow")) >= 5; },
                              QStringLiteral("the list did not come back"));
 }

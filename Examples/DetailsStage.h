@@ -12,11 +12,6 @@ public:
     [[nodiscard]] QList<Step> steps() override;
 
 private:
-    /// Opens the exchange that alone is found by @p search.
-    bool open(const char *search);
-    bool close();
-    bool openTree();
-    bool closeTree();
     /// Chooses an action of the share menu and waits for the share sheet.
     bool share(const char *action);
     bool closeShareSheet();

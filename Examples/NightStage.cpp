@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr QSize tablet(1024, 768);
-
 QPalette nightPalette()
 {
     QPalette palette(QColor(0x2c, 0x2c, 0x2e), QColor(0x1c, 0x1c, 0x1e));
@@ -26,10 +24,10 @@ QList<TourStage::Step> NightStage::steps()
         {"night-profile", std::bind_front(&NightStage::profileByNight, this)},
         {"night-inspector", std::bind_front(&NightStage::inspectorByNight, this)},
         {"night-details", std::bind_front(&NightStage::detailsByNight, this)},
-        {"wide-catalogue", std::bind_front(&NightStage::wideCatalogue, this)},
-        {"wide-product", std::bind_front(&NightStage::wideProduct, this)},
-        {"wide-inspector", std::bind_front(&NightStage::wideInspector, this)},
-        {"wide-day-inspector", std::bind_front(&NightStage::wideByDay, this)},
+        {"night-menu", std::bind_front(&NightStage::menuByNight, this)},
+        {"night-share-menu", std::bind_front(&NightStage::shareMenuByNight, this)},
+        {"night-body", std::bind_front(&NightStage::bodyByNight, this)},
+        {"night-tree", std::bind_front(&NightStage::treeByNight, this)},
     };
 }
 
@@ -60,30 +58,28 @@ bool NightStage::inspectorByNight()
 
 bool NightStage::detailsByNight()
 {
-    return robot().click(name("QXRequestRow")) && robot().waitFor(name("QXRequestDetailsView"));
+    return openExchange("tide-mug") && robot().click(name("QXBreakpointSwitch"));
 }
 
-bool NightStage::wideCatalogue()
+bool NightStage::menuByNight()
 {
-    return robot().click(name("QXBackButton")) && robot().waitUntilGone(name("QXRequestDetailsView")) &&
-           robot().click(name("QXCloseButton")) && robot().waitUntilGone(name("QXRequestListView")) &&
-           robot().resize(tablet) && robot().click(name("shopTab")) &&
-           robot().click(name("productBackButton")) && robot().waitFor(name("productCard-fjord-vase"));
+    return robot().click(name("QXBreakpointSwitch")) && robot().rightClick(name("QXValueRow:Method")) &&
+           robot().waitFor(name("QXCopyValueItem"));
 }
 
-bool NightStage::wideProduct()
+bool NightStage::shareMenuByNight()
 {
-    return robot().click(name("productCard-alder-chair")) && robot().waitFor(name("addToCartButton"));
+    return robot().press(Qt::Key_Escape) && robot().waitUntilGone(name("QXContextMenuCard")) &&
+           robot().click(name("QXShareButton")) && robot().waitFor(name("QXShareRawDetails"));
 }
 
-bool NightStage::wideInspector()
+bool NightStage::bodyByNight()
 {
-    return robot().click(name("QXFloatingButton")) && robot().waitFor(name("QXRequestListView")) &&
-           robot().waitFor(name("QXRequestRow"));
+    return robot().press(Qt::Key_Escape) && robot().waitUntilGone(name("QXShareRawDetails")) &&
+           robot().show(name("QXLogTreeButton")) && robot().scroll(name("QXRequestDetailsPage"), 1200);
 }
 
-bool NightStage::wideByDay()
+bool NightStage::treeByNight()
 {
-    QGuiApplication::setPalette(QPalette());
-    return robot().waitFor(name("QXRequestListView"));
+    return openTree() && robot().click(name("QXLogTreeRow"));
 }

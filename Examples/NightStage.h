@@ -2,7 +2,7 @@
 
 #include "Examples/TourStage.h"
 
-/// The same screens in the dark, and on a tablet.
+/// The same screens in the dark.
 class NightStage final : public TourStage
 {
 public:
@@ -16,8 +16,8 @@ private:
     bool profileByNight();
     bool inspectorByNight();
     bool detailsByNight();
-    bool wideCatalogue();
-    bool wideProduct();
-    bool wideInspector();
-    bool wideByDay();
+    bool menuByNight();
+    bool shareMenuByNight();
+    bool bodyByNight();
+    bool treeByNight();
 };

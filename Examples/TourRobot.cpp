@@ -58,16 +58,6 @@ QQuickItem *scroller(const QQuickItem *item)
     return nullptr;
 }
 
-/// How far the middle of an item lies below what its scroller shows, or above it when negative.
-double distanceFromView(const QQuickItem *item)
-{
-    const QQuickItem *const around = item ? scroller(item) : nullptr;
-    if (!around)
-        return 0;
-    const double y = item->mapToItem(around, QPointF(0, item->height() / 2)).y();
-    return y < 0 ? y - item->height() : std::max(0.0, y + item->height() / 2 - around->height());
-}
-
 /// Whether an item takes clicks: it is enabled, and no stack of pages is changing pages around it.
 bool isReady(const QQuickItem *item)
 {
@@ -126,6 +116,11 @@ bool TourRobot::click(const QString &name)
     return clickWith(Qt::LeftButton, name);
 }
 
+bool TourRobot::show(const QString &name)
+{
+    return waitFor(name) && bringIntoView(name) && waitUntilStill(name);
+}
+
 bool TourRobot::rightClick(const QString &name)
 {
     return clickWith(Qt::RightButton, name);
@@ -135,7 +130,7 @@ bool TourRobot::clickWith(Qt::MouseButton button, const QString &name)
 {
     // What was scrolled may glide on for a while.
     do {
-        if (!waitFor(name) || !bringIntoView(name) || !waitUntilStill(name))
+        if (!show(name))
             return false;
     } while (distanceFromView(find(name)) != 0);
     QTest::mouseClick(&m_window, button, {}, middle(*find(name)));
@@ -229,6 +224,23 @@ bool TourRobot::complain(const QString &complaint)
 {
     m_complaint = complaint;
     return false;
+}
+
+double TourRobot::distanceFromView(const QQuickItem *item) const
+{
+    const QQuickItem *const around = item ? scroller(item) : nullptr;
+    if (!around)
+        return 0;
+    const double y = item->mapToItem(around, QPointF(0, item->height() / 2)).y();
+    if (y < 0)
+        return y - item->height();
+    if (const double below = y + item->height() / 2 - around->height(); below > 0)
+        return below;
+    // A person would not press through the floating button either.
+    const QQuickItem *const button = find(QStringLiteral("QXFloatingButton"));
+    if (!button || !button->contains(button->mapFromScene(middle(*item))))
+        return 0;
+    return around->property("atYEnd").toBool() ? -button->height() : button->height();
 }
 
 bool TourRobot::bringIntoView(const QString &name)

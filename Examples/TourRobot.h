@@ -35,6 +35,8 @@ public:
 
     /// Presses and releases the middle of an item, after scrolling to it where it is out of sight.
     bool click(const QString &name);
+    /// Scrolls to an item that is out of sight.
+    bool show(const QString &name);
     /// Opens the menu of an item, as a mouse does.
     bool rightClick(const QString &name);
     bool press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
@@ -62,6 +64,8 @@ public:
 private:
     bool complain(const QString &complaint);
     bool clickWith(Qt::MouseButton button, const QString &name);
+    /// How far an item lies below where its scroller shows it freely, or above when negative.
+    [[nodiscard]] double distanceFromView(const QQuickItem *item) const;
     bool bringIntoView(const QString &name);
     /// What moves, or is disabled while it does, cannot be clicked reliably.
     bool waitUntilStill(const QString &name);

@@ -2,6 +2,17 @@
 
 #include "Quorvix/QXRequestRecorder.h"
 
+#include <QtQuick/QQuickItem>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// For what is made of 10 MB on a busy machine.
+constexpr auto largeBodyLimit = 20s;
+
+} // namespace
+
 TourStage::TourStage(TourRobot &robot, const QString &outputFolder)
     : m_robot(robot), m_outputFolder(outputFolder), m_started(QDateTime::currentDateTime())
 {
@@ -26,6 +37,36 @@ bool TourStage::captured(const QString &path, int status)
 qsizetype TourStage::capturedCount()
 {
     return QXRequestRecorder::shared().requests().size();
+}
+
+bool TourStage::openExchange(const char *search)
+{
+    return (robot().text(name("QXSearchField")).isEmpty() || robot().click(name("QXSearchClearButton"))) &&
+           robot().type(name("QXSearchField"), name(search)) &&
+           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) == 1; },
+                             QStringLiteral("not one row for ") + name(search)) &&
+           robot().click(name("QXRequestRow")) && robot().waitFor(name("QXValueRow:URL"));
+}
+
+bool TourStage::closeExchange()
+{
+    return robot().click(name("QXBackButton")) && robot().waitUntilGone(name("QXRequestDetailsView"));
+}
+
+bool TourStage::openTree()
+{
+    return robot().waitUntil(
+               [this] {
+                   const QQuickItem *const button = robot().find(name("QXLogTreeButton"));
+                   return button && button->isEnabled();
+               },
+               QStringLiteral("the body is not ready"), largeBodyLimit) &&
+           robot().click(name("QXLogTreeButton")) && robot().waitFor(name("QXLogTreeRow"), largeBodyLimit);
+}
+
+bool TourStage::closeTree()
+{
+    return robot().click(name("QXBackButton")) && robot().waitUntilGone(name("QXLogTreeView"));
 }
 
 QString TourStage::outputFile(const QString &fileName) const

@@ -35,6 +35,13 @@ protected:
     [[nodiscard]] static bool captured(const QString &path, int status);
     [[nodiscard]] static qsizetype capturedCount();
 
+    /// Opens the exchange that alone is found by @p search, from the list.
+    bool openExchange(const char *search);
+    bool closeExchange();
+    /// Opens the tree of the body that is on show, once it is ready.
+    bool openTree();
+    bool closeTree();
+
     [[nodiscard]] TourRobot &robot() const noexcept { return m_robot; }
     [[nodiscard]] QString outputFile(const QString &fileName) const;
     /// When the tour began.

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Examples/TourStage.h"
+
+#include <QtGui/QFont>
+
+/// The same screens with text of twice the size, and then with the sides exchanged as in Arabic. Begins in a
+/// tree.
+class LargeTextStage final : public TourStage
+{
+public:
+    LargeTextStage(TourRobot &robot, const QString &outputFolder);
+
+    [[nodiscard]] QList<Step> steps() override;
+
+private:
+    bool tree();
+    bool details();
+    bool menu();
+    bool shareMenu();
+    bool alert();
+    bool inspector();
+    bool breakpoints();
+    bool heldResponse();
+    bool mirroredHeldResponse();
+    bool mirroredInspector();
+    bool mirroredDetails();
+    bool mirroredMenu();
+    bool mirroredTree();
+
+    QFont m_usual;
+};

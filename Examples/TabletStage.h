@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Examples/TourStage.h"
+
+/// The same screens on a tablet, by night and then by day. Begins in a tree.
+class TabletStage final : public TourStage
+{
+public:
+    using TourStage::TourStage;
+
+    [[nodiscard]] QList<Step> steps() override;
+
+private:
+    bool tree();
+    bool details();
+    bool inspector();
+    bool catalogue();
+    bool heldResponse();
+    bool product();
+    bool inspectorByDay();
+    bool detailsByDay();
+    bool shareMenuByDay();
+    bool treeByDay();
+};
