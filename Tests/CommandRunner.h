@@ -47,7 +47,19 @@ class CommandRunner final
 public:
     CommandRunner()
     {
-        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] { accept(); });
+        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
+            QTcpSocket *socket = m_server.nextPendingConnection();
+            QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            QObject::connect(
+                socket, &QTcpSocket::readyRead, socket, [this, socket, bytes = QByteArray()]() mutable {
+                    bytes += socket->readAll();
+                    if (const auto arrival = readArrival(bytes)) {
+                        m_arrivals += *arrival;
+                        socket->write("HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
+                        socket->disconnectFromHost();
+                    }
+                });
+        });
     }
 
     [[nodiscard]] bool start() { return m_home.isValid() && m_server.listen(QHostAddress::LocalHost); }
@@ -62,12 +74,9 @@ public:
         m_arrivals.clear();
         QProcess process;
         // No settings of the person who runs the tests, and no proxy.
-        QProcessEnvironment environment;
-        environment.insert(QStringLiteral("PATH"), qEnvironmentVariable("PATH"));
-        environment.insert(QStringLiteral("HOME"), m_home.path());
-        environment.insert(QStringLiteral("CURL_HOME"), m_home.path());
-        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-        process.setProcessEnvironment(environment);
+        process.setEnvironment(
+            {QStringLiteral("PATH=") + qEnvironmentVariable("PATH"), QStringLiteral("HOME=") + m_home.path(),
+             QStringLiteral("CURL_HOME=") + m_home.path(), QStringLiteral("LC_ALL=C.UTF-8")});
         process.setWorkingDirectory(m_home.path());
         process.start(shell, QStringList());
         process.write(command.toUtf8() + '\n');
@@ -86,21 +95,6 @@ public:
     [[nodiscard]] QDir home() const { return QDir(m_home.path()); }
 
 private:
-    void accept()
-    {
-        QTcpSocket *socket = m_server.nextPendingConnection();
-        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        QObject::connect(
-            socket, &QTcpSocket::readyRead, socket, [this, socket, bytes = QByteArray()]() mutable {
-                bytes += socket->readAll();
-                if (const auto arrival = readArrival(bytes)) {
-                    m_arrivals += *arrival;
-                    socket->write("HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
-                    socket->disconnectFromHost();
-                }
-            });
-    }
-
     QTcpServer m_server;
     QTemporaryDir m_home;
     QList<Arrival> m_arrivals;

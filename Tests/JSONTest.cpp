@@ -13,9 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr char16_t highSurrogate = 0xD83D;
-constexpr char16_t lowSurrogate = 0xDE00;
-
 /// A device that takes so many bytes, like a full disk even a part of a block, and then fails.
 class FullDevice final : public QIODevice
 {
@@ -26,20 +23,18 @@ protected:
     qint64 readData(char *, qint64) override { return -1; }
     qint64 writeData(const char *, qint64 size) override
     {
-        if (m_left == 0) {
-            setErrorString(u"full"_s);
-            return -1;
-        }
         const qint64 taken = std::min(size, m_left);
         m_left -= taken;
-        return taken;
+        setErrorString(u"full"_s);
+        return taken > 0 ? taken : -1;
     }
 
 private:
     qint64 m_left;
 };
 
-QByteArray rewritten(const QByteArray &json, JSONWriter::KeyOrder order, JSONWriter::Format format)
+QByteArray rewritten(const QByteArray &json, JSONWriter::KeyOrder order,
+                     JSONWriter::Format format = JSONWriter::Format::Compact)
 {
     const auto document = JSONReader::parse(json);
     if (!document)
@@ -57,19 +52,15 @@ class JSONTest : public QObject
 
 private Q_SLOTS:
     void writesPrettyText();
-    void escapesText_data();
     void escapesText();
     void escapesAtEveryPlaceInABlock();
     void readsBackLongText();
     void encodesBase64();
-    void writesNumbers_data();
     void writesNumbers();
     void streamsToADevice();
-    void reportsADeviceThatIsFull_data();
     void reportsADeviceThatIsFull();
     void refusesText_data();
     void refusesText();
-    void acceptsText_data();
     void acceptsText();
     void readsValues();
     void ordersMembers();
@@ -78,7 +69,7 @@ private Q_SLOTS:
 void JSONTest::writesPrettyText()
 {
     const QByteArray json = R"({"b":[],"a":{"x":{},"list":[1,[true,null],"a/b"]}})";
-    QCOMPARE(rewritten(json, JSONWriter::KeyOrder::Document, JSONWriter::Format::Compact), json);
+    QCOMPARE(rewritten(json, JSONWriter::KeyOrder::Document), json);
     QCOMPARE(rewritten(json, JSONWriter::KeyOrder::Sorted, JSONWriter::Format::Pretty),
              R"({
   "a" : {
@@ -96,38 +87,18 @@ void JSONTest::writesPrettyText()
 })");
 }
 
-void JSONTest::escapesText_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QByteArray>("json");
-
-    QTest::newRow("empty") << QString() << R"("")"_ba;
-    QTest::newRow("quote and backslash") << uR"(a"b\c)"_s << R"("a\"b\\c")"_ba;
-    QTest::newRow("short escapes") << u"\b\f\n\r\t"_s << R"("\b\f\n\r\t")"_ba;
-    QTest::newRow("other control characters") << u"\u0000\u000b\u001f"_s << R"("\u0000\u000b\u001f")"_ba;
-    QTest::newRow("delete is plain") << u"\u007f"_s << "\"\x7f\""_ba;
-    QTest::newRow("two, three and four bytes")
-        << u"\u00e9\u07ff\u0800\uffff\U0001F600"_s << u"\"\u00e9\u07ff\u0800\uffff\U0001F600\""_s.toUtf8();
-    QTest::newRow("lone high surrogate") << u"a"_s + QChar(highSurrogate) << "\"a\xEF\xBF\xBD\""_ba;
-    QTest::newRow("lone low surrogate") << QString(QChar(lowSurrogate)) + u"a"_s
-                                        << "\"\xEF\xBF\xBD"
-                                           "a\""_ba;
-}
-
 void JSONTest::escapesText()
 {
-    QFETCH(const QString, text);
-    QFETCH(const QByteArray, json);
-
-    JSONWriter fromUtf16;
-    fromUtf16.string(text);
-    QCOMPARE(fromUtf16.takeBuffer(), json);
-
-    if (!text.isValidUtf16())
-        return;
-    JSONWriter fromUtf8;
-    fromUtf8.utf8(text.toUtf8());
-    QCOMPARE(fromUtf8.takeBuffer(), json);
+    const QString text = u"\"\\ \b\f\n\r\t \u0000\u000b\u001f \u00e9\u07ff\u0800\uffff\U0001F600"_s;
+    const QByteArray json =
+        uR"("\"\\ \b\f\n\r\t \u0000\u000b\u001f )"_s.toUtf8() + "\u00e9\u07ff\u0800\uffff\U0001F600\"";
+    JSONWriter writer(JSONWriter::Format::Compact);
+    writer.beginArray();
+    writer.string(text);
+    writer.utf8(text.toUtf8());
+    writer.string(u"a"_s + QChar(0xD83D) + u"b"_s + QChar(0xDE00));
+    writer.endArray();
+    QCOMPARE(writer.takeBuffer(), '[' + json + ',' + json + ",\"a\ufffdb\ufffd\"]");
 }
 
 void JSONTest::escapesAtEveryPlaceInABlock()
@@ -173,29 +144,22 @@ void JSONTest::encodesBase64()
     }
 }
 
-void JSONTest::writesNumbers_data()
-{
-    QTest::addColumn<double>("number");
-    QTest::addColumn<QByteArray>("json");
-
-    QTest::newRow("no fraction") << 250.0 << "250"_ba;
-    QTest::newRow("shortest form") << 0.1 << "0.1"_ba;
-    QTest::newRow("needs all its digits") << 0.1 + 0.2 << "0.30000000000000004"_ba;
-    QTest::newRow("no exponent without need") << 1500000.0 << "1500000"_ba;
-    QTest::newRow("large") << 1e22 << "1e+22"_ba;
-    QTest::newRow("negative nought") << -0.0 << "-0.0"_ba;
-    QTest::newRow("small") << -1.5e-7 << "-1.5e-07"_ba;
-    QTest::newRow("longest form") << -2.2250738585072014e-308 << "-2.2250738585072014e-308"_ba;
-    QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << "0"_ba;
-    QTest::newRow("infinite") << -std::numeric_limits<double>::infinity() << "0"_ba;
-}
-
 void JSONTest::writesNumbers()
 {
-    QFETCH(const double, number);
-    JSONWriter writer;
-    writer.number(number);
-    QTEST(writer.takeBuffer(), "json");
+    const auto written = [](double number) {
+        JSONWriter writer;
+        writer.number(number);
+        return writer.takeBuffer();
+    };
+    QCOMPARE(written(0.1 + 0.2), "0.30000000000000004");
+    QCOMPARE(written(1e20), "100000000000000000000");
+    QCOMPARE(written(1e21), "1e+21");
+    QCOMPARE(written(-1.5e-6), "-0.0000015");
+    QCOMPARE(written(-1.5e-7), "-1.5e-07");
+    QCOMPARE(written(-0.0), "-0.0");
+    QCOMPARE(written(-2.2250738585072014e-308), "-2.2250738585072014e-308");
+    QCOMPARE(written(std::numeric_limits<double>::quiet_NaN()), "0");
+    QCOMPARE(written(-std::numeric_limits<double>::infinity()), "0");
 }
 
 void JSONTest::streamsToADevice()
@@ -218,21 +182,14 @@ void JSONTest::streamsToADevice()
     QVERIFY(device.data() == buffered.takeBuffer());
 }
 
-void JSONTest::reportsADeviceThatIsFull_data()
-{
-    QTest::addColumn<qint64>("capacity");
-    QTest::newRow("at the first block") << qint64(0);
-    QTest::newRow("in the middle") << qint64(3'000'000);
-    QTest::newRow("at the end") << qint64(5'000'001);
-}
-
 void JSONTest::reportsADeviceThatIsFull()
 {
-    QFETCH(const qint64, capacity);
-    FullDevice device(capacity);
-    JSONWriter writer(device);
-    writer.utf8(QByteArray(5'000'000, 'x'));
-    QCOMPARE(writer.finish(), (NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, u"full"_s}));
+    for (const qint64 capacity : {0, 3'000'000, 5'000'001}) {
+        FullDevice device(capacity);
+        JSONWriter writer(device);
+        writer.utf8(QByteArray(5'000'000, 'x'));
+        QCOMPARE(writer.finish(), (NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, u"full"_s}));
+    }
 }
 
 void JSONTest::refusesText_data()
@@ -240,27 +197,18 @@ void JSONTest::refusesText_data()
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<QString>("sentence");
 
-    const QString invalid = u"The text is not valid JSON."_s;
-    const QString number = u"The JSON text holds a malformed number."_s;
     const QString string = u"The JSON text holds a malformed string."_s;
     const int tooDeep = JSONReader::maximumDepth + 1;
     QTest::newRow("nothing at all") << QByteArray() << u"The text is empty."_s;
-    QTest::newRow("empty") << ""_ba << u"The text is empty."_s;
     QTest::newRow("blank") << " \n"_ba << u"The text is empty."_s;
-    QTest::newRow("open object") << R"({"a":1)"_ba << invalid;
-    QTest::newRow("trailing comma") << "[1,]"_ba << invalid;
-    QTest::newRow("two values") << "1 2"_ba << invalid;
+    QTest::newRow("two values") << "1 2"_ba << u"The text is not valid JSON."_s;
     QTest::newRow("not UTF-8") << "[\"\xff\"]"_ba << u"The text is not valid UTF-8."_s;
     QTest::newRow("open string") << "[\"a"_ba << string;
     QTest::newRow("raw control character") << "[\"\x01\"]"_ba << string;
-    QTest::newRow("deeper than the stack would bear")
-        << "["_ba.repeated(1'000'000) + "]"_ba.repeated(1'000'000)
-        << u"The JSON text is nested too deeply."_s;
+    QTest::newRow("escape of nothing") << R"(["\a"])"_ba << string;
     QTest::newRow("just too deep") << "["_ba.repeated(tooDeep) + "]"_ba.repeated(tooDeep)
                                    << u"The JSON text is nested too deeply."_s;
-    QTest::newRow("leading zero") << "[01]"_ba << number;
-    QTest::newRow("long integer with a leading zero") << "[0123456789012345678901]"_ba << number;
-    QTest::newRow("wide number with a second point") << "[1e400.5]"_ba << number;
+    QTest::newRow("leading zero") << "[01]"_ba << u"The JSON text holds a malformed number."_s;
 }
 
 void JSONTest::refusesText()
@@ -273,40 +221,15 @@ void JSONTest::refusesText()
     QTEST(document.error().localizedDescription, "sentence");
 }
 
-void JSONTest::acceptsText_data()
-{
-    QTest::addColumn<QByteArray>("json");
-    QTest::addColumn<QByteArray>("compact");
-    const int deepest = JSONReader::maximumDepth - 1;
-    const QByteArray nested = "["_ba.repeated(deepest) + "]"_ba.repeated(deepest);
-
-    QTest::newRow("scalar") << " \"a\" "_ba
-                            << R"("a")"_ba;
-    QTest::newRow("byte order mark") << "\xEF\xBB\xBF{}"_ba
-                                     << "{}"_ba;
-    QTest::newRow("deep") << nested << nested;
-    QTest::newRow("limits of 64 bits") << "[-9223372036854775808,18446744073709551615]"_ba
-                                       << "[-9223372036854775808,18446744073709551615]"_ba;
-    QTest::newRow("integers beyond 64 bits")
-        << R"([18446744073709551616,-9223372036854775809, "18446744073709551616\"", 7])"_ba
-        << R"([18446744073709551616,-9223372036854775809,"18446744073709551616\"",7])"_ba;
-    QTest::newRow("integer beyond 64 bits alone") << "123456789012345678901234"_ba
-                                                  << "123456789012345678901234"_ba;
-    const QByteArray wide =
-        R"({"a":[0.5,-1e400,{"b":"1e400"}],"c":12345678901234567890123,"d":[1,2E+999,true]})";
-    QTest::newRow("beyond the doubles, among others") << wide << wide;
-    QTest::newRow("boolean, null and number stay apart") << "[true,1,null,0,false]"_ba
-                                                         << "[true,1,null,0,false]"_ba;
-    QTest::newRow("fraction without need") << "[1.0,-2.50]"_ba
-                                           << "[1,-2.5]"_ba;
-    QTest::newRow("escapes") << R"(["\u0041\u00e9\/\n\ud83d\ude00"])"_ba
-                             << u"[\"A\u00e9/\\n\U0001F600\"]"_s.toUtf8();
-}
-
 void JSONTest::acceptsText()
 {
-    QFETCH(const QByteArray, json);
-    QTEST(rewritten(json, JSONWriter::KeyOrder::Sorted, JSONWriter::Format::Compact), "compact");
+    const int deepest = JSONReader::maximumDepth - 1;
+    const QByteArray nested = "["_ba.repeated(deepest) + "]"_ba.repeated(deepest);
+    const QByteArray beyondTheMachine =
+        R"({"a":[0.5,-1e400,{"b":"1e400\",2e400"}],"c":12345678901234567890123,"d":[2E+999,7,true],)"
+        R"("e":[-9223372036854775808,18446744073709551615,-9223372036854775809,18446744073709551616]})";
+    for (const QByteArray &json : {"{}"_ba, nested, beyondTheMachine})
+        QCOMPARE(rewritten("\xEF\xBB\xBF" + json, JSONWriter::KeyOrder::Sorted), json);
 }
 
 void JSONTest::readsValues()
@@ -317,7 +240,6 @@ void JSONTest::readsValues()
                           JSONReader::TopLevel::Container);
     QVERIFY(document);
     const JSONValue root = document.value().root();
-    QCOMPARE(root.kind(), JSONValue::Kind::Object);
     QCOMPARE(root.size(), 4);
     QCOMPARE(root.member("a")->toInt64(), 2);
     QVERIFY(root.member("t")->isTrue());
@@ -350,9 +272,9 @@ void JSONTest::ordersMembers()
     const QByteArray json =
         u"{\"\U0001F600\":1,\"b\":2,\"\uff5e\":3,\"a10\":4,\"A\":{\"d\":0,\"c\":0},\"a9\":5}"_s.toUtf8();
     QCOMPARE(
-        rewritten(json, JSONWriter::KeyOrder::Sorted, JSONWriter::Format::Compact),
+        rewritten(json, JSONWriter::KeyOrder::Sorted),
         u"{\"A\":{\"c\":0,\"d\":0},\"a10\":4,\"a9\":5,\"b\":2,\"\uff5e\":3,\"\U0001F600\":1}"_s.toUtf8());
-    QCOMPARE(rewritten(json, JSONWriter::KeyOrder::Document, JSONWriter::Format::Compact), json);
+    QCOMPARE(rewritten(json, JSONWriter::KeyOrder::Document), json);
 }
 
 QTEST_GUILESS_MAIN(JSONTest)

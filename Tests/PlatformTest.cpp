@@ -9,6 +9,8 @@
 
 #include <thread>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Sender = int(int);
@@ -21,11 +23,6 @@ int twice(int value)
 int negative(int value)
 {
     return -value;
-}
-
-double half(double value)
-{
-    return value / 2;
 }
 
 } // namespace
@@ -42,22 +39,21 @@ private Q_SLOTS:
     void observerMayLeaveDuringThePost();
     void tasksRunInOrderOnTheApplicationsThread();
     void headerNamesIgnoreCaseInRequests();
-    void statusText_data();
     void statusText();
 };
 
 void PlatformTest::exchangeSwapsWhatBothSelectorsRun()
 {
     ObjectClass numbers;
-    const Method *const first = numbers.addMethod<Sender>("twice:", &twice);
-    numbers.addMethod<Sender>("negative:", &negative);
+    Method *const first = numbers.addMethod<Sender>("twice:", &twice);
+    Method *const second = numbers.addMethod<Sender>("negative:", &negative);
     QCOMPARE(numbers.addMethod<Sender>("twice:", &negative), nullptr);
+    QCOMPARE(class_getInstanceMethod(numbers, "negative:"), second);
     QCOMPARE(numbers.implementation<Sender>(first)(3), 6);
 
-    QVERIFY(method_exchangeImplementations(class_getInstanceMethod(numbers, "twice:"),
-                                           class_getInstanceMethod(numbers, "negative:")));
+    QVERIFY(method_exchangeImplementations(first, second));
     QCOMPARE(numbers.implementation<Sender>(first)(3), -3);
-    QCOMPARE(numbers.implementation<Sender>(class_getInstanceMethod(numbers, "negative:"))(3), 6);
+    QCOMPARE(numbers.implementation<Sender>(second)(3), 6);
 }
 
 void PlatformTest::exchangeRefusesWhatWouldCrash()
@@ -65,11 +61,10 @@ void PlatformTest::exchangeRefusesWhatWouldCrash()
     ObjectClass numbers;
     ObjectClass others;
     Method *const integer = numbers.addMethod<Sender>("twice:", &twice);
-    Method *const real = numbers.addMethod<double(double)>("half:", &half);
-    Method *const foreign = others.addMethod<Sender>("twice:", &twice);
-    QVERIFY(!method_exchangeImplementations(integer, class_getInstanceMethod(numbers, "missing:")));
-    QVERIFY(!method_exchangeImplementations(integer, real));
-    QVERIFY(!method_exchangeImplementations(integer, foreign));
+    Method *const real = numbers.addMethod<double(double)>("half:", [](double value) { return value / 2; });
+    Method *const foreign = others.addMethod<Sender>("negative:", &negative);
+    for (Method *other : {class_getInstanceMethod(numbers, "missing:"), real, foreign})
+        QVERIFY(!method_exchangeImplementations(integer, other));
     QCOMPARE(numbers.implementation<Sender>(integer)(4), 8);
 }
 
@@ -113,17 +108,14 @@ void PlatformTest::observersHearOnlyTheirNameAndOnlyWhileTheyLive()
 {
     auto &center = NSNotificationCenter::defaultCenter();
     QStringList heard;
-    const auto first =
-        center.addObserver(QStringLiteral("a"), [&] { heard.append(QStringLiteral("first")); });
+    const auto first = center.addObserver(u"a"_s, [&] { heard.append(u"first"_s); });
     {
-        const auto second =
-            center.addObserver(QStringLiteral("a"), [&] { heard.append(QStringLiteral("second")); });
-        center.post(QStringLiteral("a"));
-        center.post(QStringLiteral("b"));
+        const auto second = center.addObserver(u"a"_s, [&] { heard.append(u"second"_s); });
+        center.post(u"a"_s);
+        center.post(u"b"_s);
     }
-    center.post(QStringLiteral("a"));
-    QCOMPARE(heard,
-             QStringList({QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("first")}));
+    center.post(u"a"_s);
+    QCOMPARE(heard, QStringList({u"first"_s, u"second"_s, u"first"_s}));
 }
 
 void PlatformTest::observerMayLeaveDuringThePost()
@@ -131,9 +123,9 @@ void PlatformTest::observerMayLeaveDuringThePost()
     auto &center = NSNotificationCenter::defaultCenter();
     int calls = 0;
     NSNotificationObserver second;
-    const auto first = center.addObserver(QStringLiteral("leave"), [&] { second = {}; });
-    second = center.addObserver(QStringLiteral("leave"), [&] { ++calls; });
-    center.post(QStringLiteral("leave"));
+    const auto first = center.addObserver(u"leave"_s, [&] { second = {}; });
+    second = center.addObserver(u"leave"_s, [&] { ++calls; });
+    center.post(u"leave"_s);
     QCOMPARE(calls, 0);
 }
 
@@ -157,30 +149,21 @@ void PlatformTest::tasksRunInOrderOnTheApplicationsThread()
 
 void PlatformTest::headerNamesIgnoreCaseInRequests()
 {
-    URLRequest request(QUrl(QStringLiteral("http://host/")));
+    URLRequest request(QUrl(u"http://host/"_s));
     QVERIFY(!request.allHTTPHeaderFields);
-    request.setValue(QStringLiteral("text/html"), QStringLiteral("Accept"));
-    request.addValue(QStringLiteral("image/png"), QStringLiteral("accept"));
-    QCOMPARE(request.value(QStringLiteral("ACCEPT")), QStringLiteral("text/html, image/png"));
-    request.setValue(QStringLiteral("*/*"), QStringLiteral("aCCept"));
+    request.setValue(u"text/html"_s, u"Accept"_s);
+    request.addValue(u"image/png"_s, u"accept"_s);
+    QCOMPARE(request.value(u"ACCEPT"_s), u"text/html, image/png"_s);
+    request.setValue(u"*/*"_s, u"aCCept"_s);
     QCOMPARE(request.allHTTPHeaderFields->size(), 1);
-}
-
-void PlatformTest::statusText_data()
-{
-    QTest::addColumn<qint64>("code");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("registered") << qint64(404) << QStringLiteral("not found");
-    QTest::newRow("success has a phrase of its own") << qint64(200) << QStringLiteral("no error");
-    QTest::newRow("unregistered falls back to its class") << qint64(299) << QStringLiteral("success");
-    QTest::newRow("outside every class") << qint64(-7) << QStringLiteral("server error");
 }
 
 void PlatformTest::statusText()
 {
-    QFETCH(const qint64, code);
-    QFETCH(const QString, text);
-    QCOMPARE(NSHTTPURLResponse::localizedStringForStatusCode(code), text);
+    QCOMPARE(NSHTTPURLResponse::localizedStringForStatusCode(404), u"not found"_s);
+    QCOMPARE(NSHTTPURLResponse::localizedStringForStatusCode(200), u"no error"_s);
+    QCOMPARE(NSHTTPURLResponse::localizedStringForStatusCode(299), u"success"_s);
+    QCOMPARE(NSHTTPURLResponse::localizedStringForStatusCode(-7), u"server error"_s);
 }
 
 QTEST_GUILESS_MAIN(PlatformTest)

@@ -1,8 +1,9 @@
+#include "Tests/TestKit.h"
+
 #include "Quorvix/QXApiTreeParser.h"
 
 #include "Platform/JSONReader.h"
 
-#include <QtCore/QTranslator>
 #include <QtTest/QTest>
 
 #include <limits>
@@ -47,19 +48,14 @@ class TreeParserTest : public QObject
 private Q_SLOTS:
     void buildsTrees_data();
     void buildsTrees();
-    void summarisesScalars_data();
-    void summarisesScalars();
     void givesValues();
     void tellsRows();
     void sharesNodes();
     void translatesWords();
     void readsTextLikeBytes();
-    void refusesALoneSurrogate();
-    void acceptsJson_data();
     void acceptsJson();
     void refusesWhatIsNotJson_data();
     void refusesWhatIsNotJson();
-    void refusesWhatIsNotText_data();
     void refusesWhatIsNotText();
 };
 
@@ -94,7 +90,15 @@ void TreeParserTest::buildsTrees_data()
         << R"({"b":1,"a":[1],"b":2,"a":{"c":0},"b":3})"_ba
         << QStringList{u"0 Object - - {2 keys}"_s, u"1 Object a a {1 key}"_s, u"2 Number c a.c 0"_s,
                        u"1 Number b b 3"_s};
-    QTest::newRow("empty object") << "{}"_ba << QStringList{u"0 Object - - -"_s};
+    QTest::newRow("scalars of every form")
+        << R"([0,-9223372036854775808,18446744073709551615,-1.5E+400,-19.90,"a\"b\n\u0000\ud83d\ude00"])"_ba
+        << QStringList{u"0 Array - - [6 items]"_s,
+                       u"1 Number [0] - 0"_s,
+                       u"1 Number [1] - -9223372036854775808"_s,
+                       u"1 Number [2] - 18446744073709551615"_s,
+                       u"1 Number [3] - -1.5E+400"_s,
+                       u"1 Number [4] - -19.9"_s,
+                       u"1 String [5] - \"a\"b\n\0\U0001F600\""_s};
     QTest::newRow("scalar alone") << " \"a\" "_ba << QStringList{u"0 String - - \"a\""_s};
 }
 
@@ -108,61 +112,22 @@ void TreeParserTest::buildsTrees()
     QTEST(lines, "lines");
 }
 
-void TreeParserTest::summarisesScalars_data()
-{
-    QTest::addColumn<QByteArray>("json");
-    QTest::addColumn<QString>("summary");
-
-    QTest::newRow("empty string") << R"("")"_ba << uR"("")"_s;
-    QTest::newRow("string as it reads, unescaped")
-        << R"("a\"b\n\u00e9\ud83d\ude00")"_ba << u"\"a\"b\né\U0001F600\""_s;
-    QTest::newRow("NUL in a string") << R"("a\u0000b")"_ba << u"\"a\0b\""_s;
-    QTest::newRow("0 is no boolean") << "0"_ba << u"0"_s;
-    QTest::newRow("smallest of 64 bits") << "-9223372036854775808"_ba << u"-9223372036854775808"_s;
-    QTest::newRow("exact beyond the doubles' 53 bits") << "9007199254740993"_ba << u"9007199254740993"_s;
-    QTest::newRow("largest of 64 bits") << "18446744073709551615"_ba << u"18446744073709551615"_s;
-    QTest::newRow("beyond 64 bits") << "123456789012345678901"_ba << u"123456789012345678901"_s;
-    QTest::newRow("beyond the doubles") << "-1.5E+400"_ba << u"-1.5E+400"_s;
-    QTest::newRow("fraction") << "-19.90"_ba << u"-19.9"_s;
-    QTest::newRow("no fraction without need") << "100000.0"_ba << u"100000"_s;
-    QTest::newRow("large") << "1.5e300"_ba << u"1.5e+300"_s;
-    QTest::newRow("tenth") << "0.1"_ba << u"0.1"_s;
-}
-
-void TreeParserTest::summarisesScalars()
-{
-    QFETCH(const QByteArray, json);
-    const FieldPointer root = parsed(json);
-    QVERIFY(root);
-    QTEST(root->summary().value(), "summary");
-}
-
 void TreeParserTest::givesValues()
 {
-    using Value = QXApiTreeField::Value;
     const FieldPointer root = parsed(R"([null,true,false,-1,18446744073709551615,0.5,1e999,"x",[1,2]])");
     QVERIFY(root);
-    const std::vector<Value> scalars = {nullptr,
-                                        true,
-                                        false,
-                                        qint64(-1),
-                                        std::numeric_limits<quint64>::max(),
-                                        0.5,
-                                        std::numeric_limits<double>::max(),
-                                        u"x"_s};
-    for (size_t i = 0; i < scalars.size(); ++i) {
-        const Value value = root->children()[i].value();
-        QCOMPARE(value.index(), scalars[i].index());
-        QVERIFY(std::visit(
-            []<typename A, typename B>(const A &actual, const B &expected) {
-                if constexpr (std::is_same_v<A, B> && !std::is_same_v<A, QXApiTreeField::Children>)
-                    return actual == expected;
-                else
-                    return false;
-            },
-            value, scalars[i]));
-    }
-    QCOMPARE(std::get<QXApiTreeField::Children>(root->children().back().value()).size(), size_t(2));
+    const auto valueAt = [&](size_t index) {
+        return root->children()[index].value();
+    };
+    QVERIFY(std::holds_alternative<std::nullptr_t>(valueAt(0)));
+    QCOMPARE(std::get<bool>(valueAt(1)), true);
+    QCOMPARE(std::get<bool>(valueAt(2)), false);
+    QCOMPARE(std::get<qint64>(valueAt(3)), -1);
+    QCOMPARE(std::get<quint64>(valueAt(4)), std::numeric_limits<quint64>::max());
+    QCOMPARE(std::get<double>(valueAt(5)), 0.5);
+    QCOMPARE(std::get<double>(valueAt(6)), std::numeric_limits<double>::max());
+    QCOMPARE(std::get<QString>(valueAt(7)), u"x"_s);
+    QCOMPARE(std::get<QXApiTreeField::Children>(valueAt(8)).size(), size_t(2));
 }
 
 void TreeParserTest::tellsRows()
@@ -198,15 +163,7 @@ void TreeParserTest::sharesNodes()
 
 void TreeParserTest::translatesWords()
 {
-    class Words final : public QTranslator
-    {
-        [[nodiscard]] bool isEmpty() const override { return false; }
-        [[nodiscard]] QString translate(const char *context, const char *text, const char *,
-                                        int) const override
-        {
-            return qstrcmp(context, "Quorvix") == 0 ? QString::fromLatin1(text).toUpper() : QString();
-        }
-    } words;
+    ShoutingTranslator words;
     QVERIFY(QCoreApplication::installTranslator(&words));
     const FieldPointer root = parsed(R"({"a":[1,2],"b":[null],"c":{"d":0}})");
     QCOMPARE(root->summary(), u"{3 KEYS}"_s);
@@ -219,99 +176,35 @@ void TreeParserTest::translatesWords()
 
 void TreeParserTest::readsTextLikeBytes()
 {
-    const QString text = u"{\"Genève\":[\"\U0001F600\",\"\\ud83d\\ude00\"]}"_s;
-    const auto fields = QXApiTreeParser::parse(text);
+    const auto fields = QXApiTreeParser::parse(u"{\"Genève\":[\"\U0001F600\"]}"_s);
     QVERIFY(fields);
-    QStringList fromText;
-    QStringList fromBytes;
-    list(*fields.value().first(), fromText);
-    list(*parsed(text.toUtf8()), fromBytes);
-    QCOMPARE(fromText, fromBytes);
-    QCOMPARE(fromText.last(), u"2 String [1] Genève[1] \"\U0001F600\""_s);
-}
-
-void TreeParserTest::refusesALoneSurrogate()
-{
-    const auto fields = QXApiTreeParser::parse(QString(u"[\""_s + QChar(0xD800) + u"\"]"_s));
-    QVERIFY(!fields);
-    QCOMPARE(fields.error(), (NSError{u"LogTreeParser"_s, -1, u"Invalid UTF-8 string"_s}));
-}
-
-void TreeParserTest::acceptsJson_data()
-{
-    QTest::addColumn<QByteArray>("json");
-
-    const std::initializer_list<const char *> texts = {
-        // White space and containers
-        "[]", "{}", " [ ] ", "\t{\r\n}\n", "[[],[[]]]", "[\n7\n]", "[null,true,false,0,\"\",{},[]]",
-        "\xEF\xBB\xBF[]",
-        // Numbers
-        "[0]", "[-0]", "[-7]", "[10]", "[0.0]", "[-0.5]",
-        "[0.000000000000000000000000000000000000000000000000007]", "[3e0]", "[3E5]", "[3e+5]", "[3E-5]",
-        "[0e7]", "[0E+7]", "[-2.75e11]", "[5e-99999]", "[-5e99999]", "[98765432109876543210]",
-        "[0.1234567890123456789012345678901234567890]",
-        // Objects
-        R"({"":""})", R"({"a":1,"a":1})", R"({"k":"v" , "l":{"m":[]}})", R"({"n\u0000m":0})", R"({"é":"è"})",
-        R"({"a b":{"c\"d":{"e\\f":1}}})",
-        // Strings
-        R"("")", R"(["\"\\\/\b\f\n\r\t"])", R"(["\u0041\u00e9\u20AC\uabCD"])", R"(["\\u0041"])", R"(["\\"])",
-        R"(["/"])", R"(["\ud83d\ude80\uD83D\uDE80"])", R"(["\u0000\u001f\u007f"])",
-        R"(["\uFFFE\ufdd0\uDBFF\udfff"])", "[\"\x7f\"]", "[\"// no /* comment */ # here\"]", "[\"[1,{\"]",
-        "[\"\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\"]", "[\"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\"]",
-        "[\"\xE2\x80\xA8\xE2\x80\xA9\xC2\xA0\"]",
-        // Alone at the top
-        "17", "-0.25", "\"text\"", "true", "false", "null", "\n null \t"};
-    for (const char *text : texts)
-        QTest::newRow(text) << QByteArray(text);
-    QTest::newRow("five hundred levels") << "["_ba.repeated(500) + "]"_ba.repeated(500);
-    QTest::newRow("long string") << "[\""_ba + QByteArray(1'000'000, 'x') + "\"]"_ba;
+    QStringList lines;
+    list(*fields.value().first(), lines);
+    QCOMPARE(lines.last(), u"2 String [0] Genève[0] \"\U0001F600\""_s);
 }
 
 void TreeParserTest::acceptsJson()
 {
-    QFETCH(const QByteArray, json);
-    QVERIFY(parsed(json));
+    for (const char *json :
+         {"[98765432109876543210]", "[-5e99999]", "[5e-99999]", "[-0E+7]", "{\"1e999\":\"\\\"\",\"b\":1e999}",
+          "[0.1234567890123456789012345678901234567890]", "\xEF\xBB\xBF[]",
+          "[\"// no /* comment */ # here\"]"})
+        QVERIFY2(parsed(json), json);
 }
 
 void TreeParserTest::refusesWhatIsNotJson_data()
 {
     QTest::addColumn<QByteArray>("json");
-
-    const std::initializer_list<const char *> texts = {
-        // Nothing, too little, too much
-        "", " ", "\n\t", "[", "]", "{", "}", "[1", "[1,", "[\"a\"", "[\"a\",", "[{}", "[[]", "{\"a\"",
-        "{\"a\":", "{\"a\":1", "{\"a\":1,", "\"", "\"a", "[\"a", "[]]", "{}}", "[]{}", "[1][2]", "1 2",
-        "\"a\" \"b\"", "null,", "[],", "[1]x", "true1",
-        // Commas, colons, brackets
-        "[,]", "[,1]", "[1,]", "[1,,2]", "[,,]", "[1 2]", "[1;2]", "[1:2]", "{,}", "{\"a\":1,}", "{,\"a\":1}",
-        "{\"a\":1,,\"b\":2}", "{\"a\" 1}", "{\"a\"::1}", "{\"a\",1}", "{\"a\":1 \"b\":2}", "{:1}", "{\"a\":}",
-        "{\"a\"}", "[1}", "{\"a\":1]", "(1)", "<1>",
-        // Names
-        "{a:1}", "{'a':1}", "{1:1}", "{null:1}", "{[]:1}", "{\xC3\xA9:1}",
-        // Words
-        "tru", "[nul]", "[fals]", "[True]", "[NULL]", "[truee]", "[nan]", "[NaN]", "[-NaN]", "[Infinity]",
-        "[-inf]", "[undefined]", "[yes]", "*", "[*]",
-        // Numbers
-        "-", "[-]", "[+1]", "[--1]", "[- 1]", "[01]", "[-01]", "[00]", "[.5]", "[-.5]", "[5.]", "[-5.]",
-        "[5.e1]", "[.e1]", "[5e]", "[5e+]", "[5E-]", "[5.5e]", "[5e1.5]", "[5ee1]", "[5e+-1]", "[1.2.3]",
-        "[1 000]", "[1_000]", "[1,5.]", "[0x1F]", "[1f]", "[1a]", "[-a]", "[5-1]", "[\xEF\xBC\x95]",
-        "[98765432109876543210x]", "[5e99999.]", "[-098765432109876543210]", "3@",
-        // Strings
-        "['a']", "[a]", "[\"a]", "[\"\\\"]", R"(["\x41"])", R"(["\a"])", R"(["\u"])", R"(["\u004"])",
-        R"(["\u00g1"])", R"(["\U0041"])", R"(["\ud83d\"])", R"(["\ud83d\u"])", R"(["\ud83d\ude8"])",
-        "[\"\\\xC3\xA9\"]", "[\"\\\n\"]", "[\"a\tb\"]", "[\"a\nb\"]", "[\"a\x01\"]", "[\"a\x1f\"]", "[\\n]",
-        "[\\u0041]", "\"a\"b\"",
-        // What other formats have
-        "[1]//", "[1]#", "/**/[1]", "{\"a\":/*b*/1}", "[1,\n# two\n2]", "\xC2\xA0[1]", "[1]\xE2\x80\xA8",
-        "[\x0b]", "[\f1]", "\xE2\x80\x8B[1]", "\xEF\xBB\xBF\xEF\xBB\xBF[1]", "a: 1", "<a/>"};
-    for (const char *text : texts)
+    for (const char *text :
+         {// Numbers, the last ones beyond what machines count with
+          "[-]", "[+1]", "[01]", "[-01]", "[.5]", "[-.5]", "[5.]", "[5.e99999]", "[5e]", "[5E-]", "[5e1.5]",
+          "[0x1F]", "[1.2.3]", "[5-1]", "[98765432109876543210x]", "[5e99999.]", "[-098765432109876543210]",
+          // What other formats have
+          "", "[1,]", "{\"a\":1,}", "[1][2]", "{a:1}", "{'a':1}", "[True]", "[NaN]", "[-Infinity]",
+          "[\"a\nb\"]", "[1]//", "/**/[1]", "[\f1]", "\xC2\xA0[1]", "\xEF\xBB\xBF\xEF\xBB\xBF[1]"})
         QTest::newRow(text) << QByteArray(text);
     QTest::newRow("NUL at the end") << "[1]\0"_ba;
-    QTest::newRow("NUL in a string") << "[\"a\0a\"]"_ba;
-    QTest::newRow("NUL as white space") << "[\0 1]"_ba;
-    QTest::newRow("open arrays") << "["_ba.repeated(100'000);
     QTest::newRow("open objects") << "[{\"\":"_ba.repeated(50'000);
-    QTest::newRow("closed, but too deep") << "["_ba.repeated(100'000) + "]"_ba.repeated(100'000);
 }
 
 void TreeParserTest::refusesWhatIsNotJson()
@@ -319,32 +212,19 @@ void TreeParserTest::refusesWhatIsNotJson()
     QFETCH(const QByteArray, json);
     const auto fields = QXApiTreeParser::parse(QByteArrayView(json));
     QVERIFY(!fields);
-    const auto document = JSONReader::parse(json);
-    QCOMPARE(fields.error(), document.error());
+    QCOMPARE(fields.error(), JSONReader::parse(json).error());
     QVERIFY(!fields.error().localizedDescription.isEmpty());
-}
-
-void TreeParserTest::refusesWhatIsNotText_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("stray byte") << "[\"\xE5\"]"_ba;
-    QTest::newRow("continuation alone") << "[\"\x81\"]"_ba;
-    QTest::newRow("cut off") << "[\"\xE2\x82\"]"_ba;
-    QTest::newRow("overlong slash") << "[\"\xC0\xAF\"]"_ba;
-    QTest::newRow("overlong in six bytes") << "[\"\xFC\x83\xBF\xBF\xBF\xBF\"]"_ba;
-    QTest::newRow("surrogate") << "[\"\xED\xA0\x80\"]"_ba;
-    QTest::newRow("beyond Unicode") << "[\"\xF4\xBF\xBF\xBF\"]"_ba;
-    QTest::newRow("outside a string") << "[1]\xFF"_ba;
-    QTest::newRow("UTF-16") << "\xFE\xFF\0[\0]"_ba;
 }
 
 void TreeParserTest::refusesWhatIsNotText()
 {
-    QFETCH(const QByteArray, bytes);
-    const NSError expected{u"LogTreeParser"_s, -1, u"Invalid UTF-8 string"_s};
-    const auto fields = QXApiTreeParser::parse(QByteArrayView(bytes));
-    QVERIFY(!fields);
-    QCOMPARE(fields.error(), expected);
+    QList results{QXApiTreeParser::parse(QString(u"[\""_s + QChar(0xD800) + u"\"]"_s))};
+    for (const char *bytes : {"[\"\xE5\"]", "[\"\xED\xA0\x80\"]", "[1]\xFF"})
+        results += QXApiTreeParser::parse(QByteArrayView(bytes));
+    for (const auto &fields : std::as_const(results)) {
+        QVERIFY(!fields);
+        QCOMPARE(fields.error(), (NSError{u"LogTreeParser"_s, -1, u"Invalid UTF-8 string"_s}));
+    }
 }
 
 QTEST_GUILESS_MAIN(TreeParserTest)

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "Quorvix/QXRequestTrace.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QDirIterator>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QTranslator>
+
+/// An exchange that was sent at 2023-11-14T22:13:20.900Z.
+inline QXRequestTrace makeTrace(const QString &url, const HTTPHeaderFields &headers = {},
+                                const std::optional<QByteArray> &body = {})
+{
+    URLRequest request{QUrl(url)};
+    request.allHTTPHeaderFields = headers;
+    request.httpBody = body;
+    QXRequestTrace trace(QStringLiteral("ID"), request);
+    trace.date = std::chrono::system_clock::time_point(std::chrono::milliseconds(1'700'000'000'900));
+    return trace;
+}
+
+/// A response that came a second later.
+inline QXResponseTrace makeResponse(qint64 status, const std::optional<QByteArray> &body,
+                                    const HTTPHeaderFields &headers = {})
+{
+    QXResponseTrace response(NSHTTPURLResponse({}, status, QStringLiteral("HTTP/2"), {}), body);
+    response.headers = headers;
+    response.date = std::chrono::system_clock::time_point(std::chrono::milliseconds(1'700'000'001'900));
+    return response;
+}
+
+inline QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
+}
+
+/// The process's temporary directory as long as this lives. It lies two folders deep in surroundings that are
+/// otherwise empty, so that a step out of it can be seen.
+class TemporaryFolder final
+{
+public:
+    TemporaryFolder()
+        : m_former(qgetenv("TMPDIR")), m_folder(m_surroundings.filePath(QStringLiteral("a/tmp")))
+    {
+        if (m_folder.mkpath(QStringLiteral(".")))
+            qputenv("TMPDIR", QFile::encodeName(m_folder.path()));
+    }
+    ~TemporaryFolder() { qputenv("TMPDIR", m_former); }
+    Q_DISABLE_COPY_MOVE(TemporaryFolder)
+
+    [[nodiscard]] bool isInForce() const { return QDir::tempPath() == m_folder.path(); }
+    [[nodiscard]] const QDir &dir() const { return m_folder; }
+    [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
+
+    /// The files in the folder as "name=content", and whatever is around it.
+    [[nodiscard]] QStringList files() const
+    {
+        QStringList files;
+        QDirIterator it(m_surroundings.path(),
+                        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString path = it.next();
+            const QString name = m_folder.relativeFilePath(path);
+            if (!it.fileInfo().isDir())
+                files += name + u'=' + QString::fromUtf8(contentOf(path));
+            else if (name.startsWith(u'.') && !m_folder.path().startsWith(path))
+                files += name;
+        }
+        files.sort();
+        return files;
+    }
+
+private:
+    QByteArray m_former;
+    QTemporaryDir m_surroundings;
+    QDir m_folder;
+};
+
+/// Answers with what it is asked, in capitals.
+class ShoutingTranslator final : public QTranslator
+{
+public:
+    [[nodiscard]] bool isEmpty() const override { return false; }
+    [[nodiscard]] QString translate(const char *context, const char *source, const char *, int) const override
+    {
+        return qstrcmp(context, "Quorvix") == 0 ? QString::fromLatin1(source).toUpper() : QString();
+    }
+};
