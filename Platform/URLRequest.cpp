@@ -1,5 +1,7 @@
 #include "Platform/URLRequest.h"
 
+#include "Platform/JSONWriter.h"
+
 namespace {
 
 HTTPHeaderFields::iterator findIgnoringCase(HTTPHeaderFields &fields, const QString &field)
@@ -49,4 +51,10 @@ void URLRequest::addValue(const QString &value, const QString &field)
 QString absoluteString(const QUrl &url)
 {
     return QString::fromLatin1(url.toEncoded());
+}
+
+QString percentDecoded(QStringView encoded)
+{
+    const QByteArray decoded = QByteArray::fromPercentEncoding(encoded.toLatin1());
+    return isValidUtf8(decoded) ? QString::fromUtf8(decoded) : encoded.toString();
 }

@@ -45,10 +45,7 @@ bool isVersion(QStringView segment)
 
 QStringList segmentsOf(const QUrl &url)
 {
-    const QString encoded = url.path(QUrl::FullyEncoded);
-    const QByteArray decoded = QByteArray::fromPercentEncoding(encoded.toLatin1());
-    const QString path = isValidUtf8(decoded) ? QString::fromUtf8(decoded) : encoded;
-    return path.split(u'/', Qt::SkipEmptyParts);
+    return percentDecoded(url.path(QUrl::FullyEncoded)).split(u'/', Qt::SkipEmptyParts);
 }
 
 QStringList generalised(QStringList segments)

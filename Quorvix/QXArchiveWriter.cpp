@@ -29,13 +29,6 @@ const QString *exactHeader(const Headers &headers, const QString &name)
     return it == headers->cend() ? nullptr : &*it;
 }
 
-/// Percent escapes taken back where they stand for text; else the encoded form, which loses nothing.
-QString percentDecoded(QStringView encoded)
-{
-    const QByteArray decoded = QByteArray::fromPercentEncoding(encoded.toLatin1());
-    return isValidUtf8(decoded) ? QString::fromUtf8(decoded) : encoded.toString();
-}
-
 /// Splits at the first "="; nothing unless there is text on both sides.
 std::optional<std::pair<QStringView, QStringView>> splitCookie(QStringView cookie)
 {
