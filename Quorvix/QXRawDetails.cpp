@@ -69,12 +69,6 @@ void addCache(QStringList &lines, const QXRequestTrace &request)
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Response Cache"), entries.join(u"\n\n"_s));
 }
 
-void addBody(QStringList &lines, const Side &side, const std::optional<QByteArray> &body)
-{
-    if (body)
-        addBlock(lines, side.body, QXBodyText::text(*body));
-}
-
 QString status(const QXRequestTrace &request)
 {
     if (request.response)
@@ -86,13 +80,22 @@ QString status(const QXRequestTrace &request)
 
 QString rawDetails(const QXRequestTrace &request)
 {
+    return rawDetails(request, &QXBodyText::text);
+}
+
+QString rawDetails(const QXRequestTrace &request, const std::function<QString(const QByteArray &)> &bodyText)
+{
     QStringList lines;
+    const auto addBody = [&](const Side &side, const std::optional<QByteArray> &body) {
+        if (body)
+            addBlock(lines, side.body, bodyText(*body));
+    };
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "URL"),
              request.url ? absoluteString(*request.url) : localized("N/A"));
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP type"), request.method.value_or(u"GET"_s));
     addHeaders(lines, requestSide, request.headers);
     addCookies(lines, requestSide, request);
-    addBody(lines, requestSide, request.body);
+    addBody(requestSide, request.body);
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request time"), QXMediumText::date(request.date));
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request status"), status(request));
     if (const auto &response = request.response) {
@@ -102,7 +105,7 @@ QString rawDetails(const QXRequestTrace &request)
         addHeaders(lines, responseSide, response->headers);
         addCookies(lines, responseSide, request);
         addCache(lines, request);
-        addBody(lines, responseSide, response->body);
+        addBody(responseSide, response->body);
     }
     if (request.duration) {
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Roundtrip duration"),

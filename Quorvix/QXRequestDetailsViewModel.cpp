@@ -260,7 +260,13 @@ void QXRequestDetailsViewModel::shareSwiftModel()
 
 void QXRequestDetailsViewModel::shareRawDetails()
 {
-    share(QXShareItem(rawDetails(m_request)));
+    share(QXShareItem(rawDetails(m_request, [this](const QByteArray &body) {
+        for (int row = 0; row < rowCount(); ++row) {
+            if (document(row) && m_sections[std::size_t(row)].body.isSharedWith(body))
+                return bodyText(row);
+        }
+        return QXBodyText::text(body);
+    })));
 }
 
 template<typename Artefact>
