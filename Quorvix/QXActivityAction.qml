@@ -8,6 +8,8 @@ T.AbstractButton {
 
     required property string symbol
     property bool isLast: false
+    /// Brings the action into view when the keyboard comes to it.
+    property QXScrollArea scrollArea: null
 
     width: parent?.width ?? implicitWidth
     implicitWidth: 200
@@ -16,6 +18,11 @@ T.AbstractButton {
 
     Accessible.name: text
     Accessible.role: Accessible.Button
+
+    onVisualFocusChanged: {
+        if (visualFocus)
+            scrollArea?.reveal(root);
+    }
 
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
@@ -47,7 +54,7 @@ T.AbstractButton {
         anchors.rightMargin: QXTheme.spacing
         anchors.verticalCenter: parent.verticalCenter
         text: root.text
-        elide: Text.ElideRight
+        wrapMode: Text.Wrap
         Accessible.ignored: true
     }
 

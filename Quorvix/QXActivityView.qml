@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix
 
 /// The share sheet: what is shared, and what can be done with it. One presentation for each share item.
@@ -15,6 +14,8 @@ QXSheet {
     doneName: "QXActivityDone"
     presented: shareItem !== undefined
     contentHeight: column.implicitHeight
+    scrollArea: page
+    Accessible.name: activity.title
 
     onShareItemChanged: root.begin()
     Component.onCompleted: root.begin()
@@ -39,15 +40,11 @@ QXSheet {
         interval: 2000
     }
 
-    Flickable {
+    QXScrollArea {
         id: page
 
         anchors.fill: parent
         contentHeight: column.implicitHeight
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-
-        T.ScrollBar.vertical: QXScrollBar {}
 
         Column {
             id: column
@@ -107,6 +104,7 @@ QXSheet {
 
                     QXActivityAction {
                         objectName: "QXActivityCopy"
+                        scrollArea: page
                         symbol: copied.running ? "checkmark" : "doc.on.doc"
                         text: copied.running ? qsTranslate("Quorvix", "Copied") : qsTranslate("Quorvix", "Copy")
                         onClicked: {
@@ -117,6 +115,7 @@ QXSheet {
 
                     QXActivityAction {
                         objectName: "QXActivitySaveAs"
+                        scrollArea: page
                         symbol: "square.and.arrow.down"
                         text: qsTranslate("Quorvix", "Save As")
                         isLast: !activity.isFile || root.isSaving
@@ -124,6 +123,7 @@ QXSheet {
                             root.isSaving = !root.isSaving;
                             if (root.isSaving)
                                 saveField.begin();
+                            page.reveal(saveField);
                         }
                     }
 
@@ -137,6 +137,7 @@ QXSheet {
 
                     QXActivityAction {
                         objectName: "QXActivityOpen"
+                        scrollArea: page
                         visible: activity.isFile
                         symbol: "arrow.up.forward.app"
                         text: qsTranslate("Quorvix", "Open")
@@ -145,6 +146,7 @@ QXSheet {
 
                     QXActivityAction {
                         objectName: "QXActivityShowInFolder"
+                        scrollArea: page
                         visible: activity.isFile
                         symbol: "folder"
                         text: qsTranslate("Quorvix", "Show in Folder")
@@ -159,7 +161,7 @@ QXSheet {
                 visible: root.couldNotOpen
                 text: qsTranslate("Quorvix", "No application could be found to open it.")
                 font: QXTheme.footnote
-                color: QXTheme.red
+                color: QXTheme.redText
                 wrapMode: Text.Wrap
                 Accessible.role: Accessible.AlertMessage
                 Accessible.name: text

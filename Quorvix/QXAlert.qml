@@ -13,6 +13,7 @@ QXModal {
 
     Keys.onReturnPressed: root.dismissRequested()
     Keys.onEnterPressed: root.dismissRequested()
+    Keys.onPressed: event => event.accepted = texts.obey(event.key)
 
     Accessible.role: Accessible.AlertMessage
     Accessible.name: title
@@ -21,7 +22,7 @@ QXModal {
     Rectangle {
         anchors.centerIn: parent
         width: Math.min(270 * Math.max(1, QXTheme.scale), root.width - 2 * QXTheme.margin)
-        height: Math.min(column.implicitHeight, root.height - 2 * QXTheme.margin)
+        height: Math.min(column.implicitHeight + button.height, root.height - 2 * QXTheme.margin)
         scale: root.presented ? 1 + 0.1 * (1 - root.progress) : 1
         opacity: root.progress
         radius: QXTheme.cardRadius
@@ -31,52 +32,57 @@ QXModal {
             anchors.fill: parent
         }
 
-        Column {
-            id: column
+        QXScrollArea {
+            id: texts
 
             width: parent.width
-            topPadding: 20
+            height: parent.height - button.height
+            contentHeight: column.implicitHeight
 
-            QXText {
-                x: QXTheme.margin
-                width: parent.width - 2 * x
-                text: root.title
-                font: QXTheme.headline
-                wrapMode: Text.Wrap
-                horizontalAlignment: Text.AlignHCenter
-                Accessible.ignored: true
-            }
+            Column {
+                id: column
 
-            QXText {
-                x: QXTheme.margin
-                width: parent.width - 2 * x
-                topPadding: 3
-                visible: text.length > 0
-                text: root.message
-                font: QXTheme.footnote
-                wrapMode: Text.Wrap
-                maximumLineCount: 12
-                elide: Text.ElideRight
-                horizontalAlignment: Text.AlignHCenter
-                Accessible.ignored: true
-            }
+                width: texts.width
+                topPadding: 20
+                bottomPadding: 20
 
-            Item {
-                width: 1
-                height: 20
+                QXText {
+                    x: QXTheme.margin
+                    width: parent.width - 2 * x
+                    text: root.title
+                    font: QXTheme.headline
+                    wrapMode: Text.Wrap
+                    horizontalAlignment: Text.AlignHCenter
+                    Accessible.ignored: true
+                }
+
+                QXText {
+                    x: QXTheme.margin
+                    width: parent.width - 2 * x
+                    topPadding: 3
+                    visible: text.length > 0
+                    text: root.message
+                    font: QXTheme.footnote
+                    wrapMode: Text.Wrap
+                    horizontalAlignment: Text.AlignHCenter
+                    Accessible.ignored: true
+                }
             }
+        }
+
+        QXTextButton {
+            id: button
+
+            objectName: "QXAlertButton"
+            anchors.bottom: parent.bottom
+            width: parent.width
+            focus: true
+            text: qsTranslate("Quorvix", "OK")
+            font: QXTheme.headline
+            onClicked: root.dismissRequested()
 
             QXSeparator {
                 width: parent.width
-            }
-
-            QXTextButton {
-                objectName: "QXAlertButton"
-                width: parent.width
-                focus: true
-                text: qsTranslate("Quorvix", "OK")
-                font: QXTheme.headline
-                onClicked: root.dismissRequested()
             }
         }
     }

@@ -1,18 +1,19 @@
 import QtQuick
 import Quorvix
 
-/// One breakpoint rule, with its ways to be deleted. A swipe towards its beginning uncovers a button.
+/// One breakpoint rule, with its ways to be deleted. A swipe towards its beginning uncovers a button; one across
+/// half the row deletes.
 Item {
     id: root
 
     required property string displayText
     property bool isEditing: false
     property bool isCurrent: false
-    /// How much of the button has been uncovered, from 0 to 1.
+    /// How much of the button has been uncovered: 1 is all of it, and more stretches it.
     property real uncovered: 0
 
     readonly property real direction: QXTheme.isMirrored ? -1 : 1
-    readonly property real shift: -direction * uncovered * deleteButton.width
+    readonly property real distance: uncovered * deleteButton.implicitWidth
 
     signal deleteRequested
 
@@ -39,13 +40,16 @@ Item {
         onActiveChanged: {
             if (active)
                 uncoveredBefore = root.uncovered;
+            else if (root.distance > root.width / 2)
+                root.deleteRequested();
             else
                 root.uncovered = root.uncovered > 0.5 ? 1 : 0;
         }
         onActiveTranslationChanged: {
+            const swiped = -root.direction * activeTranslation.x;
             if (active)
-                root.uncovered = Math.max(0, Math.min(1, uncoveredBefore
-                                          - root.direction * activeTranslation.x / deleteButton.width));
+                root.uncovered = Math.max(0, Math.min(uncoveredBefore + swiped / deleteButton.implicitWidth,
+                                                      root.width / deleteButton.implicitWidth));
         }
     }
 
@@ -58,16 +62,23 @@ Item {
 
         objectName: "QXBreakpointDeleteButton"
         anchors.right: parent.right
+        width: Math.max(implicitWidth, root.distance)
         height: root.height
         visible: root.uncovered > 0
         onClicked: root.deleteRequested()
     }
 
     Rectangle {
-        x: root.shift
+        x: -root.direction * root.distance
         width: root.width
         height: root.height
-        color: root.isCurrent ? QXTheme.pressedFill : QXTheme.secondaryBackground
+        color: QXTheme.secondaryBackground
+
+        QXFocusRing {
+            anchors.fill: parent
+            anchors.margins: 2
+            visible: root.isCurrent
+        }
 
         QXSeparator {
             anchors.left: parent.left
@@ -86,7 +97,7 @@ Item {
             visible: root.isEditing
             symbol: "minus.circle.fill"
             color: QXTheme.red
-            text: qsTranslate("Quorvix", "Delete") + " " + root.displayText
+            text: qsTranslate("Quorvix", "Delete %1").arg(root.displayText)
             onClicked: root.deleteRequested()
         }
 
@@ -115,7 +126,7 @@ Item {
                 text: qsTranslate("Quorvix", "Swipe to delete.")
                 font: QXTheme.caption
                 color: QXTheme.secondaryLabel
-                elide: Text.ElideRight
+                wrapMode: Text.Wrap
                 Accessible.ignored: true
             }
         }

@@ -4,7 +4,7 @@ import Quorvix
 /// One of the choices of a confirmation dialog.
 QXMenuItem {
     smallestHeight: 54
-    color: QXTheme.blue
+    color: QXTheme.link
     alignment: Text.AlignHCenter
     Accessible.role: Accessible.Button
 }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix
 
 /// A choice of things to do, from below on a narrow window and in the middle of a wide one. Holds
@@ -47,14 +46,11 @@ QXModal {
                 anchors.fill: parent
             }
 
-            Flickable {
+            QXScrollArea {
+                id: scroller
+
                 anchors.fill: parent
                 contentHeight: choices.implicitHeight
-                interactive: contentHeight > height
-                boundsBehavior: Flickable.StopAtBounds
-                clip: true
-
-                T.ScrollBar.vertical: QXScrollBar {}
 
                 Column {
                     id: choices
@@ -81,6 +77,8 @@ QXModal {
                         id: column
 
                         width: parent.width
+                        scrollArea: scroller
+                        after: cancel
                         onCloseRequested: root.dismissRequested()
                     }
                 }

@@ -1,7 +1,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix
 
 /// A small menu at a point, over everything and inside the window. Holds QXMenuItem.
@@ -17,6 +16,7 @@ QXModal {
     scrim: QXTheme.menuScrim
 
     Accessible.role: Accessible.PopupMenu
+    Accessible.name: qsTranslate("Quorvix", "Actions")
 
     Keys.onUpPressed: column.step(-1)
     Keys.onDownPressed: column.step(1)
@@ -55,19 +55,17 @@ QXModal {
         opacity: root.progress
         scale: root.presented ? 0.9 + 0.1 * root.progress : 1
 
-        Flickable {
+        QXScrollArea {
+            id: scroller
+
             anchors.fill: parent
             contentHeight: column.implicitHeight
-            interactive: contentHeight > height
-            boundsBehavior: Flickable.StopAtBounds
-            clip: true
-
-            T.ScrollBar.vertical: QXScrollBar {}
 
             QXMenuColumn {
                 id: column
 
                 width: card.width
+                scrollArea: scroller
                 onCloseRequested: root.presented = false
             }
         }

@@ -1,7 +1,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix
 
 /// The decoded payload screen: what was found in an encoded text, one block for each of its parts.
@@ -17,6 +16,7 @@ QXSheet {
     presented: payload !== undefined
     title: sections.title
     contentHeight: column.height
+    scrollArea: page
 
     onPayloadChanged: sections.payload = root.payload
     Component.onCompleted: sections.payload = root.payload
@@ -37,16 +37,12 @@ QXSheet {
         }
     }
 
-    Flickable {
+    QXScrollArea {
         id: page
 
         objectName: "QXDecodedPayloadPage"
         anchors.fill: parent
         contentHeight: column.height
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-
-        T.ScrollBar.vertical: QXScrollBar {}
 
         Column {
             id: column
@@ -91,6 +87,10 @@ QXSheet {
                             pixelSize: Math.round(12 * QXTheme.scale)
                         })
                         onContextMenuRequested: position => menu.openFor(block, position)
+                        onActiveFocusChanged: {
+                            if (activeFocus)
+                                page.revealBeginning(block);
+                        }
                     }
                 }
             }

@@ -6,8 +6,9 @@ import Quorvix
 T.AbstractButton {
     id: root
 
-    implicitWidth: 88
+    implicitWidth: Math.max(88, implicitContentWidth + leftPadding + rightPadding)
     implicitHeight: QXTheme.touchTarget
+    horizontalPadding: QXTheme.margin
     focusPolicy: Qt.NoFocus
     text: qsTranslate("Quorvix", "Delete")
 
@@ -15,7 +16,7 @@ T.AbstractButton {
     Accessible.role: Accessible.Button
 
     background: Rectangle {
-        color: QXTheme.red
+        color: QXTheme.destructive
         opacity: root.pressed ? 0.7 : 1
     }
     contentItem: QXText {

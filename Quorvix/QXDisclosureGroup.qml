@@ -56,7 +56,7 @@ T.AbstractButton {
         anchors.verticalCenter: parent.verticalCenter
         symbol: "chevron.right"
         size: 16
-        color: QXTheme.blue
+        color: QXTheme.link
         rotation: root.expanded ? 90 : root.mirrored ? 180 : 0
 
         Behavior on rotation {

@@ -2,15 +2,14 @@ import QtQuick
 import Quorvix
 
 /// Why there is no log tree.
-Flickable {
+QXScrollArea {
     id: root
 
     required property string message
 
     objectName: "QXLogTreeFailure"
     contentHeight: Math.max(height, column.implicitHeight)
-    boundsBehavior: Flickable.StopAtBounds
-    clip: true
+    activeFocusOnTab: visible && interactive
 
     Column {
         id: column

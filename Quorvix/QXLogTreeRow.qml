@@ -45,6 +45,12 @@ T.AbstractButton {
     background: Rectangle {
         visible: root.pressed || root.isCurrent
         color: QXTheme.pressedFill
+
+        QXFocusRing {
+            anchors.fill: parent
+            anchors.margins: 2
+            visible: root.isCurrent
+        }
     }
 
     TapHandler {

@@ -16,7 +16,7 @@ FocusScope {
 
     objectName: "QXLogTreeView"
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
     Keys.onEscapePressed: root.back()
     Keys.onBackPressed: root.back()
 

@@ -8,6 +8,11 @@ Column {
     /// Something has been chosen; the menu has to be gone before it is acted on.
     signal closeRequested
 
+    /// Brings an item into view when the keyboard comes to it.
+    property QXScrollArea scrollArea: null
+    /// What the arrow keys come to after the last item; null for nothing.
+    property QXMenuItem after: null
+
     Keys.onUpPressed: root.step(-1)
     Keys.onDownPressed: root.step(1)
 
@@ -33,11 +38,14 @@ Column {
 
     /// Moves the keyboard to the next visible item, or the one before, and round at the ends.
     function step(by: int) {
-        const visible = root.items().filter(item => item.visible && item.enabled);
+        const visible = root.items().concat(root.after ?? []).filter(item => item.visible && item.enabled);
         if (visible.length === 0)
             return;
         const current = visible.findIndex(item => item.activeFocus);
         const next = current < 0 && by > 0 ? 0 : Math.max(0, current) + by;
-        visible[(next + visible.length) % visible.length].forceActiveFocus(Qt.TabFocusReason);
+        const item = visible[(next + visible.length) % visible.length];
+        item.forceActiveFocus(Qt.TabFocusReason);
+        if (item !== root.after)
+            root.scrollArea?.reveal(item);
     }
 }

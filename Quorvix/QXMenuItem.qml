@@ -41,6 +41,12 @@ T.AbstractButton {
             radius: QXTheme.cornerRadius - 3
             color: root.pressed ? QXTheme.pressedFill : QXTheme.fill
             visible: root.pressed || root.hovered || root.visualFocus
+
+            QXFocusRing {
+                anchors.fill: parent
+                radius: parent.radius
+                visible: root.visualFocus
+            }
         }
 
         QXSeparator {
@@ -75,6 +81,6 @@ T.AbstractButton {
         visible: root.symbol.length > 0
         symbol: root.symbol || "doc.on.doc"
         color: root.color
-        size: 20
+        size: Math.round(20 * Math.max(1, Math.min(QXTheme.scale, 1.5)))
     }
 }

@@ -25,8 +25,11 @@ FocusScope {
     visible: false
     enabled: presented && presentationLayer.topmost === root
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
     Keys.onEscapePressed: root.dismissRequested()
+    Keys.onBackPressed: root.dismissRequested()
+
+    QXFocusFence {}
 
     Rectangle {
         anchors.fill: parent
@@ -39,7 +42,8 @@ FocusScope {
         acceptedButtons: Qt.AllButtons
         hoverEnabled: true
         onClicked: {
-            if (root.dismissesOnOutsideTap)
+            // The second tap of two in a row was not meant for what came with the first.
+            if (root.dismissesOnOutsideTap && root.progress === 1)
                 root.dismissRequested();
         }
         onWheel: wheel => wheel.accepted = true

@@ -2,11 +2,14 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix
 
-/// Screens in one column, each pushed over the one before; the one on top has the keyboard.
+/// Screens in one column, each pushed over the one before; the one on top has the keyboard. A finger that comes in
+/// from the side of the back button takes it away.
 T.StackView {
     id: root
 
     readonly property real direction: mirrored ? -1 : 1
+    /// Where a screen lies while another one covers it.
+    readonly property real beneath: -width * 0.3 * direction
 
     clip: true
 
@@ -23,7 +26,7 @@ T.StackView {
         NumberAnimation {
             property: "x"
             from: 0
-            to: -root.width * 0.3 * root.direction
+            to: root.beneath
             duration: QXTheme.duration
             easing.type: Easing.OutCubic
         }
@@ -31,7 +34,6 @@ T.StackView {
     popEnter: Transition {
         NumberAnimation {
             property: "x"
-            from: -root.width * 0.3 * root.direction
             to: 0
             duration: QXTheme.duration
             easing.type: Easing.OutCubic
@@ -40,11 +42,65 @@ T.StackView {
     popExit: Transition {
         NumberAnimation {
             property: "x"
-            from: 0
             to: root.width * root.direction
             duration: QXTheme.duration
             easing.type: Easing.OutCubic
         }
+    }
+
+    Item {
+        z: 1
+        anchors.left: parent.left
+        width: 20
+        height: parent.height
+
+        DragHandler {
+            target: null
+            acceptedDevices: PointerDevice.TouchScreen
+            enabled: root.depth > 1 && (active || !root.busy)
+            yAxis.enabled: false
+            onActiveTranslationChanged: {
+                if (active)
+                    root.uncover(activeTranslation.x * root.direction);
+            }
+            onActiveChanged: {
+                if (!active)
+                    root.release(activeTranslation.x * root.direction, centroid.velocity.x * root.direction);
+            }
+        }
+    }
+
+    NumberAnimation {
+        id: settle
+
+        property Item covered: null
+
+        target: root.currentItem
+        property: "x"
+        to: 0
+        duration: QXTheme.duration / 2
+        easing.type: Easing.OutCubic
+        onFinished: settle.covered.visible = false
+    }
+
+    /// Moves the screen on top aside by a distance.
+    function uncover(distance: real) {
+        const covered = root.get(root.depth - 2);
+        const moved = Math.max(0, Math.min(distance, root.width));
+        settle.stop();
+        covered.visible = true;
+        covered.x = root.beneath * (1 - moved / root.width);
+        root.currentItem.x = moved * root.direction;
+    }
+
+    /// Lets it go: away when it has come far or is fast, in pixels per second, and back otherwise.
+    function release(distance: real, velocity: real) {
+        if (distance > 0.35 * root.width || velocity > 600) {
+            root.currentItem.back();
+            return;
+        }
+        settle.covered = root.get(root.depth - 2);
+        settle.start();
     }
 
     onCurrentItemChanged: {

@@ -8,6 +8,8 @@ ListView {
 
     required property QXNavigationBar bar
     property real bottomInset: 0
+    /// Whether the large title is in full view.
+    property bool isAtTop: true
 
     y: bar.collapsedHeight
     width: bar.width
@@ -27,7 +29,12 @@ ListView {
     T.ScrollBar.vertical: QXScrollBar {}
 
     Component.onCompleted: root.scrollToTop()
-    onTopMarginChanged: root.scrollToTop()
+    onContentYChanged: root.isAtTop = root.contentY <= root.originY - root.topMargin
+    // A title of another height moves no one who is reading further down.
+    onTopMarginChanged: {
+        if (root.isAtTop)
+            root.scrollToTop();
+    }
 
     function scrollToTop() {
         root.contentY = root.originY - root.topMargin;

@@ -21,8 +21,13 @@ FocusScope {
 
     objectName: "QXRequestListView"
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
     Keys.onEscapePressed: root.close()
+    Keys.onBackPressed: root.close()
+
+    QXFocusFence {
+        enabled: !root.presentationLayer.isPresenting
+    }
 
     Rectangle {
         anchors.fill: parent
@@ -50,6 +55,7 @@ FocusScope {
             objectName: "QXBreakpointsEditButton"
             visible: breakpoints.count > 0
             text: breakpoints.isEditing ? qsTranslate("Quorvix", "Finish") : qsTranslate("Quorvix", "Edit")
+            font: QXTheme.barItem
             onClicked: breakpoints.isEditing = !breakpoints.isEditing
         }
         onDismissRequested: root.showBreakpoints = false

@@ -37,6 +37,12 @@ T.AbstractButton {
             visible: root.pressed || root.isCurrent
             color: QXTheme.pressedFill
         }
+
+        QXFocusRing {
+            anchors.fill: parent
+            anchors.margins: 2
+            visible: root.isCurrent
+        }
     }
 
     Rectangle {
@@ -72,7 +78,7 @@ T.AbstractButton {
             width: parent.width
             text: root.statusText
             font: QXTheme.caption
-            color: root.hasError ? QXTheme.red : QXTheme.secondaryLabel
+            color: root.hasError ? QXTheme.redText : QXTheme.secondaryLabel
             elide: Text.ElideRight
             Accessible.ignored: true
         }
@@ -86,7 +92,7 @@ T.AbstractButton {
         anchors.verticalCenter: parent.verticalCenter
         symbol: "chevron.right"
         size: 16
-        color: QXTheme.tertiaryLabel
+        color: QXTheme.gray
         mirror: root.mirrored
     }
 

@@ -85,7 +85,7 @@ Column {
             text: modelData.text
             document: root.viewModel.documentForValue(modelData.text)
             page: root.page
-            textColor: modelData.color === QXSystemColor.Clear ? QXTheme.label : QXTheme.systemColor(modelData.color)
+            textColor: QXTheme.textColor(modelData.color)
             onContextMenuRequested: position => root.menuRequested(row, position, row.text)
             onVisualFocusChanged: root.page.revealFocused(row)
         }

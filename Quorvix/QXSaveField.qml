@@ -58,7 +58,7 @@ Column {
         visible: text.length > 0
         text: root.outcome
         font: QXTheme.footnote
-        color: root.failed ? QXTheme.red : QXTheme.secondaryLabel
+        color: root.failed ? QXTheme.redText : QXTheme.secondaryLabel
         wrapMode: Text.Wrap
         Accessible.role: Accessible.AlertMessage
         Accessible.name: text

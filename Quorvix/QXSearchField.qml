@@ -14,7 +14,7 @@ T.TextField {
     verticalAlignment: TextInput.AlignVCenter
     font: QXTheme.body
     color: QXTheme.label
-    selectionColor: QXTheme.blue
+    selectionColor: QXTheme.selection
     selectedTextColor: QXTheme.onColor
     selectByMouse: true
     inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
@@ -67,7 +67,7 @@ T.TextField {
         visible: root.text.length > 0
         symbol: "xmark.circle.fill"
         symbolSize: 18
-        color: QXTheme.gray
+        color: QXTheme.secondaryLabel
         text: qsTranslate("Quorvix", "Clear text")
         onClicked: {
             root.clear();

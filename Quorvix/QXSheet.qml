@@ -14,15 +14,23 @@ QXModal {
     property string doneName: "QXSheetDone"
     property alias doneText: done.text
     property alias trailing: trailingItems.data
+    /// What keys scroll that nothing else takes.
+    property QXScrollArea scrollArea: null
     default property alias sheetContent: contentItem.data
 
     readonly property bool isCard: width >= 640
+    readonly property real keyboardHeight: InputMethod.visible ? InputMethod.keyboardRectangle.height : 0
     property real dragOffset: 0
+
+    Accessible.role: Accessible.Dialog
+    Accessible.name: title
+
+    Keys.onPressed: event => event.accepted = root.scrollArea?.obey(event.key) ?? false
 
     Rectangle {
         id: card
 
-        readonly property real bottomInset: root.isCard ? 0 : root.safeAreaBottom
+        readonly property real bottomInset: Math.max(root.isCard ? 0 : root.safeAreaBottom, root.keyboardHeight)
         readonly property real roomAbove: root.isCard ? root.height * 0.08 : QXTheme.touchTarget
 
         width: root.isCard ? Math.min(560, root.width - 2 * QXTheme.margin) : root.width
@@ -82,7 +90,7 @@ QXModal {
                 anchors.verticalCenter: done.verticalCenter
                 anchors.left: parent.left
                 anchors.right: parent.right
-                anchors.margins: 88
+                anchors.margins: Math.max(done.width, trailingItems.width) + 2 * QXTheme.spacing
                 text: root.title
                 font: QXTheme.barTitle
                 fontSizeMode: Text.HorizontalFit

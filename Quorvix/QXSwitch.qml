@@ -37,7 +37,7 @@ T.Switch {
         implicitWidth: 51
         implicitHeight: 31
         radius: height / 2
-        color: root.visualPosition === (root.mirrored ? 1 : 0) ? QXTheme.switchTrack : root.tint
+        color: root.visualPosition === (root.mirrored ? 1 : 0) ? QXTheme.outline : root.tint
         opacity: root.enabled ? 1 : 0.5
 
         Rectangle {

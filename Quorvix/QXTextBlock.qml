@@ -80,7 +80,7 @@ Item {
             font: QXTheme.monospaced
             color: QXTheme.label
             fillColor: root.color
-            selectionColor: QXTheme.blue
+            selectionColor: QXTheme.selection
             selectedTextColor: QXTheme.onColor
             focusItem: root
             Accessible.ignored: true

@@ -6,10 +6,10 @@ import Quorvix
 T.AbstractButton {
     id: root
 
-    property color color: QXTheme.blue
+    property color color: QXTheme.link
 
     implicitWidth: Math.max(QXTheme.touchTarget, implicitContentWidth + leftPadding + rightPadding)
-    implicitHeight: QXTheme.touchTarget
+    implicitHeight: Math.max(QXTheme.touchTarget, implicitContentHeight + QXTheme.spacing)
     horizontalPadding: QXTheme.spacing
     focusPolicy: Qt.StrongFocus
     font: QXTheme.body

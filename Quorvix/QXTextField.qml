@@ -14,7 +14,7 @@ T.TextField {
     font: QXTheme.body
     color: QXTheme.label
     placeholderTextColor: QXTheme.secondaryLabel
-    selectionColor: QXTheme.blue
+    selectionColor: QXTheme.selection
     selectedTextColor: QXTheme.onColor
     selectByMouse: true
 
@@ -22,6 +22,6 @@ T.TextField {
         radius: QXTheme.cornerRadius
         color: QXTheme.elevatedBackground
         border.width: root.activeFocus ? 2 : 1
-        border.color: root.activeFocus ? QXTheme.blue : QXTheme.separator
+        border.color: root.activeFocus ? QXTheme.blue : QXTheme.outline
     }
 }

@@ -14,7 +14,7 @@ QtObject {
     readonly property real scale: appearance.fontScale
 
     readonly property color label: isDark ? "#ffffff" : "#000000"
-    readonly property color secondaryLabel: isDark ? "#99ebebf5" : "#993c3c43"
+    readonly property color secondaryLabel: isDark ? "#99ebebf5" : "#bf3c3c43"
     readonly property color tertiaryLabel: isDark ? "#4debebf5" : "#4d3c3c43"
     readonly property color separator: isDark ? "#99545458" : "#4a3c3c43"
     readonly property color background: isDark ? "#000000" : "#ffffff"
@@ -28,8 +28,8 @@ QtObject {
     readonly property color scrim: isDark ? "#80000000" : "#66000000"
     /// Behind a menu, which belongs to something that has to be seen beside it.
     readonly property color menuScrim: isDark ? "#40000000" : "#1f000000"
-    /// What a switch that is off runs in: a white knob has to stand out on it.
-    readonly property color switchTrack: isDark ? "#5a5a5f" : "#949499"
+    /// The border of a field, and what a switch that is off runs in: they stand out from what they lie on.
+    readonly property color outline: isDark ? "#5f5f64" : "#8e8e93"
     /// The button's material where what lies beneath cannot be blurred.
     readonly property color material: isDark ? "#323236" : "#f8f8fb"
     readonly property color materialEdge: "#59ffffff"
@@ -41,6 +41,14 @@ QtObject {
     readonly property color blue: isDark ? "#0a84ff" : "#007aff"
     readonly property color pink: isDark ? "#ff375f" : "#ff2d55"
     readonly property color gray: "#8e8e93"
+    /// Words and symbols that can be pressed. The plain colours are too light for words on a light ground.
+    readonly property color link: isDark ? "#409cff" : "#0062cc"
+    readonly property color redText: isDark ? "#ff6961" : "#d70015"
+    readonly property color orangeText: isDark ? "#ff9f0a" : "#a85300"
+    readonly property color greenText: isDark ? "#30d158" : "#1f7a34"
+    /// Behind white words.
+    readonly property color selection: "#0062cc"
+    readonly property color destructive: "#d70015"
     readonly property color onColor: "#ffffff"
     /// By the kinds of QXApiValueKind, in light and dark: small white text has to read well on them.
     readonly property var kindColors: ["#5856d6", "#0b7a84", "#217d38", "#0a66d6", "#b85600", "#6c6c70"]
@@ -99,6 +107,22 @@ QtObject {
 
     function kindColor(kind: int): color {
         return root.kindColors[kind];
+    }
+
+    /// The colour of words that are said to have that colour.
+    function textColor(value: int): color {
+        switch (value) {
+        case QXSystemColor.Clear:
+            return root.label;
+        case QXSystemColor.Green:
+            return root.greenText;
+        case QXSystemColor.Orange:
+            return root.orangeText;
+        case QXSystemColor.Red:
+            return root.redText;
+        default:
+            return root.systemColor(value);
+        }
     }
 
     function systemColor(value: int): color {

@@ -7,7 +7,7 @@ T.AbstractButton {
     id: root
 
     required property string symbol
-    property color color: QXTheme.blue
+    property color color: QXTheme.link
     property real symbolSize: QXTheme.symbolSize
 
     implicitWidth: QXTheme.touchTarget

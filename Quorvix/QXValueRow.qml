@@ -17,6 +17,8 @@ T.Control {
     property Flickable page: null
     property real blockHeight: 0
 
+    readonly property real textHeight: Math.max(title.implicitHeight, document ? blockHeight : value.implicitHeight)
+    readonly property real textTop: (height - textHeight) / 2
     readonly property real labelWidth: Math.min(100 * Math.max(1, QXTheme.scale), 0.4 * (width - 2 * columnMargin))
 
     /// At a point of this row.
@@ -24,7 +26,7 @@ T.Control {
 
     objectName: "QXValueRow"
     implicitWidth: 320
-    implicitHeight: Math.max(title.implicitHeight, document ? blockHeight : value.implicitHeight) + 2 * QXTheme.spacing
+    implicitHeight: Math.max(QXTheme.touchTarget, textHeight + 2 * QXTheme.spacing)
     focusPolicy: Qt.StrongFocus
 
     Accessible.role: Accessible.StaticText
@@ -35,7 +37,7 @@ T.Control {
         event.accepted = event.key === Qt.Key_Menu
                       || (event.key === Qt.Key_F10 && (event.modifiers & Qt.ShiftModifier) !== 0);
         if (event.accepted)
-            root.contextMenuRequested(Qt.point(value.x, root.height));
+            root.contextMenuRequested(Qt.point(root.mirrored ? value.x + value.width : value.x, root.height));
     }
 
     background: Item {
@@ -58,7 +60,7 @@ T.Control {
 
         anchors.left: parent.left
         anchors.leftMargin: root.columnMargin
-        y: QXTheme.spacing
+        y: root.textTop
         width: root.labelWidth
         text: root.label
         font: QXTheme.subheadlineSemibold
@@ -74,7 +76,7 @@ T.Control {
         anchors.leftMargin: QXTheme.spacing
         anchors.right: parent.right
         anchors.rightMargin: root.columnMargin
-        y: QXTheme.spacing
+        y: root.textTop
         text: root.document ? "" : root.text
         font: QXTheme.subheadline
         color: root.textColor
@@ -89,7 +91,7 @@ T.Control {
             id: block
 
             x: value.x
-            y: QXTheme.spacing
+            y: root.textTop
             width: value.width
             page: root.page
             document: root.document

@@ -39,6 +39,7 @@ set(QUORVIX_QML_FILES
     QXRequestSectionView.qml
     QXRoundButton.qml
     QXSaveField.qml
+    QXScrollArea.qml
     QXScrollBar.qml
     QXSearchField.qml
     QXSectionTitle.qml
@@ -65,6 +66,7 @@ set(QUORVIX_QML_SOURCES
     QXBreakpointEditorModel.cpp QXBreakpointEditorModel.h
     QXBreakpointsViewModel.cpp QXBreakpointsViewModel.h
     QXDecodedPayloadModel.cpp QXDecodedPayloadModel.h
+    QXFocusFence.cpp QXFocusFence.h
     QXFrost.cpp QXFrost.h
     QXLogTreeViewModel.cpp QXLogTreeViewModel.h
     QXRequestDetailsViewModel.cpp QXRequestDetailsViewModel.h

@@ -86,6 +86,7 @@ class TextViewTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
+    void init();
     void cleanup();
     void showsBytes();
     void scrolls();
@@ -96,6 +97,7 @@ private Q_SLOTS:
     void selectionScrollsAlong();
     void selectsWithKeys();
     void touchScrolls();
+    void fingerSelects();
     void asksForTheMenu();
     void fitsForeignLetters();
 
@@ -106,9 +108,11 @@ private:
     void scrollTo(qreal y);
     /// The left edge of a character, in the window.
     [[nodiscard]] QPoint placeOf(qsizetype position);
+    [[nodiscard]] QPoint middleOfKnob(const char *handle);
     [[nodiscard]] QString copied();
 
     QQmlEngine m_engine;
+    std::unique_ptr<QPointingDevice> m_finger{QTest::createTouchDevice()};
     std::unique_ptr<QXTextDocument> m_document;
     std::unique_ptr<QQuickWindow> m_window;
 };
@@ -116,6 +120,10 @@ private:
 void TextViewTest::initTestCase()
 {
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
+}
+
+void TextViewTest::init()
+{
     QTest::failOnWarning(QRegularExpression(u".*"_s));
 }
 
@@ -148,6 +156,17 @@ QPoint TextViewTest::placeOf(qsizetype position)
 {
     const QRectF caret = view()->caretAt(position).translated(0, -view()->scrollOffset());
     return view()->mapToScene(caret.center() + QPointF(1, 0)).toPoint();
+}
+
+/// Where a finger takes hold of one end of what is selected.
+QPoint TextViewTest::middleOfKnob(const char *handle)
+{
+    const bool isStart = qstrcmp(handle, "QXSelectionStart") == 0;
+    const QRectF edge = isStart ? view()->startEdge() : view()->endEdge();
+    const QPointF knob(edge.x(), isStart ? edge.top() - 5 : edge.bottom() + 5);
+    const QQuickItem *const item = find(*m_window, handle);
+    return item && item->contains(item->mapFromItem(view(), knob)) ? view()->mapToScene(knob).toPoint()
+                                                                   : QPoint();
 }
 
 QString TextViewTest::copied()
@@ -302,24 +321,59 @@ void TextViewTest::touchScrolls()
 {
     QVERIFY(open(new QXTextDocument(numberedLines(1000))));
     QQuickWindow *const window = m_window.get();
-    static const std::unique_ptr<QPointingDevice> device(QTest::createTouchDevice());
     QPoint place(200, 400);
-    QTest::touchEvent(window, device.get()).press(0, place, window).commit();
+    QTest::touchEvent(window, m_finger.get()).press(0, place, window).commit();
     for (int step = 0; step < 10; ++step) {
         place.ry() -= 20;
-        QTest::touchEvent(window, device.get()).move(0, place, window).commit();
+        QTest::touchEvent(window, m_finger.get()).move(0, place, window).commit();
     }
-    QTest::touchEvent(window, device.get()).release(0, place, window).commit();
+    QTest::touchEvent(window, m_finger.get()).release(0, place, window).commit();
     QTRY_VERIFY(page()->property("contentY").toReal() > 50);
     QVERIFY(!view()->hasSelection() && window->property("requested").toString().isEmpty());
-    QTRY_VERIFY(!page()->property("moving").toBool());
-    const qreal scrolled = page()->property("contentY").toReal();
+}
 
-    QTest::touchEvent(window, device.get()).press(0, place, window).commit();
-    QTRY_COMPARE(window->property("requested").toString(),
-                 u"%1,%2"_s.arg(place.x() - 16).arg(place.y() + qRound(scrolled) - 100));
-    QTest::touchEvent(window, device.get()).release(0, place, window).commit();
-    QVERIFY(!view()->hasSelection());
+void TextViewTest::fingerSelects()
+{
+    QVERIFY(open(new QXTextDocument(u"one two three four\nfive six seven"_s + u"\n"_s.repeated(100))));
+    const auto touch = [this] {
+        return QTest::touchEvent(m_window.get(), m_finger.get());
+    };
+    const auto requested = [this] {
+        return m_window->property("requested").toString();
+    };
+    const auto drag = [&](QPoint from, QPoint to) {
+        touch().press(0, from, m_window.get()).commit();
+        touch().move(0, (from + to) / 2, m_window.get()).commit();
+        touch().move(0, to, m_window.get()).commit();
+        touch().release(0, to, m_window.get()).commit();
+    };
+
+    // Held, a finger selects a word, and moved then, as many as it comes by; the page stays where it is.
+    touch().press(0, placeOf(5), m_window.get()).commit();
+    QTRY_COMPARE(view()->selectedText(), u"two"_s);
+    touch().move(0, placeOf(10), m_window.get()).commit();
+    touch().move(0, placeOf(25), m_window.get()).commit();
+    QTRY_COMPARE(view()->selectedText(), u"two three four\nfive six"_s);
+    QVERIFY(requested().isEmpty());
+    touch().release(0, placeOf(25), m_window.get()).commit();
+    QVERIFY(!requested().isEmpty());
+    QCOMPARE(page()->property("contentY").toReal(), 0);
+
+    // The handles take either end further, across each other too.
+    drag(middleOfKnob("QXSelectionEnd"), middleOfKnob("QXSelectionEnd") + placeOf(21) - placeOf(27));
+    QTRY_COMPARE(view()->selectedText(), u"two three four\nfi"_s);
+    drag(middleOfKnob("QXSelectionStart"), middleOfKnob("QXSelectionStart") + placeOf(22) - placeOf(4));
+    QTRY_COMPARE(view()->selectedText(), u"v"_s);
+
+    // On what is selected a tap asks for the menu again; beside it, it ends the selection.
+    m_window->setProperty("requested", QString());
+    touch().press(0, placeOf(21) + QPoint(2, 0), m_window.get()).commit();
+    touch().release(0, placeOf(21) + QPoint(2, 0), m_window.get()).commit();
+    QVERIFY(!requested().isEmpty() && view()->hasSelection());
+    touch().press(0, placeOf(17), m_window.get()).commit();
+    touch().press(0, placeOf(17), m_window.get()).commit();
+    touch().release(0, placeOf(17), m_window.get()).commit();
+    QVERIFY(!view()->hasSelection() && !find(*m_window, "QXSelectionStart"));
 }
 
 void TextViewTest::asksForTheMenu()

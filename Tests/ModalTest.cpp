@@ -1,0 +1,299 @@
+#include "Tests/ComplaintWatch.h"
+#include "Tests/ScreenDriver.h"
+
+#include "Quorvix/QXBreakpointStore.h"
+#include "Quorvix/QXRequestRecorder.h"
+#include "Quorvix/QuorvixClient.h"
+
+#include <QtCore/QSettings>
+#include <QtCore/QStandardPaths>
+#include <QtGui/QAccessible>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QPalette>
+#include <QtGui/QPointingDevice>
+#include <QtQml/QQmlComponent>
+#include <QtQml/QQmlEngine>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+using namespace ScreenDriver;
+
+namespace {
+
+using Open = std::function<void(QQuickWindow &)>;
+
+void rightClickRow(QQuickWindow &window, const QString &label)
+{
+    for (QQuickItem *const row : findAll(window, "QXValueRow")) {
+        if (row->property("label").toString() == label)
+            return QTest::mouseClick(&window, Qt::RightButton, {}, row->mapToScene({30, 20}).toPoint());
+    }
+    QFAIL(qPrintable(label));
+}
+
+void openDetails(QQuickWindow &window)
+{
+    click(window, "QXRequestRow");
+    QTRY_VERIFY(find(window, "QXRequestDetailsView"));
+    QVERIFY(waitForRest(window, "QXRequestDetailsView"));
+}
+
+void openMenu(QQuickWindow &window)
+{
+    openDetails(window);
+    rightClickRow(window, u"Authorization"_s);
+}
+
+/// Opens the menu, and then the sheet or the page that an item of a screen opens.
+Open through(const Open &before, const char *item)
+{
+    return [=](QQuickWindow &window) {
+        before(window);
+        click(window, item);
+    };
+}
+
+/// WCAG 2.1, "relative luminance".
+double luminance(const QColor &color)
+{
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+QColor over(const QColor &color, const QColor &ground)
+{
+    const auto mixed = [&](float part, float below) {
+        return part * color.alphaF() + below * (1 - color.alphaF());
+    };
+    return QColor::fromRgbF(mixed(color.redF(), ground.redF()), mixed(color.greenF(), ground.greenF()),
+                            mixed(color.blueF(), ground.blueF()));
+}
+
+/// WCAG 2.1, "contrast ratio".
+double contrast(const QColor &color, const QColor &ground)
+{
+    const double one = luminance(over(color, ground));
+    const double other = luminance(ground);
+    return (qMax(one, other) + 0.05) / (qMin(one, other) + 0.05);
+}
+
+} // namespace
+
+/// What holds for all that comes up over a screen, and for every way back.
+class ModalTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void isFencedAndLeft_data();
+    void isFencedAndLeft();
+    void secondTapIsIgnored();
+    void fingerSwipesBack();
+    void keysScrollSheets();
+    void colorsContrast_data();
+    void colorsContrast();
+
+private:
+    std::unique_ptr<ComplaintWatch> m_watch;
+    QQuickItem *m_hostField = nullptr;
+    std::unique_ptr<QQuickWindow> m_window;
+    std::unique_ptr<QPointingDevice> m_finger{QTest::createTouchDevice()};
+};
+
+void ModalTest::initTestCase()
+{
+    QStandardPaths::setTestModeEnabled(true);
+    QCoreApplication::setOrganizationName(u"QuorvixTests"_s);
+    QCoreApplication::setApplicationName(u"ModalTest"_s);
+}
+
+void ModalTest::init()
+{
+    m_watch = std::make_unique<ComplaintWatch>();
+    QSettings().clear();
+    m_window = std::make_unique<QQuickWindow>();
+    m_window->resize(390, 844);
+    m_hostField = new QQuickItem(m_window->contentItem());
+    m_hostField->setSize({390, 844});
+    m_hostField->setActiveFocusOnTab(true);
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    m_hostField->forceActiveFocus();
+    QuorvixClient::shared().show();
+
+    QXBreakpointStore::shared().setRules(
+        {*QXBreakpointKey::make(QUrl(u"https://shop.test/held"_s), u"GET"_s)});
+    QXRequestRecorder::shared().clear();
+    URLRequest request(QUrl(u"https://shop.test/v1/users/42"_s));
+    request.allHTTPHeaderFields = {
+        {u"Authorization"_s, QString::fromLatin1(("[1" + QByteArray(",2").repeated(60) + "]").toBase64())}};
+    QXRequestRecorder::shared().record(u"id"_s, request);
+    const auto response = NSHTTPURLResponse::create(*request.url, 200, u"HTTP/1.1"_s, {});
+    QXRequestRecorder::shared().complete(u"id"_s, response, "{\"a\":1}", {});
+    click(*m_window, "QXFloatingButton");
+    QTRY_VERIFY(find(*m_window, "QXRequestListView"));
+    QVERIFY(waitForRest(*m_window, "QXRequestRow"));
+}
+
+void ModalTest::cleanup()
+{
+    QuorvixClient::shared().hide();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    m_window.reset();
+    m_watch.reset();
+}
+
+void ModalTest::isFencedAndLeft_data()
+{
+    QTest::addColumn<Open>("open");
+    QTest::addColumn<QString>("opened");
+    const Open nothing = [](QQuickWindow &) {
+    };
+    const Open shareMenu = through(openDetails, "QXShareButton");
+    const Open emptyList = [](QQuickWindow &window) {
+        QXRequestRecorder::shared().clear();
+        click(window, "QXExportButton");
+    };
+    QTest::newRow("list") << nothing << u"QXRequestListView"_s;
+    QTest::newRow("breakpoints") << through(nothing, "QXBreakpointsButton") << u"QXBreakpointsListView"_s;
+    QTest::newRow("list's alert") << emptyList << u"QXAlert"_s;
+    QTest::newRow("details") << Open(openDetails) << u"QXRequestDetailsView"_s;
+    QTest::newRow("menu") << Open(openMenu) << u"QXContextMenu"_s;
+    QTest::newRow("alert") << through(openMenu, "QXCopyValueItem") << u"QXAlert"_s;
+    QTest::newRow("payload") << through(openMenu, "QXDecodeValueItem") << u"QXDecodedPayloadSheet"_s;
+    QTest::newRow("share menu") << shareMenu << u"QXConfirmationDialog"_s;
+    QTest::newRow("share sheet") << through(shareMenu, "QXShareCurl") << u"QXActivitySheet"_s;
+    const Open lowerDetails = [](QQuickWindow &window) {
+        openDetails(window);
+        turnWheel(window, {200, 400}, 6);
+    };
+    QTest::newRow("tree") << through(lowerDetails, "QXLogTreeButton") << u"QXLogTreeView"_s;
+}
+
+void ModalTest::isFencedAndLeft()
+{
+    QFETCH(const Open, open);
+    QFETCH(const QString, opened);
+    const QByteArray name = opened.toLatin1();
+    open(*m_window);
+    QTRY_VERIFY(find(*m_window, name));
+    QVERIFY(waitForRest(*m_window, name));
+    const QQuickItem *const root = find(*m_window, name);
+    QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(find(*m_window, name));
+    if (name.endsWith("Sheet") || name.endsWith("Alert") || name.endsWith("Menu") || name.endsWith("Dialog"))
+        QVERIFY(accessible && !accessible->text(QAccessible::Name).isEmpty());
+
+    for (int i = 0; i < 24; ++i) {
+        QTest::keyClick(m_window.get(), Qt::Key_Tab, i < 12 ? Qt::NoModifier : Qt::ShiftModifier);
+        QVERIFY2(root->isAncestorOf(m_window->activeFocusItem()) || root->hasActiveFocus() ||
+                     name == "QXBreakpointsListView",
+                 "Tab leads out of it");
+        QVERIFY(!m_hostField->hasActiveFocus());
+    }
+    QTest::keyClick(m_window.get(), Qt::Key_Back);
+    QTRY_VERIFY(!find(*m_window, name));
+    const bool isClosed = name == "QXRequestListView";
+    QTRY_VERIFY(isClosed == m_hostField->hasActiveFocus());
+    // The way back goes on until nothing of the inspector is left.
+    for (int i = 0; i < 5 && find(*m_window, "QXRequestListView"); ++i) {
+        QTest::keyClick(m_window.get(), Qt::Key_Escape);
+        QTest::qWait(400);
+    }
+    QTRY_VERIFY(m_hostField->hasActiveFocus());
+}
+
+void ModalTest::secondTapIsIgnored()
+{
+    through(openDetails, "QXShareButton")(*m_window);
+    QVERIFY(waitForRest(*m_window, "QXShareRawDetails"));
+    const QPoint at = middle(*find(*m_window, "QXShareCurl"));
+    QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, at);
+    QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, QPoint(at.x(), 60));
+    QVERIFY(waitForRest(*m_window, "QXActivitySheet"));
+    QTest::qWait(400);
+    QVERIFY(find(*m_window, "QXActivitySheet"));
+}
+
+void ModalTest::fingerSwipesBack()
+{
+    openDetails(*m_window);
+    const auto swipe = [this](int distance) {
+        QTest::touchEvent(m_window.get(), m_finger.get()).press(1, {4, 400}, m_window.get());
+        for (int step = 1; step <= 10; ++step) {
+            QTest::qWait(30); // slowly: it is the distance that counts
+            QTest::touchEvent(m_window.get(), m_finger.get())
+                .move(1, {4 + distance * step / 10, 400}, m_window.get());
+        }
+        QTest::qWait(100);
+        QTest::touchEvent(m_window.get(), m_finger.get()).release(1, {4 + distance, 400}, m_window.get());
+    };
+    swipe(80);
+    QTest::qWait(400);
+    const QQuickItem *const details = find(*m_window, "QXRequestDetailsView");
+    QVERIFY(details && details->x() == 0 && !find(*m_window, "QXRequestRow"));
+    swipe(300);
+    QTRY_VERIFY(!find(*m_window, "QXRequestDetailsView"));
+    QTRY_VERIFY(find(*m_window, "QXRequestRow"));
+    QCOMPARE(find(*m_window, "QXRequestList")->mapToScene({}).x(), 0);
+}
+
+void ModalTest::keysScrollSheets()
+{
+    through(openMenu, "QXDecodeValueItem")(*m_window);
+    QVERIFY(waitForRest(*m_window, "QXDecodedPayloadSheet"));
+    const QQuickItem *const page = find(*m_window, "QXDecodedPayloadPage");
+    QTest::keyClick(m_window.get(), Qt::Key_PageDown);
+    QVERIFY(page->property("contentY").toReal() > 100);
+    QTest::keyClick(m_window.get(), Qt::Key_End);
+    QVERIFY(page->property("atYEnd").toBool());
+    QTest::keyClick(m_window.get(), Qt::Key_Home);
+    QCOMPARE(page->property("contentY").toReal(), 0);
+}
+
+void ModalTest::colorsContrast_data()
+{
+    QTest::addColumn<QString>("color");
+    QTest::addColumn<QStringList>("grounds");
+    QTest::addColumn<double>("least");
+    const QStringList pages{u"background"_s, u"secondaryBackground"_s, u"elevatedBackground"_s};
+    for (const char *const words : {"label", "secondaryLabel", "link", "redText", "orangeText", "greenText"})
+        QTest::newRow(words) << QString::fromLatin1(words) << pages << 4.5;
+    QTest::newRow("white words") << u"onColor"_s << QStringList{u"selection"_s, u"destructive"_s} << 4.5;
+    QTest::newRow("payload") << u"label"_s << QStringList{u"payloadFill"_s} << 4.5;
+    for (const char *const sign : {"outline", "blue"})
+        QTest::newRow(sign) << QString::fromLatin1(sign) << QStringList{u"background"_s} << 3.0;
+    QTest::newRow("switch's knob") << u"onColor"_s << QStringList{u"outline"_s, u"blue"_s} << 3.0;
+}
+
+void ModalTest::colorsContrast()
+{
+    QFETCH(const QString, color);
+    QFETCH(const QStringList, grounds);
+    QFETCH(const double, least);
+    const QPalette usual = QGuiApplication::palette();
+    for (const bool isDark : {false, true}) {
+        QGuiApplication::setPalette(isDark ? QPalette(QColor(44, 44, 46), QColor(28, 28, 30)) : QPalette());
+        QQmlEngine engine;
+        engine.addImportPath(u"qrc:/qt/qml"_s);
+        QQmlComponent component(&engine);
+        component.setData("import QtQml; import Quorvix; QtObject { property var theme: QXTheme }", QUrl());
+        const std::unique_ptr<QObject> object(component.create());
+        const auto *const theme = object->property("theme").value<QObject *>();
+        for (const QString &ground : grounds) {
+            const double ratio = contrast(theme->property(color.toLatin1()).value<QColor>(),
+                                          theme->property(ground.toLatin1()).value<QColor>());
+            QVERIFY2(ratio >= least,
+                     qPrintable(u"%1 on %2: %3, dark %4"_s.arg(color, ground).arg(ratio).arg(isDark)));
+        }
+    }
+    QGuiApplication::setPalette(usual);
+}
+
+QTEST_MAIN(ModalTest)
+#include "ModalTest.moc"
