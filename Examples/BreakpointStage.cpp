@@ -1,5 +1,7 @@
 #include "Examples/BreakpointStage.h"
 
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickItem>
 
 namespace {
@@ -55,6 +57,11 @@ bool BreakpointStage::responseIsEdited()
 {
     QString body = robot().text(name("QXTextEditor"));
     return robot().check(body.contains(productName), "another response is held") &&
+           robot().click(name("QXCopyBodyButton")) &&
+           robot().check(QGuiApplication::clipboard()->text() == body, "the body is not on the clipboard") &&
+           robot().click(name("QXDeleteBodyButton")) &&
+           robot().waitUntil([this] { return robot().text(name("QXTextEditor")).isEmpty(); },
+                             QStringLiteral("the body is not deleted")) &&
            robot().paste(name("QXTextEditor"), body.replace(productName, editedName));
 }
 
@@ -68,7 +75,7 @@ bool BreakpointStage::storeShowsTheEdit()
 bool BreakpointStage::breakpointIsDeleted()
 {
     return robot().click(name("QXFloatingButton")) && robot().click(name("QXBreakpointsButton")) &&
-           robot().click(name("QXBreakpointsEditButton")) && robot().click(name("QXBreakpointMinusButton")) &&
+           robot().show(name("QXBreakpointRow")) && robot().drag(name("QXBreakpointRow"), {-190, 0}) &&
            robot().waitFor(name("QXNoBreakpoints"));
 }
 

@@ -44,6 +44,9 @@ QList<TourStage::Step> DetailsStage::steps()
         {"tree", std::bind_front(&DetailsStage::treeOpens, this)},
         {"tree-menu", std::bind_front(&DetailsStage::treeHasMenu, this)},
         {"tree-share", std::bind_front(&DetailsStage::treeIsShared, this)},
+        {"tree-decoded", std::bind_front(&DetailsStage::rowIsDecoded, this)},
+        {"cookies", std::bind_front(&DetailsStage::groupsUnfold, this)},
+        {"tree-failure", std::bind_front(&DetailsStage::textIsNoTree, this)},
         {"large-body", std::bind_front(&DetailsStage::largeBodyOpens, this)},
         {"large-body-scrolled", std::bind_front(&DetailsStage::largeBodyScrolls, this)},
         {"large-tree", std::bind_front(&DetailsStage::largeTreeOpens, this)},
@@ -116,9 +119,29 @@ bool DetailsStage::treeIsShared()
            robot().click(name("QXShareModelButton")) && robot().waitFor(name("QXActivitySheet"));
 }
 
+bool DetailsStage::rowIsDecoded()
+{
+    return closeShareSheet() && closeTree() && closeExchange() && openExchange("session") && openTree() &&
+           robot().click(name("QXLogTreeRow")) && robot().rightClick(name("QXLogTreeRow:token")) &&
+           robot().click(name("QXDecodeItem")) && robot().waitFor(name("QXDecodedPayloadSheet"));
+}
+
+bool DetailsStage::groupsUnfold()
+{
+    return robot().click(name("QXDecodedPayloadDone")) &&
+           robot().waitUntilGone(name("QXDecodedPayloadSheet")) && closeTree() && closeExchange() &&
+           openExchange("set-cookies") && robot().click(name("QXDisclosureGroup:RESPONSE COOKIES")) &&
+           robot().click(name("QXDisclosureGroup:RESPONSE CACHE"));
+}
+
+bool DetailsStage::textIsNoTree()
+{
+    return robot().click(name("QXLogTreeButton")) && robot().waitFor(name("QXLogTreeFailureText"));
+}
+
 bool DetailsStage::largeBodyOpens()
 {
-    return closeShareSheet() && closeTree() && closeExchange() && openExchange("export") &&
+    return closeTree() && closeExchange() && openExchange("export") &&
            robot().waitFor(name("QXBodyBlock"), largeBodyLimit) &&
            robot().scroll(name("QXRequestDetailsPage"), 700);
 }

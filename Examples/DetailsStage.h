@@ -24,6 +24,9 @@ private:
     bool treeOpens();
     bool treeHasMenu();
     bool treeIsShared();
+    bool rowIsDecoded();
+    bool groupsUnfold();
+    bool textIsNoTree();
     bool largeBodyOpens();
     bool largeBodyScrolls();
     bool largeTreeOpens();

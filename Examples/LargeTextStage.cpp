@@ -97,7 +97,7 @@ bool LargeTextStage::mirroredInspector()
 
 bool LargeTextStage::mirroredDetails()
 {
-    return robot().click(name("QXRequestRow")) && robot().click(name("QXBreakpointSwitch"));
+    return robot().click(name("QXRequestRow")) && robot().waitFor(name("QXBreakpointSwitch"));
 }
 
 bool LargeTextStage::mirroredMenu()

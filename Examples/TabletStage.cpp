@@ -39,7 +39,7 @@ bool TabletStage::details()
 bool TabletStage::inspector()
 {
     return closeExchange() && robot().click(name("QXSearchClearButton")) &&
-           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) >= 5; },
+           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) >= 4; },
                              QStringLiteral("the list did not come back"));
 }
 
@@ -70,7 +70,7 @@ bool TabletStage::inspectorByDay()
 
 bool TabletStage::detailsByDay()
 {
-    return robot().click(name("QXRequestRow")) && robot().click(name("QXBreakpointSwitch"));
+    return robot().click(name("QXRequestRow")) && robot().waitFor(name("QXBreakpointSwitch"));
 }
 
 bool TabletStage::shareMenuByDay()

@@ -45,7 +45,10 @@ bool isNamed(const QQuickItem *item, const QString &name)
     if (colon < 0 || item->objectName() != QStringView(name).first(colon))
         return item->objectName() == name;
     const QStringView label = QStringView(name).sliced(colon + 1);
-    return item->property("label").toString() == label || item->property("key").toString() == label;
+    const auto has = [&](const char *property) {
+        return item->property(property).toString() == label;
+    };
+    return has("label") || has("key") || has("text");
 }
 
 /// The nearest item around @p item that scrolls; null when there is none.
@@ -119,6 +122,19 @@ bool TourRobot::click(const QString &name)
 bool TourRobot::show(const QString &name)
 {
     return waitFor(name) && bringIntoView(name) && waitUntilStill(name);
+}
+
+bool TourRobot::clickFirst(const QString &name)
+{
+    if (!show(name))
+        return false;
+    QPoint highest = middle(*find(name));
+    visitVisible(m_window.contentItem(), [&](const QQuickItem *item) {
+        if (isNamed(item, name) && middle(*item).y() < highest.y())
+            highest = middle(*item);
+    });
+    QTest::mouseClick(&m_window, Qt::LeftButton, {}, highest);
+    return true;
 }
 
 bool TourRobot::rightClick(const QString &name)

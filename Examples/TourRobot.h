@@ -20,7 +20,7 @@ public:
     explicit TourRobot(QQuickWindow &window) : m_window(window) {}
 
     /// The visible item of this name that is painted last; null when there is none. "Row:Accept" means the
-    /// item with the object name "Row" whose label or key is "Accept".
+    /// item with the object name "Row" whose label, key or text is "Accept".
     [[nodiscard]] QQuickItem *find(const QString &name) const;
     /// How many visible items have this name.
     [[nodiscard]] int count(const QString &name) const;
@@ -35,6 +35,8 @@ public:
 
     /// Presses and releases the middle of an item, after scrolling to it where it is out of sight.
     bool click(const QString &name);
+    /// Clicks the one of several items that is highest on the screen.
+    bool clickFirst(const QString &name);
     /// Scrolls to an item that is out of sight.
     bool show(const QString &name);
     /// Opens the menu of an item, as a mouse does.

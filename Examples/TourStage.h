@@ -35,7 +35,7 @@ protected:
     [[nodiscard]] static bool captured(const QString &path, int status);
     [[nodiscard]] static qsizetype capturedCount();
 
-    /// Opens the exchange that alone is found by @p search, from the list.
+    /// Opens the newest exchange that is found by @p search, from the list.
     bool openExchange(const char *search);
     bool closeExchange();
     /// Opens the tree of the body that is on show, once it is ready.
