@@ -33,7 +33,7 @@ public:
     Q_INVOKABLE void applyChanges();
     /// Places the body on the clipboard.
     Q_INVOKABLE void copyBody();
-    /// Empties the body.
+    /// Empties the body. The editor on screen does so itself, so that it can be undone.
     Q_INVOKABLE void deleteBody();
 
 Q_SIGNALS:

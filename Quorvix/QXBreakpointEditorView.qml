@@ -16,6 +16,15 @@ FocusScope {
     LayoutMirroring.enabled: QXTheme.isMirrored
     LayoutMirroring.childrenInherit: true
 
+    // Only the two buttons release a response, and nothing of the host's acts beneath the editor.
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
+    Keys.onEscapePressed: {}
+    Keys.onBackPressed: {}
+
+    QXFocusFence {
+        enabled: !presentations.isPresenting
+    }
+
     QXShield {
         anchors.fill: parent
     }
@@ -35,8 +44,6 @@ FocusScope {
         enabled: !presentations.isPresenting
 
         leading: QXTextButton {
-            id: continueButton
-
             objectName: "QXContinueButton"
             text: qsTranslate("Quorvix", "Continue")
             font: QXTheme.barItem
@@ -50,113 +57,19 @@ FocusScope {
         }
     }
 
-    Item {
+    QXBreakpointEditorForm {
+        id: form
+
         anchors.top: bar.bottom
-        anchors.topMargin: QXTheme.margin
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: QXTheme.margin + Math.max(root.safeAreaBottom, keyboardHeight)
-        x: bar.x + bar.columnMargin
-        width: bar.width - 2 * bar.columnMargin
+        anchors.bottomMargin: Math.max(root.safeAreaBottom, keyboardHeight)
+        x: bar.x
+        width: bar.width
         enabled: !presentations.isPresenting
+        model: root.model
+        onContextMenuRequested: position => menu.open(form.body, position.x, position.y)
 
         readonly property real keyboardHeight: InputMethod.visible ? InputMethod.keyboardRectangle.height : 0
-
-        Column {
-            id: head
-
-            width: parent.width
-            spacing: 4
-
-            QXText {
-                objectName: "QXBreakpointTitle"
-                width: parent.width
-                text: root.model.displayTitle
-                font: QXTheme.subheadline
-                wrapMode: Text.WrapAnywhere
-                maximumLineCount: 3
-                elide: Text.ElideRight
-            }
-
-            QXText {
-                width: parent.width
-                text: qsTranslate("Quorvix", "Edit response and continue.")
-                font: QXTheme.footnote
-                color: QXTheme.secondaryLabel
-                wrapMode: Text.Wrap
-            }
-
-            QXText {
-                width: parent.width
-                topPadding: 12
-                text: qsTranslate("Quorvix", "Status Code")
-                font: QXTheme.caption
-                color: QXTheme.secondaryLabel
-                Accessible.ignored: true
-            }
-
-            QXTextField {
-                objectName: "QXStatusCodeField"
-                width: parent.width
-                focus: true
-                text: root.model.statusCodeText
-                inputMethodHints: Qt.ImhDigitsOnly | Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
-                Accessible.name: qsTranslate("Quorvix", "Status Code")
-                onTextChanged: root.model.statusCodeText = text
-            }
-        }
-
-        Item {
-            id: caption
-
-            anchors.top: head.bottom
-            anchors.topMargin: QXTheme.spacing
-            width: parent.width
-            height: QXTheme.touchTarget
-
-            QXText {
-                anchors.left: parent.left
-                anchors.verticalCenter: parent.verticalCenter
-                text: qsTranslate("Quorvix", "RESPONSE BODY")
-                font: QXTheme.caption
-                color: QXTheme.secondaryLabel
-                Accessible.ignored: true
-            }
-
-            Row {
-                anchors.right: parent.right
-                anchors.rightMargin: -QXTheme.spacing
-
-                QXTextButton {
-                    objectName: "QXCopyBodyButton"
-                    text: qsTranslate("Quorvix", "Copy")
-                    font: QXTheme.caption
-                    onClicked: root.model.copyBody()
-                }
-
-                QXTextButton {
-                    id: deleteButton
-
-                    objectName: "QXDeleteBodyButton"
-                    text: qsTranslate("Quorvix", "Delete")
-                    font: QXTheme.caption
-                    onClicked: root.model.deleteBody()
-                }
-            }
-        }
-
-        QXTextArea {
-            id: body
-
-            objectName: "QXBodyArea"
-            anchors.top: caption.bottom
-            anchors.bottom: parent.bottom
-            width: parent.width
-            document: root.model.document
-            KeyNavigation.tab: continueButton
-            KeyNavigation.backtab: deleteButton
-            Accessible.name: qsTranslate("Quorvix", "RESPONSE BODY")
-            onContextMenuRequested: position => menu.open(body, position.x, position.y)
-        }
     }
 
     QXPresentationLayer {
@@ -169,6 +82,6 @@ FocusScope {
         id: menu
 
         presentationLayer: presentations
-        area: body
+        area: form.body
     }
 }

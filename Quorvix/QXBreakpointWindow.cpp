@@ -5,6 +5,7 @@
 #include "Quorvix/QXLayer.h"
 #include "Quorvix/QXQmlView.h"
 
+#include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickWindow>
 
 namespace {
@@ -12,23 +13,48 @@ namespace {
 /// Above the overlay, as an alert's window is, and a little more.
 constexpr int breakpointLevel = 2002;
 
+/// What has the keyboard in a window, or will have it when the window is active again.
+QQuickItem *focusItem(const QQuickWindow &window)
+{
+    QQuickItem *item = window.contentItem();
+    while (item->isFocusScope() && item->scopedFocusItem())
+        item = item->scopedFocusItem();
+    return item == window.contentItem() ? nullptr : item;
+}
+
+QVariantMap safeAreaProperties(const QXLayer &layer)
+{
+    const QMarginsF margins = layer.window() ? QXHostWindow::safeAreaMargins(*layer.window()) : QMarginsF();
+    return {{QStringLiteral("safeAreaTop"), margins.top()},
+            {QStringLiteral("safeAreaLeft"), margins.left()},
+            {QStringLiteral("safeAreaRight"), margins.right()},
+            {QStringLiteral("safeAreaBottom"), margins.bottom()}};
+}
+
+void updateSafeArea(QQuickItem &editor, const QXLayer &layer)
+{
+    const QVariantMap properties = safeAreaProperties(layer);
+    for (auto property = properties.begin(); property != properties.end(); ++property)
+        editor.setProperty(property.key().toLatin1().constData(), property.value());
+}
+
 } // namespace
 
 QXBreakpointWindow::QXBreakpointWindow(QQmlEngine &engine, QQuickWindow *window)
-    : m_engine(engine), m_layer(new QXLayer(breakpointLevel))
+    : m_engine(engine), m_layer(new QXLayer(breakpointLevel)), m_previousFocus(focusItem(*window))
 {
-    m_previousFocus = window->activeFocusItem();
     m_layer->attach(window);
 }
 
 QXBreakpointWindow::~QXBreakpointWindow()
 {
-    const bool wasKey = isKeyWindow();
+    returnFocus();
     m_layer->setVisible(false);
     // Later: it may be a click on the editor that closes it.
     m_layer->deleteLater();
-    if (wasKey && m_previousFocus)
-        m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    const QWindow *const window = m_layer->window();
+    if (m_previousWindow && m_previousWindow->isVisible() && window && window->isActive())
+        m_previousWindow->requestActivate();
 }
 
 void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
@@ -38,29 +64,70 @@ void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
         m_editor->deleteLater();
     }
     auto model = std::make_unique<QXBreakpointEditorModel>(item);
-    const QMarginsF margins =
-        m_layer->window() ? QXHostWindow::safeAreaMargins(*m_layer->window()) : QMarginsF();
-    m_editor = QXQmlView::make(m_engine, QStringLiteral("QXBreakpointEditorView"),
-                               {{QStringLiteral("model"), QVariant::fromValue(model.get())},
-                                {QStringLiteral("safeAreaTop"), margins.top()},
-                                {QStringLiteral("safeAreaLeft"), margins.left()},
-                                {QStringLiteral("safeAreaRight"), margins.right()},
-                                {QStringLiteral("safeAreaBottom"), margins.bottom()}},
-                               *m_layer);
+    QVariantMap properties = safeAreaProperties(*m_layer);
+    properties.insert(QStringLiteral("model"), QVariant::fromValue(model.get()));
+    m_editor = QXQmlView::make(m_engine, QStringLiteral("QXBreakpointEditorView"), properties, *m_layer);
     if (!m_editor)
         return;
     model.release()->setParent(m_editor);
-    m_editor->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    const auto fit = [editor = m_editor.data(), layer = m_layer] {
+        updateSafeArea(*editor, *layer);
+    };
+    QObject::connect(m_layer, &QQuickItem::widthChanged, m_editor, fit);
+    QObject::connect(m_layer, &QQuickItem::heightChanged, m_editor, fit);
+    takeFocus();
+    activate();
 }
 
 void QXBreakpointWindow::attach(QQuickWindow *window)
 {
+    if (window == m_layer->window())
+        return;
+    returnFocus();
+    m_previousFocus = focusItem(*window);
     m_layer->attach(window);
-    if (m_editor)
-        m_editor->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    if (!m_editor)
+        return;
+    updateSafeArea(*m_editor, *m_layer); // it may have the size of the other
+    takeFocus();
+}
+
+void QXBreakpointWindow::setPreviousFocus(QQuickItem *item)
+{
+    m_previousFocus = item;
 }
 
 bool QXBreakpointWindow::isKeyWindow() const
 {
     return m_editor && m_editor->hasActiveFocus();
+}
+
+/// Brings the window to the front, with the keyboard.
+void QXBreakpointWindow::activate()
+{
+    QWindow *const window = m_layer->window();
+    QWindow *const active = QGuiApplication::focusWindow();
+    // QWindow::isActive() is true for the windows that belong to the active one, too.
+    if (!window || window == active)
+        return;
+    m_previousWindow = active;
+    // QWindow::show() would make a maximised window a normal one.
+    if (window->windowStates() & Qt::WindowMinimized)
+        window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+    window->setVisible(true);
+    if (QXHostWindow::areStacked())
+        window->raise();
+    window->requestActivate();
+}
+
+void QXBreakpointWindow::takeFocus()
+{
+    m_editor->forceActiveFocus(Qt::ActiveWindowFocusReason);
+}
+
+/// Unless something else of the window has taken the keyboard from the editor.
+void QXBreakpointWindow::returnFocus()
+{
+    if (m_editor && m_editor->hasFocus() && m_previousFocus)
+        m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
 }

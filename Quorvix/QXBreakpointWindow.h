@@ -3,6 +3,7 @@
 #include "Quorvix/QXBreakpointItem.h"
 
 #include <QtCore/QPointer>
+#include <QtGui/QWindow>
 
 #include <memory>
 
@@ -12,6 +13,8 @@ class QQuickWindow;
 class QXLayer;
 
 /// The window of the breakpoint editor: a layer above all others, with the keyboard. Main thread only.
+///
+/// The keyboard goes back to where it was once the editor is gone.
 class QUORVIX_INTERNAL_EXPORT QXBreakpointWindow
 {
 public:
@@ -19,10 +22,13 @@ public:
     QXBreakpointWindow(QQmlEngine &engine, QQuickWindow *window);
     ~QXBreakpointWindow();
 
-    /// Shows an editor for @p item, in place of the one that was there, and takes the keyboard.
+    /// Shows an editor for @p item, in place of the one that was there, and takes the keyboard, from another
+    /// window too.
     void makeKeyAndVisible(const QXBreakpointItem &item);
     /// Lies over another window from now on.
     void attach(QQuickWindow *window);
+    /// Gives the keyboard to @p item when the editor is gone; to nobody if that is null.
+    void setPreviousFocus(QQuickItem *item);
 
     /// Whether the keyboard is the editor's.
     [[nodiscard]] bool isKeyWindow() const;
@@ -30,8 +36,14 @@ public:
     [[nodiscard]] QQuickItem *editor() const { return m_editor; }
 
 private:
+    void activate();
+    void takeFocus();
+    void returnFocus();
+
     QQmlEngine &m_engine;
     QXLayer *m_layer;
     QPointer<QQuickItem> m_editor;
     QPointer<QQuickItem> m_previousFocus;
+    /// The one that was active instead of the layer's.
+    QPointer<QWindow> m_previousWindow;
 };

@@ -36,6 +36,13 @@ bool QXHostWindow::isFallback(const QQuickWindow *window)
     return window->property(fallbackProperty).toBool();
 }
 
+bool QXHostWindow::areStacked()
+{
+    return QStringList{QStringLiteral("xcb"), QStringLiteral("wayland"), QStringLiteral("windows"),
+                       QStringLiteral("cocoa")}
+        .contains(QGuiApplication::platformName());
+}
+
 std::unique_ptr<QQuickWindow> QXHostWindow::makeFallback()
 {
     auto window = std::make_unique<QQuickWindow>();

@@ -17,6 +17,10 @@ namespace QXHostWindow {
 /// Whether the inspector made @p window for itself.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT bool isFallback(const QQuickWindow *window);
 
+/// Whether the platform lays windows over one another. Where it does not there is nothing beneath, and asking
+/// for a mask or for another order only earns a warning.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool areStacked();
+
 /// A transparent window of the main screen's size, for an application that has none of its own.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT std::unique_ptr<QQuickWindow> makeFallback();
 

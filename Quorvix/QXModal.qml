@@ -86,8 +86,10 @@ FocusScope {
     }
 
     function disappear() {
+        const hadKeyboard = root.activeFocus;
         root.presentationLayer.dismiss(root);
-        if (root.previousFocus)
+        // Something above all screens may have it by now.
+        if (root.previousFocus && hadKeyboard)
             root.previousFocus.forceActiveFocus();
         root.previousFocus = null;
         // Dismissed before it has begun to come in, there is no way out to wait for.

@@ -117,7 +117,11 @@ void QXOverlay::settle()
             QXHostWindow::followFocus(*m_fallbackWindow);
         return;
     }
+    if (m_isShowingRequestList)
+        m_previousFocus = host->activeFocusItem();
     m_layer->attach(host);
+    if (m_isShowingRequestList && m_view)
+        m_view->forceActiveFocus(Qt::ActiveWindowFocusReason);
     if (m_breakpointWindow)
         m_breakpointWindow->attach(host);
     m_fallbackWindow.reset();
@@ -181,11 +185,7 @@ bool QXOverlay::hitTest(const QPointF &point) const
 /// The fallback window lies over other applications: only what is visible of it may take their clicks.
 void QXOverlay::updateMask()
 {
-    // Where windows are not stacked there is nothing beneath, and asking for a mask only earns a warning.
-    static const bool stacksWindows = QStringList{QStringLiteral("xcb"), QStringLiteral("wayland"),
-                                                  QStringLiteral("windows"), QStringLiteral("cocoa")}
-                                          .contains(QGuiApplication::platformName());
-    if (!m_fallbackWindow || !stacksWindows)
+    if (!m_fallbackWindow || !QXHostWindow::areStacked())
         return;
     const bool fills = m_isShowingRequestList || m_breakpointWindow;
     const QRect button = buttonFrame().toAlignedRect();
@@ -243,7 +243,9 @@ void QXOverlay::requestListDismissed()
         return;
     m_isShowingRequestList = false;
     Q_EMIT presentationChanged();
-    if (m_previousFocus)
+    if (m_breakpointWindow && m_breakpointWindow->editor())
+        m_breakpointWindow->setPreviousFocus(m_previousFocus); // it has the keyboard, and keeps it for now
+    else if (m_previousFocus)
         m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
 }
 
@@ -267,6 +269,8 @@ void QXOverlay::handleBreakpointChanged()
     } else {
         QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] hide window key=") + isKey);
         m_breakpointWindow.reset();
+        if (m_fallbackWindow)
+            m_fallbackWindow->setVisible(!isHidden()); // as it was before the editor needed it
     }
     updateMask();
 }

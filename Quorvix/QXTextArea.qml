@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix
 
-/// Many lines to type in, with a rounded border; a body of any size.
+/// Many lines to type in, with a rounded border; a body of any size. The type is the system's monospaced one,
+/// of regular weight.
 FocusScope {
     id: root
 
@@ -15,7 +16,11 @@ FocusScope {
     /// By a right click, the Menu key, or a finger that is held, in the area's coordinates.
     signal contextMenuRequested(point position)
     signal textEdited
+    /// The text has been scrolled so that these heights of the area are to be seen.
+    signal revealed(real top, real bottom)
 
+    /// That of a few rows, with less of which one cannot work.
+    implicitHeight: 4 * editor.rowHeight + 2 * (root.padding + page.anchors.margins)
     activeFocusOnTab: false
 
     Accessible.ignored: true
@@ -54,7 +59,7 @@ FocusScope {
         focus: true
         font: QXTheme.monospaced
         color: QXTheme.label
-        selectionColor: QXTheme.blue
+        selectionColor: QXTheme.selection
         selectedTextColor: QXTheme.onColor
         Accessible.role: Accessible.EditableText
         Accessible.name: root.Accessible.name
@@ -67,15 +72,17 @@ FocusScope {
         onContextMenuRequested: position => root.contextMenuRequested(editor.mapToItem(root, position))
         onRevealRequested: (top, bottom) => root.reveal(top, bottom)
         onTopRowMoved: distance => page.contentY += distance
-    }
 
-    QXTextHandles {
-        parent: page
-        view: editor
+        // Not beside it: they are anchored before the parent above is set.
+        QXTextHandles {
+            view: editor
+        }
     }
 
     function reveal(top: real, bottom: real) {
         const lowest = Math.max(page.contentY, bottom + 2 * root.padding - page.height);
         page.contentY = Math.max(0, Math.min(lowest, top));
+        const offset = editor.mapToItem(root, 0, 0).y - editor.scrollOffset;
+        root.revealed(top + offset, bottom + offset);
     }
 }

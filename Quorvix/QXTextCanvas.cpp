@@ -133,10 +133,18 @@ void QXTextCanvas::setContentHeight(qreal height)
 void QXTextCanvas::followEdit(qsizetype position, qsizetype removed, qsizetype added)
 {
     forgetLayouts();
-    if (m_columns == 0)
-        return;
-    m_rows.follow(m_document->view(), position, removed, added);
-    setContentHeight(m_rows.count() * m_rowHeight);
+    const bool areBroken = m_columns > 0;
+    if (areBroken)
+        m_rows.follow(m_document->view(), position, removed, added);
+    // Before anyone is told of anything: positions beyond the end are asked for no more.
+    const qsizetype length = m_document->length();
+    if (m_selection.end() > length) {
+        QXTextSelection kept;
+        kept.set(qMin(m_selection.anchor(), length), qMin(m_selection.cursor(), length));
+        setSelection(kept);
+    }
+    if (areBroken)
+        setContentHeight(m_rows.count() * m_rowHeight);
 }
 
 int QXTextCanvas::rowAtOffset(qreal offset) const

@@ -3,6 +3,7 @@
 #include "Quorvix/QXTextCommand.h"
 #include "Quorvix/QXTextSurroundings.h"
 
+#include <QtCore/QScopedValueRollback>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QInputMethod>
@@ -37,7 +38,14 @@ void QXTextEditor::adoptDocument()
     m_editing.clear();
     m_preedit.clear();
     if (document())
-        connect(document(), &QXTextDocument::replaced, this, &QXTextEditor::textChanged);
+        connect(document(), &QXTextDocument::replaced, this, &QXTextEditor::followDocument);
+    Q_EMIT textChanged();
+}
+
+void QXTextEditor::followDocument()
+{
+    if (!m_isEditing)
+        m_editing.clear(); // its positions are those of another text
     Q_EMIT textChanged();
 }
 
@@ -52,7 +60,6 @@ void QXTextEditor::setText(const QString &text)
         setDocument(&m_ownDocument);
     if (document()->view() == text)
         return;
-    m_editing.clear();
     m_preedit.clear();
     setSelection({});
     document()->replace(0, document()->length(), text);
@@ -76,14 +83,22 @@ void QXTextEditor::insert(const QString &text)
     replace({selection().start(), selection().end()}, text);
 }
 
+void QXTextEditor::clear()
+{
+    if (document())
+        replace({0, document()->length()}, {});
+}
+
 void QXTextEditor::undo()
 {
+    const QScopedValueRollback own(m_isEditing, true);
     if (!isReadOnly())
         restore(m_editing.undo(*document()));
 }
 
 void QXTextEditor::redo()
 {
+    const QScopedValueRollback own(m_isEditing, true);
     if (!isReadOnly())
         restore(m_editing.redo(*document()));
 }
@@ -102,6 +117,7 @@ void QXTextEditor::replace(QXTextRange part, const QString &added)
     if (isReadOnly() || (part.start == part.end && added.isEmpty()))
         return;
     breakRows();
+    const QScopedValueRollback own(m_isEditing, true);
     const qsizetype cursor = m_editing.replace(*document(), part, added, selection());
     selectFrom(cursor, cursor);
     revealCursor();
@@ -191,6 +207,9 @@ void QXTextEditor::focusInEvent(QFocusEvent *event)
 {
     QXTextView::focusInEvent(event);
     showCaret();
+    // A press has yet to say where the cursor goes.
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        revealCursor();
 }
 
 void QXTextEditor::focusOutEvent(QFocusEvent *event)

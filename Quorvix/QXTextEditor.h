@@ -38,6 +38,10 @@ public:
     Q_INVOKABLE void redo();
     /// Puts the text in the place of what is selected, or where the cursor is.
     Q_INVOKABLE void insert(const QString &text);
+    /// Deletes the whole text.
+    Q_INVOKABLE void clear();
+    /// Asks whoever scrolls to show where the cursor is.
+    Q_INVOKABLE void showCursor() { revealCursor(); }
 
     void paint(QPainter *painter) override;
     [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
@@ -64,6 +68,7 @@ protected:
 
 private:
     void adoptDocument();
+    void followDocument();
     void obey(const QXTextCommand &command);
     void leaveOrMove(QXTextMove move);
     void replace(QXTextRange part, const QString &added);
@@ -79,6 +84,8 @@ private:
 
     QXTextDocument m_ownDocument{QString()};
     QXTextEditing m_editing;
+    /// While it is the editor that changes the document.
+    bool m_isEditing = false;
     Qt::InputMethodHints m_inputMethodHints =
         Qt::ImhMultiLine | Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText;
     QBasicTimer m_blinkTimer;

@@ -4,6 +4,7 @@ set(QUORVIX_QML_FILES
     QXActivityHeader.qml
     QXActivityView.qml
     QXAlert.qml
+    QXBreakpointEditorForm.qml
     QXBreakpointEditorView.qml
     QXBreakpointRowView.qml
     QXBreakpointsListView.qml

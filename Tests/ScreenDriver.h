@@ -25,20 +25,25 @@ void visitVisible(QQuickItem *item, const Visit &visit)
         visitVisible(child, visit);
 }
 
-inline QList<QQuickItem *> findAll(QQuickWindow &window, const char *name)
+inline QList<QQuickItem *> findAll(QQuickItem &root, const char *name)
 {
     QList<QQuickItem *> found;
-    visitVisible(window.contentItem(), [&](QQuickItem *item) {
+    visitVisible(&root, [&](QQuickItem *item) {
         if (item->objectName() == QLatin1StringView(name))
             found.append(item);
     });
     return found;
 }
 
-/// The one painted last, or null.
-inline QQuickItem *find(QQuickWindow &window, const char *name)
+inline QList<QQuickItem *> findAll(QQuickWindow &window, const char *name)
 {
-    const auto found = findAll(window, name);
+    return findAll(*window.contentItem(), name);
+}
+
+/// The one painted last in a window or an item, or null.
+inline QQuickItem *find(auto &place, const char *name)
+{
+    const auto found = findAll(place, name);
     return found.isEmpty() ? nullptr : found.constLast();
 }
 

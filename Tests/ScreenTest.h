@@ -1,0 +1,156 @@
+#pragma once
+
+#include "Tests/ScreenDriver.h"
+
+#include "Quorvix/QXBreakpointCenter.h"
+#include "Quorvix/QXBreakpointStore.h"
+#include "Quorvix/QXRequestRecorder.h"
+#include "Quorvix/QuorvixClient.h"
+
+#include "Platform/HTTPCookieStorage.h"
+
+#include <QtCore/QRegularExpression>
+#include <QtCore/QSettings>
+#include <QtCore/QStandardPaths>
+#include <QtGui/QAccessible>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QPointingDevice>
+#include <QtQml/QQmlComponent>
+#include <QtQml/QQmlEngine>
+
+#include <memory>
+
+/// A test that acts on a window: that of a host, with the inspector over it, unless a test makes another.
+///
+/// Whoever includes this includes "moc_ScreenTest.cpp" too.
+class ScreenTest : public QObject
+{
+    Q_OBJECT
+
+protected Q_SLOTS:
+    virtual void init()
+    {
+        startAnew();
+        m_window = makeWindow();
+        QuorvixClient::shared().show();
+    }
+
+    virtual void cleanup()
+    {
+        while (QXBreakpointCenter::shared().activeBreakpoint())
+            QXBreakpointCenter::shared().continueActive();
+        QuorvixClient::shared().hide();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_window.reset();
+    }
+
+protected:
+    /// Forgets what earlier tests left; from here on whatever Qt or a screen complains of fails the test.
+    static void startAnew()
+    {
+        static QtMessageHandler testHandler = nullptr;
+        if (!testHandler) {
+            testHandler = qInstallMessageHandler([](auto type, const auto &context, const auto &message) {
+                // Screens complain in critical lines of the log, and only warnings can fail a test.
+                testHandler(type == QtCriticalMsg ? QtWarningMsg : type, context, message);
+            });
+            // Every look at the clock is past the last cooldown.
+            QXBreakpointCenter::shared().setClock(
+                [now = QXBreakpointCenter::TimePoint()]() mutable { return now += std::chrono::seconds(1); });
+            QStandardPaths::setTestModeEnabled(true);
+        }
+        QuorvixClient::shared().setLogLevel(QXLogLevel::error);
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        QSettings().clear();
+        QXRequestRecorder::shared().clear();
+        QXBreakpointStore::shared().setRules({});
+        HTTPCookieStorage::shared().removeAllCookies();
+    }
+
+    /// The window of a host that shows nothing, of the size of a phone.
+    [[nodiscard]] static std::unique_ptr<QQuickWindow> makeWindow()
+    {
+        auto window = std::make_unique<QQuickWindow>();
+        window->resize(390, 844);
+        window->show();
+        return QTest::qWaitForWindowActive(window.get()) ? std::move(window) : nullptr;
+    }
+
+    /// The window that @p qml describes.
+    [[nodiscard]] static std::unique_ptr<QQuickWindow> makeWindow(QQmlEngine &engine, const char *qml)
+    {
+        QQmlComponent component(&engine);
+        component.setData(qml, QUrl());
+        std::unique_ptr<QQuickWindow> window(qobject_cast<QQuickWindow *>(component.create()));
+        if (!window || !QTest::qWaitForWindowActive(window.get()))
+            qFatal("no window: %s", qPrintable(component.errorString()));
+        return window;
+    }
+
+    /// Adds a rule for a response and holds it by that.
+    [[nodiscard]] static bool hold(const QByteArray &body, const DataTaskCompletionHandler &release)
+    {
+        const QUrl url(QStringLiteral("http://host/held"));
+        QXBreakpointStore::shared().insert(*QXBreakpointKey::make(url, {}));
+        const auto response = NSHTTPURLResponse::create(url, 200, QStringLiteral("HTTP/1.1"), {});
+        return QXBreakpointCenter::shared().check(URLRequest(url), QStringLiteral("held"), body, response, {},
+                                                  release);
+    }
+
+    [[nodiscard]] QQuickItem *find(const char *name) { return ScreenDriver::find(*m_window, name); }
+    [[nodiscard]] auto findAll(const char *name) { return ScreenDriver::findAll(*m_window, name); }
+    /// The one that has a property of this value, or null.
+    [[nodiscard]] QQuickItem *find(const char *name, const char *property, const QVariant &value)
+    {
+        const auto items = findAll(name);
+        const auto found = std::find_if(items.cbegin(), items.cend(), [&](const QQuickItem *item) {
+            return item->property(property) == value;
+        });
+        return found == items.cend() ? nullptr : *found;
+    }
+    /// Waits until an item is there and has come to rest.
+    [[nodiscard]] bool waitFor(const char *name) { return ScreenDriver::waitForRest(*m_window, name); }
+    /// A text that an item shows, or null where there is none.
+    [[nodiscard]] QString text(const char *name, const char *property = "text")
+    {
+        const QQuickItem *const item = find(name);
+        return item ? item->property(property).toString() : QString();
+    }
+
+    void click(const char *name) { ScreenDriver::click(*m_window, name); }
+    void click(QPoint at, Qt::MouseButton button = Qt::LeftButton)
+    {
+        QTest::mouseClick(m_window.get(), button, {}, at);
+    }
+    void type(const char *text) { ScreenDriver::type(*m_window, text); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(m_window.get(), key, modifiers);
+    }
+    /// The finger goes down, and stays there until it is lifted.
+    void touch(QPoint at) { QTest::touchEvent(m_window.get(), m_finger.get()).press(0, at, m_window.get()); }
+    void lift(QPoint at) { QTest::touchEvent(m_window.get(), m_finger.get()).release(0, at, m_window.get()); }
+
+    [[nodiscard]] static QString clipboard() { return QGuiApplication::clipboard()->text(); }
+    [[nodiscard]] static QRectF sceneRect(const QQuickItem &item)
+    {
+        return item.mapRectToScene(item.boundingRect());
+    }
+    [[nodiscard]] static QString spoken(QQuickItem *item, QAccessible::Text text = QAccessible::Name)
+    {
+        QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(item);
+        return accessible ? accessible->text(text) : QString();
+    }
+    /// Whether an item can be hit by a finger and is told to those who do not see it.
+    [[nodiscard]] bool isUsable(const char *name, qreal height = 44)
+    {
+        QQuickItem *const item = find(name);
+        QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(item);
+        return item && item->width() >= 44 && item->height() >= height && !spoken(item).isEmpty() &&
+               accessible->role() != QAccessible::NoRole && accessible->role() != QAccessible::Client;
+    }
+
+    std::unique_ptr<QPointingDevice> m_finger{QTest::createTouchDevice()};
+    std::unique_ptr<QQuickWindow> m_window;
+};
