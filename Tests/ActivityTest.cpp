@@ -7,12 +7,14 @@
 #include <QtGui/QGuiApplication>
 #include <QtTest/QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QByteArray contents(const QString &path)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : "unreadable"_ba;
 }
 
 } // namespace
@@ -34,7 +36,7 @@ private:
 
 void ActivityTest::init()
 {
-    m_path = m_folder.filePath(QStringLiteral("archive.har"));
+    m_path = m_folder.filePath(u"archive.har"_s);
     QFile file(m_path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write("{\"log\" : \"ü\"}"), 14);
@@ -45,12 +47,12 @@ void ActivityTest::fileIsShownCopiedAndSaved()
     UIActivityViewController controller;
     controller.setActivityItems({QUrl::fromLocalFile(m_path)});
     QVERIFY(controller.isFile());
-    QCOMPARE(controller.title(), QStringLiteral("archive.har"));
-    QVERIFY(controller.subtitle().startsWith(QStringLiteral("HAR")));
-    QCOMPARE(controller.previewText(), QStringLiteral("{\"log\" : \"ü\"}"));
+    QCOMPARE(controller.title(), u"archive.har"_s);
+    QVERIFY(controller.subtitle().startsWith(u"HAR"_s));
+    QCOMPARE(controller.previewText(), u"{\"log\" : \"ü\"}"_s);
     controller.copy();
-    QVERIFY(QGuiApplication::clipboard()->text().endsWith(QStringLiteral("archive.har")));
-    const QString target = m_folder.filePath(QStringLiteral("saved.har"));
+    QVERIFY(QGuiApplication::clipboard()->text().endsWith(u"archive.har"_s));
+    const QString target = m_folder.filePath(u"saved.har"_s);
     QCOMPARE(controller.saveAs(target), QString());
     QCOMPARE(contents(target), contents(m_path));
 }
@@ -63,7 +65,7 @@ void ActivityTest::textIsNeverTakenForAFile()
     QVERIFY(!controller.isFile());
     QCOMPARE(controller.previewText(), text);
     QVERIFY(!controller.open() && !controller.showInFolder());
-    const QString target = m_folder.filePath(QStringLiteral("saved.txt"));
+    const QString target = m_folder.filePath(u"saved.txt"_s);
     QCOMPARE(controller.saveAs(target), QString());
     QCOMPARE(contents(target), text.toUtf8());
 }
@@ -72,8 +74,8 @@ void ActivityTest::savingTellsWhyItFailed()
 {
     UIActivityViewController controller;
     controller.setActivityItems({QUrl::fromLocalFile(m_path)});
-    const QString taken = m_folder.filePath(QStringLiteral("saved.har"));
-    QVERIFY(!controller.saveAs(m_folder.filePath(QStringLiteral("no/such/folder/saved.har"))).isEmpty());
+    const QString taken = m_folder.filePath(u"saved.har"_s);
+    QVERIFY(!controller.saveAs(m_folder.filePath(u"no/such/folder/saved.har"_s)).isEmpty());
     QVERIFY(QFile::remove(m_path));
     const QByteArray before = contents(taken);
     QVERIFY(!controller.saveAs(taken).isEmpty());

@@ -1,13 +1,16 @@
+#include "Tests/Exchanges.h"
+
 #include "Quorvix/QXBreakpointCenter.h"
 #include "Quorvix/QXBreakpointStore.h"
 #include "Quorvix/QXLog.h"
-#include "Quorvix/QXRequestRecorder.h"
 
 #include "Platform/NSNotificationCenter.h"
 
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+using namespace Exchanges;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -35,8 +38,7 @@ struct Delivery
     [[nodiscard]] QString header(const char *name) const
     {
         const auto found = http().allHeaderFields().find(QString::fromLatin1(name));
-        return found == http().allHeaderFields().end() ? QStringLiteral("absent")
-                                                       : description(found->second);
+        return found == http().allHeaderFields().end() ? u"absent"_s : description(found->second);
     }
 };
 
@@ -49,10 +51,8 @@ class BreakpointTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void keys_data();
     void keys();
     void rulesAreSortedAndAnnounced();
-    void whatIsNotHeld_data();
     void whatIsNotHeld();
     void heldResponsesWaitInLine();
     void cooldownLetsResponsesPass();
@@ -60,14 +60,12 @@ private Q_SLOTS:
     void edits();
     void continueRebuildsTheResponse();
     void handlerMayRunAnEventLoop();
-    void logFollowsTheLevel_data();
     void logFollowsTheLevel();
 
 private:
-    bool check(const QString &id, const QString &url = QStringLiteral("http://host/a"),
-               NSHeaderFields fields = {}, std::optional<QByteArray> data = QByteArray("body"));
+    bool check(const QString &id, NSHeaderFields fields = {}, std::optional<QByteArray> data = "body"_ba);
 
-    const QUrl m_url{QStringLiteral("http://host/a")};
+    const QUrl m_url{u"http://host/a"_s};
     std::unique_ptr<QXBreakpointCenter> m_center;
     QXBreakpointCenter::TimePoint m_now;
     QList<Delivery> m_delivered;
@@ -94,44 +92,25 @@ void BreakpointTest::cleanup()
     QXLog::setLevel(QXLogLevel::none);
 }
 
-bool BreakpointTest::check(const QString &id, const QString &url, NSHeaderFields fields,
-                           std::optional<QByteArray> data)
+bool BreakpointTest::check(const QString &id, NSHeaderFields fields, std::optional<QByteArray> data)
 {
-    const URLRequest request{QUrl(url)};
-    QXRequestRecorder::shared().record(id, request);
-    const auto response =
-        NSHTTPURLResponse::create(request.url.value(), 200, QStringLiteral("HTTP/2.0"), fields);
-    return m_center->check(request, id, data, response, std::nullopt,
+    QXRequestRecorder::shared().record(id, URLRequest(m_url));
+    return m_center->check(URLRequest(m_url), id, data, makeResponse(200, fields), std::nullopt,
                            [this](auto body, auto delivered, auto error) {
                                m_delivered.append({std::move(body), std::move(delivered), std::move(error)});
                            });
 }
 
-void BreakpointTest::keys_data()
-{
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<QString>("method");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("no method is GET")
-        << QStringLiteral("http://host/a") << QString() << QStringLiteral("GET host/a");
-    QTest::newRow("method in upper case")
-        << QStringLiteral("http://host/a") << QStringLiteral("post") << QStringLiteral("POST host/a");
-    QTest::newRow("empty path") << QStringLiteral("http://host") << QString() << QStringLiteral("GET host/");
-    QTest::newRow("scheme, port, query, fragment left out")
-        << QStringLiteral("https://host:8080/a?b=c#d") << QString() << QStringLiteral("GET host/a");
-    QTest::newRow("path is decoded") << QStringLiteral("http://host/a%20b") << QString()
-                                     << QStringLiteral("GET host/a b");
-    QTest::newRow("no host") << QStringLiteral("/api/users") << QString() << QStringLiteral("GET /api/users");
-}
-
 void BreakpointTest::keys()
 {
-    QFETCH(const QString, url);
-    QFETCH(const QString, method);
-    QFETCH(const QString, text);
-    const auto key = QXBreakpointKey::make(QUrl(url), method.isNull() ? std::nullopt : std::optional(method));
-    QCOMPARE(key->displayText(), text);
-    QVERIFY(!QXBreakpointKey::make(std::nullopt, method));
+    const auto text = [](const QString &url, const std::optional<QString> &method = {}) {
+        return QXBreakpointKey::make(QUrl(url), method)->displayText();
+    };
+    QCOMPARE(text(u"http://host/a"_s, u"post"_s), u"POST host/a"_s);
+    QCOMPARE(text(u"http://host"_s), u"GET host/"_s);
+    QCOMPARE(text(u"https://host:8080/a%20b?c=d#e"_s), u"GET host/a b"_s);
+    QCOMPARE(text(u"/api/users"_s), u"GET /api/users"_s);
+    QVERIFY(!QXBreakpointKey::make(std::nullopt, u"GET"_s));
 }
 
 void BreakpointTest::rulesAreSortedAndAnnounced()
@@ -141,44 +120,32 @@ void BreakpointTest::rulesAreSortedAndAnnounced()
     connect(&store, &QXBreakpointStore::objectWillChange, this,
             [&] { sizeWhenAnnounced = store.rules().size(); });
     const QSignalSpy changed(&store, &QXBreakpointStore::rulesChanged);
-    const auto get = QStringLiteral("GET");
-    store.setRules({{QStringLiteral("POST"), QStringLiteral("hostA"), QStringLiteral("/x")},
-                    {get, QStringLiteral("b"), QStringLiteral("/x")},
-                    {get, QStringLiteral("hostA"), QStringLiteral("/x")},
-                    {get, QStringLiteral("A"), QStringLiteral("/x")}});
+    const auto get = u"GET"_s;
+    store.setRules({{u"POST"_s, u"hostA"_s, u"/x"_s},
+                    {get, u"b"_s, u"/x"_s},
+                    {get, u"hostA"_s, u"/x"_s},
+                    {get, u"A"_s, u"/x"_s}});
     QCOMPARE(sizeWhenAnnounced, 0);
     QCOMPARE(changed.count(), 1);
     QStringList texts;
     for (const auto &key : store.sortedRules())
         texts.append(key.displayText());
-    QCOMPARE(texts.join(u','), QStringLiteral("GET A/x,GET b/x,GET hostA/x,POST hostA/x"));
-    store.remove({get, QStringLiteral("b"), QStringLiteral("/x")});
-    QVERIFY(!store.contains({get, QStringLiteral("b"), QStringLiteral("/x")}));
-    QVERIFY(!store.contains({get, QStringLiteral("a"), QStringLiteral("/x")})); // case counts
-}
-
-void BreakpointTest::whatIsNotHeld_data()
-{
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<bool>("http");
-    QTest::newRow("no rule") << QStringLiteral("http://host/b") << true;
-    QTest::newRow("no URL") << QString() << true;
-    QTest::newRow("no HTTP response") << QStringLiteral("http://host/a") << false;
+    QCOMPARE(texts.join(u','), u"GET A/x,GET b/x,GET hostA/x,POST hostA/x"_s);
+    store.remove({get, u"b"_s, u"/x"_s});
+    QVERIFY(!store.contains({get, u"b"_s, u"/x"_s}));
+    QVERIFY(!store.contains({get, u"a"_s, u"/x"_s})); // case counts
 }
 
 void BreakpointTest::whatIsNotHeld()
 {
-    QFETCH(const QString, url);
-    QFETCH(const bool, http);
-    URLRequest request;
-    if (!url.isEmpty())
-        request.url = QUrl(url);
-    const NSURLResponsePtr response =
-        http ? NSHTTPURLResponse::create(m_url, 200, QStringLiteral("HTTP/1.1"), {})
-             : std::make_shared<const NSURLResponse>(m_url);
-    QVERIFY(!m_center->check(request, QStringLiteral("1"), {}, response, {}, {}));
-    QVERIFY(
-        !m_center->check(request, QStringLiteral("1"), {}, nullptr, makeURLError(NSURLErrorTimedOut), {}));
+    const NSURLResponsePtr http = makeResponse(200);
+    const auto isHeld = [this](const URLRequest &request, const NSURLResponsePtr &response) {
+        return m_center->check(request, u"1"_s, {}, response, {}, {});
+    };
+    QVERIFY(!isHeld(makeRequest(u"http://host/b"_s), http)); // no rule
+    QVERIFY(!isHeld(makeRequest(QString()), http));
+    QVERIFY(!isHeld(URLRequest(m_url), std::make_shared<const NSURLResponse>(m_url)));
+    QVERIFY(!isHeld(URLRequest(m_url), nullptr));
     QVERIFY(!m_center->activeBreakpoint());
     QCOMPARE(m_posts, 0);
 }
@@ -189,147 +156,123 @@ void BreakpointTest::heldResponsesWaitInLine()
     for (const auto *id : {"1", "2", "3"})
         QVERIFY(check(QString::fromLatin1(id)));
     QCOMPARE(m_posts, 1);
-    QCOMPARE(m_center->activeBreakpoint()->requestId, QStringLiteral("1"));
-    QCOMPARE(m_center->activeBreakpoint()->displayTitle(), QStringLiteral("GET host/a"));
+    QCOMPARE(m_center->activeBreakpoint()->requestId, u"1"_s);
+    QCOMPARE(m_center->activeBreakpoint()->displayTitle(), u"GET host/a"_s);
     QCOMPARE(m_center->queue().size(), 2U);
     QVERIFY(m_delivered.isEmpty());
     QVERIFY(!QXRequestRecorder::shared().requests()[2].duration);
 
     m_center->continueActive();
     QCOMPARE(m_posts, 2);
-    QCOMPARE(m_center->activeBreakpoint()->requestId, QStringLiteral("2"));
+    QCOMPARE(m_center->activeBreakpoint()->requestId, u"2"_s);
     QCOMPARE(m_delivered.size(), 1);
     QVERIFY(QXRequestRecorder::shared().requests()[2].response);
 
     m_center->apply(std::nullopt, std::nullopt);
     m_center->continueActive();
     QVERIFY(!m_center->activeBreakpoint());
+    QCOMPARE(m_delivered[1].data, ""_ba); // that of no text
     QCOMPARE(m_posts, 4);
     m_center->continueActive();
     QCOMPARE(m_posts, 4);
-    QCOMPARE(
-        lines,
-        QStringList(
-            {QStringLiteral("[Breakpoint] activated queue=0"), QStringLiteral("[Breakpoint] queued count=1"),
-             QStringLiteral("[Breakpoint] queued count=2"),
-             QStringLiteral("[Breakpoint] continue active=true queue=2 main=true cooldown=0.6s"),
-             QStringLiteral("[Breakpoint] resolved next=true queue=1"), QStringLiteral("[Breakpoint] apply"),
-             QStringLiteral("[Breakpoint] resolved next=true queue=0"),
-             QStringLiteral("[Breakpoint] continue active=true queue=0 main=true cooldown=0.6s"),
-             QStringLiteral("[Breakpoint] resolved next=false queue=0"),
-             QStringLiteral("[Breakpoint] continue active=false queue=0 main=true cooldown=0.6s")}));
+    QCOMPARE(lines, QStringList({u"[Breakpoint] activated queue=0"_s, u"[Breakpoint] queued count=1"_s,
+                                 u"[Breakpoint] queued count=2"_s,
+                                 u"[Breakpoint] continue active=true queue=2 main=true cooldown=0.6s"_s,
+                                 u"[Breakpoint] resolved next=true queue=1"_s, u"[Breakpoint] apply"_s,
+                                 u"[Breakpoint] resolved next=true queue=0"_s,
+                                 u"[Breakpoint] continue active=true queue=0 main=true cooldown=0.6s"_s,
+                                 u"[Breakpoint] resolved next=false queue=0"_s,
+                                 u"[Breakpoint] continue active=false queue=0 main=true cooldown=0.6s"_s}));
 }
 
 void BreakpointTest::cooldownLetsResponsesPass()
 {
     m_center->continueActive(); // starts it even with nothing held
     m_now += 300ms;
-    QVERIFY(!check(QStringLiteral("1")));
+    QVERIFY(!check(u"1"_s));
     m_now += 400ms;
-    QVERIFY(check(QStringLiteral("2")));
+    QVERIFY(check(u"2"_s));
     m_center->continueActive();
     m_now += 599ms;
-    QVERIFY(!check(QStringLiteral("3")));
+    QVERIFY(!check(u"3"_s));
     m_now += 1ms;
-    QVERIFY(check(QStringLiteral("4"))); // the same endpoint as the one just released
+    QVERIFY(check(u"4"_s)); // the same endpoint as the one just released
 }
 
 void BreakpointTest::edits_data()
 {
     QTest::addColumn<QString>("status");
-    QTest::addColumn<QString>("body");
-    QTest::addColumn<qint64>("deliveredStatus");
-    QTest::addColumn<QByteArray>("deliveredBody");
-    const auto json = QStringLiteral("{}");
-    QTest::newRow("plus sign") << QStringLiteral("+201") << json << qint64(201) << QByteArray("{}");
-    QTest::newRow("negative stands") << QStringLiteral("-1") << json << qint64(-1) << QByteArray("{}");
-    QTest::newRow("no digits") << QStringLiteral("abc") << QString() << qint64(200) << QByteArray("");
-    QTest::newRow("empty") << QStringLiteral("") << json << qint64(200) << QByteArray("{}");
-    QTest::newRow("space") << QStringLiteral(" 404") << json << qint64(200) << QByteArray("{}");
-    QTest::newRow("two signs") << QStringLiteral("+-4") << json << qint64(200) << QByteArray("{}");
-    QTest::newRow("sign alone") << QStringLiteral("+") << json << qint64(200) << QByteArray("{}");
-    QTest::newRow("other digits") << QStringLiteral("٤٠٤") << json << qint64(200) << QByteArray("{}");
-    QTest::newRow("too large") << QStringLiteral("9223372036854775808") << json << qint64(200)
-                               << QByteArray("{}");
-    QTest::newRow("text beyond ASCII")
-        << QStringLiteral("500") << QStringLiteral("ü") << qint64(500) << QByteArray("\xc3\xbc");
+    QTest::addColumn<qint64>("delivered");
+    QTest::newRow("plus sign") << u"+201"_s << qint64(201);
+    QTest::newRow("negative stands") << u"-1"_s << qint64(-1);
+    QTest::newRow("no digits") << u"abc"_s << qint64(200);
+    QTest::newRow("space") << u" 404"_s << qint64(200);
+    QTest::newRow("two signs") << u"+-4"_s << qint64(200);
+    QTest::newRow("other digits") << u"٤٠٤"_s << qint64(200);
+    QTest::newRow("too large") << u"9223372036854775808"_s << qint64(200);
 }
 
 void BreakpointTest::edits()
 {
     QFETCH(const QString, status);
-    QFETCH(const QString, body);
-    QFETCH(const qint64, deliveredStatus);
-    QFETCH(const QByteArray, deliveredBody);
-    QVERIFY(check(QStringLiteral("1")));
-    m_center->apply(status, body.isNull() ? std::nullopt : std::optional(body));
+    QFETCH(const qint64, delivered);
+    QVERIFY(check(u"1"_s));
+    m_center->apply(status, u"ü"_s);
     const Delivery &delivery = m_delivered.constFirst();
-    QCOMPARE(delivery.http().statusCode(), deliveredStatus);
-    QVERIFY(delivery.data.has_value());
-    QCOMPARE(*delivery.data, deliveredBody);
-    QCOMPARE(delivery.header("Content-Length"), QString::number(deliveredBody.size()));
-    QCOMPARE(QXRequestRecorder::shared().requests()[0].response->statusCode, deliveredStatus);
-    QCOMPARE(QXRequestRecorder::shared().requests()[0].response->body, deliveredBody);
+    QCOMPARE(delivery.http().statusCode(), delivered);
+    QCOMPARE(delivery.data, "\xc3\xbc"_ba);
+    QCOMPARE(delivery.header("Content-Length"), u"2"_s);
+    QCOMPARE(delivery.header("Content-Encoding"), u"absent"_s);
+    QCOMPARE(QXRequestRecorder::shared().requests()[0].response->statusCode, delivered);
+    QCOMPARE(QXRequestRecorder::shared().requests()[0].response->body, "\xc3\xbc"_ba);
 }
 
 void BreakpointTest::continueRebuildsTheResponse()
 {
-    const auto gzip = QStringLiteral("gzip");
-    QVERIFY(check(QStringLiteral("1"), m_url.toString(),
-                  {{QStringLiteral("Content-Encoding"), gzip},
-                   {QStringLiteral("content-encoding"), gzip},
-                   {QStringLiteral("content-length"), QStringLiteral("9")},
-                   {QStringLiteral("X-Number"), qint64(7)}}));
-    QVERIFY(check(QStringLiteral("2"), m_url.toString(), {{QStringLiteral("Content-Encoding"), gzip}}, {}));
+    const auto gzip = u"gzip"_s;
+    QVERIFY(check(u"1"_s, {{u"Content-Encoding"_s, gzip},
+                           {u"content-encoding"_s, gzip},
+                           {u"content-length"_s, u"9"_s},
+                           {u"X-Number"_s, qint64(7)}}));
+    QVERIFY(check(u"2"_s, {{u"Content-Encoding"_s, gzip}}, {}));
     m_center->continueActive();
     m_center->continueActive();
     const Delivery &whole = m_delivered.at(0);
-    QCOMPARE(whole.http().httpVersion(), QStringLiteral("HTTP/1.1"));
-    QCOMPARE(whole.header("Content-Encoding"), QStringLiteral("identity"));
+    QCOMPARE(whole.http().httpVersion(), u"HTTP/1.1"_s);
+    QCOMPARE(whole.header("Content-Encoding"), u"identity"_s);
     QCOMPARE(whole.header("content-encoding"), gzip);
-    QCOMPARE(whole.header("Content-Length"), QStringLiteral("4"));
-    QCOMPARE(whole.header("content-length"), QStringLiteral("9"));
-    QCOMPARE(whole.header("X-Number"), QStringLiteral("7"));
+    QCOMPARE(whole.header("Content-Length"), u"4"_s);
+    QCOMPARE(whole.header("content-length"), u"9"_s);
+    QCOMPARE(whole.header("X-Number"), u"7"_s);
     const Delivery &bodiless = m_delivered.at(1);
     QVERIFY(!bodiless.data);
     QCOMPARE(bodiless.header("Content-Encoding"), gzip);
-    QCOMPARE(bodiless.header("Content-Length"), QStringLiteral("absent"));
+    QCOMPARE(bodiless.header("Content-Length"), u"absent"_s);
 }
 
 void BreakpointTest::handlerMayRunAnEventLoop()
 {
     int calls = 0;
-    const URLRequest request(m_url);
-    const auto response = NSHTTPURLResponse::create(m_url, 200, QStringLiteral("HTTP/1.1"), {});
-    QVERIFY(m_center->check(request, QStringLiteral("1"), {}, response, {}, [&](auto, auto, auto) {
+    QVERIFY(m_center->check(URLRequest(m_url), u"1"_s, {}, makeResponse(200), {}, [&](auto, auto, auto) {
         ++calls;
         m_center->continueActive(); // a second press, while the first is still being served
         m_now += 1s;
-        QVERIFY(check(QStringLiteral("2")));
+        QVERIFY(check(u"2"_s));
     }));
     m_center->continueActive();
     QCOMPARE(calls, 1);
-    QCOMPARE(m_center->activeBreakpoint()->requestId, QStringLiteral("2"));
-}
-
-void BreakpointTest::logFollowsTheLevel_data()
-{
-    QTest::addColumn<int>("level");
-    QTest::addColumn<int>("written");
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("error") << 1 << 1;
-    QTest::newRow("info") << 2 << 2;
-    QTest::newRow("debug") << 3 << 3;
+    QCOMPARE(m_center->activeBreakpoint()->requestId, u"2"_s);
 }
 
 void BreakpointTest::logFollowsTheLevel()
 {
-    QFETCH(const int, level);
-    QFETCH(const int, written);
-    QXLog::setLevel(*makeQXLogLevel(level));
-    for (const auto messageLevel : {QXLogLevel::none, QXLogLevel::error, QXLogLevel::info, QXLogLevel::debug})
-        QXLog::log(messageLevel, QStringLiteral("100% \"as it stands\""));
-    QCOMPARE(lines, QStringList(written, QStringLiteral("100% \"as it stands\"")));
+    for (int level = 0; level <= 3; ++level) {
+        lines.clear();
+        QXLog::setLevel(*makeQXLogLevel(level));
+        for (const auto each : {QXLogLevel::none, QXLogLevel::error, QXLogLevel::info, QXLogLevel::debug})
+            QXLog::log(each, u"100% \"as it stands\""_s);
+        QCOMPARE(lines, QStringList(level, u"100% \"as it stands\""_s));
+    }
     QVERIFY(!makeQXLogLevel(4) && !makeQXLogLevel(-1));
 }
 

@@ -1,4 +1,4 @@
-#include "Quorvix/QXRequestRecorder.h"
+#include "Tests/Exchanges.h"
 
 #include "Platform/NSNotificationCenter.h"
 
@@ -6,36 +6,10 @@
 
 #include <random>
 
+using namespace Exchanges;
+using namespace Qt::StringLiterals;
+
 namespace {
-
-URLRequest request(const QString &url, const std::optional<QString> &method = QStringLiteral("GET"))
-{
-    URLRequest made{QUrl(url)};
-    made.httpMethod = method;
-    return made;
-}
-
-NSURLResponsePtr httpResponse(qint64 statusCode, NSHeaderFields fields = {})
-{
-    return NSHTTPURLResponse::create(QUrl(QStringLiteral("http://host/")), statusCode,
-                                     QStringLiteral("HTTP/1.1"), std::move(fields));
-}
-
-QStringList ids(const QXTraceList &list)
-{
-    QStringList found;
-    for (const QXRequestTrace &trace : list)
-        found.append(trace.id);
-    return found;
-}
-
-QStringList ids(const QList<QXRequestTrace> &list)
-{
-    QStringList found;
-    for (const QXRequestTrace &trace : list)
-        found.append(trace.id);
-    return found;
-}
 
 QXTraceList::CellPtr cell(int number)
 {
@@ -56,10 +30,7 @@ private Q_SLOTS:
     void responseHeadersAreAllTextOrAbsent();
     void newestComesFirstAndEveryChangeIsPosted();
     void completionFillsInWhatItWasGiven();
-    void completionOfAnUnknownTraceIsSilent();
-    void findersByPath_data();
-    void findersByPath();
-    void findersByMethodAndStatus();
+    void finders();
     void snapshotsStayAsTheyWere();
     void differencesAreFoundBetweenRelatedLists();
 
@@ -80,55 +51,48 @@ void RecorderTest::traceKeepsAbsenceApartFromEmptiness()
 {
     URLRequest bare;
     bare.httpMethod.reset();
-    const QXRequestTrace empty(QStringLiteral("1"), bare);
+    const QXRequestTrace empty(u"1"_s, bare);
     QVERIFY(!empty.url && !empty.method && !empty.headers && !empty.body);
     QVERIFY(!empty.response && !empty.error && !empty.duration);
 
-    URLRequest full = request(QStringLiteral("http://host/a"), QStringLiteral("POST"));
-    full.setValue(QStringLiteral("v"), QStringLiteral("X-Name"));
-    full.httpBody = QByteArray("");
-    const QXRequestTrace trace(QStringLiteral("2"), full);
-    QCOMPARE(trace.method, QStringLiteral("POST"));
-    QCOMPARE(trace.headers->value(QStringLiteral("X-Name")), QStringLiteral("v"));
+    URLRequest full = makeRequest(u"http://host/a"_s, u"POST"_s);
+    full.setValue(u"v"_s, u"X-Name"_s);
+    full.httpBody = ""_ba;
+    const QXRequestTrace trace(u"2"_s, full);
+    QCOMPARE(trace.method, u"POST"_s);
+    QCOMPARE(trace.headers->value(u"X-Name"_s), u"v"_s);
     QVERIFY(trace.body && trace.body->isEmpty());
 }
 
 void RecorderTest::tracesAreComparedByIdentityAlone()
 {
-    QXRequestTrace pending(QStringLiteral("1"), request(QStringLiteral("http://host/a")));
+    QXRequestTrace pending(u"1"_s, makeRequest(u"http://host/a"_s));
     QXRequestTrace completed = pending;
-    completed.response = QXResponseTrace(static_cast<const NSHTTPURLResponse &>(*httpResponse(200)), {});
+    completed.response = QXResponseTrace(*makeResponse(200), {});
     QVERIFY(pending == completed);
     QCOMPARE(qHash(pending), qHash(completed));
-
-    QXResponseTrace other = *completed.response;
-    QVERIFY(other == *completed.response);
-    QCOMPARE(qHash(other), qHash(*completed.response));
-    other.body = QByteArray("");
-    QVERIFY(other != *completed.response);
-    QVERIFY(qHash(other) != qHash(*completed.response));
 }
 
 void RecorderTest::responseHeadersAreAllTextOrAbsent()
 {
     const auto headers = [](NSHeaderFields fields) {
-        return QXResponseTrace(static_cast<const NSHTTPURLResponse &>(*httpResponse(200, std::move(fields))),
-                               {})
-            .headers;
+        return QXResponseTrace(*makeResponse(200, std::move(fields)), {}).headers;
     };
-    const NSHeaderFields text{{QStringLiteral("ETag"), QStringLiteral("x")},
-                              {QStringLiteral("etag"), QStringLiteral("y")}};
+    const NSHeaderFields text{{u"ETag"_s, u"x"_s}, {u"etag"_s, u"y"_s}};
     QCOMPARE(headers(text)->size(), 2);
-    QVERIFY(!headers({{QStringLiteral("A"), QStringLiteral("x")}, {QStringLiteral("B"), qint64(1)}}));
-    QVERIFY(!headers({{qint64(1), QStringLiteral("x")}}));
+    QVERIFY(!headers({{u"A"_s, u"x"_s}, {u"B"_s, qint64(1)}}));
+    QVERIFY(!headers({{qint64(1), u"x"_s}}));
     QVERIFY(headers({})->isEmpty());
 }
 
 void RecorderTest::newestComesFirstAndEveryChangeIsPosted()
 {
     for (const auto *id : {"A", "B", "C"})
-        m_recorder.record(QString::fromLatin1(id), request(QStringLiteral("http://host/")));
-    QCOMPARE(ids(m_recorder.requests()).join(QString()), QStringLiteral("CBA"));
+        m_recorder.record(QString::fromLatin1(id), makeRequest(u"http://host/"_s));
+    QCOMPARE(ids(m_recorder.requests()).join(QString()), u"CBA"_s);
+    QCOMPARE(m_posts, 3);
+    m_recorder.complete(u"unknown"_s, makeResponse(200), {}, {});
+    QVERIFY(!m_recorder.requests()[0].duration);
     QCOMPARE(m_posts, 3);
     m_recorder.clear();
     m_recorder.clear();
@@ -140,20 +104,20 @@ void RecorderTest::completionFillsInWhatItWasGiven()
 {
     const NSError lost = makeURLError(NSURLErrorNetworkConnectionLost);
     const QByteArray body("body");
-    m_recorder.record(QStringLiteral("A"), request(QStringLiteral("http://host/")));
+    m_recorder.record(u"A"_s, makeRequest(u"http://host/"_s));
 
-    m_recorder.complete(QStringLiteral("A"), std::make_shared<const NSURLResponse>(std::nullopt), body, {});
+    m_recorder.complete(u"A"_s, std::make_shared<const NSURLResponse>(std::nullopt), body, {});
     QXRequestTrace trace = m_recorder.requests()[0];
     QVERIFY(trace.duration && *trace.duration >= 0);
     QVERIFY(!trace.response && !trace.error);
 
-    m_recorder.complete(QStringLiteral("A"), nullptr, {}, lost);
+    m_recorder.complete(u"A"_s, nullptr, {}, lost);
     trace = m_recorder.requests()[0];
     QCOMPARE(trace.error->domain, NSURLErrorDomain);
     QCOMPARE(trace.error->code, -1005);
     QVERIFY(!trace.error->localizedDescription.isEmpty());
 
-    m_recorder.complete(QStringLiteral("A"), httpResponse(201), body, {});
+    m_recorder.complete(u"A"_s, makeResponse(201), body, {});
     trace = m_recorder.requests()[0];
     QCOMPARE(trace.response->statusCode, 201);
     QVERIFY(trace.error);
@@ -161,54 +125,25 @@ void RecorderTest::completionFillsInWhatItWasGiven()
     QCOMPARE(m_posts, 4);
 }
 
-void RecorderTest::completionOfAnUnknownTraceIsSilent()
+void RecorderTest::finders()
 {
-    m_recorder.record(QStringLiteral("A"), request(QStringLiteral("http://host/")));
-    m_recorder.complete(QStringLiteral("B"), httpResponse(200), {}, {});
-    QVERIFY(!m_recorder.requests()[0].duration);
-    QCOMPARE(m_posts, 1);
-}
-
-void RecorderTest::findersByPath_data()
-{
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("found");
-    const auto users = QStringLiteral("http://host/users.json?users=1");
-    QTest::newRow("extension") << users << QStringLiteral("json") << true;
-    QTest::newRow("part of the extension") << users << QStringLiteral("so") << true;
-    QTest::newRow("case matters") << users << QStringLiteral("JSON") << false;
-    QTest::newRow("the path is not searched") << users << QStringLiteral("users") << false;
-    QTest::newRow("last dot counts") << QStringLiteral("http://host/a.tar.gz") << QStringLiteral("tar")
-                                     << false;
-    QTest::newRow("dot in a folder") << QStringLiteral("http://host/a.json/b") << QStringLiteral("json")
-                                     << false;
-    QTest::newRow("empty text is in every extension") << QStringLiteral("http://host/") << QString() << true;
-}
-
-void RecorderTest::findersByPath()
-{
-    QFETCH(const QString, url);
-    QFETCH(const QString, path);
-    QFETCH(const bool, found);
-    m_recorder.record(QStringLiteral("A"), request(url));
-    m_recorder.record(QStringLiteral("without URL"), URLRequest());
-    QCOMPARE(ids(m_recorder.findRequestsByPath(path)),
-             found ? QStringList(QStringLiteral("A")) : QStringList());
-}
-
-void RecorderTest::findersByMethodAndStatus()
-{
-    m_recorder.record(QStringLiteral("A"), request(QStringLiteral("http://host/1")));
-    m_recorder.record(QStringLiteral("B"), request(QStringLiteral("http://host/2"), QStringLiteral("get")));
-    m_recorder.record(QStringLiteral("C"), request(QStringLiteral("http://host/3"), std::nullopt));
-    m_recorder.complete(QStringLiteral("A"), httpResponse(404), {}, {});
-    m_recorder.complete(QStringLiteral("B"), nullptr, {}, makeURLError(NSURLErrorTimedOut));
-    QCOMPARE(ids(m_recorder.findRequestsByMethod(QStringLiteral("GET"))), QStringList(QStringLiteral("A")));
-    QCOMPARE(ids(m_recorder.findRequestsByStatusCode(404)), QStringList(QStringLiteral("A")));
-    QCOMPARE(ids(m_recorder.findRequestsByStatusCode(0)), QStringList());
-    QCOMPARE(ids(m_recorder.findRequests([](const auto &trace) { return !trace.response; })).join(QString()),
-             QStringLiteral("CB"));
+    m_recorder.record(u"A"_s, makeRequest(u"http://host/users.json?users=1"_s));
+    m_recorder.record(u"B"_s, makeRequest(u"http://host/a.tar.gz"_s, u"get"_s));
+    m_recorder.record(u"C"_s, makeRequest(u"http://host/a.json/b"_s, std::nullopt));
+    m_recorder.record(u"D"_s, makeRequest(QString()));
+    m_recorder.complete(u"A"_s, makeResponse(404), {}, {});
+    m_recorder.complete(u"B"_s, nullptr, {}, makeURLError(NSURLErrorTimedOut));
+    const auto byPath = [this](const QString &path) {
+        return ids(m_recorder.findRequestsByPath(path)).join(QString());
+    };
+    QCOMPARE(byPath(u"so"_s), u"A"_s); // part of the extension
+    QCOMPARE(byPath(u"JSON"_s), QString());
+    QCOMPARE(byPath(u"users"_s), QString()); // the rest of the path is not searched
+    QCOMPARE(byPath(u"tar"_s), QString());   // the last dot counts
+    QCOMPARE(byPath(QString()), u"CBA"_s);   // in every extension
+    QCOMPARE(ids(m_recorder.findRequestsByMethod(u"GET"_s)), QStringList({u"D"_s, u"A"_s}));
+    QCOMPARE(ids(m_recorder.findRequestsByStatusCode(404)), QStringList(u"A"_s));
+    QVERIFY(m_recorder.findRequestsByStatusCode(0).isEmpty());
 }
 
 void RecorderTest::snapshotsStayAsTheyWere()
@@ -237,7 +172,7 @@ void RecorderTest::snapshotsStayAsTheyWere()
             QCOMPARE(snapshot[qsizetype(i)].id, QString::number(numbers[i]));
     }
     QCOMPARE(list.indexOf(QString::number(expected.back())), list.size() - 1);
-    QCOMPARE(list.indexOf(QStringLiteral("none")), -1);
+    QCOMPARE(list.indexOf(u"none"_s), -1);
 }
 
 void RecorderTest::differencesAreFoundBetweenRelatedLists()

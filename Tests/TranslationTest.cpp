@@ -1,21 +1,16 @@
-#include "Tests/ScreenDriver.h"
+#include "Tests/ScreenTest.h"
 
 #include "Quorvix/QXApiTreeParser.h"
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXPayloadDecoder.h"
-#include "Quorvix/QuorvixClient.h"
 
-#include <QtCore/QSettings>
-#include <QtCore/QStandardPaths>
 #include <QtCore/QTranslator>
-#include <QtGui/QAccessible>
 
 using namespace Qt::StringLiterals;
-using namespace ScreenDriver;
 
 /// The application's own catalogue is where the inspector looks its texts up, and what is not there stays as
 /// it is.
-class TranslationTest : public QObject
+class TranslationTest : public ScreenTest
 {
     Q_OBJECT
 
@@ -30,22 +25,14 @@ private:
 
 void TranslationTest::initTestCase()
 {
-    QStandardPaths::setTestModeEnabled(true);
-    QCoreApplication::setOrganizationName(u"QuorvixTests"_s);
-    QCoreApplication::setApplicationName(u"TranslationTest"_s);
-    QSettings().clear();
     QVERIFY(m_catalogue.load(QStringLiteral(QUORVIX_CATALOGUE)));
     QVERIFY(QCoreApplication::installTranslator(&m_catalogue));
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
 }
 
 void TranslationTest::models()
 {
-    QCOMPARE(makeError(QXExportError::missingRequestURL).localizedDescription,
-             u"Die Anfrage hat keine URL."_s);
-    QCOMPARE(makeError(QXExportError::missingRequestMethod).localizedDescription,
-             u"Missing request method."_s);
-
+    const auto text = makeError(QXExportError::missingRequestURL).localizedDescription;
+    QCOMPARE(text, u"Die Anfrage hat keine URL."_s);
     const auto fields = QXApiTreeParser::parse(QByteArrayView("[1,2]"));
     QVERIFY(fields);
     QCOMPARE(fields.value().first()->summary(), u"[2 Elemente]"_s);
@@ -58,30 +45,18 @@ void TranslationTest::models()
 
 void TranslationTest::screens()
 {
-    QQuickWindow window;
-    window.resize(390, 844);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowActive(&window));
-    QuorvixClient::shared().show();
-    click(window, "QXFloatingButton");
-    QVERIFY(waitForRest(window, "QXRequestListView"));
-    const auto property = [&](const char *name, const char *key) {
-        const QQuickItem *const item = find(window, name);
-        return item ? item->property(key).toString() : QString();
-    };
-    QCOMPARE(property("QXRequestListBar", "title"), u"Netzwerkanfragen"_s);
-    QCOMPARE(property("QXSearchField", "placeholderText"), u"Anfragen suchen …"_s);
-    QCOMPARE(property("QXTrashButton", "text"), u"Clear requests"_s);
-    QAccessibleInterface *const close = QAccessible::queryAccessibleInterface(find(window, "QXCloseButton"));
-    QVERIFY(close);
-    QCOMPARE(close->text(QAccessible::Name), u"Schließen"_s);
+    click("QXFloatingButton");
+    QVERIFY(waitFor("QXRequestListView"));
+    QCOMPARE(text("QXRequestListBar", "title"), u"Netzwerkanfragen"_s);
+    QCOMPARE(text("QXSearchField", "placeholderText"), u"Anfragen suchen …"_s);
+    QCOMPARE(text("QXTrashButton"), u"Clear requests"_s);
+    QCOMPARE(spoken(find("QXCloseButton")), u"Schließen"_s);
 
-    click(window, "QXExportButton");
-    QTRY_COMPARE(property("QXAlert", "title"), u"Export fehlgeschlagen"_s);
-    QCOMPARE(property("QXAlert", "message"), u"Keine Anfragen zum Exportieren."_s);
-    QuorvixClient::shared().hide();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    click("QXExportButton");
+    QTRY_COMPARE(text("QXAlert", "title"), u"Export fehlgeschlagen"_s);
+    QCOMPARE(text("QXAlert", "message"), u"Keine Anfragen zum Exportieren."_s);
 }
 
 QTEST_MAIN(TranslationTest)
 #include "TranslationTest.moc"
+#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)
