@@ -75,7 +75,7 @@ bool BreakpointStage::storeShowsTheEdit()
 bool BreakpointStage::breakpointIsDeleted()
 {
     return robot().click(name("QXFloatingButton")) && robot().click(name("QXBreakpointsButton")) &&
-           robot().show(name("QXBreakpointRow")) && robot().drag(name("QXBreakpointRow"), {-190, 0}) &&
+           robot().show(name("QXBreakpointRow")) && robot().drag(name("QXBreakpointRow"), {-320, 0}) &&
            robot().waitFor(name("QXNoBreakpoints"));
 }
 

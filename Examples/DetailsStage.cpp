@@ -46,11 +46,11 @@ QList<TourStage::Step> DetailsStage::steps()
         {"tree-share", std::bind_front(&DetailsStage::treeIsShared, this)},
         {"tree-decoded", std::bind_front(&DetailsStage::rowIsDecoded, this)},
         {"cookies", std::bind_front(&DetailsStage::groupsUnfold, this)},
-        {"tree-failure", std::bind_front(&DetailsStage::textIsNoTree, this)},
         {"large-body", std::bind_front(&DetailsStage::largeBodyOpens, this)},
         {"large-body-scrolled", std::bind_front(&DetailsStage::largeBodyScrolls, this)},
         {"large-tree", std::bind_front(&DetailsStage::largeTreeOpens, this)},
         {"binary-body", std::bind_front(&DetailsStage::binaryBodyOpens, this)},
+        {"tree-failure", std::bind_front(&DetailsStage::bytesAreNoTree, this)},
         {"failure", std::bind_front(&DetailsStage::failureOpens, this)},
         {"details-closed", std::bind_front(&DetailsStage::detailsClose, this)},
     };
@@ -134,14 +134,9 @@ bool DetailsStage::groupsUnfold()
            robot().click(name("QXDisclosureGroup:RESPONSE CACHE"));
 }
 
-bool DetailsStage::textIsNoTree()
-{
-    return robot().click(name("QXLogTreeButton")) && robot().waitFor(name("QXLogTreeFailureText"));
-}
-
 bool DetailsStage::largeBodyOpens()
 {
-    return closeTree() && closeExchange() && openExchange("export") &&
+    return closeExchange() && openExchange("export") &&
            robot().waitFor(name("QXBodyBlock"), largeBodyLimit) &&
            robot().scroll(name("QXRequestDetailsPage"), 700);
 }
@@ -164,9 +159,15 @@ bool DetailsStage::binaryBodyOpens()
            robot().show(name("QXLogTreeButton")) && robot().scroll(name("QXRequestDetailsPage"), 900);
 }
 
+bool DetailsStage::bytesAreNoTree()
+{
+    return robot().click(name("QXLogTreeButton")) && robot().waitFor(name("QXLogTreeFailureText"));
+}
+
 bool DetailsStage::failureOpens()
 {
-    return closeExchange() && openExchange("drop-midway") && robot().show(name("QXValueRow:Code"));
+    return closeTree() && closeExchange() && openExchange("drop-midway") &&
+           robot().show(name("QXValueRow:Code"));
 }
 
 bool DetailsStage::detailsClose()

@@ -26,11 +26,11 @@ private:
     bool treeIsShared();
     bool rowIsDecoded();
     bool groupsUnfold();
-    bool textIsNoTree();
     bool largeBodyOpens();
     bool largeBodyScrolls();
     bool largeTreeOpens();
     bool binaryBodyOpens();
+    bool bytesAreNoTree();
     bool failureOpens();
     bool detailsClose();
 };
