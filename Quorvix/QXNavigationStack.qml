@@ -96,7 +96,7 @@ T.StackView {
     /// Lets it go: away when it has come far or is fast, in pixels per second, and back otherwise.
     function release(distance: real, velocity: real) {
         if (distance > 0.35 * root.width || velocity > 600) {
-            root.currentItem.back();
+            root.pop();
             return;
         }
         settle.covered = root.get(root.depth - 2);
