@@ -1,5 +1,7 @@
 #include "Tests/ScreenTest.h"
+#include "Tests/TestKit.h"
 
+#include <QtCore/QScopeGuard>
 #include <QtGui/QPalette>
 
 #include <cmath>
@@ -79,6 +81,10 @@ private Q_SLOTS:
     void init() override;
     void isFencedAndLeft_data();
     void isFencedAndLeft();
+    void growsWithText_data() { everyScreen(); }
+    void growsWithText();
+    void isTranslated_data() { everyScreen(); }
+    void isTranslated();
     void secondTapIsIgnored();
     void fingerSwipesBack();
     void keysScrollSheets();
@@ -86,6 +92,10 @@ private Q_SLOTS:
     void colorsContrast();
 
 private:
+    void everyScreen();
+    /// Opens what a row is about.
+    void open();
+
     QQuickItem *m_hostField = nullptr;
 };
 
@@ -131,19 +141,41 @@ void ModalTest::isFencedAndLeft_data()
     QTest::newRow("share sheet") << through(shareMenu, "QXShareCurl") << u"QXActivitySheet"_s;
     const Open lowerDetails = [](QQuickWindow &window) {
         openDetails(window);
-        turnWheel(window, {200, 400}, 6);
+        const auto isInView = [&] {
+            return middle(*ScreenDriver::find(window, "QXLogTreeButton")).y() < window.height() - 60;
+        };
+        QVERIFY(QTest::qWaitFor([&] {
+            if (!isInView())
+                turnWheel(window, {200, 400}, 1);
+            return isInView();
+        }));
     };
     QTest::newRow("tree") << through(lowerDetails, "QXLogTreeButton") << u"QXLogTreeView"_s;
 }
 
-void ModalTest::isFencedAndLeft()
+void ModalTest::everyScreen()
+{
+    isFencedAndLeft_data();
+    const Open heldResponse = [](QQuickWindow &) {
+        QVERIFY(hold("{}", [](auto...) {}));
+    };
+    QTest::newRow("held response") << heldResponse << u"QXBreakpointEditorView"_s;
+}
+
+void ModalTest::open()
 {
     QFETCH(const Open, open);
     QFETCH(const QString, opened);
-    const QByteArray name = opened.toLatin1();
     open(*m_window);
-    QTRY_VERIFY(find(name));
-    QVERIFY(waitFor(name));
+    QTRY_VERIFY(find(opened.toLatin1()));
+    QVERIFY(waitFor(opened.toLatin1()));
+}
+
+void ModalTest::isFencedAndLeft()
+{
+    open();
+    QFETCH(const QString, opened);
+    const QByteArray name = opened.toLatin1();
     const QQuickItem *const root = find(name);
     if (!name.endsWith("View"))
         QVERIFY(!spoken(find(name)).isEmpty());
@@ -165,6 +197,53 @@ void ModalTest::isFencedAndLeft()
         QTest::qWait(400);
     }
     QTRY_VERIFY(m_hostField->hasActiveFocus());
+}
+
+void ModalTest::growsWithText()
+{
+    const QFont usual = QGuiApplication::font();
+    QFont large = usual;
+    large.setPixelSize(28);
+    for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        QGuiApplication::setFont(large);
+        QGuiApplication::setLayoutDirection(direction);
+        const auto restore = qScopeGuard([&] {
+            QGuiApplication::setFont(usual);
+            QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+        });
+        if (direction == Qt::LeftToRight)
+            open();
+        QTest::qWait(100);
+        visitVisible(m_window->contentItem(), [&](const QQuickItem *item) {
+            if (!item->inherits("QQuickText") || item->property("text").toString().isEmpty())
+                return;
+            const QRectF place = sceneRect(*item);
+            const bool mayBeShort = item->property("elide").toInt() != Qt::ElideNone;
+            QVERIFY2(item->property("contentHeight").toReal() <= item->height() + 1 &&
+                         (mayBeShort || item->property("contentWidth").toReal() <= item->width() + 1) &&
+                         place.left() >= 0 && place.right() <= m_window->width(),
+                     qPrintable(item->property("text").toString()));
+        });
+    }
+}
+
+void ModalTest::isTranslated()
+{
+    ShoutingTranslator host;
+    QuorvixClient::shared().hide();
+    QCoreApplication::installTranslator(&host);
+    QuorvixClient::shared().show();
+    click("QXFloatingButton");
+    QVERIFY(waitFor("QXRequestRow"));
+    open();
+    // What comes of the exchange, and numbers with their units, stays as it is.
+    const QRegularExpression data(
+        u"/v1/users|/held$|curl|Authorization|^[A-Za-z0-9=]{60,}$|, \\d\\d:|seconds|bytes|\\.har$"_s);
+    visitVisible(m_window->contentItem(), [&](const QQuickItem *item) {
+        const QString text = item->property("text").toString();
+        if (!item->inherits("QXTextView") && !text.contains(data))
+            QCOMPARE(text, text.toUpper());
+    });
 }
 
 void ModalTest::secondTapIsIgnored()

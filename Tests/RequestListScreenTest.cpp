@@ -43,6 +43,10 @@ private Q_SLOTS:
 private:
     [[nodiscard]] QStringList titles();
     [[nodiscard]] QQuickItem *row(const QString &title);
+    [[nodiscard]] QString openedUrl()
+    {
+        return find("QXValueRow", "label", u"URL"_s)->property("text").toString();
+    }
     void openList();
 };
 
@@ -93,6 +97,9 @@ void RequestListScreenTest::searchByKeyboard()
     QTRY_COMPARE(titles(), QStringList({u"GET /users/1"_s, u"GET /users"_s}));
     click("QXSearchClearButton");
     QTRY_COMPARE(titles().size(), 3);
+    click(ScreenDriver::middle(*row(u"GET /items"_s)));
+    QVERIFY(waitFor("QXRequestDetailsView"));
+    QCOMPARE(openedUrl(), u"https://api.test/items"_s);
 }
 
 void RequestListScreenTest::keyboardWalksTheRows()
@@ -106,6 +113,7 @@ void RequestListScreenTest::keyboardWalksTheRows()
     press(Qt::Key_Down);
     press(Qt::Key_Return);
     QVERIFY(waitFor("QXRequestDetailsView"));
+    QCOMPARE(openedUrl(), u"https://api.test/b"_s);
     press(Qt::Key_Escape);
     QTRY_VERIFY(!find("QXRequestDetailsView"));
     QTRY_VERIFY(find("QXRequestListView"));
