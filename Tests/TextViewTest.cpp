@@ -1,20 +1,14 @@
-#include "Tests/ScreenDriver.h"
+#include "Tests/ScreenTest.h"
 
 #include "Quorvix/QXTextDocument.h"
 #include "Quorvix/QXTextView.h"
 
-#include <QtGui/QClipboard>
-#include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
-#include <QtGui/QStyleHints>
-#include <QtQml/QQmlComponent>
-#include <QtQml/QQmlEngine>
 #include <QtTest/QSignalSpy>
 
 #include <chrono>
 
-using namespace ScreenDriver;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -80,14 +74,14 @@ double secondsFor(const std::function<void()> &action)
 
 } // namespace
 
-class TextViewTest : public QObject
+class TextViewTest : public ScreenTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase();
-    void init();
-    void cleanup();
+    void init() override { startAnew(); }
+    void cleanup() override;
     void showsBytes();
     void scrolls();
     void showsALineWithoutEnd();
@@ -103,8 +97,8 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] bool open(QXTextDocument *document);
-    [[nodiscard]] QQuickItem *page() { return find(*m_window, "page"); }
-    [[nodiscard]] QXTextView *view() { return qobject_cast<QXTextView *>(find(*m_window, "QXTextView")); }
+    [[nodiscard]] QQuickItem *page() { return find("page"); }
+    [[nodiscard]] QXTextView *view() { return qobject_cast<QXTextView *>(find("QXTextView")); }
     void scrollTo(qreal y);
     /// The left edge of a character, in the window.
     [[nodiscard]] QPoint placeOf(qsizetype position);
@@ -112,19 +106,12 @@ private:
     [[nodiscard]] QString copied();
 
     QQmlEngine m_engine;
-    std::unique_ptr<QPointingDevice> m_finger{QTest::createTouchDevice()};
     std::unique_ptr<QXTextDocument> m_document;
-    std::unique_ptr<QQuickWindow> m_window;
 };
 
 void TextViewTest::initTestCase()
 {
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
-}
-
-void TextViewTest::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
 }
 
 void TextViewTest::cleanup()
@@ -164,7 +151,7 @@ QPoint TextViewTest::middleOfKnob(const char *handle)
     const bool isStart = qstrcmp(handle, "QXSelectionStart") == 0;
     const QRectF edge = isStart ? view()->startEdge() : view()->endEdge();
     const QPointF knob(edge.x(), isStart ? edge.top() - 5 : edge.bottom() + 5);
-    const QQuickItem *const item = find(*m_window, handle);
+    const QQuickItem *const item = find(handle);
     return item && item->contains(item->mapFromItem(view(), knob)) ? view()->mapToScene(knob).toPoint()
                                                                    : QPoint();
 }
@@ -173,7 +160,7 @@ QString TextViewTest::copied()
 {
     QGuiApplication::clipboard()->clear();
     QTest::keyClick(m_window.get(), Qt::Key_C, Qt::ControlModifier);
-    return QGuiApplication::clipboard()->text();
+    return clipboard();
 }
 
 void TextViewTest::showsBytes()
@@ -300,7 +287,7 @@ void TextViewTest::selectsWithKeys()
 {
     QVERIFY(open(new QXTextDocument(numberedLines(100'000))));
     QQuickWindow *const window = m_window.get();
-    QVERIFY(find(*window, "block")->hasActiveFocus());
+    QVERIFY(find("block")->hasActiveFocus());
     QTest::keyClick(window, Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(copied(), u"line "_s);
     QTest::keyClick(window, Qt::Key_Down, Qt::ShiftModifier);
@@ -322,12 +309,12 @@ void TextViewTest::touchScrolls()
     QVERIFY(open(new QXTextDocument(numberedLines(1000))));
     QQuickWindow *const window = m_window.get();
     QPoint place(200, 400);
-    QTest::touchEvent(window, m_finger.get()).press(0, place, window).commit();
+    touch(place);
     for (int step = 0; step < 10; ++step) {
         place.ry() -= 20;
         QTest::touchEvent(window, m_finger.get()).move(0, place, window).commit();
     }
-    QTest::touchEvent(window, m_finger.get()).release(0, place, window).commit();
+    lift(place);
     QTRY_VERIFY(page()->property("contentY").toReal() > 50);
     QVERIFY(!view()->hasSelection() && window->property("requested").toString().isEmpty());
 }
@@ -335,27 +322,27 @@ void TextViewTest::touchScrolls()
 void TextViewTest::fingerSelects()
 {
     QVERIFY(open(new QXTextDocument(u"one two three four\nfive six seven"_s + u"\n"_s.repeated(100))));
-    const auto touch = [this] {
-        return QTest::touchEvent(m_window.get(), m_finger.get());
+    const auto moveFinger = [this](QPoint to) {
+        QTest::touchEvent(m_window.get(), m_finger.get()).move(0, to, m_window.get());
     };
     const auto requested = [this] {
         return m_window->property("requested").toString();
     };
     const auto drag = [&](QPoint from, QPoint to) {
-        touch().press(0, from, m_window.get()).commit();
-        touch().move(0, (from + to) / 2, m_window.get()).commit();
-        touch().move(0, to, m_window.get()).commit();
-        touch().release(0, to, m_window.get()).commit();
+        touch(from);
+        moveFinger((from + to) / 2);
+        moveFinger(to);
+        lift(to);
     };
 
     // Held, a finger selects a word, and moved then, as many as it comes by; the page stays where it is.
-    touch().press(0, placeOf(5), m_window.get()).commit();
+    touch(placeOf(5));
     QTRY_COMPARE(view()->selectedText(), u"two"_s);
-    touch().move(0, placeOf(10), m_window.get()).commit();
-    touch().move(0, placeOf(25), m_window.get()).commit();
+    moveFinger(placeOf(10));
+    moveFinger(placeOf(25));
     QTRY_COMPARE(view()->selectedText(), u"two three four\nfive six"_s);
     QVERIFY(requested().isEmpty());
-    touch().release(0, placeOf(25), m_window.get()).commit();
+    lift(placeOf(25));
     QVERIFY(!requested().isEmpty());
     QCOMPARE(page()->property("contentY").toReal(), 0);
 
@@ -367,13 +354,13 @@ void TextViewTest::fingerSelects()
 
     // On what is selected a tap asks for the menu again; beside it, it ends the selection.
     m_window->setProperty("requested", QString());
-    touch().press(0, placeOf(21) + QPoint(2, 0), m_window.get()).commit();
-    touch().release(0, placeOf(21) + QPoint(2, 0), m_window.get()).commit();
+    touch(placeOf(21) + QPoint(2, 0));
+    lift(placeOf(21) + QPoint(2, 0));
     QVERIFY(!requested().isEmpty() && view()->hasSelection());
-    touch().press(0, placeOf(17), m_window.get()).commit();
-    touch().press(0, placeOf(17), m_window.get()).commit();
-    touch().release(0, placeOf(17), m_window.get()).commit();
-    QVERIFY(!view()->hasSelection() && !find(*m_window, "QXSelectionStart"));
+    touch(placeOf(17));
+    touch(placeOf(17));
+    lift(placeOf(17));
+    QVERIFY(!view()->hasSelection() && !find("QXSelectionStart"));
 }
 
 void TextViewTest::asksForTheMenu()
@@ -407,3 +394,4 @@ void TextViewTest::fitsForeignLetters()
 
 QTEST_MAIN(TextViewTest)
 #include "TextViewTest.moc"
+#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)
