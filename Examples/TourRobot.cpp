@@ -265,8 +265,7 @@ bool TourRobot::bringIntoView(const QString &name)
             const QQuickItem *const item = find(name);
             const double by = distanceFromView(item);
             // Close by, what still glides would be missed, and pushed past it each time.
-            if (std::abs(by) < glide && item && scroller(item) &&
-                scroller(item)->property("moving").toBool())
+            if (std::abs(by) < glide && item && scroller(item) && scroller(item)->property("moving").toBool())
                 return false;
             if (by == 0)
                 return true;
