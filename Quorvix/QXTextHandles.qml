@@ -24,7 +24,9 @@ Item {
             required property int index
 
             readonly property bool isStart: index === 0
-            readonly property rect edge: isStart ? root.view.startEdge : root.view.endEdge
+            // Asked for only where it is seen: every frame of scrolling moves it.
+            readonly property rect edge: !root.visible ? Qt.rect(0, 0, 0, 0)
+                                       : isStart ? root.view.startEdge : root.view.endEdge
             /// The middle of the knob.
             readonly property real knobY: isStart ? edge.top - root.knobSize / 2 + 1 : edge.bottom + root.knobSize / 2 - 1
 
