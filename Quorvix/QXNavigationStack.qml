@@ -75,16 +75,21 @@ T.StackView {
 
         property Item covered: null
 
-        target: root.currentItem
         property: "x"
         to: 0
         duration: QXTheme.duration / 2
         easing.type: Easing.OutCubic
-        onFinished: settle.covered.visible = false
+        onFinished: {
+            // It may have come to the top meanwhile.
+            if (settle.covered && settle.covered !== root.currentItem)
+                settle.covered.visible = false;
+        }
     }
 
     /// Moves the screen on top aside by a distance.
     function uncover(distance: real) {
+        if (root.depth < 2)
+            return;
         const covered = root.get(root.depth - 2);
         const moved = Math.max(0, Math.min(distance, root.width));
         settle.stop();
@@ -95,11 +100,14 @@ T.StackView {
 
     /// Lets it go: away when it has come far or is fast, in pixels per second, and back otherwise.
     function release(distance: real, velocity: real) {
+        if (root.depth < 2)
+            return;
         if (distance > 0.35 * root.width || velocity > 600) {
             root.pop();
             return;
         }
         settle.covered = root.get(root.depth - 2);
+        settle.target = root.currentItem;
         settle.start();
     }
 
