@@ -297,12 +297,15 @@ void BreakpointEditorTest::scrollsByWheelAndFinger()
     QTRY_VERIFY(!form()->property("moving").toBool());
     const qreal before = scrolled();
     const qreal turned = editor()->scrollOffset();
-    for (int y = 0; y <= 60; y += 10) {
-        auto finger = QTest::touchEvent(m_window.get(), m_finger.get());
-        y == 0 ? finger.press(0, inBody) : finger.move(0, inBody - QPoint(0, y));
-    }
-    lift(inBody - QPoint(0, 60));
-    QTRY_VERIFY(editor()->scrollOffset() > turned);
+    QVERIFY(QTest::qWaitFor([&] {
+        touch(inBody);
+        for (int y = 10; y <= 60; y += 10) {
+            QTest::qWait(16); // a frame
+            QTest::touchEvent(m_window.get(), m_finger.get()).move(0, inBody - QPoint(0, y), m_window.get());
+        }
+        lift(inBody - QPoint(0, 60));
+        return editor()->scrollOffset() > turned;
+    }));
     QCOMPARE(scrolled(), before);
     pressAll(u"Ctrl+Home"_s);
     QVERIFY(turnUntil(-1, [&] { return scrolled() < before; })); // past the beginning of the text
