@@ -20,6 +20,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -16,6 +16,8 @@
 #include <cstdio>
 #include <vector>
 
+using namespace Quorvix;
+
 namespace {
 
 using Clock = std::chrono::steady_clock;

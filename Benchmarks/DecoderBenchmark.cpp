@@ -1,9 +1,9 @@
 // Looks for something to decode in bodies of 10 MB and decodes it, beside what Qt takes for the bare
 // decoding.
 
-#include "Benchmarks/Contest.h"
-
 #include "Quorvix/QXPayloadDecoder.h"
+
+#include "Benchmarks/Contest.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QRandomGenerator>

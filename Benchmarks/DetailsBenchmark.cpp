@@ -1,11 +1,12 @@
 // What a user waits for who opens a body of ten megabytes, and what a frame costs while it scrolls, beside
 // what Qt takes to lay the same JSON out anew.
 
-#include "Benchmarks/Contest.h"
 #include "Tests/ScreenDriver.h"
 
 #include "Quorvix/QXRequestRecorder.h"
 #include "Quorvix/QuorvixClient.h"
+
+#include "Benchmarks/Contest.h"
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QSettings>
@@ -17,6 +18,7 @@
 #include <cstdio>
 #include <vector>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

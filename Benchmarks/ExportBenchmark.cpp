@@ -1,12 +1,12 @@
 // Turns one large exchange into a cURL command and a mock file, beside how an application would do it with Qt
 // alone.
 
-#include "Benchmarks/Contest.h"
-
 #include "Quorvix/QXApiMockDefinition.h"
 #include "Quorvix/QXApiMockGenerator.h"
 #include "Quorvix/QXCurlCommandBuilder.h"
 #include "Quorvix/QXRequestTrace.h"
+
+#include "Benchmarks/Contest.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -16,6 +16,7 @@
 
 #include <string>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 using Contest::require;
 

@@ -1,10 +1,10 @@
 // Writes Swift models of documents of 8 MB, beside the parsing that goes before it, and beside the parsing of
 // the same text by the parser that an application would otherwise call for it.
 
-#include "Benchmarks/Contest.h"
-
 #include "Quorvix/QXApiTreeParser.h"
 #include "Quorvix/QXSwiftModelGenerator.h"
+
+#include "Benchmarks/Contest.h"
 
 #include <nlohmann/json.hpp>
 

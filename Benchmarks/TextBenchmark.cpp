@@ -1,9 +1,9 @@
 // Shows and edits bodies of some megabytes, beside what Qt's own text document takes to lay them out.
 
-#include "Quorvix/QXTextDocument.h"
-#include "Quorvix/QXTextEditor.h"
-#include "Quorvix/QXTextRows.h"
-#include "Quorvix/QXTextView.h"
+#include "Text/QXTextDocument.h"
+#include "Text/QXTextEditor.h"
+#include "Text/QXTextRows.h"
+#include "Text/QXTextView.h"
 
 #include <QtGui/QFontDatabase>
 #include <QtGui/QFontMetricsF>

@@ -1,8 +1,8 @@
 // Turns a document of 8 MB into a tree, beside the parsers that an application would otherwise call for it.
 
-#include "Benchmarks/Contest.h"
-
 #include "Quorvix/QXApiTreeParser.h"
+
+#include "Benchmarks/Contest.h"
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QString>

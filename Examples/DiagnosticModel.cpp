@@ -2,6 +2,8 @@
 
 #include <QtCore/QLocale>
 
+using namespace Quorvix;
+
 namespace {
 
 using namespace std::chrono_literals;

@@ -37,10 +37,10 @@ private:
         QString key;
         QString title;
         QString call;
-        URLRequest request;
+        Quorvix::URLRequest request;
         QString result;
     };
-    void add(const char *key, const char *title, URLRequest request);
+    void add(const char *key, const char *title, Quorvix::URLRequest request);
     void setResult(int row, const QString &result);
     void setRunning(int running);
 

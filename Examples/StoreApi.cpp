@@ -9,6 +9,8 @@
 #include <QtCore/QPointer>
 #include <QtCore/QUrlQuery>
 
+using namespace Quorvix;
+
 namespace {
 
 /// Larger documents are not for the screens.

@@ -18,7 +18,7 @@ struct StoreReply
     QJsonObject json;
     /// Empty when the response names none.
     QString entityTag;
-    std::optional<NSError> error;
+    std::optional<Quorvix::NSError> error;
     std::chrono::milliseconds time{};
 
     [[nodiscard]] bool succeeded() const { return !error && status >= 200 && status < 300; }
@@ -40,15 +40,15 @@ public:
     void setToken(const QString &token) { m_token = token; }
 
     /// An absolute URL stays as it is.
-    [[nodiscard]] URLRequest request(const QString &pathAndQuery,
-                                     const QString &method = QStringLiteral("GET")) const;
-    [[nodiscard]] URLRequest jsonRequest(const QString &path, const QString &method,
-                                         const QJsonObject &body) const;
-    [[nodiscard]] URLRequest formRequest(const QString &path,
-                                         const QList<QPair<QString, QString>> &fields) const;
+    [[nodiscard]] Quorvix::URLRequest request(const QString &pathAndQuery,
+                                              const QString &method = QStringLiteral("GET")) const;
+    [[nodiscard]] Quorvix::URLRequest jsonRequest(const QString &path, const QString &method,
+                                                  const QJsonObject &body) const;
+    [[nodiscard]] Quorvix::URLRequest formRequest(const QString &path,
+                                                  const QList<QPair<QString, QString>> &fields) const;
 
     /// Calls @p done on the main thread, unless this object is gone by then.
-    void send(const URLRequest &request, Done done);
+    void send(const Quorvix::URLRequest &request, Done done);
 
 private:
     const QUrl m_base;

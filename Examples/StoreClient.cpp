@@ -3,6 +3,8 @@
 #include <QtCore/QDateTime>
 #include <QtCore/QLocale>
 
+using namespace Quorvix;
+
 namespace {
 
 const QLocale &english()

@@ -55,7 +55,7 @@ Q_SIGNALS:
     void noticed(const QString &text);
 
 private:
-    void call(const URLRequest &request, StoreApi::Done done);
+    void call(const Quorvix::URLRequest &request, StoreApi::Done done);
     void loadProfile();
     void showCart(const StoreReply &reply);
     void setSignInError(const QString &error);

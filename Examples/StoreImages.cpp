@@ -6,6 +6,8 @@
 
 #include <mutex>
 
+using namespace Quorvix;
+
 namespace {
 
 /// The way from a completion, whatever its thread, to the response, which may be gone by then.

@@ -5,10 +5,11 @@
 #include "Quorvix/QXCurlCommandBuilder.h"
 #include "Quorvix/QXRequestTrace.h"
 
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QStringList>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -4,11 +4,13 @@
 
 #include "Quorvix/QXPayloadDecoder.h"
 
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QStringDecoder>
 
 #include <algorithm>
+
+using namespace Quorvix;
 
 namespace {
 

@@ -7,6 +7,7 @@
 
 #include <QtCore/QRegularExpression>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

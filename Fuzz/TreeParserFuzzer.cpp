@@ -4,8 +4,10 @@
 
 #include "Quorvix/QXApiTreeParser.h"
 
-#include "Platform/JSONReader.h"
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONReader.h"
+#include "JSON/JSONWriter.h"
+
+using namespace Quorvix;
 
 namespace {
 

@@ -4,6 +4,8 @@
 
 #include <mutex>
 
+namespace Quorvix {
+
 class HTTPCookieStorage::Store final : public QNetworkCookieJar
 {
 public:
@@ -60,3 +62,5 @@ std::unique_ptr<QNetworkCookieJar> HTTPCookieStorage::makeJar()
 {
     return std::make_unique<SharedJar>();
 }
+
+} // namespace Quorvix

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
+#include "PlatformGlobal.h"
 
 #include <QtCore/QList>
 #include <QtCore/QUrl>
@@ -10,8 +10,10 @@
 
 class QNetworkCookieJar;
 
+namespace Quorvix {
+
 /// The cookies of the process (RFC 6265), which every session sends and fills. Kept in memory. Any thread.
-class QUORVIX_PLATFORM_EXPORT HTTPCookieStorage
+class QUORVIX_CORE_EXPORT HTTPCookieStorage
 {
 public:
     /// The one storage; made on first use, lives until the process ends.
@@ -33,3 +35,5 @@ private:
     class Store;
     std::unique_ptr<Store> m_store;
 };
+
+} // namespace Quorvix

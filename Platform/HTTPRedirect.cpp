@@ -1,5 +1,7 @@
 #include "Platform/HTTPRedirect.h"
 
+namespace Quorvix {
+
 namespace {
 
 bool isRedirect(int statusCode)
@@ -57,3 +59,5 @@ std::optional<URLRequest> HTTPRedirect::follow(const URLRequest &request, int st
         removeHeaders(next, {QLatin1StringView("Authorization"), QLatin1StringView("Cookie")});
     return next;
 }
+
+} // namespace Quorvix

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace Quorvix {
+
 /// Where redirects lead (RFC 9110, 15.4).
 namespace HTTPRedirect {
 
@@ -19,3 +21,5 @@ inline constexpr int maximum = 20;
                                                const QByteArray &location);
 
 } // namespace HTTPRedirect
+
+} // namespace Quorvix

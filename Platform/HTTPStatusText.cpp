@@ -2,6 +2,8 @@
 
 #include <QtCore/QCoreApplication>
 
+namespace Quorvix {
+
 namespace {
 
 /// The phrases that the platform gives; each is looked up in the host's catalogue under its English text.
@@ -153,3 +155,5 @@ QString NSHTTPURLResponse::localizedStringForStatusCode(qint64 statusCode)
 {
     return QCoreApplication::translate("Quorvix", phraseForStatusCode(statusCode));
 }
+
+} // namespace Quorvix

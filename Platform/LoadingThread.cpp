@@ -1,18 +1,19 @@
-#include "Platform/HTTPCookieStorage.h"
+#include "Platform/LoadingThread.h"
+
 #include "Platform/TaskMailbox.h"
-#include "Platform/URLLoader.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QThread>
-#include <QtNetwork/QNetworkCookieJar>
+
+namespace Quorvix {
 
 namespace {
 
 using namespace std::chrono_literals;
 
 /// How long the application's end waits for a completion handler that is still running.
-constexpr auto patience = 2s;
+constexpr auto longestWait = 2s;
 
 struct Loading
 {
@@ -61,7 +62,7 @@ struct Loading
         // Exchanges under way end without a word: whoever would hear it is going, too.
         receiver->deleteLater();
         ending->quit();
-        if (ending->wait(QDeadlineTimer(patience)))
+        if (ending->wait(QDeadlineTimer(longestWait)))
             delete ending;
     }
 
@@ -85,22 +86,9 @@ void LoadingThread::post(std::function<void()> task)
     loading.mailbox.post(std::move(task));
 }
 
-NSURLSession::Core::Core(NSURLSessionConfiguration sessionConfiguration)
-    : configuration(std::move(sessionConfiguration))
+QObject *LoadingThread::parent()
 {
+    return Loading::instance().mailbox.receiver();
 }
 
-NSURLSession::Core::~Core()
-{
-    if (m_manager)
-        LoadingThread::post([manager = m_manager] { delete manager; });
-}
-
-QNetworkAccessManager *NSURLSession::Core::manager()
-{
-    if (!m_manager) {
-        m_manager = new QNetworkAccessManager(Loading::instance().mailbox.receiver());
-        m_manager->setCookieJar(HTTPCookieStorage::makeJar().release());
-    }
-    return m_manager;
-}
+} // namespace Quorvix

@@ -5,6 +5,8 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThread>
 
+namespace Quorvix {
+
 namespace {
 
 TaskMailbox &mailbox()
@@ -33,3 +35,5 @@ bool MainActor::isCurrent()
     const QCoreApplication *application = QCoreApplication::instance();
     return application && application->thread() == QThread::currentThread();
 }
+
+} // namespace Quorvix

@@ -4,15 +4,19 @@
 
 #include <functional>
 
+namespace Quorvix {
+
 /// The application's thread: the one in which its QCoreApplication lives.
 namespace MainActor {
 
 /// Runs @p task on the application's thread, in a later turn of its event loop; tasks run in the order in
 /// which they were scheduled. Before there is an application they wait for it; after its end they are
 /// dropped, never run. Returns at once. Any thread.
-QUORVIX_PLATFORM_EXPORT void schedule(std::function<void()> task);
+QUORVIX_INTERNAL_EXPORT void schedule(std::function<void()> task);
 
 /// Whether the caller runs on the application's thread. False when there is no application.
-[[nodiscard]] QUORVIX_PLATFORM_EXPORT bool isCurrent();
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool isCurrent();
 
 } // namespace MainActor
+
+} // namespace Quorvix

@@ -2,6 +2,8 @@
 
 #include <QtCore/QCoreApplication>
 
+namespace Quorvix {
+
 namespace {
 
 const char *sentenceFor(NSURLErrorCode code)
@@ -60,3 +62,5 @@ NSError makeURLError(NSURLErrorCode code)
 {
     return {NSURLErrorDomain, code, QCoreApplication::translate("Quorvix", sentenceFor(code))};
 }
+
+} // namespace Quorvix

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
+#include "PlatformGlobal.h"
 
 #include <QtCore/QString>
+
+namespace Quorvix {
 
 /// A failure as a value: where it comes from, its number there, and a sentence for people.
 struct NSError
@@ -56,4 +58,6 @@ enum NSURLErrorCode : qint64 {
 
 /// An error of NSURLErrorDomain with the platform's sentence for @p code.
 /// Any thread.
-[[nodiscard]] QUORVIX_PLATFORM_EXPORT NSError makeURLError(NSURLErrorCode code);
+[[nodiscard]] QUORVIX_CORE_EXPORT NSError makeURLError(NSURLErrorCode code);
+
+} // namespace Quorvix

@@ -2,6 +2,8 @@
 
 #include <QtCore/QLocale>
 
+namespace Quorvix {
+
 NSURLResponse::~NSURLResponse() = default;
 
 QString description(const NSHeaderValue &value)
@@ -29,3 +31,5 @@ NSHTTPURLResponse::NSHTTPURLResponse(std::optional<QUrl> url, qint64 statusCode,
 }
 
 NSHTTPURLResponse::~NSHTTPURLResponse() = default;
+
+} // namespace Quorvix

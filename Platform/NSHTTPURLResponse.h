@@ -1,11 +1,13 @@
 #pragma once
 
-#include "Platform/NSURLResponse.h"
+#include "NSURLResponse.h"
 
 #include <QtCore/QString>
 
 #include <map>
 #include <variant>
+
+namespace Quorvix {
 
 /// A header's name or value as the loading system reports it: text, or what a protocol handler put there.
 using NSHeaderValue = std::variant<QString, qint64, double>;
@@ -13,10 +15,10 @@ using NSHeaderValue = std::variant<QString, qint64, double>;
 using NSHeaderFields = std::map<NSHeaderValue, NSHeaderValue>;
 
 /// The text form of a header's name or value. Any thread.
-[[nodiscard]] QUORVIX_PLATFORM_EXPORT QString description(const NSHeaderValue &value);
+[[nodiscard]] QUORVIX_CORE_EXPORT QString description(const NSHeaderValue &value);
 
 /// An HTTP response: status and headers. Immutable; shared between threads.
-class QUORVIX_PLATFORM_EXPORT NSHTTPURLResponse final : public NSURLResponse
+class QUORVIX_CORE_EXPORT NSHTTPURLResponse final : public NSURLResponse
 {
 public:
     /// Null when the platform refuses the parts: an invalid URL.
@@ -42,3 +44,5 @@ private:
 };
 
 using NSHTTPURLResponsePtr = std::shared_ptr<const NSHTTPURLResponse>;
+
+} // namespace Quorvix

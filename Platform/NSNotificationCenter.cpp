@@ -7,6 +7,8 @@
 #include <mutex>
 #include <vector>
 
+namespace Quorvix {
+
 struct NSNotificationObserver::Registration
 {
     QString name;
@@ -89,3 +91,5 @@ void NSNotificationCenter::post(const QString &name)
             registration->callback();
     }
 }
+
+} // namespace Quorvix

@@ -1,14 +1,16 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
+#include "PlatformGlobal.h"
 
 #include <QtCore/QString>
 
 #include <functional>
 #include <memory>
 
+namespace Quorvix {
+
 /// An observer's registration: it ends when this object goes.
-class QUORVIX_PLATFORM_EXPORT NSNotificationObserver
+class QUORVIX_CORE_EXPORT NSNotificationObserver
 {
 public:
     NSNotificationObserver() = default;
@@ -29,7 +31,7 @@ private:
 /// Any thread may observe and post; an observer goes in the thread that posts what it observes. Observers are
 /// called at once, in the thread that posts and in the order in which they registered; one that registers
 /// during a post is first called by the next.
-class QUORVIX_PLATFORM_EXPORT NSNotificationCenter
+class QUORVIX_CORE_EXPORT NSNotificationCenter
 {
 public:
     using Callback = std::function<void()>;
@@ -50,3 +52,5 @@ private:
 
     std::shared_ptr<Registry> m_registry;
 };
+
+} // namespace Quorvix

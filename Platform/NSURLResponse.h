@@ -1,14 +1,16 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
+#include "PlatformGlobal.h"
 
 #include <QtCore/QUrl>
 
 #include <memory>
 #include <optional>
 
+namespace Quorvix {
+
 /// What came back for a request. Immutable; shared between threads.
-class QUORVIX_PLATFORM_EXPORT NSURLResponse
+class QUORVIX_CORE_EXPORT NSURLResponse
 {
 public:
     explicit NSURLResponse(std::optional<QUrl> url) : m_url(std::move(url)) {}
@@ -26,3 +28,5 @@ private:
 
 /// An optional response: null when there is none.
 using NSURLResponsePtr = std::shared_ptr<const NSURLResponse>;
+
+} // namespace Quorvix

@@ -3,6 +3,8 @@
 #include "Platform/ObjectRuntime.h"
 #include "Platform/URLLoader.h"
 
+namespace Quorvix {
+
 struct NSURLSession::Class
 {
     Class() : dataTask(objectClass.addMethod(dataTaskSelector, &makeTask)) {}
@@ -19,7 +21,7 @@ struct NSURLSession::Class
 };
 
 NSURLSession::NSURLSession(NSURLSessionConfiguration configuration)
-    : m_core(std::make_shared<Core>(std::move(configuration)))
+    : m_loadSession(std::make_shared<URLLoadSession>(std::move(configuration)))
 {
 }
 
@@ -52,9 +54,11 @@ NSURLSessionDataTaskPtr NSURLSession::dataTaskWithRequest(const URLRequest &requ
 NSURLSessionDataTaskPtr NSURLSession::makeTask(NSURLSession &session, const URLRequest &request,
                                                CompletionHandler completionHandler)
 {
-    auto core = std::make_shared<NSURLSessionDataTask::Core>();
-    core->session = session.m_core;
-    core->request = request;
-    core->completionHandler = std::move(completionHandler);
-    return NSURLSessionDataTaskPtr(new NSURLSessionDataTask(std::move(core)));
+    auto load = std::make_shared<URLLoadTask>();
+    load->session = session.m_loadSession;
+    load->request = request;
+    load->completionHandler = std::move(completionHandler);
+    return NSURLSessionDataTaskPtr(new NSURLSessionDataTask(std::move(load)));
 }
+
+} // namespace Quorvix

@@ -1,27 +1,20 @@
 #pragma once
 
-#include "Platform/NSURLSessionDataTask.h"
+#include "NSURLSessionConfiguration.h"
+#include "NSURLSessionDataTask.h"
 
 #include <QtCore/QByteArrayView>
 
-class ObjectClass;
+namespace Quorvix {
 
-/// How a session loads.
-struct NSURLSessionConfiguration
-{
-    /// How long a connection may stay silent before the task fails with NSURLErrorTimedOut.
-    std::chrono::milliseconds timeoutIntervalForRequest = std::chrono::seconds(60);
-    /// Headers added to every request that does not set them itself.
-    HTTPHeaderFields httpAdditionalHeaders;
-    /// Whether requests carry the cookies of HTTPCookieStorage::shared() and responses fill it.
-    bool httpShouldSetCookies = true;
-};
+class ObjectClass;
+struct URLLoadSession;
 
 /// Loads URLs (http, https, file, data) in the background. Any thread may use a session.
 ///
 /// Redirects are followed, content codings decoded, cookies kept in the shared storage; HTTP/2 is used where
 /// it is negotiated. A session may go while its tasks run: they end as they would have.
-class QUORVIX_PLATFORM_EXPORT NSURLSession
+class QUORVIX_CORE_EXPORT NSURLSession
 {
 public:
     using CompletionHandler = DataTaskCompletionHandler;
@@ -51,12 +44,12 @@ public:
     /// A suspended task whose outcome nobody is told of.
     [[nodiscard]] NSURLSessionDataTaskPtr dataTaskWithRequest(const URLRequest &request);
 
-    struct Core;
-
 private:
     struct Class;
     static NSURLSessionDataTaskPtr makeTask(NSURLSession &session, const URLRequest &request,
                                             CompletionHandler completionHandler);
 
-    std::shared_ptr<Core> m_core;
+    std::shared_ptr<URLLoadSession> m_loadSession;
 };
+
+} // namespace Quorvix

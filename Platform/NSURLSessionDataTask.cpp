@@ -1,34 +1,39 @@
 #include "Platform/NSURLSessionDataTask.h"
 
+#include "Platform/LoadingThread.h"
 #include "Platform/URLLoader.h"
 
-NSURLSessionDataTask::NSURLSessionDataTask(std::shared_ptr<Core> core) : m_core(std::move(core)) {}
+namespace Quorvix {
+
+NSURLSessionDataTask::NSURLSessionDataTask(std::shared_ptr<URLLoadTask> load) : m_load(std::move(load)) {}
 
 NSURLSessionDataTask::~NSURLSessionDataTask() = default;
 
 void NSURLSessionDataTask::resume()
 {
     auto expected = State::Suspended;
-    if (m_core->state.compare_exchange_strong(expected, State::Running))
-        LoadingThread::post([core = m_core] { startLoading(core); });
+    if (m_load->state.compare_exchange_strong(expected, State::Running))
+        LoadingThread::post([load = m_load] { startLoading(load); });
 }
 
 void NSURLSessionDataTask::cancel()
 {
-    auto state = m_core->state.load();
+    auto state = m_load->state.load();
     do {
         if (state == State::Canceling || state == State::Completed)
             return;
-    } while (!m_core->state.compare_exchange_weak(state, State::Canceling));
-    LoadingThread::post([core = m_core] { cancelLoading(core); });
+    } while (!m_load->state.compare_exchange_weak(state, State::Canceling));
+    LoadingThread::post([load = m_load] { cancelLoading(load); });
 }
 
 NSURLSessionDataTask::State NSURLSessionDataTask::state() const noexcept
 {
-    return m_core->state;
+    return m_load->state;
 }
 
 const URLRequest &NSURLSessionDataTask::originalRequest() const noexcept
 {
-    return m_core->request;
+    return m_load->request;
 }
+
+} // namespace Quorvix

@@ -1,21 +1,19 @@
 #pragma once
 
-#include "Platform/NSError.h"
-#include "Platform/NSURLResponse.h"
-#include "Platform/URLRequest.h"
+#include "NSURLSessionTask.h"
+#include "URLRequest.h"
 
-#include <functional>
 #include <memory>
 
-/// What a data task hands over when it ends: the whole body, the response and the error, each optional.
-using DataTaskCompletionHandler =
-    std::function<void(std::optional<QByteArray>, NSURLResponsePtr, std::optional<NSError>)>;
+namespace Quorvix {
+
+struct URLLoadTask;
 
 /// One exchange of a session. Made suspended; does nothing until resume(). Any thread.
-class QUORVIX_PLATFORM_EXPORT NSURLSessionDataTask
+class QUORVIX_CORE_EXPORT NSURLSessionDataTask
 {
 public:
-    enum class State { Running, Suspended, Canceling, Completed };
+    using State = NSURLSessionTaskState;
 
     ~NSURLSessionDataTask();
     NSURLSessionDataTask(const NSURLSessionDataTask &) = delete;
@@ -30,13 +28,13 @@ public:
     [[nodiscard]] State state() const noexcept;
     [[nodiscard]] const URLRequest &originalRequest() const noexcept;
 
-    struct Core;
-
 private:
     friend class NSURLSession;
-    explicit NSURLSessionDataTask(std::shared_ptr<Core> core);
+    explicit NSURLSessionDataTask(std::shared_ptr<URLLoadTask> load);
 
-    std::shared_ptr<Core> m_core;
+    std::shared_ptr<URLLoadTask> m_load;
 };
 
 using NSURLSessionDataTaskPtr = std::shared_ptr<NSURLSessionDataTask>;
+
+} // namespace Quorvix

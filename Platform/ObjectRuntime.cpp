@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace Quorvix {
+
 class Method
 {
 public:
@@ -65,3 +67,5 @@ bool method_exchangeImplementations(Method *first, Method *second)
     owner.publish(std::move(table));
     return true;
 }
+
+} // namespace Quorvix

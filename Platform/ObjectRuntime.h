@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
+#include "PlatformGlobal.h"
 
 #include <QtCore/QByteArrayView>
 
@@ -11,6 +11,8 @@
 #include <typeindex>
 #include <vector>
 
+namespace Quorvix {
+
 /// An instance method of a class, found by its selector text. Lives as long as its class.
 class Method;
 
@@ -19,7 +21,7 @@ class Method;
 /// A send reads one atomic pointer, to the table in force, and makes one indirect call through it. Tables are
 /// never changed once published: adding or exchanging builds a new one, so that a sender sees either all of
 /// an exchange or nothing of it. Any thread may send, look up, add and exchange at any time.
-class QUORVIX_PLATFORM_EXPORT ObjectClass
+class QUORVIX_CORE_EXPORT ObjectClass
 {
 public:
     /// The untyped form in which implementations are kept.
@@ -46,8 +48,8 @@ public:
     }
 
 private:
-    friend QUORVIX_PLATFORM_EXPORT Method *class_getInstanceMethod(const ObjectClass &, QByteArrayView);
-    friend QUORVIX_PLATFORM_EXPORT bool method_exchangeImplementations(Method *, Method *);
+    friend QUORVIX_CORE_EXPORT Method *class_getInstanceMethod(const ObjectClass &, QByteArrayView);
+    friend QUORVIX_CORE_EXPORT bool method_exchangeImplementations(Method *, Method *);
 
     using Table = std::vector<Implementation>;
 
@@ -63,10 +65,12 @@ private:
 };
 
 /// The instance method of @p objectClass for @p selector, or null. Any thread.
-[[nodiscard]] QUORVIX_PLATFORM_EXPORT Method *class_getInstanceMethod(const ObjectClass &objectClass,
-                                                                      QByteArrayView selector);
+[[nodiscard]] QUORVIX_CORE_EXPORT Method *class_getInstanceMethod(const ObjectClass &objectClass,
+                                                                  QByteArrayView selector);
 
 /// Exchanges the implementations of two methods of one class, at once for every later send.
 /// False, with nothing changed, when one is null, their classes differ, or their signatures differ. Any
 /// thread.
-QUORVIX_PLATFORM_EXPORT bool method_exchangeImplementations(Method *first, Method *second);
+QUORVIX_CORE_EXPORT bool method_exchangeImplementations(Method *first, Method *second);
+
+} // namespace Quorvix

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "Platform/NSError.h"
+#include "NSError.h"
 
 #include <utility>
 #include <variant>
+
+namespace Quorvix {
 
 /// What an operation yields: a value, or the error that kept it from one.
 template<typename Value>
@@ -25,3 +27,5 @@ public:
 private:
     std::variant<Value, NSError> m_outcome;
 };
+
+} // namespace Quorvix

@@ -6,6 +6,8 @@
 
 #include <utility>
 
+namespace Quorvix {
+
 namespace {
 
 class TaskEvent final : public QEvent
@@ -59,3 +61,5 @@ void TaskMailbox::post(std::function<void()> task)
     else if (!m_ended)
         m_early.push_back(std::move(task));
 }
+
+} // namespace Quorvix

@@ -8,6 +8,8 @@
 
 class QThread;
 
+namespace Quorvix {
+
 /// A queue of tasks for one thread, open only while that thread can run them. Never destroyed by its owner
 /// while another thread may post.
 class TaskMailbox
@@ -36,3 +38,5 @@ private:
     bool m_ended = false;
     std::vector<std::function<void()>> m_early;
 };
+
+} // namespace Quorvix

@@ -9,11 +9,13 @@
 
 #include <algorithm>
 
+namespace Quorvix {
+
 namespace {
 
-using Task = NSURLSessionDataTask::Core;
+using Task = URLLoadTask;
 using TaskPtr = std::shared_ptr<Task>;
-using State = NSURLSessionDataTask::State;
+using State = URLLoadTask::State;
 
 constexpr char certificateErrorProperty[] = "certificateError";
 
@@ -285,3 +287,5 @@ void cancelLoading(const TaskPtr &task)
     else
         fail(*task, NSURLErrorCancelled);
 }
+
+} // namespace Quorvix

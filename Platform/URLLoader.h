@@ -1,40 +1,21 @@
 #pragma once
 
-#include "Platform/NSURLSession.h"
+#include "Platform/NSURLSessionTask.h"
+#include "Platform/URLLoadSession.h"
 
-#include <QtCore/QPointer>
-#include <QtNetwork/QNetworkAccessManager>
 #include <QtNetwork/QNetworkReply>
 
 #include <atomic>
+#include <memory>
 
-/// The thread in which all sessions load. It starts with the first task and ends with the application.
-namespace LoadingThread {
+namespace Quorvix {
 
-/// Runs @p task there, in order; before there is an application it waits, after its end it is dropped.
-void post(std::function<void()> task);
-
-} // namespace LoadingThread
-
-/// A session's part of the loading thread.
-struct NSURLSession::Core
+/// One exchange under way; shared with the loading thread, which keeps it until the exchange is over.
+struct URLLoadTask
 {
-    explicit Core(NSURLSessionConfiguration sessionConfiguration);
-    ~Core();
+    using State = NSURLSessionTaskState;
 
-    /// Made on first use, in the loading thread, and gone with it at the latest.
-    [[nodiscard]] QNetworkAccessManager *manager();
-
-    const NSURLSessionConfiguration configuration;
-
-private:
-    QPointer<QNetworkAccessManager> m_manager;
-};
-
-/// A task's state; shared with the loading thread, which keeps it until the exchange is over.
-struct NSURLSessionDataTask::Core
-{
-    std::shared_ptr<NSURLSession::Core> session;
+    std::shared_ptr<URLLoadSession> session;
     URLRequest request;
     DataTaskCompletionHandler completionHandler;
     std::atomic<State> state = State::Suspended;
@@ -46,6 +27,8 @@ struct NSURLSessionDataTask::Core
 };
 
 /// Sends the request. In the loading thread.
-void startLoading(const std::shared_ptr<NSURLSessionDataTask::Core> &task);
+void startLoading(const std::shared_ptr<URLLoadTask> &task);
 /// Ends the exchange, whether or not it was started. In the loading thread.
-void cancelLoading(const std::shared_ptr<NSURLSessionDataTask::Core> &task);
+void cancelLoading(const std::shared_ptr<URLLoadTask> &task);
+
+} // namespace Quorvix

@@ -1,6 +1,8 @@
 #include "Platform/URLRequest.h"
 
-#include "Platform/JSONWriter.h"
+#include <QtCore/QStringDecoder>
+
+namespace Quorvix {
 
 namespace {
 
@@ -55,6 +57,9 @@ QString absoluteString(const QUrl &url)
 
 QString percentDecoded(QStringView encoded)
 {
-    const QByteArray decoded = QByteArray::fromPercentEncoding(encoded.toLatin1());
-    return isValidUtf8(decoded) ? QString::fromUtf8(decoded) : encoded.toString();
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString decoded = utf8(QByteArray::fromPercentEncoding(encoded.toLatin1()));
+    return utf8.hasError() ? encoded.toString() : decoded;
 }
+
+} // namespace Quorvix

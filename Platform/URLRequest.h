@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
+#include "PlatformGlobal.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QMap>
@@ -10,11 +10,13 @@
 #include <chrono>
 #include <optional>
 
+namespace Quorvix {
+
 /// Header names and their values, in ascending order of name.
 using HTTPHeaderFields = QMap<QString, QString>;
 
 /// What to load and how: a plain value, copied freely between threads.
-class QUORVIX_PLATFORM_EXPORT URLRequest
+class QUORVIX_CORE_EXPORT URLRequest
 {
 public:
     URLRequest() = default;
@@ -40,8 +42,10 @@ public:
 };
 
 /// The URL's absolute string: percent-encoded, as it stands on the request line. Any thread.
-[[nodiscard]] QUORVIX_PLATFORM_EXPORT QString absoluteString(const QUrl &url);
+[[nodiscard]] QUORVIX_CORE_EXPORT QString absoluteString(const QUrl &url);
 
 /// Percent escapes (RFC 3986, 2.1) taken back where they stand for text in UTF-8; else the encoded form,
 /// which loses nothing.
-[[nodiscard]] QUORVIX_PLATFORM_EXPORT QString percentDecoded(QStringView encoded);
+[[nodiscard]] QUORVIX_CORE_EXPORT QString percentDecoded(QStringView encoded);
+
+} // namespace Quorvix

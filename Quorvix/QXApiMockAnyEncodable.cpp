@@ -1,9 +1,11 @@
 #include "Quorvix/QXApiMockAnyEncodable.h"
 
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONWriter.h"
 
 #include <algorithm>
 #include <vector>
+
+using namespace Quorvix;
 
 namespace {
 

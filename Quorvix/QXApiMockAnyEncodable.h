@@ -1,15 +1,17 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
+#include "JSON/JSONReader.h"
 
-#include "Platform/JSONReader.h"
+#include "Platform/PlatformGlobal.h"
 
 #include <QtCore/QByteArrayView>
 
 #include <optional>
 #include <utility>
 
+namespace Quorvix {
 class JSONWriter;
+} // namespace Quorvix
 
 /// The key of a member whose name is known only when it is met.
 struct DynamicCodingKey
@@ -27,12 +29,12 @@ class QUORVIX_INTERNAL_EXPORT QXApiMockAnyEncodable
 {
 public:
     /// The whole of a document.
-    explicit QXApiMockAnyEncodable(const JSONDocument &document)
+    explicit QXApiMockAnyEncodable(const Quorvix::JSONDocument &document)
         : m_document(document), m_value(document.root())
     {
     }
     /// A value that @p document holds.
-    QXApiMockAnyEncodable(JSONDocument document, const JSONValue &value) noexcept
+    QXApiMockAnyEncodable(Quorvix::JSONDocument document, const Quorvix::JSONValue &value) noexcept
         : m_document(std::move(document)), m_value(value)
     {
     }
@@ -42,9 +44,9 @@ public:
     ///
     /// Numbers go out as the doubles next to them: integers beyond 2^53 lose digits, as they do in every
     /// reader that knows JSON numbers as doubles (RFC 8259, 6). Any thread.
-    void encode(JSONWriter &writer) const;
+    void encode(Quorvix::JSONWriter &writer) const;
 
 private:
-    JSONDocument m_document;
-    JSONValue m_value;
+    Quorvix::JSONDocument m_document;
+    Quorvix::JSONValue m_value;
 };

@@ -1,12 +1,13 @@
 #include "Quorvix/QXApiMockDefinition.h"
 
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
 #include <initializer_list>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

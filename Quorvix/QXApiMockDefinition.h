@@ -40,5 +40,5 @@ struct QUORVIX_INTERNAL_EXPORT QXApiMockDefinition
     /// definition is written again.
     ///
     /// Fails with NSCocoaErrorDomain / NSPropertyListReadCorruptError. Any thread.
-    static Result<QXApiMockDefinition> decode(QByteArrayView utf8);
+    static Quorvix::Result<QXApiMockDefinition> decode(QByteArrayView utf8);
 };

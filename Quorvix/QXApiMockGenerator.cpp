@@ -5,12 +5,13 @@
 #include "Quorvix/QXRequestTrace.h"
 #include "Quorvix/QXTemporaryFile.h"
 
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QStringList>
 
 #include <algorithm>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

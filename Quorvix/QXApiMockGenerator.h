@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
+#include "Platform/PlatformGlobal.h"
 #include "Platform/Result.h"
 
 #include <QtCore/QString>
@@ -39,5 +38,5 @@ public:
     /// missingRequestMethod, missingResponseBody, responseBodyNotJSON (any JSON value will do, a scalar too;
     /// an empty body is none), unmappableRequestPath, mockFileNotCreated. The last one is also what a path or
     /// a method gets that would lead to another folder than the resource's.
-    static Result<QUrl> exportMock(const QXRequestTrace &trace);
+    static Quorvix::Result<QUrl> exportMock(const QXRequestTrace &trace);
 };

@@ -1,10 +1,12 @@
 #include "Quorvix/QXApiTree.h"
 
-#include "Platform/JSONReader.h"
+#include "JSON/JSONReader.h"
 
 #include <cstring>
 #include <limits>
 #include <string_view>
+
+using namespace Quorvix;
 
 /// Works through the containers one after the other, not into one another: no nesting overflows the stack.
 class QXApiTree::Builder final
@@ -161,7 +163,7 @@ std::shared_ptr<QXApiTreeField> QXApiTree::make(const JSONValue &root)
 {
     static_assert(JSONReader::maximumDepth <= std::numeric_limits<quint16>::max());
     const std::shared_ptr<QXApiTree> tree(new QXApiTree);
-    tree->m_root.m_tree = tree.get();
+    tree->m_root.m_owner = tree.get();
     Builder(*tree).build(root);
     return {tree, &tree->m_root};
 }

@@ -7,17 +7,19 @@
 #include <utility>
 #include <vector>
 
+namespace Quorvix {
 class JSONValue;
+} // namespace Quorvix
 
 /// The nodes of one parsed text, and their texts. Lives as long as anybody holds one of the nodes.
 ///
 /// The children of a node lie side by side, nothing that was handed out moves, and nothing refers to the text
 /// that was parsed.
-class QXApiTree final : public std::enable_shared_from_this<QXApiTree>
+class QXApiTree final : public QXApiTreeField::Owner
 {
 public:
     /// Copies what stands under @p root, and returns the node that stands for it.
-    static std::shared_ptr<QXApiTreeField> make(const JSONValue &root);
+    static std::shared_ptr<QXApiTreeField> make(const Quorvix::JSONValue &root);
 
     Q_DISABLE_COPY_MOVE(QXApiTree)
     ~QXApiTree() = default;

@@ -1,15 +1,14 @@
 #include "Quorvix/QXApiTreeField.h"
 
-#include "Quorvix/QXApiTree.h"
-
-#include "Platform/JSONWideNumbers.h"
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONWideNumbers.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
 #include <vector>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -112,7 +111,7 @@ std::shared_ptr<QXApiTreeField> QXApiTreeField::share()
     const QXApiTreeField *root = this;
     while (root->m_parent)
         root = root->m_parent;
-    return {root->m_tree->shared_from_this(), this};
+    return {root->m_owner->shared_from_this(), this};
 }
 
 std::optional<QString> QXApiTreeField::summary() const

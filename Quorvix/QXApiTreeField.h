@@ -27,6 +27,11 @@ public:
     /// Children stand for a map or an array.
     using Value = std::variant<std::nullptr_t, bool, qint64, quint64, double, QString, Children>;
 
+    /// What keeps the nodes of one tree.
+    struct Owner : std::enable_shared_from_this<Owner>
+    {
+    };
+
     Q_DISABLE_COPY_MOVE(QXApiTreeField)
 
     /// The member's name, or "[3]" for an element; absent for the root.
@@ -87,7 +92,7 @@ private:
         /// Of a member.
         const char *m_name;
         /// Of the root.
-        QXApiTree *m_tree;
+        Owner *m_owner;
     };
     /// How many children, or bytes of text.
     quint32 m_size = 0;

@@ -3,12 +3,13 @@
 #include "Quorvix/QXApiTree.h"
 #include "Quorvix/QXSwiftModelGenerator.h"
 
-#include "Platform/JSONReader.h"
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONReader.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QStringEncoder>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -4,8 +4,9 @@
 #include "Quorvix/QXRequestTrace.h"
 #include "Quorvix/QXTemporaryFile.h"
 
+#include "JSON/JSONWriter.h"
+
 #include "Platform/BundleInfo.h"
-#include "Platform/JSONWriter.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -14,6 +15,7 @@
 #include <span>
 #include <utility>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

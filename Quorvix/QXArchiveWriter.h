@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
+#include "Platform/PlatformGlobal.h"
 #include "Platform/Result.h"
 
 #include <QtCore/QByteArray>
@@ -19,7 +18,7 @@ struct QXRequestTrace;
 ///
 /// Writes as it reads; neither the document nor any body is held as a tree. Nothing that a trace lacks makes
 /// it fail. Stateless; any thread, with traces that no other thread changes.
-class QUORVIX_INTERNAL_EXPORT QXArchiveWriter
+class QUORVIX_CORE_EXPORT QXArchiveWriter
 {
 public:
     /// Yields one trace after the other, and null after the last.
@@ -33,17 +32,18 @@ public:
     /// device.
     [[nodiscard]] static QByteArray archive(const Source &traces);
     /// Streams the document. Fails with the device's own error.
-    [[nodiscard]] static std::optional<NSError> archive(const Source &traces, QIODevice &device);
+    [[nodiscard]] static std::optional<Quorvix::NSError> archive(const Source &traces, QIODevice &device);
 
     /// "Quorvix-GET-42-1700000000.har" for a GET of .../users/42. The path component stands there
     /// undecorated, as the URL's path has it when decoded, so the name may be one that no file can have.
     [[nodiscard]] static QString exportFileName(const QXRequestTrace &trace,
                                                 std::chrono::system_clock::time_point now);
     /// Writes an archive of this one exchange to the process's temporary directory and returns its file URL.
-    static Result<QUrl> exportTrace(const QXRequestTrace &trace, std::chrono::system_clock::time_point now);
+    static Quorvix::Result<QUrl> exportTrace(const QXRequestTrace &trace,
+                                             std::chrono::system_clock::time_point now);
 
     /// What the user is told when an export failed.
-    [[nodiscard]] static QString failureMessage(const NSError &error);
+    [[nodiscard]] static QString failureMessage(const Quorvix::NSError &error);
 };
 
 template<std::ranges::input_range Range>

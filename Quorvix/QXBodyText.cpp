@@ -1,9 +1,11 @@
 #include "Quorvix/QXBodyText.h"
 
-#include "Platform/JSONReader.h"
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONReader.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QStringDecoder>
+
+using namespace Quorvix;
 
 std::optional<QString> QXBodyText::readable(const QByteArray &body)
 {

@@ -11,6 +11,8 @@
 
 #include <charconv>
 
+using namespace Quorvix;
+
 using namespace std::chrono_literals;
 
 namespace {

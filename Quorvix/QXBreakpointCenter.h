@@ -32,10 +32,10 @@ public:
     /// Holds the response and returns true; the trace is then completed, and @p completion called, on
     /// release. False when nothing is held and delivery stays with the caller: during the cooldown after a
     /// release, when no rule matches, or when there is no HTTP response.
-    [[nodiscard]] bool check(const URLRequest &request, const QString &requestId,
-                             const std::optional<QByteArray> &data, const NSURLResponsePtr &response,
-                             const std::optional<NSError> &error,
-                             const DataTaskCompletionHandler &completion);
+    [[nodiscard]] bool check(const Quorvix::URLRequest &request, const QString &requestId,
+                             const std::optional<QByteArray> &data, const Quorvix::NSURLResponsePtr &response,
+                             const std::optional<Quorvix::NSError> &error,
+                             const Quorvix::DataTaskCompletionHandler &completion);
 
     /// Releases the active response with its own status code and body.
     void continueActive();

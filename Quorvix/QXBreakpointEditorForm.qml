@@ -1,6 +1,8 @@
 import QtQuick
 import QtQuick.Templates as T
 import QtQuick.Window
+import Quorvix.Controls
+import Quorvix.Text
 import Quorvix
 
 /// What can be edited of a held response. The body takes the room that is left, and in a low window the whole of

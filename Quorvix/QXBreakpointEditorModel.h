@@ -1,13 +1,14 @@
 #pragma once
 
 #include "Quorvix/QXBreakpointItem.h"
-#include "Quorvix/QXTextDocument.h"
+
+#include "Text/QXTextDocument.h"
 
 #include <QtCore/QObject>
 #include <QtQml/qqmlregistration.h>
 
 /// The state of the breakpoint editor: what the user makes of one held response. Main thread only.
-class QUORVIX_INTERNAL_EXPORT QXBreakpointEditorModel final : public QObject
+class QXBreakpointEditorModel final : public QObject
 {
     Q_OBJECT
     QML_ELEMENT

@@ -1,4 +1,6 @@
 import QtQuick
+import Quorvix.Controls
+import Quorvix.Text
 import Quorvix
 
 /// The editor of a held response: its status code and its body, released unchanged or with the edits.

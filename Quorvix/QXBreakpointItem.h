@@ -12,15 +12,15 @@ struct QUORVIX_INTERNAL_EXPORT QXBreakpointItem
 {
     /// Fresh for every held response.
     QUuid id;
-    URLRequest request;
+    Quorvix::URLRequest request;
     /// The identifier of the exchange's trace.
     QString requestId;
     /// As the session delivered it; never null.
-    NSHTTPURLResponsePtr response;
+    Quorvix::NSHTTPURLResponsePtr response;
     std::optional<QByteArray> data;
-    std::optional<NSError> error;
+    std::optional<Quorvix::NSError> error;
     /// The host's own completion handler.
-    DataTaskCompletionHandler completion;
+    Quorvix::DataTaskCompletionHandler completion;
 
     [[nodiscard]] std::optional<QXBreakpointKey> key() const;
     /// The display text of the key; empty for a request without a URL.

@@ -1,5 +1,5 @@
 import QtQuick
-import Quorvix
+import Quorvix.Controls
 
 /// One breakpoint rule, with its ways to be deleted. A swipe towards its beginning uncovers a button; one across
 /// half the row deletes.

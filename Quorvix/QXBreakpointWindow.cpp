@@ -2,8 +2,9 @@
 
 #include "Quorvix/QXBreakpointEditorModel.h"
 #include "Quorvix/QXHostWindow.h"
-#include "Quorvix/QXLayer.h"
 #include "Quorvix/QXQmlView.h"
+
+#include "Controls/QXLayer.h"
 
 #include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickWindow>

@@ -15,7 +15,7 @@ class QXLayer;
 /// The window of the breakpoint editor: a layer above all others, with the keyboard. Main thread only.
 ///
 /// The keyboard goes back to where it was once the editor is gone.
-class QUORVIX_INTERNAL_EXPORT QXBreakpointWindow
+class QXBreakpointWindow
 {
 public:
     /// Lies over @p window; @p engine must outlive it.

@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Templates as T
+import Quorvix.Controls
 import Quorvix
 
 /// The breakpoint rules that are switched on; a row is deleted with a swipe, the Delete key, or in edit mode.

@@ -6,7 +6,7 @@
 #include <QtQml/qqmlregistration.h>
 
 /// The breakpoint rules as a list, in the store's sorted order; follows the store. Main thread only.
-class QUORVIX_INTERNAL_EXPORT QXBreakpointsViewModel : public QAbstractListModel
+class QXBreakpointsViewModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT

@@ -3,6 +3,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include "Quorvix/QXResponseTrace.h"
+
+#include "Platform/PlatformGlobal.h"
 
 #include <vector>
 

@@ -3,12 +3,13 @@
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXRequestTrace.h"
 
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QStringDecoder>
 
 #include <algorithm>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
+#include "Platform/PlatformGlobal.h"
 #include "Platform/Result.h"
 
 #include <QtCore/QString>
@@ -27,5 +26,5 @@ public:
     ///
     /// Fails with QXExportError::missingRequestURL when there is no URL or an empty one. Linear in the size
     /// of the trace. Any thread, with a trace that no other thread changes.
-    static Result<QString> build(const QXRequestTrace &trace);
+    static Quorvix::Result<QString> build(const QXRequestTrace &trace);
 };

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "Quorvix/QXDecodedPayload.h"
-#include "Quorvix/QXTextDocument.h"
+
+#include "Text/QXTextDocument.h"
 
 #include <QtCore/QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
@@ -10,7 +11,7 @@
 #include <vector>
 
 /// The sections of a decoded payload, each with the document that shows it. Main thread only.
-class QUORVIX_INTERNAL_EXPORT QXDecodedPayloadModel : public QAbstractListModel
+class QXDecodedPayloadModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT

@@ -1,6 +1,8 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Quorvix.Controls
+import Quorvix.Text
 import Quorvix
 
 /// The decoded payload screen: what was found in an encoded text, one block for each of its parts.

@@ -4,13 +4,15 @@
 #include "Quorvix/QXJWTPieces.h"
 #include "Quorvix/QXWhiteSpace.h"
 
-#include "Platform/JSONReader.h"
+#include "JSON/JSONReader.h"
 
 #include <QtCore/QByteArray>
 
 #include <algorithm>
 #include <array>
 #include <string_view>
+
+using namespace Quorvix;
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include <QtCore/QCoreApplication>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

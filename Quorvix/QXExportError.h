@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include "Platform/NSError.h"
+#include "Platform/PlatformGlobal.h"
 
 /// Why an exchange could not be turned into what was asked for.
 enum class QXExportError {
@@ -29,4 +28,4 @@ enum class QXExportError {
 };
 
 /// The error with the sentence that the user is told, in the domain "QXExportError". Any thread.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT NSError makeError(QXExportError reason);
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT Quorvix::NSError makeError(QXExportError reason);

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include "Platform/NSError.h"
+#include "Platform/PlatformGlobal.h"
 
 #include <QtCore/QHashFunctions>
 
@@ -10,7 +9,7 @@
 struct QXFailureNote
 {
     QXFailureNote() = default;
-    explicit QXFailureNote(const NSError &error)
+    explicit QXFailureNote(const Quorvix::NSError &error)
         : localizedDescription(error.localizedDescription), domain(error.domain), code(error.code)
     {
     }

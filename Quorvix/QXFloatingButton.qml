@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorvix.Controls
 import Quorvix
 
 /// The round button over the host's window: a tap opens or closes the request list, a drag moves it.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include <QtCore/QMarginsF>
 
 #include <memory>
@@ -12,23 +10,23 @@ class QQuickWindow;
 namespace QXHostWindow {
 
 /// The host's active Qt Quick window, else any that is visible, else null.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT QQuickWindow *find();
+[[nodiscard]] QQuickWindow *find();
 
 /// Whether the inspector made @p window for itself.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool isFallback(const QQuickWindow *window);
+[[nodiscard]] bool isFallback(const QQuickWindow *window);
 
 /// Whether the platform lays windows over one another. Where it does not there is nothing beneath, and asking
 /// for a mask or for another order only earns a warning.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool areStacked();
+[[nodiscard]] bool areStacked();
 
 /// A transparent window of the main screen's size, for an application that has none of its own.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT std::unique_ptr<QQuickWindow> makeFallback();
+[[nodiscard]] std::unique_ptr<QQuickWindow> makeFallback();
 
 /// Makes a fallback window part of the window that the host shows now, so that it ends with the host's
 /// windows and never keeps the application from ending.
-QUORVIX_INTERNAL_EXPORT void followFocus(QQuickWindow &fallback);
+void followFocus(QQuickWindow &fallback);
 
 /// What bars and notches cover at the edges of @p window, in points.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT QMarginsF safeAreaMargins(const QQuickWindow &window);
+[[nodiscard]] QMarginsF safeAreaMargins(const QQuickWindow &window);
 
 } // namespace QXHostWindow

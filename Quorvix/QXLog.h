@@ -1,7 +1,8 @@
 #pragma once
 
 #include "Quorvix/QXLogLevel.h"
-#include "Quorvix/QuorvixGlobal.h"
+
+#include "Platform/PlatformGlobal.h"
 
 #include <QtCore/QString>
 

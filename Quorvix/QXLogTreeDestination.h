@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include <QtCore/QHashFunctions>
 #include <QtCore/QObject>
 #include <QtCore/QString>
@@ -10,7 +8,7 @@
 #include <utility>
 
 /// A body to be browsed as a tree, under a fresh identity. A value.
-struct QUORVIX_INTERNAL_EXPORT QXLogTreeDestination
+struct QXLogTreeDestination
 {
     Q_GADGET
     Q_PROPERTY(QUuid id MEMBER id)

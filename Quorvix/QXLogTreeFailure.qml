@@ -1,5 +1,5 @@
 import QtQuick
-import Quorvix
+import Quorvix.Controls
 
 /// Why there is no log tree.
 QXScrollArea {

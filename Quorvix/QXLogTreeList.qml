@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Quorvix.Controls
 import Quorvix
 
 /// The rows of a log tree, opened and closed by a tap or with the keyboard.

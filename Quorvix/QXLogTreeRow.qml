@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
-import Quorvix
+import Quorvix.Controls
 
 /// One node of a log tree: how deep it lies, whether it is open, its key, its value and its kind.
 T.AbstractButton {

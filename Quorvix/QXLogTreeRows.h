@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -10,7 +8,7 @@ class QXApiTreeField;
 
 /// The nodes of a tree that are on show, in order, in blocks: putting a run in or taking one out costs what
 /// the run costs, however many there are around it. Holds none of them.
-class QUORVIX_INTERNAL_EXPORT QXLogTreeRows final
+class QXLogTreeRows final
 {
 public:
     [[nodiscard]] size_t size() const noexcept { return m_size; }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorvix.Controls
 import Quorvix
 
 /// A JSON body as a tree whose nodes open and close.

@@ -16,7 +16,7 @@
 ///
 /// A toggle touches the row itself and those that it shows or hides, and costs what they cost. Which nodes
 /// are expanded is told by the nodes.
-class QUORVIX_INTERNAL_EXPORT QXLogTreeViewModel : public QAbstractListModel
+class QXLogTreeViewModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT

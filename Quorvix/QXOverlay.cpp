@@ -3,10 +3,11 @@
 #include "Quorvix/QXBreakpointCenter.h"
 #include "Quorvix/QXBreakpointWindow.h"
 #include "Quorvix/QXHostWindow.h"
-#include "Quorvix/QXLayer.h"
 #include "Quorvix/QXLog.h"
 #include "Quorvix/QXQmlView.h"
 #include "Quorvix/QXRequestRecorder.h"
+
+#include "Controls/QXLayer.h"
 
 #include <QtCore/QSettings>
 #include <QtGui/QGuiApplication>
@@ -14,6 +15,8 @@
 #include <QtQuick/QQuickWindow>
 
 #include <algorithm>
+
+using namespace Quorvix;
 
 namespace {
 

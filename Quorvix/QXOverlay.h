@@ -25,7 +25,7 @@ class QXLayer;
 ///
 /// It lays itself over the active window of the host, or over a window of its own as long as there is none,
 /// and claims no more of it than the button while the list is closed. It also puts up the breakpoint window.
-class QUORVIX_INTERNAL_EXPORT QXOverlay : public QObject
+class QXOverlay : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
@@ -111,6 +111,6 @@ private:
     bool m_presentsRequestList = false;
     bool m_isShowingRequestList = false;
     bool m_badgeScheduled = false;
-    NSNotificationObserver m_requestsObserver;
-    NSNotificationObserver m_breakpointObserver;
+    Quorvix::NSNotificationObserver m_requestsObserver;
+    Quorvix::NSNotificationObserver m_breakpointObserver;
 };

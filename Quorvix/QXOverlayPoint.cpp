@@ -1,9 +1,11 @@
 #include "Quorvix/QXOverlayPoint.h"
 
-#include "Platform/JSONReader.h"
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONReader.h"
+#include "JSON/JSONWriter.h"
 
 #include <cmath>
+
+using namespace Quorvix;
 
 namespace {
 

@@ -1,13 +1,11 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include <QtCore/QByteArray>
 
 #include <optional>
 
 /// Where the floating button stands: its centre's offset from the centre of the safe area, in points.
-struct QUORVIX_INTERNAL_EXPORT QXOverlayPoint
+struct QXOverlayPoint
 {
     double x = 0;
     double y = 0;

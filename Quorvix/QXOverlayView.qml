@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Quorvix.Controls
 import Quorvix
 
 /// What lies over the host's window: the floating button, and beneath it the request list while it is open.

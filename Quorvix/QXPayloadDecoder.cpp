@@ -5,13 +5,15 @@
 #include "Quorvix/QXJWTPieces.h"
 #include "Quorvix/QXWhiteSpace.h"
 
-#include "Platform/JSONReader.h"
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONReader.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QCoreApplication>
 
 #include <array>
 #include <cstring>
+
+using namespace Quorvix;
 
 namespace {
 

@@ -1,11 +1,18 @@
 #include "Quorvix/QXQmlView.h"
 
 #include "Quorvix/QXLog.h"
-#include "Quorvix/QXSymbolProvider.h"
+
+#include "Text/QXTextModule.h"
+
+#include "Controls/QXControlsModule.h"
+#include "Controls/QXQmlModule.h"
+#include "Controls/QXSymbolProvider.h"
 
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickItem>
+
+QX_QML_MODULE(linkQuorvixModule, Quorvix, QuorvixScreens)
 
 namespace {
 
@@ -24,6 +31,9 @@ void fill(QQuickItem &item, QQuickItem &parent)
 
 std::unique_ptr<QQmlEngine> QXQmlView::makeEngine()
 {
+    linkQXControlsModule();
+    linkQXTextModule();
+    linkQuorvixModule();
     auto engine = std::make_unique<QQmlEngine>();
     engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine->addImageProvider(QStringLiteral("symbol"), new QXSymbolProvider);

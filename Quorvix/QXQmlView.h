@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include <QtCore/QString>
 #include <QtCore/QVariantMap>
 
@@ -14,11 +12,11 @@ class QQuickItem;
 namespace QXQmlView {
 
 /// An engine that knows the inspector's module and symbols, apart from any engine of the host.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT std::unique_ptr<QQmlEngine> makeEngine();
+[[nodiscard]] std::unique_ptr<QQmlEngine> makeEngine();
 
 /// The screen of this name, filling @p parent and owned by it; null when its file cannot be loaded, which the
 /// log tells.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT QQuickItem *make(QQmlEngine &engine, const QString &name,
-                                                       const QVariantMap &properties, QQuickItem &parent);
+[[nodiscard]] QQuickItem *make(QQmlEngine &engine, const QString &name, const QVariantMap &properties,
+                               QQuickItem &parent);
 
 } // namespace QXQmlView

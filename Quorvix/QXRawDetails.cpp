@@ -2,11 +2,13 @@
 
 #include "Quorvix/QXBodyText.h"
 #include "Quorvix/QXCacheSummary.h"
-#include "Quorvix/QXMediumText.h"
-#include "Quorvix/QXRequestSections.h"
+#include "Quorvix/QXDisplayFormat.h"
+#include "Quorvix/QXRequestCookies.h"
+#include "Quorvix/QXRequestTrace.h"
 
 #include <QtCore/QCoreApplication>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -96,12 +98,12 @@ QString rawDetails(const QXRequestTrace &request, const std::function<QString(co
     addHeaders(lines, requestSide, request.headers);
     addCookies(lines, requestSide, request);
     addBody(requestSide, request.body);
-    addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request time"), QXMediumText::date(request.date));
+    addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request time"), QXDisplayFormat::date(request.date));
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request status"), status(request));
     if (const auto &response = request.response) {
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP Response code"),
                  QString::number(response->statusCode));
-        addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Response Time"), QXMediumText::date(response->date));
+        addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Response Time"), QXDisplayFormat::date(response->date));
         addHeaders(lines, responseSide, response->headers);
         addCookies(lines, responseSide, request);
         addCache(lines, request);
@@ -109,10 +111,10 @@ QString rawDetails(const QXRequestTrace &request, const std::function<QString(co
     }
     if (request.duration) {
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Roundtrip duration"),
-                 secondsText(localized("%.6f secs"), "%.6f"_L1, *request.duration, 6));
+                 QXDisplayFormat::seconds(localized("%.6f secs"), "%.6f"_L1, *request.duration, 6));
     }
     if (request.body)
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request Size"),
-                 QXMediumText::byteCount(request.body->size()));
+                 QXDisplayFormat::byteCount(request.body->size()));
     return lines.join(u'\n');
 }

@@ -2,6 +2,8 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Templates as T
+import Quorvix.Controls
+import Quorvix.Text
 import Quorvix
 
 /// Everything that is known about one exchange. Takes its model with it when it goes.

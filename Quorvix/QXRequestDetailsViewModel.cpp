@@ -17,6 +17,8 @@
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 
+using namespace Quorvix;
+
 namespace {
 
 /// What is made readable within a millisecond or two is not worth a thread, nor a screen without it.

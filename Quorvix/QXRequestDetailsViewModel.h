@@ -4,7 +4,8 @@
 #include "Quorvix/QXLogTreeDestination.h"
 #include "Quorvix/QXRequestSections.h"
 #include "Quorvix/QXShareItem.h"
-#include "Quorvix/QXTextDocument.h"
+
+#include "Text/QXTextDocument.h"
 
 #include "Platform/Result.h"
 
@@ -20,7 +21,7 @@ class QXLogTreeViewModel;
 ///
 /// The trace is the one given, whatever the recorder makes of the exchange later. A large body is made
 /// readable on another thread; its section has no document until then.
-class QUORVIX_INTERNAL_EXPORT QXRequestDetailsViewModel final : public QAbstractListModel
+class QXRequestDetailsViewModel final : public QAbstractListModel
 {
     Q_OBJECT
     Q_MOC_INCLUDE("Quorvix/QXLogTreeViewModel.h")
@@ -125,7 +126,7 @@ private:
     void inBackground(Work work, Finish finish);
     void share(const QXShareItem &item);
     template<typename Artefact>
-    void share(const Result<Artefact> &artefact);
+    void share(const Quorvix::Result<Artefact> &artefact);
     void alert(const QString &title, const QString &message);
 
     const QXRequestTrace m_request;

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Quorvix.Controls
 import Quorvix
 
 /// The list of the captured exchanges, with the search over it.

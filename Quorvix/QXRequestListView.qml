@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorvix.Controls
 import Quorvix
 
 /// The inspector's own screens, from the request list on; covers the host's window.

@@ -17,6 +17,8 @@
 #include <string_view>
 #include <variant>
 
+using namespace Quorvix;
+
 namespace {
 
 /// What a search text looks for: without white space at its ends, in lower case.

@@ -14,7 +14,7 @@
 /// A row is a trace that the search leaves visible, in the recorder's order. A change of the recorder reaches
 /// the model in a later turn of the event loop and touches only the rows that it concerns; the cost of a
 /// change does not grow with the number of traces.
-class QUORVIX_INTERNAL_EXPORT QXRequestListViewModel : public QAbstractListModel
+class QXRequestListViewModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
@@ -94,5 +94,5 @@ private:
     std::optional<QString> m_alertMessage;
     bool m_showAlert = false;
     bool m_refreshScheduled = false;
-    NSNotificationObserver m_observer;
+    Quorvix::NSNotificationObserver m_observer;
 };

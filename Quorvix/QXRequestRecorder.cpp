@@ -3,6 +3,8 @@
 #include "Platform/MainActor.h"
 #include "Platform/NSNotificationCenter.h"
 
+using namespace Quorvix;
+
 namespace {
 
 using Clock = std::chrono::steady_clock;

@@ -11,7 +11,7 @@ inline constexpr QLatin1StringView QuorvixRequestsChanged{"QuorvixRequestsChange
 ///
 /// Recording and reading `requests` cost the same however many traces there are. Completing looks for the
 /// trace from the newest on, where it nearly always is, and costs the same from there.
-class QUORVIX_EXPORT QXRequestRecorder
+class QUORVIX_CORE_EXPORT QXRequestRecorder
 {
 public:
     /// The one recorder; made on first use, lives until the process ends.
@@ -25,12 +25,12 @@ public:
     [[nodiscard]] const QXTraceList &requests() const noexcept { return m_requests; }
 
     /// Adds a trace of @p request to the front.
-    void record(const QString &id, const URLRequest &request);
+    void record(const QString &id, const Quorvix::URLRequest &request);
 
     /// Fills in the outcome of the newest trace with this identifier; does nothing when there is none.
     /// A response that is not an HTTP response is ignored, and its data with it.
-    void complete(const QString &id, const NSURLResponsePtr &response, const std::optional<QByteArray> &data,
-                  const std::optional<NSError> &error);
+    void complete(const QString &id, const Quorvix::NSURLResponsePtr &response,
+                  const std::optional<QByteArray> &data, const std::optional<Quorvix::NSError> &error);
 
     /// Drops all traces.
     void clear();

@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
-import Quorvix
+import Quorvix.Controls
 
 /// One exchange in the request list.
 T.AbstractButton {

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "Quorvix/QXRequestTrace.h"
-#include "Quorvix/QXSystemColor.h"
+
+#include "Controls/QXSystemColor.h"
 
 /// What the list shows of one trace: derived on demand, holding nothing of its own.
-struct QUORVIX_INTERNAL_EXPORT QXRequestRowViewModel
+struct QXRequestRowViewModel
 {
     /// A named colour at an opacity from 0 to 1.
     struct Tint

@@ -1,6 +1,8 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Quorvix.Controls
+import Quorvix.Text
 import Quorvix
 
 /// One section of the details: values, the breakpoint switch, values that are folded away, or a body.

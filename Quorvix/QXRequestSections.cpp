@@ -1,12 +1,12 @@
 #include "Quorvix/QXRequestSections.h"
 
 #include "Quorvix/QXCacheSummary.h"
-#include "Quorvix/QXMediumText.h"
-
-#include "Platform/HTTPCookieStorage.h"
+#include "Quorvix/QXDisplayFormat.h"
+#include "Quorvix/QXRequestCookies.h"
 
 #include <QtCore/QCoreApplication>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -93,10 +93,10 @@ void addRequest(Sections &sections, const QXRequestTrace &request)
 {
     Values values{{localized("URL"), request.url ? absoluteString(*request.url) : localized("N/A")},
                   {localized("Method"), request.method.value_or(u"GET"_s)},
-                  {localized("Time"), QXMediumText::date(request.date)}};
+                  {localized("Time"), QXDisplayFormat::date(request.date)}};
     if (request.duration)
-        values.append(
-            {localized("Duration"), secondsText(localized("%.3f seconds"), "%.3f"_L1, *request.duration, 3)});
+        values.append({localized("Duration"),
+                       QXDisplayFormat::seconds(localized("%.3f seconds"), "%.3f"_L1, *request.duration, 3)});
     addValues(sections, QT_TRANSLATE_NOOP("Quorvix", "REQUEST"), std::move(values));
     sections.push_back({Kind::Breakpoint, localized("BREAKPOINT"), {}, {}, {}});
     addHeaders(sections, requestSide, request.headers);
@@ -109,7 +109,7 @@ void addResponse(Sections &sections, const QXRequestTrace &request, const QXResp
     addValues(sections, QT_TRANSLATE_NOOP("Quorvix", "RESPONSE"),
               {{localized("Status Code"), QString::number(response.statusCode),
                 colorForStatusCode(response.statusCode)},
-               {localized("Time"), QXMediumText::date(response.date)}});
+               {localized("Time"), QXDisplayFormat::date(response.date)}});
     addHeaders(sections, responseSide, response.headers);
     addCookies(sections, responseSide, request);
     addCache(sections, request);
@@ -131,15 +131,4 @@ std::vector<QXRequestSection> requestSections(const QXRequestTrace &request)
                    {localized("Code"), QString::number(request.error->code)}});
     }
     return sections;
-}
-
-QList<QNetworkCookie> sharedCookies(const QXRequestTrace &request)
-{
-    return request.url ? HTTPCookieStorage::shared().cookiesForURL(*request.url) : QList<QNetworkCookie>();
-}
-
-/// The text comes from the host's translation, so it is not handed to a formatting function.
-QString secondsText(const QString &text, QLatin1StringView directive, double seconds, int digits)
-{
-    return QString(text).replace(directive, QString::number(seconds, 'f', digits));
 }

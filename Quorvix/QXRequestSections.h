@@ -1,14 +1,13 @@
 #pragma once
 
 #include "Quorvix/QXRequestTrace.h"
-#include "Quorvix/QXSystemColor.h"
 
-#include <QtNetwork/QNetworkCookie>
+#include "Controls/QXSystemColor.h"
 
 #include <vector>
 
 /// A label and what it labels. A value.
-struct QUORVIX_INTERNAL_EXPORT QXRequestValue
+struct QXRequestValue
 {
     Q_GADGET
     Q_PROPERTY(QString label MEMBER label)
@@ -40,13 +39,4 @@ struct QXRequestSection
 
 /// The sections of the details screen, from top to bottom; the cookies are those of the shared storage as it
 /// stands. Any thread.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT std::vector<QXRequestSection>
-requestSections(const QXRequestTrace &request);
-
-/// The cookies that the shared storage has for the URL of an exchange.
-[[nodiscard]] QList<QNetworkCookie> sharedCookies(const QXRequestTrace &request);
-
-/// A number of seconds in a text that has @p directive, as "%.3f", where the number goes; it gets so many
-/// digits behind the point.
-[[nodiscard]] QString secondsText(const QString &text, QLatin1StringView directive, double seconds,
-                                  int digits);
+[[nodiscard]] std::vector<QXRequestSection> requestSections(const QXRequestTrace &request);

@@ -6,18 +6,18 @@
 /// One captured exchange: the request, when it was sent, and what became of it.
 ///
 /// A value; compares and hashes by `id` alone, so that an exchange stays the same one while it completes.
-struct QUORVIX_EXPORT QXRequestTrace
+struct QUORVIX_CORE_EXPORT QXRequestTrace
 {
     using ID = QString;
 
     /// A fresh trace of @p request, dated now, without an outcome.
-    QXRequestTrace(QString id, const URLRequest &request);
+    QXRequestTrace(QString id, const Quorvix::URLRequest &request);
 
     QString id;
     std::optional<QUrl> url;
     std::optional<QString> method;
     /// Absent when the request has none.
-    std::optional<HTTPHeaderFields> headers;
+    std::optional<Quorvix::HTTPHeaderFields> headers;
     /// Shared, never copied. Absent for a request without a body.
     std::optional<QByteArray> body;
     std::chrono::system_clock::time_point date;

@@ -1,5 +1,7 @@
 #include "Quorvix/QXResponseTrace.h"
 
+using namespace Quorvix;
+
 namespace {
 
 /// All names and values as text, or nothing: a partial map would misreport what came.

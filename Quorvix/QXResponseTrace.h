@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include "Platform/NSHTTPURLResponse.h"
+#include "Platform/PlatformGlobal.h"
 #include "Platform/URLRequest.h"
 
 #include <QtCore/QByteArray>
@@ -11,14 +10,14 @@
 #include <optional>
 
 /// The HTTP response of one exchange. A value; compares and hashes over all its fields.
-struct QUORVIX_EXPORT QXResponseTrace
+struct QUORVIX_CORE_EXPORT QXResponseTrace
 {
     /// Reads @p response and takes @p data as its body; dated now.
-    QXResponseTrace(const NSHTTPURLResponse &response, std::optional<QByteArray> data);
+    QXResponseTrace(const Quorvix::NSHTTPURLResponse &response, std::optional<QByteArray> data);
 
     qint64 statusCode;
     /// Absent when any name or value that the platform reported is not text.
-    std::optional<HTTPHeaderFields> headers;
+    std::optional<Quorvix::HTTPHeaderFields> headers;
     /// As the session delivered it; shared, never copied. Absent when there was none.
     std::optional<QByteArray> body;
     /// When this record was built.
@@ -27,4 +26,4 @@ struct QUORVIX_EXPORT QXResponseTrace
     bool operator==(const QXResponseTrace &) const = default;
 };
 
-[[nodiscard]] QUORVIX_EXPORT size_t qHash(const QXResponseTrace &trace, size_t seed = 0);
+[[nodiscard]] QUORVIX_CORE_EXPORT size_t qHash(const QXResponseTrace &trace, size_t seed = 0);

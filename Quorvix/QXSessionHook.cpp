@@ -11,6 +11,8 @@
 
 #include <mutex>
 
+using namespace Quorvix;
+
 namespace {
 
 constexpr QByteArrayView hookedSelector{"qx_hookedDataTaskWith:completionHandler:"};

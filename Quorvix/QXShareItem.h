@@ -1,14 +1,12 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
 #include <QtCore/QObject>
 #include <QtCore/QUrl>
 #include <QtCore/QUuid>
 #include <QtCore/QVariantList>
 
 /// One presentation of the share sheet: what is shared, under a fresh identity. A value.
-struct QUORVIX_INTERNAL_EXPORT QXShareItem
+struct QXShareItem
 {
     Q_GADGET
     Q_PROPERTY(QUuid id MEMBER id)

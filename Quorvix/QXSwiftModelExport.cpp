@@ -7,6 +7,8 @@
 #include "Quorvix/QXSwiftName.h"
 #include "Quorvix/QXTemporaryFile.h"
 
+using namespace Quorvix;
+
 namespace {
 
 /// Empty when there is none.

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
-
+#include "Platform/PlatformGlobal.h"
 #include "Platform/Result.h"
 
 #include <QtCore/QUrl>
@@ -18,5 +17,5 @@ public:
     ///
     /// Fails with QXExportError: missingPayload, payloadNotParsed, swiftModelNotGenerated or
     /// swiftModelFileNotCreated.
-    static Result<QUrl> exportTrace(const QXRequestTrace &trace);
+    static Quorvix::Result<QUrl> exportTrace(const QXRequestTrace &trace);
 };

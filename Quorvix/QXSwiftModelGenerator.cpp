@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -23,7 +23,7 @@ public:
     /// QXExportError::swiftModelNotGenerated when more types want one name than names can be made, or when
     /// the source would exceed maximumSize. Recursive; a tree is no deeper than JSONReader::maximumDepth.
     /// Any thread.
-    static Result<QString> source(const QXApiTreeField &root, const QString &rootName);
+    static Quorvix::Result<QString> source(const QXApiTreeField &root, const QString &rootName);
 
     /// Characters of a source and its names. A type's name holds those of all types around it, so that a deep
     /// text could make a source hundreds of times its size.

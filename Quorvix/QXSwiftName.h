@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quorvix/QuorvixGlobal.h"
+#include "Platform/PlatformGlobal.h"
 
 #include <QtCore/QString>
 #include <QtCore/QStringView>

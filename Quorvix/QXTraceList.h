@@ -12,7 +12,7 @@
 /// Adding to the front and replacing one trace make a new list that shares all but a path of a few small
 /// nodes with the old one, so both cost the same however long the list is and whoever still holds an older
 /// one. Two lists that come from one another are compared along what they do not share.
-class QUORVIX_EXPORT QXTraceList
+class QUORVIX_CORE_EXPORT QXTraceList
 {
 public:
     /// A trace and what the store remembers about it.

@@ -2,7 +2,8 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Templates as T
-import Quorvix
+import Quorvix.Controls
+import Quorvix.Text
 
 /// A label and its value, side by side, with a menu for the value.
 T.Control {

@@ -8,6 +8,8 @@
 
 #include <QtGui/QGuiApplication>
 
+using namespace Quorvix;
+
 void QuorvixClient::DeleteLater::operator()(QXOverlay *overlay) const
 {
     overlay->retire();

@@ -1,4 +1,4 @@
-#include "Platform/UIActivityViewController.h"
+#include "Controls/UIActivityViewController.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
@@ -7,6 +7,7 @@
 #include <QtGui/QGuiApplication>
 #include <QtTest/QTest>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

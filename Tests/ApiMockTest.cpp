@@ -5,7 +5,7 @@
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXTemporaryFile.h"
 
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtTest/QTest>
 
@@ -14,6 +14,9 @@
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <sys/resource.h>
+
+using namespace Quorvix;
+
 #endif
 
 using namespace Qt::StringLiterals;

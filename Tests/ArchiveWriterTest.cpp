@@ -14,6 +14,7 @@
 #include <optional>
 #include <vector>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using std::chrono::system_clock;

@@ -2,12 +2,14 @@
 
 #include "Quorvix/QXBreakpointWindow.h"
 #include "Quorvix/QXOverlay.h"
-#include "Quorvix/QXTextEditor.h"
+
+#include "Text/QXTextEditor.h"
 
 #include <QtTest/QSignalSpy>
 
 #include <functional>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

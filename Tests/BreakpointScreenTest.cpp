@@ -1,5 +1,6 @@
 #include "Tests/ScreenTest.h"
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 using ScreenDriver::middle;
 

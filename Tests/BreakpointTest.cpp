@@ -9,6 +9,8 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+using namespace Quorvix;
+
 using namespace Exchanges;
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

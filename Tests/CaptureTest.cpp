@@ -17,6 +17,7 @@
 
 #include <thread>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

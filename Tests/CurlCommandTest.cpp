@@ -9,6 +9,7 @@
 
 #include <numeric>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -6,20 +6,20 @@
 namespace Exchanges {
 
 /// Without a URL when @p url is empty.
-inline URLRequest makeRequest(const QString &url,
-                              const std::optional<QString> &method = QStringLiteral("GET"))
+inline Quorvix::URLRequest makeRequest(const QString &url,
+                                       const std::optional<QString> &method = QStringLiteral("GET"))
 {
-    URLRequest request;
+    Quorvix::URLRequest request;
     if (!url.isEmpty())
         request.url = QUrl(url);
     request.httpMethod = method;
     return request;
 }
 
-inline NSHTTPURLResponsePtr makeResponse(qint64 status, NSHeaderFields fields = {})
+inline Quorvix::NSHTTPURLResponsePtr makeResponse(qint64 status, Quorvix::NSHeaderFields fields = {})
 {
-    return NSHTTPURLResponse::create(QUrl(QStringLiteral("http://host/")), status, QStringLiteral("HTTP/2.0"),
-                                     std::move(fields));
+    return Quorvix::NSHTTPURLResponse::create(QUrl(QStringLiteral("http://host/")), status,
+                                              QStringLiteral("HTTP/2.0"), std::move(fields));
 }
 
 inline void record(const QString &id, const QString &url,

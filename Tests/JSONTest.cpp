@@ -1,5 +1,5 @@
-#include "Platform/JSONReader.h"
-#include "Platform/JSONWriter.h"
+#include "JSON/JSONReader.h"
+#include "JSON/JSONWriter.h"
 
 #include <QtCore/QBuffer>
 #include <QtCore/QJsonArray>
@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <limits>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

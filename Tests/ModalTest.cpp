@@ -1,11 +1,14 @@
 #include "Tests/ScreenTest.h"
 #include "Tests/TestKit.h"
 
+#include "Controls/QXControlsModule.h"
+
 #include <QtCore/QScopeGuard>
 #include <QtGui/QPalette>
 
 #include <cmath>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 using namespace ScreenDriver;
 
@@ -318,9 +321,11 @@ void ModalTest::colorsContrast()
     for (const bool isDark : {false, true}) {
         QGuiApplication::setPalette(isDark ? QPalette(QColor(44, 44, 46), QColor(28, 28, 30)) : QPalette());
         QQmlEngine engine;
+        linkQXControlsModule();
         engine.addImportPath(u"qrc:/qt/qml"_s);
         QQmlComponent component(&engine);
-        component.setData("import QtQml; import Quorvix; QtObject { property var theme: QXTheme }", QUrl());
+        component.setData("import QtQml; import Quorvix.Controls; QtObject { property var theme: QXTheme }",
+                          QUrl());
         const std::unique_ptr<QObject> object(component.create());
         const auto *const theme = object->property("theme").value<QObject *>();
         for (const QString &ground : grounds) {

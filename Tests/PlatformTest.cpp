@@ -9,6 +9,7 @@
 
 #include <thread>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

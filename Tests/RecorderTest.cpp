@@ -6,6 +6,8 @@
 
 #include <random>
 
+using namespace Quorvix;
+
 using namespace Exchanges;
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 
 #include "Quorvix/QXBodyText.h"
 #include "Quorvix/QXBreakpointStore.h"
-#include "Quorvix/QXMediumText.h"
+#include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXRawDetails.h"
 #include "Quorvix/QXRequestDetailsViewModel.h"
 
@@ -19,6 +19,7 @@
 
 #include <ctime>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -232,7 +233,7 @@ void RequestDetailsModelTest::datesAndByteCounts()
                                        {u"ja_JP"_s, u"2023年11月14日, 22時13分20秒"_s},
                                        {u"es_ES"_s, u"14 de nov de 2023, 22:13:20"_s}}) {
         QLocale::setDefault(QLocale(locale));
-        QCOMPARE(QXMediumText::date(then), date);
+        QCOMPARE(QXDisplayFormat::date(then), date);
     }
     QLocale::setDefault(QLocale(u"en_US"_s));
     for (const auto &[bytes, text] : {std::pair(0, u"0 KB"_s),
@@ -241,7 +242,7 @@ void RequestDetailsModelTest::datesAndByteCounts()
                                       {999'500, u"1 MB"_s},
                                       {1'550'000, u"1.6 MB"_s},
                                       {2'000'000'000, u"2,000 MB"_s}})
-        QCOMPARE(QXMediumText::byteCount(bytes), text);
+        QCOMPARE(QXDisplayFormat::byteCount(bytes), text);
 }
 
 void RequestDetailsModelTest::copyingIsConfirmed()

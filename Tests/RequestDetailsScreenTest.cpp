@@ -6,6 +6,7 @@
 
 #include <QtCore/QPointer>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 using ScreenDriver::middle;
 

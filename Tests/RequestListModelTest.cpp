@@ -13,6 +13,8 @@
 
 #include <random>
 
+using namespace Quorvix;
+
 using namespace Exchanges;
 using namespace Qt::StringLiterals;
 

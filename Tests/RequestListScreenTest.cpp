@@ -7,6 +7,7 @@
 #include <QtGui/QPalette>
 
 using namespace Exchanges;
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 using ScreenDriver::drag, ScreenDriver::turnWheel;
 

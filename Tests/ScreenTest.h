@@ -65,7 +65,7 @@ protected:
         QSettings().clear();
         QXRequestRecorder::shared().clear();
         QXBreakpointStore::shared().setRules({});
-        HTTPCookieStorage::shared().removeAllCookies();
+        Quorvix::HTTPCookieStorage::shared().removeAllCookies();
     }
 
     /// The window of a host that shows nothing, of the size of a phone.
@@ -89,13 +89,13 @@ protected:
     }
 
     /// Adds a rule for a response and holds it by that.
-    [[nodiscard]] static bool hold(const QByteArray &body, const DataTaskCompletionHandler &release)
+    [[nodiscard]] static bool hold(const QByteArray &body, const Quorvix::DataTaskCompletionHandler &release)
     {
         const QUrl url(QStringLiteral("http://host/held"));
         QXBreakpointStore::shared().insert(*QXBreakpointKey::make(url, {}));
-        const auto response = NSHTTPURLResponse::create(url, 200, QStringLiteral("HTTP/1.1"), {});
-        return QXBreakpointCenter::shared().check(URLRequest(url), QStringLiteral("held"), body, response, {},
-                                                  release);
+        const auto response = Quorvix::NSHTTPURLResponse::create(url, 200, QStringLiteral("HTTP/1.1"), {});
+        return QXBreakpointCenter::shared().check(Quorvix::URLRequest(url), QStringLiteral("held"), body,
+                                                  response, {}, release);
     }
 
     [[nodiscard]] QQuickItem *find(const char *name) { return ScreenDriver::find(*m_window, name); }

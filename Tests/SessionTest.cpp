@@ -12,6 +12,8 @@
 #include <QtNetwork/QTcpServer>
 #include <QtTest/QTest>
 
+using namespace Quorvix;
+
 using namespace std::chrono_literals;
 
 using namespace Qt::StringLiterals;

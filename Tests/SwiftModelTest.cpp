@@ -12,6 +12,7 @@
 
 #include <optional>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -7,6 +7,7 @@
 
 #include <optional>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -9,10 +9,10 @@
 #include <QtCore/QTranslator>
 
 /// An exchange that was sent at 2023-11-14T22:13:20.900Z.
-inline QXRequestTrace makeTrace(const QString &url, const HTTPHeaderFields &headers = {},
+inline QXRequestTrace makeTrace(const QString &url, const Quorvix::HTTPHeaderFields &headers = {},
                                 const std::optional<QByteArray> &body = {})
 {
-    URLRequest request{QUrl(url)};
+    Quorvix::URLRequest request{QUrl(url)};
     request.allHTTPHeaderFields = headers;
     request.httpBody = body;
     QXRequestTrace trace(QStringLiteral("ID"), request);
@@ -22,9 +22,9 @@ inline QXRequestTrace makeTrace(const QString &url, const HTTPHeaderFields &head
 
 /// A response that came a second later.
 inline QXResponseTrace makeResponse(qint64 status, const std::optional<QByteArray> &body,
-                                    const HTTPHeaderFields &headers = {})
+                                    const Quorvix::HTTPHeaderFields &headers = {})
 {
-    QXResponseTrace response(NSHTTPURLResponse({}, status, QStringLiteral("HTTP/2"), {}), body);
+    QXResponseTrace response(Quorvix::NSHTTPURLResponse({}, status, QStringLiteral("HTTP/2"), {}), body);
     response.headers = headers;
     response.date = std::chrono::system_clock::time_point(std::chrono::milliseconds(1'700'000'001'900));
     return response;

@@ -1,6 +1,9 @@
 #include "Tests/ScreenTest.h"
 
-#include "Quorvix/QXTextEditor.h"
+#include "Text/QXTextEditor.h"
+#include "Text/QXTextModule.h"
+
+#include "Controls/QXControlsModule.h"
 
 #include <QtTest/QSignalSpy>
 
@@ -12,7 +15,8 @@ namespace {
 
 constexpr char pageQml[] = R"(
 import QtQuick
-import Quorvix
+import Quorvix.Controls
+import Quorvix.Text
 
 Window {
     width: 390
@@ -72,6 +76,8 @@ private:
 void TextEditorTest::init()
 {
     startAnew();
+    linkQXControlsModule();
+    linkQXTextModule();
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     m_window = makeWindow(m_engine, pageQml);
     QTRY_VERIFY(editor() && editor()->hasActiveFocus() && editor()->contentHeight() > 0);

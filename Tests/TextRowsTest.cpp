@@ -1,4 +1,4 @@
-#include "Quorvix/QXTextRows.h"
+#include "Text/QXTextRows.h"
 
 #include <QtCore/QRandomGenerator>
 #include <QtTest/QTest>

@@ -1,7 +1,10 @@
 #include "Tests/ScreenTest.h"
 
-#include "Quorvix/QXTextDocument.h"
-#include "Quorvix/QXTextView.h"
+#include "Text/QXTextDocument.h"
+#include "Text/QXTextModule.h"
+#include "Text/QXTextView.h"
+
+#include "Controls/QXControlsModule.h"
 
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
@@ -15,7 +18,8 @@ namespace {
 
 constexpr char pageQml[] = R"(
 import QtQuick
-import Quorvix
+import Quorvix.Controls
+import Quorvix.Text
 
 Window {
     id: root
@@ -111,6 +115,8 @@ private:
 
 void TextViewTest::initTestCase()
 {
+    linkQXControlsModule();
+    linkQXTextModule();
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
 }
 

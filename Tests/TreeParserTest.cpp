@@ -2,12 +2,13 @@
 
 #include "Quorvix/QXApiTreeParser.h"
 
-#include "Platform/JSONReader.h"
+#include "JSON/JSONReader.h"
 
 #include <QtTest/QTest>
 
 #include <limits>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,10 +1,12 @@
 # Installs both libraries, their public headers and a CMake package.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS QuorvixPlatform Quorvix EXPORT QuorvixTargets)
+install(TARGETS QuorvixCore Quorvix EXPORT QuorvixTargets)
 install(EXPORT QuorvixTargets NAMESPACE Quorvix:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Quorvix)
-install(FILES ${QUORVIX_PLATFORM_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Platform)
-install(FILES ${QUORVIX_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Quorvix)
+foreach(header IN LISTS QUORVIX_PUBLIC_HEADERS)
+    quorvix_installed_folder(folder ${header})
+    install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
+endforeach()
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/QuorvixConfig.cmake.in
     ${PROJECT_BINARY_DIR}/QuorvixConfig.cmake

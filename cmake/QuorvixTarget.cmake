@@ -21,3 +21,72 @@ function(quorvix_target target)
         target_link_options(${target} PRIVATE -fsanitize=${QUORVIX_SANITIZE})
     endif()
 endfunction()
+
+# A room: a folder's objects, compiled once, of which the products are put together. The project's own tests,
+# benchmarks and fuzz targets link the rooms themselves, so that nothing is exported for them.
+#   quorvix_room(<target> SOURCES <file>... LINK <library>...)
+function(quorvix_room target)
+    cmake_parse_arguments(PARSE_ARGV 1 room "" "" "SOURCES;LINK")
+    add_library(${target} STATIC ${room_SOURCES})
+    quorvix_target(${target})
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_link_libraries(${target} PUBLIC ${room_LINK})
+endfunction()
+
+# A product: the library that a host links, made of the objects of its rooms.
+#   quorvix_product(<target> EXPORT_NAME <name> ROOMS <room>... PUBLIC <library>... PRIVATE <library>...)
+function(quorvix_product target)
+    cmake_parse_arguments(PARSE_ARGV 1 product "" "EXPORT_NAME" "ROOMS;PUBLIC;PRIVATE")
+    add_library(${target})
+    foreach(room IN LISTS product_ROOMS)
+        get_target_property(resources ${room} QUORVIX_RESOURCES)
+        foreach(objects IN ITEMS ${room} LISTS resources)
+            if(TARGET "${objects}")
+                target_sources(${target} PRIVATE $<TARGET_OBJECTS:${objects}>)
+            endif()
+        endforeach()
+    endforeach()
+    add_library(Quorvix::${product_EXPORT_NAME} ALIAS ${target})
+    quorvix_target(${target})
+    set_target_properties(${target} PROPERTIES
+        AUTOMOC OFF
+        LINKER_LANGUAGE CXX
+        EXPORT_NAME ${product_EXPORT_NAME}
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        INSTALL_RPATH $ORIGIN)
+    if(NOT BUILD_SHARED_LIBS)
+        target_compile_definitions(${target} PUBLIC QUORVIX_STATIC)
+    endif()
+    target_include_directories(${target} INTERFACE
+        $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    target_link_libraries(${target} PUBLIC ${product_PUBLIC} PRIVATE ${product_PRIVATE})
+endfunction()
+
+# Makes a room a QML module too; the objects of its resources are named in its property QUORVIX_RESOURCES.
+#   quorvix_qml_module(<room> URI <uri> ...): as of qt_add_qml_module
+function(quorvix_qml_module target)
+    cmake_parse_arguments(PARSE_ARGV 1 module "" "URI" "")
+    string(REPLACE "." "/" path ${module_URI})
+    qt_add_qml_module(${target}
+        URI ${module_URI}
+        VERSION 1.0
+        NO_PLUGIN
+        RESOURCE_PREFIX /qt/qml
+        OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/qml/${path}
+        IMPORT_PATH ${PROJECT_BINARY_DIR}/qml
+        OUTPUT_TARGETS resources
+        ${module_UNPARSED_ARGUMENTS})
+    set_target_properties(${target} PROPERTIES QUORVIX_RESOURCES "${resources}")
+    quorvix_unite_generated(${target})
+endfunction()
+
+# Compiles the units that are generated for the QML files of a target a few at a time: each of them alone
+# spends nearly all of its time on the same headers.
+function(quorvix_unite_generated target)
+    get_target_property(sources ${target} SOURCES)
+    set(written ${sources})
+    list(FILTER written EXCLUDE REGEX "/\\.rcc/qmlcache/")
+    set_source_files_properties(${written} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 16)
+endfunction()

@@ -1,0 +1,69 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix.Controls
+
+/// One thing that can be done with what is shared.
+T.AbstractButton {
+    id: root
+
+    required property string symbol
+    property bool isLast: false
+    /// Brings the action into view when the keyboard comes to it.
+    property QXScrollArea scrollArea: null
+
+    width: parent?.width ?? implicitWidth
+    implicitWidth: 200
+    implicitHeight: Math.max(52, label.implicitHeight + 2 * QXTheme.spacing)
+    focusPolicy: Qt.StrongFocus
+
+    Accessible.name: text
+    Accessible.role: Accessible.Button
+
+    onVisualFocusChanged: {
+        if (visualFocus)
+            scrollArea?.reveal(root);
+    }
+
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    background: Rectangle {
+        radius: QXTheme.cornerRadius
+        color: root.pressed ? QXTheme.pressedFill : "transparent"
+
+        QXFocusRing {
+            anchors.fill: parent
+            visible: root.visualFocus
+        }
+
+        QXSeparator {
+            anchors.left: parent.left
+            anchors.leftMargin: QXTheme.margin
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            visible: !root.isLast
+        }
+    }
+
+    QXText {
+        id: label
+
+        anchors.left: parent.left
+        anchors.leftMargin: QXTheme.margin
+        anchors.right: icon.left
+        anchors.rightMargin: QXTheme.spacing
+        anchors.verticalCenter: parent.verticalCenter
+        text: root.text
+        wrapMode: Text.Wrap
+        Accessible.ignored: true
+    }
+
+    QXIcon {
+        id: icon
+
+        anchors.right: parent.right
+        anchors.rightMargin: QXTheme.margin
+        anchors.verticalCenter: parent.verticalCenter
+        symbol: root.symbol
+    }
+}

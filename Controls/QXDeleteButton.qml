@@ -1,0 +1,30 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix.Controls
+
+/// What a swipe uncovers.
+T.AbstractButton {
+    id: root
+
+    implicitWidth: Math.max(88, implicitContentWidth + leftPadding + rightPadding)
+    implicitHeight: QXTheme.touchTarget
+    horizontalPadding: QXTheme.margin
+    focusPolicy: Qt.NoFocus
+    text: qsTranslate("Quorvix", "Delete")
+
+    Accessible.name: text
+    Accessible.role: Accessible.Button
+
+    background: Rectangle {
+        color: QXTheme.destructive
+        opacity: root.pressed ? 0.7 : 1
+    }
+    contentItem: QXText {
+        text: root.text
+        font: QXTheme.subheadline
+        color: QXTheme.onColor
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        Accessible.ignored: true
+    }
+}

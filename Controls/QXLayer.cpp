@@ -1,0 +1,47 @@
+#include "Controls/QXLayer.h"
+
+#include <QtQuick/QQuickWindow>
+
+namespace {
+
+/// Above everything that Qt Quick stacks over a window's content: its popups stand at about a million.
+constexpr qreal baseZ = 2'000'000;
+
+} // namespace
+
+QXLayer::QXLayer(int level)
+{
+    setZ(baseZ + level);
+}
+
+QXLayer::~QXLayer() = default;
+
+void QXLayer::attach(QQuickWindow *window)
+{
+    if (m_content)
+        m_content->disconnect(this);
+    if (m_window)
+        m_window->disconnect(this);
+    m_window = window;
+    connect(window, &QWindow::visibleChanged, this, [this](bool visible) {
+        if (!visible)
+            Q_EMIT windowLost();
+    });
+    m_content = window->contentItem();
+    setParentItem(m_content);
+    connect(m_content, &QQuickItem::widthChanged, this, &QXLayer::fit);
+    connect(m_content, &QQuickItem::heightChanged, this, &QXLayer::fit);
+    connect(m_content, &QObject::destroyed, this, &QXLayer::windowLost);
+    fit();
+}
+
+void QXLayer::fit()
+{
+    if (m_content)
+        setSize(m_content->size());
+}
+
+bool QXLayer::contains(const QPointF &point) const
+{
+    return QQuickItem::contains(point) && (!m_claims || m_claims(point));
+}

@@ -1,0 +1,129 @@
+import QtQuick
+import Quorvix.Controls
+
+/// The bar at the top of a screen: buttons at both ends, and a large title that becomes a small one as the
+/// content below scrolls.
+///
+/// The content starts at `collapsedHeight` and keeps `largeTitleHeight` free at its top.
+FocusScope {
+    id: root
+
+    required property string title
+    /// What scrolls below; without it the title stays small.
+    property Flickable flickable: null
+    property alias leading: leadingItems.data
+    property alias trailing: trailingItems.data
+    /// Below the titles, always in sight.
+    property alias accessory: accessoryItem.data
+
+    readonly property real largeTitleHeight: flickable ? Math.ceil(largeTitle.implicitHeight) + 12 : 0
+    readonly property real collapsedHeight: QXTheme.touchTarget + accessoryItem.height
+    readonly property real scrolled: flickable ? flickable.contentY - flickable.originY + flickable.topMargin : 0
+    readonly property real largeTitleRoom: Math.max(0, largeTitleHeight - scrolled)
+    readonly property bool isCollapsed: largeTitleRoom < largeTitleHeight * 0.4
+    readonly property real columnMargin: QXTheme.columnMargin(width)
+
+    height: collapsedHeight + largeTitleRoom
+    z: 1
+
+    Rectangle {
+        anchors.fill: parent
+        color: QXTheme.background
+    }
+
+    Item {
+        anchors.top: inlineBar.bottom
+        width: root.width
+        height: root.largeTitleRoom
+        clip: true
+
+        QXText {
+            id: largeTitle
+
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            anchors.leftMargin: root.columnMargin
+            anchors.rightMargin: root.columnMargin
+            anchors.bottomMargin: QXTheme.spacing
+            visible: root.flickable !== null
+            text: root.title
+            font: QXTheme.largeTitle
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: QXTheme.headline.pixelSize
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+    }
+
+    Item {
+        id: inlineBar
+
+        width: root.width
+        height: QXTheme.touchTarget
+
+        Row {
+            id: leadingItems
+
+            anchors.left: parent.left
+            anchors.leftMargin: Math.max(2, root.columnMargin - 11)
+            anchors.verticalCenter: parent.verticalCenter
+        }
+
+        QXText {
+            // In the middle, unless the buttons of one side need that room.
+            readonly property Item before: QXTheme.isMirrored ? trailingItems : leadingItems
+            readonly property Item after: QXTheme.isMirrored ? leadingItems : trailingItems
+            readonly property real roomStart: before.x + before.width + 4
+            readonly property real roomEnd: (after.width > 0 ? after.x : root.width) - 4
+
+            x: Math.max(roomStart, Math.min((root.width - width) / 2, roomEnd - width))
+            anchors.verticalCenter: parent.verticalCenter
+            width: Math.min(implicitWidth, roomEnd - roomStart)
+            text: root.title
+            font: QXTheme.barTitle
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: QXTheme.caption.pixelSize
+            elide: Text.ElideRight
+            horizontalAlignment: Text.AlignHCenter
+            opacity: root.flickable === null || root.isCollapsed ? 1 : 0
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+
+            Behavior on opacity {
+                NumberAnimation {
+                    duration: 150
+                }
+            }
+        }
+
+        Row {
+            id: trailingItems
+
+            anchors.right: parent.right
+            anchors.rightMargin: Math.max(2, root.columnMargin - 11)
+            anchors.verticalCenter: parent.verticalCenter
+        }
+    }
+
+    FocusScope {
+        id: accessoryItem
+
+        anchors.bottom: parent.bottom
+        x: root.columnMargin
+        width: root.width - 2 * x
+        height: childrenRect.height > 0 ? childrenRect.height + 12 : 0
+    }
+
+    QXSeparator {
+        anchors.bottom: parent.bottom
+        width: root.width
+        opacity: root.flickable === null || root.scrolled >= root.largeTitleHeight ? 1 : 0
+
+        Behavior on opacity {
+            NumberAnimation {
+                duration: 150
+            }
+        }
+    }
+}

@@ -1,0 +1,42 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix.Controls
+
+/// A list that scrolls below a navigation bar, starting with its large title in full.
+ListView {
+    id: root
+
+    required property QXNavigationBar bar
+    property real bottomInset: 0
+    /// Whether the large title is in full view.
+    property bool isAtTop: true
+
+    y: bar.collapsedHeight
+    width: bar.width
+    topMargin: bar.largeTitleHeight
+    bottomMargin: bottomInset + QXTheme.buttonClearance
+    focus: true
+    activeFocusOnTab: true
+    reuseItems: true
+    clip: true
+    currentIndex: -1
+    highlightMoveDuration: 0
+    boundsBehavior: Flickable.DragOverBounds
+
+    Accessible.role: Accessible.List
+    Accessible.name: bar.title
+
+    T.ScrollBar.vertical: QXScrollBar {}
+
+    Component.onCompleted: root.scrollToTop()
+    onContentYChanged: root.isAtTop = root.contentY <= root.originY - root.topMargin
+    // A title of another height moves no one who is reading further down.
+    onTopMarginChanged: {
+        if (root.isAtTop)
+            root.scrollToTop();
+    }
+
+    function scrollToTop() {
+        root.contentY = root.originY - root.topMargin;
+    }
+}

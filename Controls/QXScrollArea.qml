@@ -1,0 +1,66 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix.Controls
+
+/// Something that scrolls, by the keyboard too.
+Flickable {
+    id: root
+
+    boundsBehavior: Flickable.StopAtBounds
+    clip: true
+    interactive: contentHeight + topMargin + bottomMargin > height
+
+    T.ScrollBar.vertical: QXScrollBar {}
+
+    Keys.onPressed: event => event.accepted = root.obey(event.key)
+
+    /// Scrolls as a key says; whether it says so.
+    function obey(key: int): bool {
+        switch (key) {
+        case Qt.Key_Up:
+            root.scrollBy(-QXTheme.touchTarget);
+            return true;
+        case Qt.Key_Down:
+            root.scrollBy(QXTheme.touchTarget);
+            return true;
+        case Qt.Key_PageUp:
+            root.scrollBy(-root.height + QXTheme.touchTarget);
+            return true;
+        case Qt.Key_PageDown:
+        case Qt.Key_Space:
+            root.scrollBy(root.height - QXTheme.touchTarget);
+            return true;
+        case Qt.Key_Home:
+            root.scrollBy(-Infinity);
+            return true;
+        case Qt.Key_End:
+            root.scrollBy(Infinity);
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    function scrollBy(distance: real) {
+        const highest = -root.topMargin;
+        const lowest = Math.max(highest, root.contentHeight + root.bottomMargin - root.height);
+        root.contentY = Math.max(highest, Math.min(root.contentY + distance, lowest));
+    }
+
+    /// Brings an item into view, its beginning rather than its end.
+    function reveal(item: Item) {
+        const top = item.mapToItem(root.contentItem, 0, 0).y - QXTheme.spacing;
+        const bottom = top + Math.min(item.height + 2 * QXTheme.spacing + root.bottomMargin, root.height);
+        if (top < root.contentY)
+            root.scrollBy(top - root.contentY);
+        else if (bottom > root.contentY + root.height)
+            root.scrollBy(bottom - root.contentY - root.height);
+    }
+
+    /// Brings the beginning of an item into view when nothing of it is.
+    function revealBeginning(item: Item) {
+        const top = item.mapToItem(root.contentItem, 0, 0).y;
+        if (top + item.height < root.contentY || top > root.contentY + root.height - QXTheme.touchTarget)
+            root.scrollBy(top - QXTheme.touchTarget - root.contentY);
+    }
+}

@@ -1,0 +1,154 @@
+import QtQuick
+import Quorvix.Controls
+
+/// A sheet from below on a narrow window, a card in the middle of a wide one.
+///
+/// Swiped down, left with Esc, or dismissed by a tap beside it.
+QXModal {
+    id: root
+
+    property string title
+    /// As high as its content would like to be, without the header.
+    property real contentHeight: 400
+    property real safeAreaBottom: 0
+    property string doneName: "QXSheetDone"
+    property alias doneText: done.text
+    property alias trailing: trailingItems.data
+    /// What keys scroll that nothing else takes.
+    property QXScrollArea scrollArea: null
+    default property alias sheetContent: contentItem.data
+
+    readonly property bool isCard: width >= 640
+    readonly property real keyboardHeight: InputMethod.visible ? InputMethod.keyboardRectangle.height : 0
+    property real dragOffset: 0
+
+    Accessible.role: Accessible.Dialog
+    Accessible.name: title
+
+    Keys.onPressed: event => event.accepted = root.scrollArea?.obey(event.key) ?? false
+
+    Rectangle {
+        id: card
+
+        readonly property real bottomInset: Math.max(root.isCard ? 0 : root.safeAreaBottom, root.keyboardHeight)
+        readonly property real roomAbove: root.isCard ? root.height * 0.08 : QXTheme.touchTarget
+
+        width: root.isCard ? Math.min(560, root.width - 2 * QXTheme.margin) : root.width
+        height: Math.min(header.height + root.contentHeight + bottomInset,
+                         root.height - roomAbove * (root.isCard ? 2 : 1))
+        x: (root.width - width) / 2
+        y: (root.isCard ? (root.height - height) / 2 : root.height - height)
+           + (1 - root.progress) * (root.isCard ? (root.height + height) / 2 : height) + root.dragOffset
+        radius: QXTheme.cardRadius
+        color: QXTheme.secondaryBackground
+
+        // The lower corners of a sheet lie below the edge of the window.
+        Rectangle {
+            anchors.fill: parent
+            anchors.topMargin: parent.radius
+            anchors.bottomMargin: -parent.radius - Math.max(0, -root.dragOffset)
+            visible: !root.isCard
+            color: parent.color
+        }
+
+        MouseArea {
+            anchors.fill: parent
+            onWheel: wheel => wheel.accepted = true
+        }
+
+        Item {
+            id: header
+
+            width: parent.width
+            height: QXTheme.touchTarget + 14
+
+            DragHandler {
+                target: null
+                xAxis.enabled: false
+                onActiveTranslationChanged: root.dragOffset = Math.max(0, activeTranslation.y)
+                onActiveChanged: {
+                    if (active)
+                        return;
+                    if (root.dragOffset > card.height * 0.3 || centroid.velocity.y > 800)
+                        root.dismissRequested();
+                    else
+                        settle.restart();
+                }
+            }
+
+            Rectangle {
+                anchors.horizontalCenter: parent.horizontalCenter
+                y: 6
+                width: 36
+                height: 5
+                radius: 2.5
+                visible: !root.isCard
+                color: QXTheme.tertiaryLabel
+            }
+
+            QXText {
+                anchors.verticalCenter: done.verticalCenter
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.margins: Math.max(done.width, trailingItems.width) + 2 * QXTheme.spacing
+                text: root.title
+                font: QXTheme.barTitle
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 12
+                elide: Text.ElideRight
+                horizontalAlignment: Text.AlignHCenter
+                Accessible.role: Accessible.Heading
+                Accessible.name: text
+            }
+
+            QXTextButton {
+                id: done
+
+                readonly property bool leads: trailingItems.children.length > 0
+
+                objectName: root.doneName
+                anchors.bottom: parent.bottom
+                anchors.bottomMargin: 3
+                anchors.left: leads ? parent.left : undefined
+                anchors.right: leads ? undefined : parent.right
+                anchors.margins: QXTheme.spacing
+                text: qsTranslate("Quorvix", "Done")
+                font: QXTheme.barTitle
+                focus: true
+                onClicked: root.dismissRequested()
+            }
+
+            Row {
+                id: trailingItems
+
+                anchors.right: parent.right
+                anchors.rightMargin: QXTheme.spacing
+                anchors.verticalCenter: done.verticalCenter
+            }
+        }
+
+        FocusScope {
+            id: contentItem
+
+            anchors.top: header.bottom
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: card.bottomInset
+            width: parent.width
+        }
+    }
+
+    NumberAnimation {
+        id: settle
+
+        target: root
+        property: "dragOffset"
+        to: 0
+        duration: 200
+        easing.type: Easing.OutCubic
+    }
+
+    onPresentedChanged: {
+        if (presented)
+            root.dragOffset = 0;
+    }
+}

@@ -1,0 +1,48 @@
+#include "Controls/QXSymbolProvider.h"
+
+#include <QtCore/QUrl>
+#include <QtCore/QUrlQuery>
+#include <QtGui/QPainter>
+#include <QtSvg/QSvgRenderer>
+
+#include <algorithm>
+
+namespace {
+
+/// More than any symbol is shown at; a wrong size must not take the memory of the host.
+constexpr int largestSize = 1024;
+
+QSize pixelSize(const QSize &requested, const QSize &natural)
+{
+    const QSize size(requested.width() > 0 ? requested.width() : natural.width(),
+                     requested.height() > 0 ? requested.height() : natural.height());
+    return {std::clamp(size.width(), 1, largestSize), std::clamp(size.height(), 1, largestSize)};
+}
+
+} // namespace
+
+QXSymbolProvider::QXSymbolProvider() : QQuickImageProvider(QQuickImageProvider::Image) {}
+
+QImage QXSymbolProvider::requestImage(const QString &id, QSize *size, const QSize &requestedSize)
+{
+    const QString name = id.section(u'?', 0, 0);
+    const QString colorText =
+        QUrlQuery(id.section(u'?', 1)).queryItemValue(QStringLiteral("color"), QUrl::FullyDecoded);
+    QSvgRenderer renderer(QStringLiteral(":/qt/qml/Quorvix/Controls/symbols/%1.svg").arg(name));
+    if (!renderer.isValid())
+        return {};
+
+    const QColor color = QColor::isValidColor(colorText) ? QColor(colorText) : QColor(Qt::black);
+    QImage image(pixelSize(requestedSize, renderer.defaultSize()), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+    renderer.render(&painter, QRectF(image.rect()));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), color);
+    painter.end();
+
+    if (size)
+        *size = image.size();
+    return image;
+}

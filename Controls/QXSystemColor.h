@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QtCore/QObject>
+#include <QtQml/qqmlregistration.h>
+
+/// The named colours of the system; the theme gives each its light and its dark shade.
+namespace QXSystemColor {
+Q_NAMESPACE
+QML_ELEMENT
+
+enum Value { Clear, Gray, Green, Yellow, Orange, Red };
+Q_ENUM_NS(Value)
+
+} // namespace QXSystemColor

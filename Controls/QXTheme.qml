@@ -1,0 +1,144 @@
+pragma Singleton
+
+import QtQuick
+import Quorvix.Controls
+
+/// The colours, type and measures of every screen; follows the system's palette and font while the app runs.
+QtObject {
+    id: root
+
+    readonly property QXAppearance appearance: QXAppearance {}
+    readonly property bool isDark: appearance.isDark
+    readonly property bool isMirrored: appearance.isMirrored
+    /// Factor for everything that has to grow with the text.
+    readonly property real scale: appearance.fontScale
+
+    readonly property color label: isDark ? "#ffffff" : "#000000"
+    readonly property color secondaryLabel: isDark ? "#99ebebf5" : "#bf3c3c43"
+    readonly property color tertiaryLabel: isDark ? "#4debebf5" : "#4d3c3c43"
+    readonly property color separator: isDark ? "#99545458" : "#4a3c3c43"
+    readonly property color background: isDark ? "#000000" : "#ffffff"
+    readonly property color secondaryBackground: isDark ? "#1c1c1e" : "#f2f2f7"
+    /// What lies on the secondary background, or over everything else.
+    readonly property color elevatedBackground: isDark ? "#2c2c2e" : "#ffffff"
+    /// The secondary label's colour at 8 %, on the background and on a sheet's in dark.
+    readonly property color payloadFill: isDark ? "#2d2d2f" : "#efeff0"
+    readonly property color fill: isDark ? "#3d767680" : "#1f767680"
+    readonly property color pressedFill: isDark ? "#5c767680" : "#33767680"
+    readonly property color scrim: isDark ? "#80000000" : "#66000000"
+    /// Behind a menu, which belongs to something that has to be seen beside it.
+    readonly property color menuScrim: isDark ? "#40000000" : "#1f000000"
+    /// The border of a field, and what a switch that is off runs in: they stand out from what they lie on.
+    readonly property color outline: isDark ? "#5f5f64" : "#8e8e93"
+    /// The button's material where what lies beneath cannot be blurred.
+    readonly property color material: isDark ? "#323236" : "#f8f8fb"
+    readonly property color materialEdge: "#59ffffff"
+
+    readonly property color red: isDark ? "#ff453a" : "#ff3b30"
+    readonly property color orange: isDark ? "#ff9f0a" : "#ff9500"
+    readonly property color yellow: isDark ? "#ffd60a" : "#ffcc00"
+    readonly property color green: isDark ? "#30d158" : "#34c759"
+    readonly property color blue: isDark ? "#0a84ff" : "#007aff"
+    readonly property color pink: isDark ? "#ff375f" : "#ff2d55"
+    readonly property color gray: "#8e8e93"
+    /// Words and symbols that can be pressed. The plain colours are too light for words on a light ground.
+    readonly property color link: isDark ? "#409cff" : "#0062cc"
+    readonly property color redText: isDark ? "#ff6961" : "#d70015"
+    readonly property color orangeText: isDark ? "#ff9f0a" : "#a85300"
+    readonly property color greenText: isDark ? "#30d158" : "#1f7a34"
+    /// Behind white words.
+    readonly property color selection: "#0062cc"
+    readonly property color destructive: "#d70015"
+    readonly property color onColor: "#ffffff"
+    /// By the kinds of QXApiValueKind, in light and dark: small white text has to read well on them.
+    readonly property var kindColors: ["#5856d6", "#0b7a84", "#217d38", "#0a66d6", "#b85600", "#6c6c70"]
+    readonly property color shadow: "#26000000"
+
+    /// In a bar text grows only so far: its room does not.
+    readonly property real barScale: Math.min(scale, 1.15)
+    readonly property font barTitle: Qt.font({
+        family: appearance.fontFamily,
+        pixelSize: Math.round(17 * barScale),
+        weight: Font.DemiBold
+    })
+    readonly property font barItem: Qt.font({
+        family: appearance.fontFamily,
+        pixelSize: Math.round(17 * barScale)
+    })
+
+    readonly property font largeTitle: text(34, Font.Bold)
+    readonly property font headline: text(17, Font.DemiBold)
+    readonly property font body: text(17, Font.Normal)
+    readonly property font subheadline: text(15, Font.Normal)
+    readonly property font subheadlineSemibold: text(15, Font.DemiBold)
+    readonly property font footnote: text(13, Font.Normal)
+    readonly property font caption: text(12, Font.Normal)
+    readonly property font captionBold: text(12, Font.Bold)
+    readonly property font monospaced: Qt.font({
+        family: appearance.monospacedFamily,
+        pixelSize: Math.round(13 * scale)
+    })
+
+    /// The smallest thing that a finger finds.
+    readonly property real touchTarget: 44
+    readonly property real margin: 16
+    readonly property real spacing: 8
+    readonly property real cornerRadius: 10
+    readonly property real cardRadius: 14
+    readonly property real symbolSize: 22
+    /// The widest column of text that is good to read.
+    readonly property real readableWidth: 720
+    /// What the floating button may cover at the bottom of a list.
+    readonly property real buttonClearance: 96
+    readonly property int duration: 300
+
+    function text(size: int, weight: int): font {
+        return Qt.font({
+            family: root.appearance.fontFamily,
+            pixelSize: Math.round(size * root.scale),
+            weight: weight
+        });
+    }
+
+    /// The margin at either side of a column in a view of this width.
+    function columnMargin(width: real): real {
+        return Math.max(root.margin, (width - root.readableWidth) / 2);
+    }
+
+    function kindColor(kind: int): color {
+        return root.kindColors[kind];
+    }
+
+    /// The colour of words that are said to have that colour.
+    function textColor(value: int): color {
+        switch (value) {
+        case QXSystemColor.Clear:
+            return root.label;
+        case QXSystemColor.Green:
+            return root.greenText;
+        case QXSystemColor.Orange:
+            return root.orangeText;
+        case QXSystemColor.Red:
+            return root.redText;
+        default:
+            return root.systemColor(value);
+        }
+    }
+
+    function systemColor(value: int): color {
+        switch (value) {
+        case QXSystemColor.Gray:
+            return root.gray;
+        case QXSystemColor.Green:
+            return root.green;
+        case QXSystemColor.Yellow:
+            return root.yellow;
+        case QXSystemColor.Orange:
+            return root.orange;
+        case QXSystemColor.Red:
+            return root.red;
+        default:
+            return "transparent";
+        }
+    }
+}

@@ -1,0 +1,140 @@
+#pragma once
+
+#include "Platform/PlatformGlobal.h"
+
+#include <QtCore/QByteArrayView>
+#include <QtCore/QString>
+
+#include <iterator>
+#include <optional>
+
+namespace Quorvix {
+
+/// One value of a parsed JSON text: a cursor of two words, valid as long as a JSONDocument of its text lives.
+///
+/// An object keeps its members in the order of the text, and those of the same name side by side with it.
+/// Immutable; may be read from several threads.
+class QUORVIX_INTERNAL_EXPORT JSONValue
+{
+public:
+    enum class Kind { Object, Array, String, Number, Boolean, Null };
+    /// The narrowest form that holds a number; Double for those of wideNumber().
+    enum class NumberKind { Int64, UInt64, Double };
+
+    class Elements;
+    class Members;
+
+    [[nodiscard]] Kind kind() const noexcept;
+
+    /// The text of a String, valid UTF-8; empty for other kinds. It may hold NUL.
+    [[nodiscard]] QByteArrayView utf8() const noexcept;
+    [[nodiscard]] QString text() const { return QString::fromUtf8(utf8()); }
+
+    /// The form of a Number.
+    [[nodiscard]] NumberKind numberKind() const noexcept;
+    /// A number in the form asked for; 0 when that form cannot hold it, or for other kinds.
+    [[nodiscard]] qint64 toInt64() const noexcept;
+    [[nodiscard]] quint64 toUInt64() const noexcept;
+    [[nodiscard]] double toDouble() const noexcept;
+    /// The text of an integer beyond 64 bits, or of a number beyond the range of a double, which toDouble()
+    /// gives only the nearest finite double of. Empty for every other value.
+    [[nodiscard]] QByteArrayView wideNumber() const noexcept;
+
+    /// Whether this is the value `true`.
+    [[nodiscard]] bool isTrue() const noexcept;
+
+    /// The elements of an Array in order; none for other kinds.
+    [[nodiscard]] Elements elements() const noexcept;
+    /// The members of an Object in order; none for other kinds.
+    [[nodiscard]] Members members() const noexcept;
+    /// How many elements or members there are.
+    [[nodiscard]] qsizetype size() const noexcept;
+    /// The member of this name, the last one when there are several. Linear.
+    [[nodiscard]] std::optional<JSONValue> member(QByteArrayView nameUtf8) const noexcept;
+
+private:
+    friend class JSONDocument;
+
+    /// Has the shape of simdjson's own cursors, which this header hides.
+    struct Cursor
+    {
+        const void *document = nullptr;
+        size_t index = 0;
+        bool operator==(const Cursor &) const = default;
+    };
+
+    explicit JSONValue(Cursor cursor) noexcept : m_cursor(cursor) {}
+
+    Cursor m_cursor;
+};
+
+/// A range over the elements of an array.
+class QUORVIX_INTERNAL_EXPORT JSONValue::Elements
+{
+public:
+    class QUORVIX_INTERNAL_EXPORT Iterator
+    {
+    public:
+        using iterator_category = std::input_iterator_tag;
+        using value_type = JSONValue;
+        using difference_type = std::ptrdiff_t;
+
+        explicit Iterator(Cursor cursor) noexcept : m_cursor(cursor) {}
+
+        [[nodiscard]] JSONValue operator*() const noexcept;
+        Iterator &operator++() noexcept;
+        bool operator==(const Iterator &) const = default;
+
+    private:
+        Cursor m_cursor;
+    };
+
+    Elements(Iterator first, Iterator last) noexcept : m_begin(first), m_end(last) {}
+
+    [[nodiscard]] Iterator begin() const noexcept { return m_begin; }
+    [[nodiscard]] Iterator end() const noexcept { return m_end; }
+
+private:
+    Iterator m_begin;
+    Iterator m_end;
+};
+
+/// A range over the members of an object.
+class QUORVIX_INTERNAL_EXPORT JSONValue::Members
+{
+public:
+    struct Member
+    {
+        /// Valid UTF-8.
+        QByteArrayView name;
+        JSONValue value;
+    };
+
+    class QUORVIX_INTERNAL_EXPORT Iterator
+    {
+    public:
+        using iterator_category = std::input_iterator_tag;
+        using value_type = Member;
+        using difference_type = std::ptrdiff_t;
+
+        explicit Iterator(Cursor cursor) noexcept : m_cursor(cursor) {}
+
+        [[nodiscard]] Member operator*() const noexcept;
+        Iterator &operator++() noexcept;
+        bool operator==(const Iterator &) const = default;
+
+    private:
+        Cursor m_cursor;
+    };
+
+    Members(Iterator first, Iterator last) noexcept : m_begin(first), m_end(last) {}
+
+    [[nodiscard]] Iterator begin() const noexcept { return m_begin; }
+    [[nodiscard]] Iterator end() const noexcept { return m_end; }
+
+private:
+    Iterator m_begin;
+    Iterator m_end;
+};
+
+} // namespace Quorvix

@@ -1,0 +1,143 @@
+#include "JSON/JSONWideNumbers.h"
+
+#include <QtCore/QLocale>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+
+namespace Quorvix {
+
+namespace {
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool isPartOfNumber(char c)
+{
+    return isDigit(c) || c == '.' || c == 'e' || c == 'E' || c == '+' || c == '-';
+}
+
+/// The end of the string whose opening quote is at @p quote.
+const char *afterString(const char *quote, const char *end)
+{
+    const char *at = quote + 1;
+    while (at < end && *at != '"')
+        at += *at == '\\' ? 2 : 1;
+    return std::min(at + 1, end);
+}
+
+const char *afterDigits(const char *at, const char *end)
+{
+    return std::find_if_not(at, end, isDigit);
+}
+
+/// A token of the characters that numbers are made of.
+class Token
+{
+public:
+    Token(const char *first, const char *last) : m_first(first), m_last(last) { readGrammar(); }
+
+    /// Whether it is a number by the grammar, but none of the machine's.
+    [[nodiscard]] bool isWide() const
+    {
+        if (!m_isNumber)
+            return false;
+        if (m_isInteger && !fits<qint64>() && !fits<quint64>())
+            return true;
+        double value = 0;
+        return std::from_chars(m_first, m_last, value).ec == std::errc::result_out_of_range;
+    }
+
+    [[nodiscard]] QByteArrayView view() const { return {m_first, m_last}; }
+
+private:
+    void readGrammar()
+    {
+        const char *at = m_first + (*m_first == '-' ? 1 : 0);
+        const char *const integer = at;
+        at = afterDigits(at, m_last);
+        if (at == integer || (*integer == '0' && at - integer > 1))
+            return;
+        m_isInteger = at == m_last;
+        if (at != m_last && *at == '.') {
+            const char *const fraction = ++at;
+            at = afterDigits(at, m_last);
+            if (at == fraction)
+                return;
+        }
+        if (at != m_last && (*at == 'e' || *at == 'E')) {
+            ++at;
+            if (at != m_last && (*at == '+' || *at == '-'))
+                ++at;
+            const char *const exponent = at;
+            at = afterDigits(at, m_last);
+            if (at == exponent)
+                return;
+        }
+        m_isNumber = at == m_last;
+    }
+
+    template<typename Integer>
+    [[nodiscard]] bool fits() const
+    {
+        Integer value;
+        return std::from_chars(m_first, m_last, value).ec == std::errc();
+    }
+
+    const char *m_first;
+    const char *m_last;
+    bool m_isNumber = false;
+    bool m_isInteger = false;
+};
+
+/// In a form that is never read as an integer.
+QByteArray doubleText(double number)
+{
+    std::array<char, 32> text{};
+    char *const end =
+        std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific).ptr;
+    return {text.data(), end - text.data()};
+}
+
+} // namespace
+
+JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
+{
+    JSONWideNumbers wide;
+    const char *copied = original.cbegin();
+    const char *at = original.cbegin();
+    const char *const end = original.cend();
+    for (size_t ordinal = 0; at < end;) {
+        if (*at == '"') {
+            at = afterString(at, end);
+            continue;
+        }
+        const char *const first = at++;
+        if (!isDigit(*first) && *first != '-')
+            continue;
+        at = std::find_if_not(at, end, isPartOfNumber);
+        const Token token(first, at);
+        if (token.isWide()) {
+            wide.text.append(copied, first - copied).append(doubleText(nearestDouble(token.view())));
+            copied = at;
+            wide.numbers.push_back({ordinal, token.view().toByteArray()});
+        }
+        ++ordinal;
+    }
+    wide.text.append(copied, end - copied);
+    return wide;
+}
+
+double nearestDouble(QByteArrayView digits)
+{
+    using Limits = std::numeric_limits<double>;
+    // Infinite where it is too large; QByteArrayView::toDouble() would give 0.
+    const double value = QLocale::c().toDouble(QLatin1StringView(digits.data(), digits.size()));
+    return std::clamp(value, Limits::lowest(), Limits::max());
+}
+
+} // namespace Quorvix

@@ -1,0 +1,356 @@
+#include "JSON/JSONWriter.h"
+
+#include "JSON/JSONEscape.h"
+#include "JSON/JSONReader.h"
+
+#include <QtCore/QIODevice>
+
+#include <simdjson.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <vector>
+
+namespace Quorvix {
+
+namespace {
+
+constexpr qsizetype deviceBlockSize = 1 << 20;
+constexpr qsizetype firstBufferSize = 4096;
+/// How much text is taken at once, so that the room for its worst case stays small. Divisible by three.
+constexpr qsizetype chunkSize = 12'288;
+using Member = JSONValue::Members::Member;
+
+/// Writes parsed values; the members of the objects under way lie in one stack.
+class ValueWriter
+{
+public:
+    ValueWriter(JSONWriter &writer, JSONWriter::KeyOrder order) : m_writer(writer), m_order(order) {}
+
+    // The depth is bounded by JSONReader::maximumDepth.
+    void write(const JSONValue &value) // NOLINT(misc-no-recursion)
+    {
+        switch (value.kind()) {
+        case JSONValue::Kind::Object:
+            return writeObject(value);
+        case JSONValue::Kind::Array:
+            return writeArray(value);
+        case JSONValue::Kind::String:
+            return m_writer.utf8(value.utf8());
+        case JSONValue::Kind::Number:
+            return writeNumber(value);
+        case JSONValue::Kind::Boolean:
+            return m_writer.boolean(value.isTrue());
+        case JSONValue::Kind::Null:
+            return m_writer.null();
+        }
+    }
+
+private:
+    void writeArray(const JSONValue &array) // NOLINT(misc-no-recursion)
+    {
+        m_writer.beginArray();
+        for (const JSONValue element : array.elements())
+            write(element);
+        m_writer.endArray();
+    }
+
+    void writeObject(const JSONValue &object) // NOLINT(misc-no-recursion)
+    {
+        m_writer.beginObject();
+        if (m_order == JSONWriter::KeyOrder::Sorted)
+            writeSorted(object);
+        else
+            for (const Member &member : object.members())
+                writeMember(member);
+        m_writer.endObject();
+    }
+
+    void writeSorted(const JSONValue &object) // NOLINT(misc-no-recursion)
+    {
+        const size_t first = m_members.size();
+        for (const Member &member : object.members())
+            m_members.push_back(member);
+        // The order of UTF-8 bytes is the order of code points.
+        std::stable_sort(m_members.begin() + std::ptrdiff_t(first), m_members.end(),
+                         [](const Member &a, const Member &b) { return a.name < b.name; });
+        const size_t last = m_members.size();
+        for (size_t i = first; i < last; ++i)
+            writeMember(Member(m_members[i]));
+        m_members.erase(m_members.begin() + std::ptrdiff_t(first), m_members.end());
+    }
+
+    void writeMember(const Member &member) // NOLINT(misc-no-recursion)
+    {
+        m_writer.keyUtf8(member.name);
+        write(member.value);
+    }
+
+    void writeNumber(const JSONValue &number)
+    {
+        if (const QByteArrayView digits = number.wideNumber(); !digits.isEmpty())
+            return m_writer.number(digits);
+        switch (number.numberKind()) {
+        case JSONValue::NumberKind::Int64:
+            return m_writer.integer(number.toInt64());
+        case JSONValue::NumberKind::UInt64:
+            return m_writer.unsignedInteger(number.toUInt64());
+        case JSONValue::NumberKind::Double:
+            return m_writer.number(number.toDouble());
+        }
+    }
+
+    JSONWriter &m_writer;
+    const JSONWriter::KeyOrder m_order;
+    std::vector<Member> m_members;
+};
+
+/// Small steps, so that little memory is reserved in vain. They are cheap for a block that the allocator has
+/// mapped by itself: its pages move, its bytes are not copied. Blocks in the heap are left early for that,
+/// and up to 32 MB may be in the heap. What is reserved and not written to takes no memory.
+qsizetype nextCapacity(qsizetype used, qsizetype size)
+{
+    constexpr qsizetype largestInHeap = 8 << 20;
+    constexpr qsizetype smallestMapped = 40 << 20;
+    const qsizetype capacity = std::max(used + size, used + used / 5);
+    return capacity > largestInHeap ? std::max(capacity, smallestMapped) : capacity;
+}
+
+template<typename Number>
+char *printed(Number number, char *to, qsizetype room)
+{
+    return std::to_chars(to, to + room, number).ptr;
+}
+
+/// The bounds of ECMAScript's Number::toString, which readers of JSON are used to.
+char *printed(double number, char *to, qsizetype room)
+{
+    const double size = std::abs(number);
+    // Without a fraction it would read back as an integer, which has no sign when it is nought.
+    if (size == 0)
+        return std::copy_n(std::signbit(number) ? "-0.0" : "0", std::signbit(number) ? 4 : 1, to);
+    const bool isShort = size >= 1e-6 && size < 1e21;
+    const auto format = isShort ? std::chars_format::fixed : std::chars_format::scientific;
+    return std::to_chars(to, to + room, number, format).ptr;
+}
+
+constexpr qsizetype longestNumber = 32;
+
+} // namespace
+
+JSONWriter::JSONWriter(Format format) : m_format(format)
+{
+    grownRoom(firstBufferSize);
+}
+
+JSONWriter::JSONWriter(QIODevice &device, Format format) : m_device(&device), m_format(format)
+{
+    grownRoom(deviceBlockSize);
+}
+
+void JSONWriter::key(QLatin1StringView asciiName)
+{
+    writeName({asciiName.data(), asciiName.size()});
+}
+
+void JSONWriter::keyUtf8(QByteArrayView name)
+{
+    writeName(name);
+}
+
+void JSONWriter::string(QStringView text)
+{
+    beginValue();
+    put('"');
+    const char16_t *from = text.utf16();
+    const char16_t *const end = from + text.size();
+    while (from != end) {
+        const char16_t *to = from + std::min<qsizetype>(end - from, chunkSize);
+        if (to != end && QChar::isHighSurrogate(to[-1]))
+            ++to;
+        m_cursor = JSONEscape::utf16({from, to}, room(JSONEscape::roomForText(to - from)));
+        from = to;
+    }
+    put('"');
+}
+
+void JSONWriter::utf8(QByteArrayView text)
+{
+    beginValue();
+    writeEscaped(text);
+}
+
+void JSONWriter::base64(QByteArrayView bytes)
+{
+    beginValue();
+    put('"');
+    for (qsizetype i = 0; i < bytes.size(); i += chunkSize) {
+        const QByteArrayView chunk = bytes.sliced(i, std::min(chunkSize, bytes.size() - i));
+        m_cursor = JSONEscape::base64(chunk, room(JSONEscape::roomForBase64(chunk.size())));
+    }
+    put('"');
+}
+
+void JSONWriter::integer(qint64 number)
+{
+    beginValue();
+    m_cursor = printed(number, room(longestNumber), longestNumber);
+}
+
+void JSONWriter::unsignedInteger(quint64 number)
+{
+    beginValue();
+    m_cursor = printed(number, room(longestNumber), longestNumber);
+}
+
+void JSONWriter::number(double number)
+{
+    beginValue();
+    m_cursor = printed(std::isfinite(number) ? number : 0, room(longestNumber), longestNumber);
+}
+
+void JSONWriter::number(QByteArrayView digits)
+{
+    beginValue();
+    put(digits);
+}
+
+QByteArray JSONWriter::text(double number)
+{
+    QByteArray text(longestNumber, Qt::Uninitialized);
+    text.truncate(printed(number, text.data(), longestNumber) - text.constData());
+    return text;
+}
+
+void JSONWriter::boolean(bool value)
+{
+    beginValue();
+    put(value ? QByteArrayView("true") : QByteArrayView("false"));
+}
+
+void JSONWriter::null()
+{
+    beginValue();
+    put("null");
+}
+
+void JSONWriter::value(const JSONValue &value, KeyOrder order)
+{
+    ValueWriter(*this, order).write(value);
+}
+
+std::optional<NSError> JSONWriter::finish()
+{
+    if (m_device)
+        flush();
+    return m_error;
+}
+
+QByteArray JSONWriter::takeBuffer()
+{
+    m_buffer.truncate(m_cursor - m_buffer.constData());
+    m_cursor = m_limit = nullptr;
+    return std::move(m_buffer);
+}
+
+void JSONWriter::begin(char bracket)
+{
+    beginValue();
+    put(bracket);
+    ++m_depth;
+    m_isEmpty = true;
+}
+
+void JSONWriter::end(char bracket)
+{
+    --m_depth;
+    if (!m_isEmpty)
+        breakLine();
+    m_isEmpty = false;
+    put(bracket);
+}
+
+/// What stands before a value or a member: nothing after a key, else the comma and the new line.
+void JSONWriter::beginValue()
+{
+    if (m_afterKey) {
+        m_afterKey = false;
+        return;
+    }
+    if (m_depth == 0)
+        return;
+    if (!m_isEmpty)
+        put(',');
+    m_isEmpty = false;
+    breakLine();
+}
+
+void JSONWriter::breakLine()
+{
+    if (m_format == Format::Compact)
+        return;
+    const qsizetype indentation = m_depth * 2;
+    char *to = room(indentation + 1);
+    *to++ = '\n';
+    m_cursor = std::fill_n(to, indentation, ' ');
+}
+
+void JSONWriter::writeName(QByteArrayView name)
+{
+    beginValue();
+    writeEscaped(name);
+    put(m_format == Format::Pretty ? QByteArrayView(" : ") : QByteArrayView(":"));
+    m_afterKey = true;
+}
+
+void JSONWriter::writeEscaped(QByteArrayView text)
+{
+    put('"');
+    for (qsizetype i = 0; i < text.size(); i += chunkSize) {
+        const QByteArrayView chunk = text.sliced(i, std::min(chunkSize, text.size() - i));
+        m_cursor = JSONEscape::utf8(chunk, room(JSONEscape::roomForText(chunk.size())));
+    }
+    put('"');
+}
+
+char *JSONWriter::grownRoom(qsizetype size)
+{
+    if (m_device && m_cursor)
+        flush();
+    const qsizetype used = m_cursor ? m_cursor - m_buffer.constData() : 0;
+    if (m_buffer.size() - used < size) {
+        const qsizetype capacity = nextCapacity(used, size);
+        m_buffer.reserve(capacity);
+        m_buffer.resize(capacity);
+    }
+    m_cursor = m_buffer.data() + used;
+    m_limit = m_buffer.data() + m_buffer.size();
+    return m_cursor;
+}
+
+void JSONWriter::put(QByteArrayView bytes)
+{
+    m_cursor = std::copy_n(bytes.data(), bytes.size(), room(bytes.size()));
+}
+
+/// A full disk takes what it can and fails only at the next write, so that one has to be made.
+void JSONWriter::flush()
+{
+    const char *from = m_buffer.constData();
+    while (!m_error && from != m_cursor) {
+        const qint64 written = m_device->write(from, m_cursor - from);
+        if (written <= 0)
+            m_error = NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, m_device->errorString()};
+        else
+            from += written;
+    }
+    m_cursor = m_buffer.data();
+}
+
+bool isValidUtf8(QByteArrayView bytes) noexcept
+{
+    return simdjson::validate_utf8(bytes.data(), size_t(bytes.size()));
+}
+
+} // namespace Quorvix

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "Platform/NSError.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QByteArrayView>
+#include <QtCore/QLatin1StringView>
+#include <QtCore/QStringView>
+
+#include <optional>
+
+class QIODevice;
+
+namespace Quorvix {
+
+class JSONValue;
+/// Writes one JSON text (RFC 8259) piece by piece, into a buffer of its own or to a device.
+///
+/// The caller supplies a well-formed sequence: a key before each member's value, an end for each begin.
+/// Pretty texts have two spaces of indentation, `"key" : value` and one member or element per line; an empty
+/// container is `[]` or `{}`. Slashes are left alone. Not thread-safe.
+class QUORVIX_INTERNAL_EXPORT JSONWriter final
+{
+public:
+    enum class Format { Pretty, Compact };
+    /// How a parsed object's members are ordered: as they came, or ascending by the code points of their
+    /// names.
+    enum class KeyOrder { Document, Sorted };
+
+    /// Writes to a buffer, to be taken with takeBuffer(). It grows in small steps: the peak is near the
+    /// result.
+    explicit JSONWriter(Format format = Format::Pretty);
+    /// Writes to @p device in blocks of about a megabyte. The device has to outlive the writer.
+    explicit JSONWriter(QIODevice &device, Format format = Format::Pretty);
+    Q_DISABLE_COPY_MOVE(JSONWriter)
+    ~JSONWriter() = default;
+
+    void beginObject() { begin('{'); }
+    void endObject() { end('}'); }
+    void beginArray() { begin('['); }
+    void endArray() { end(']'); }
+
+    void key(QLatin1StringView asciiName);
+    void keyUtf8(QByteArrayView name);
+
+    /// Text; a lone surrogate becomes U+FFFD.
+    void string(QStringView text);
+    /// Text that is known to be well-formed UTF-8; see isValidUtf8().
+    void utf8(QByteArrayView text);
+    /// Bytes as Base64 text (RFC 4648, section 4), without line breaks.
+    void base64(QByteArrayView bytes);
+    void integer(qint64 number);
+    void unsignedInteger(quint64 number);
+    /// A number in the form of text(). JSON has no infinity and no NaN; both are written as 0, so that no
+    /// file can hold what no reader accepts.
+    void number(double number);
+    void boolean(bool value);
+    void null();
+    /// A whole parsed value. Members of the same name are all written.
+    void value(const JSONValue &value, KeyOrder order);
+
+    /// A number as it stands in a JSON text; not checked.
+    void number(QByteArrayView digits);
+    /// The shortest decimal form that reads back as the same double, with an exponent only where a person
+    /// would write one: 250, 100000, 0.1, 1e+21, 1e-07. Any thread.
+    [[nodiscard]] static QByteArray text(double number);
+
+    /// Hands the rest to the device. Fails with NSCocoaErrorDomain / NSFileWriteUnknownError and the device's
+    /// own sentence if any of its writes did; what came after the failed write was dropped.
+    [[nodiscard]] std::optional<NSError> finish();
+    /// The text; the writer is used up.
+    [[nodiscard]] QByteArray takeBuffer();
+
+private:
+    void begin(char bracket);
+    void end(char bracket);
+    void beginValue();
+    void breakLine();
+    void writeName(QByteArrayView name);
+    void writeEscaped(QByteArrayView text);
+
+    /// Where at least @p size bytes can be written; m_cursor is then to be moved behind them.
+    char *room(qsizetype size) { return m_limit - m_cursor < size ? grownRoom(size) : m_cursor; }
+    char *grownRoom(qsizetype size);
+    void put(char c) { *room(1) = c, ++m_cursor; }
+    void put(QByteArrayView bytes);
+    void flush();
+
+    QIODevice *m_device = nullptr;
+    const Format m_format;
+    QByteArray m_buffer;
+    char *m_cursor = nullptr;
+    char *m_limit = nullptr;
+    qsizetype m_depth = 0;
+    /// Whether the container that was begun last has nothing in it yet.
+    bool m_isEmpty = true;
+    bool m_afterKey = false;
+    std::optional<NSError> m_error;
+};
+
+/// Whether bytes are well-formed UTF-8 (RFC 3629), as every text in a JSON file must be. Any thread.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool isValidUtf8(QByteArrayView bytes) noexcept;
+
+} // namespace Quorvix

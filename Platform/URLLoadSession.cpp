@@ -1,0 +1,30 @@
+#include "Platform/URLLoadSession.h"
+
+#include "Platform/HTTPCookieStorage.h"
+#include "Platform/LoadingThread.h"
+
+#include <QtNetwork/QNetworkCookieJar>
+
+namespace Quorvix {
+
+URLLoadSession::URLLoadSession(NSURLSessionConfiguration sessionConfiguration)
+    : configuration(std::move(sessionConfiguration))
+{
+}
+
+URLLoadSession::~URLLoadSession()
+{
+    if (m_manager)
+        LoadingThread::post([manager = m_manager] { delete manager; });
+}
+
+QNetworkAccessManager *URLLoadSession::manager()
+{
+    if (!m_manager) {
+        m_manager = new QNetworkAccessManager(LoadingThread::parent());
+        m_manager->setCookieJar(HTTPCookieStorage::makeJar().release());
+    }
+    return m_manager;
+}
+
+} // namespace Quorvix

@@ -1,0 +1,59 @@
+#include "Quorvix/QXDisplayFormat.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDateTime>
+#include <QtCore/QLocale>
+#include <QtCore/QRegularExpression>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString dateFormat(const QLocale &locale)
+{
+    QString format = locale.dateFormat(QLocale::LongFormat);
+    // A weekday at the beginning takes along what ties it to the date; one at the end only what parts them,
+    // for there the day's own suffix stands before it.
+    format.remove(QRegularExpression(uR"(^\s*dddd(?:'[^']*'|[^dMy'])*)"_s));
+    format.remove(QRegularExpression(uR"([\s,،(]*dddd\)?)"_s));
+    return format.replace("MMMM"_L1, "MMM"_L1);
+}
+
+QString timeFormat(const QLocale &locale)
+{
+    return locale.timeFormat(QLocale::LongFormat).remove(QRegularExpression(uR"([\s(\[]*t+[\s)\]]*)"_s));
+}
+
+QString number(double value)
+{
+    const bool isWhole = value == std::floor(value);
+    return QLocale().toString(value, 'f', isWhole ? 0 : 1);
+}
+
+} // namespace
+
+QString QXDisplayFormat::date(std::chrono::system_clock::time_point time)
+{
+    const QLocale locale;
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    const auto dateTime = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count());
+    return locale.toString(dateTime.date(), dateFormat(locale)) + ", "_L1 +
+           locale.toString(dateTime.time(), timeFormat(locale));
+}
+
+QString QXDisplayFormat::byteCount(qsizetype bytes)
+{
+    const double kilobytes = bytes > 0 ? std::max(1.0, std::round(double(bytes) / 1e3)) : 0;
+    if (kilobytes < 1000)
+        return QCoreApplication::translate("Quorvix", "%1 KB").arg(number(kilobytes));
+    return QCoreApplication::translate("Quorvix", "%1 MB").arg(number(std::round(double(bytes) / 1e5) / 10));
+}
+
+QString QXDisplayFormat::seconds(const QString &text, QLatin1StringView directive, double seconds, int digits)
+{
+    // The text comes from the host's translation, so it is not handed to a formatting function.
+    return QString(text).replace(directive, QString::number(seconds, 'f', digits));
+}

@@ -1,0 +1,235 @@
+#include "Text/QXTextCanvas.h"
+
+#include "Text/QXTextCell.h"
+
+#include <QtGui/QFontMetricsF>
+#include <QtGui/QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+/// Room between the lines of a text that is read for long.
+constexpr qreal leading = 1.2;
+/// A few screens.
+constexpr size_t mostLayouts = 500;
+constexpr qreal caretWidth = 1;
+
+/// The widest letter's, should the font not be a monospaced one.
+qreal columnWidth(const QFontMetricsF &metrics)
+{
+    return qMax(metrics.horizontalAdvance(u'W'), metrics.horizontalAdvance(u'0'));
+}
+
+} // namespace
+
+QXTextCanvas::QXTextCanvas(QQuickItem *parent) : QQuickPaintedItem(parent)
+{
+    setFont(QFont());
+    connect(this, &QXTextCanvas::coloursChanged, this, [this] { update(); });
+    connect(this, &QQuickPaintedItem::fillColorChanged, this,
+            [this] { setOpaquePainting(fillColor().alpha() == 255); });
+}
+
+QXTextCanvas::~QXTextCanvas() = default;
+
+void QXTextCanvas::setDocument(QXTextDocument *document)
+{
+    if (m_document == document)
+        return;
+    if (m_document)
+        disconnect(m_document, nullptr, this, nullptr);
+    m_document = document;
+    if (m_document) {
+        connect(m_document, &QXTextDocument::replaced, this, &QXTextCanvas::followEdit);
+        connect(m_document, &QObject::destroyed, this, &QXTextCanvas::invalidateRows);
+    }
+    setSelection({});
+    invalidateRows();
+    Q_EMIT documentChanged();
+}
+
+void QXTextCanvas::setFont(const QFont &font)
+{
+    if (m_rowHeight > 1 && m_font == font)
+        return;
+    m_font = font;
+    const QFontMetricsF metrics(font);
+    m_columnWidth = columnWidth(metrics);
+    m_rowHeight = std::ceil(metrics.height() * leading);
+    m_baseline = std::round((m_rowHeight - metrics.height()) / 2 + metrics.ascent());
+    invalidateRows();
+    Q_EMIT fontChanged();
+}
+
+void QXTextCanvas::setScrollOffset(qreal offset)
+{
+    if (m_scrollOffset == offset)
+        return;
+    m_scrollOffset = offset;
+    update();
+    Q_EMIT scrollOffsetChanged();
+}
+
+void QXTextCanvas::setSelection(const QXTextSelection &selection)
+{
+    const bool isSame =
+        m_selection.anchor() == selection.anchor() && m_selection.cursor() == selection.cursor();
+    m_selection = selection;
+    if (isSame)
+        return;
+    update();
+    Q_EMIT selectionChanged();
+}
+
+void QXTextCanvas::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    if (newGeometry.width() != oldGeometry.width())
+        polish();
+}
+
+void QXTextCanvas::updatePolish()
+{
+    breakRows();
+}
+
+void QXTextCanvas::invalidateRows()
+{
+    m_columns = 0;
+    forgetLayouts();
+    polish();
+}
+
+void QXTextCanvas::breakRows()
+{
+    if (!m_document || width() <= 0) {
+        m_rows = {};
+        m_columns = 0;
+        setContentHeight(0);
+        return;
+    }
+    const int columns = qMax(1, int(width() / m_columnWidth + 0.01));
+    if (columns == m_columns)
+        return;
+    const int top = rowAtOffset(m_scrollOffset);
+    const qsizetype topPosition = m_rows.start(top);
+    const bool isFirst = std::exchange(m_columns, columns) == 0;
+    m_document->breakInto(m_rows, columns);
+    forgetLayouts();
+    setContentHeight(m_rows.count() * m_rowHeight);
+    if (const int moved = m_rows.rowAt(topPosition) - top; !isFirst && m_scrollOffset > 0 && moved != 0)
+        Q_EMIT topRowMoved(moved * m_rowHeight);
+}
+
+void QXTextCanvas::setContentHeight(qreal height)
+{
+    if (std::exchange(m_contentHeight, height) != height)
+        Q_EMIT contentHeightChanged();
+}
+
+void QXTextCanvas::followEdit(qsizetype position, qsizetype removed, qsizetype added)
+{
+    forgetLayouts();
+    const bool areBroken = m_columns > 0;
+    if (areBroken)
+        m_rows.follow(m_document->view(), position, removed, added);
+    // Before anyone is told of anything: positions beyond the end are asked for no more.
+    const qsizetype length = m_document->length();
+    if (m_selection.end() > length) {
+        QXTextSelection kept;
+        kept.set(qMin(m_selection.anchor(), length), qMin(m_selection.cursor(), length));
+        setSelection(kept);
+    }
+    if (areBroken)
+        setContentHeight(m_rows.count() * m_rowHeight);
+}
+
+int QXTextCanvas::rowAtOffset(qreal offset) const
+{
+    return int(qBound<qreal>(0, std::floor(offset / m_rowHeight), m_rows.count() - 1));
+}
+
+QString QXTextCanvas::rowText(int row) const
+{
+    if (!m_document)
+        return {};
+    const qsizetype start = m_rows.start(row);
+    QString text = m_document->text(start, m_rows.end(row) - start);
+    if (text.endsWith(u'\n'))
+        text.chop(1);
+    if (text.endsWith(u'\r'))
+        text.chop(1);
+    return text;
+}
+
+void QXTextCanvas::forgetLayouts()
+{
+    m_layouts.clear();
+    update();
+}
+
+const QXTextRowLayout &QXTextCanvas::layoutOf(int row) const
+{
+    if (m_layouts.size() > mostLayouts)
+        m_layouts.clear();
+    std::unique_ptr<QXTextRowLayout> &layout = m_layouts[row];
+    if (!layout)
+        layout = std::make_unique<QXTextRowLayout>(rowText(row), m_font, width(),
+                                                   QXTextCell::tabColumns * m_columnWidth);
+    return *layout;
+}
+
+qsizetype QXTextCanvas::positionAt(QPointF point) const
+{
+    const qreal offset = point.y() + m_scrollOffset;
+    if (offset < 0)
+        return 0;
+    if (offset >= m_rows.count() * m_rowHeight)
+        return m_rows.end(m_rows.count() - 1);
+    const int row = rowAtOffset(offset);
+    return m_rows.start(row) + layoutOf(row).positionAt(point.x());
+}
+
+QRectF QXTextCanvas::caretAt(qsizetype position, int further) const
+{
+    const int row = m_rows.rowAt(position);
+    const qreal x = layoutOf(row).xAt(int(position - m_rows.start(row)) + further);
+    return {qBound<qreal>(0, x, qMax<qreal>(0, width() - caretWidth)), row * m_rowHeight, caretWidth,
+            m_rowHeight};
+}
+
+QString QXTextCanvas::rowTextAt(qreal y) const
+{
+    return layoutOf(rowAtOffset(y + m_scrollOffset)).text();
+}
+
+void QXTextCanvas::paint(QPainter *painter)
+{
+    const int last = rowAtOffset(m_scrollOffset + height());
+    for (int row = rowAtOffset(m_scrollOffset); row <= last; ++row)
+        paintRow(*painter, row);
+}
+
+void QXTextCanvas::paintRow(QPainter &painter, int row) const
+{
+    const QXTextRowLayout &layout = layoutOf(row);
+    const qreal top = row * m_rowHeight - m_scrollOffset;
+    const qsizetype start = m_rows.start(row);
+    const qsizetype length = layout.text().size();
+    const auto fill = [&](qreal left, qreal right) {
+        painter.fillRect(QRectF(left, top, right - left, m_rowHeight), m_selectionColor);
+    };
+    const int from = int(std::clamp<qsizetype>(m_selection.start() - start, 0, length));
+    const int to = int(std::clamp<qsizetype>(m_selection.end() - start, from, length));
+    for (const QXTextRowLayout::Span &span : layout.spansOf(from, to))
+        fill(span.left, span.right);
+    // A line end would not be seen otherwise.
+    const qsizetype lineEnd = start + length;
+    if (lineEnd < m_rows.end(row) && m_selection.start() <= lineEnd && m_selection.end() > lineEnd)
+        fill(layout.width(), layout.width() + m_columnWidth);
+    painter.setPen(m_color);
+    layout.draw(painter, QPointF(0, top + m_baseline), from, to, m_selectedTextColor);
+}

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "Text/QXTextDocument.h"
+#include "Text/QXTextRowLayout.h"
+#include "Text/QXTextRows.h"
+#include "Text/QXTextSelection.h"
+
+#include <QtCore/QPointer>
+#include <QtGui/QColor>
+#include <QtQuick/QQuickPaintedItem>
+
+#include <memory>
+#include <unordered_map>
+
+/// Paints the rows of a document that are in view, and knows where its characters are. Main thread only;
+/// painted while that one waits.
+///
+/// Rows are as wide as the item and broken anew at most once per frame. They read from left to right whatever
+/// the application does, as code does; within a row, text of either direction is shaped as it should be.
+class QXTextCanvas : public QQuickPaintedItem
+{
+    Q_OBJECT
+    QML_ANONYMOUS
+    Q_PROPERTY(QXTextDocument *document READ document WRITE setDocument NOTIFY documentChanged)
+    /// A monospaced one.
+    Q_PROPERTY(QFont font READ font WRITE setFont NOTIFY fontChanged)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY coloursChanged)
+    Q_PROPERTY(QColor selectionColor MEMBER m_selectionColor NOTIFY coloursChanged)
+    Q_PROPERTY(QColor selectedTextColor MEMBER m_selectedTextColor NOTIFY coloursChanged)
+    /// The height of all rows.
+    Q_PROPERTY(qreal contentHeight READ contentHeight NOTIFY contentHeightChanged)
+    Q_PROPERTY(qreal rowHeight READ rowHeight NOTIFY fontChanged)
+    /// Which part of that height begins at the top of the item.
+    Q_PROPERTY(qreal scrollOffset READ scrollOffset WRITE setScrollOffset NOTIFY scrollOffsetChanged)
+    Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY selectionChanged)
+
+public:
+    explicit QXTextCanvas(QQuickItem *parent = nullptr);
+    ~QXTextCanvas() override;
+
+    [[nodiscard]] QXTextDocument *document() const { return m_document; }
+    void setDocument(QXTextDocument *document);
+    [[nodiscard]] const QFont &font() const { return m_font; }
+    void setFont(const QFont &font);
+    [[nodiscard]] qreal contentHeight() const { return m_contentHeight; }
+    [[nodiscard]] qreal rowHeight() const { return m_rowHeight; }
+    [[nodiscard]] qreal scrollOffset() const { return m_scrollOffset; }
+    void setScrollOffset(qreal offset);
+
+    [[nodiscard]] bool hasSelection() const { return !m_selection.isEmpty(); }
+    [[nodiscard]] const QXTextSelection &selection() const { return m_selection; }
+    void setSelection(const QXTextSelection &selection);
+
+    /// The position nearest to a point of the item.
+    [[nodiscard]] qsizetype positionAt(QPointF point) const;
+    /// Where the caret stands before the character at @p position: from the top of all rows, not of the item.
+    /// It stands so many units further on if the row shows more than the document has.
+    [[nodiscard]] QRectF caretAt(qsizetype position, int further = 0) const;
+    /// What is painted at a height of the item.
+    [[nodiscard]] QString rowTextAt(qreal y) const;
+    [[nodiscard]] const QXTextRows &rows() const { return m_rows; }
+
+    void paint(QPainter *painter) override;
+
+Q_SIGNALS:
+    void documentChanged();
+    void fontChanged();
+    void coloursChanged();
+    void contentHeightChanged();
+    void scrollOffsetChanged();
+    void selectionChanged();
+    /// New widths have moved the row at the top of the item by so much; whoever scrolls follows.
+    void topRowMoved(qreal distance);
+
+protected:
+    void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
+    void updatePolish() override;
+
+    /// Breaks the rows now if that is still to be done.
+    void breakRows();
+    /// What a row shows, without its line end.
+    [[nodiscard]] virtual QString rowText(int row) const;
+    /// To be called when a row shows something else.
+    void forgetLayouts();
+    [[nodiscard]] QColor color() const { return m_color; }
+
+private:
+    void invalidateRows();
+    void setContentHeight(qreal height);
+    void followEdit(qsizetype position, qsizetype removed, qsizetype added);
+    [[nodiscard]] int rowAtOffset(qreal offset) const;
+    [[nodiscard]] const QXTextRowLayout &layoutOf(int row) const;
+    void paintRow(QPainter &painter, int row) const;
+
+    QPointer<QXTextDocument> m_document;
+    QFont m_font;
+    QColor m_color = Qt::black;
+    QColor m_selectionColor = Qt::blue;
+    QColor m_selectedTextColor = Qt::white;
+    qreal m_columnWidth = 1;
+    qreal m_rowHeight = 1;
+    qreal m_baseline = 0;
+    qreal m_contentHeight = 0;
+    qreal m_scrollOffset = 0;
+    QXTextRows m_rows;
+    /// 0 when the rows have to be broken.
+    int m_columns = 0;
+    QXTextSelection m_selection;
+    mutable std::unordered_map<int, std::unique_ptr<QXTextRowLayout>> m_layouts;
+};

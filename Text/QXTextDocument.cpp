@@ -1,0 +1,83 @@
+#include "Text/QXTextDocument.h"
+
+#include "Text/QXTextRows.h"
+
+#include <QtCore/QStringDecoder>
+
+namespace {
+
+constexpr qsizetype unitsPerByte = 3;
+/// Rows of bytes are easier to compare when they begin at round numbers.
+constexpr int bytesPerGroup = 4;
+constexpr qsizetype longestBeginning = 500;
+
+QString hexadecimal(const QByteArray &bytes, qsizetype position, qsizetype length)
+{
+    constexpr char16_t digits[] = u"0123456789abcdef";
+    QString text(length, Qt::Uninitialized);
+    QChar *unit = text.data();
+    for (qsizetype i = position; i < position + length; ++i) {
+        const auto byte = quint8(bytes[i / unitsPerByte]);
+        const qsizetype part = i % unitsPerByte;
+        *unit++ = part == 0 ? digits[byte >> 4] : part == 1 ? digits[byte & 0xF] : u' ';
+    }
+    return text;
+}
+
+} // namespace
+
+QXTextDocument::QXTextDocument(const QString &text, QObject *parent) : QObject(parent), m_text(text) {}
+
+QXTextDocument::QXTextDocument(const QByteArray &bytes, QObject *parent)
+    : QObject(parent), m_bytes(bytes), m_isHexadecimal(true)
+{
+}
+
+QXTextDocument *QXTextDocument::ofBody(const QByteArray &body, QObject *parent)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(body);
+    return decoder.hasError() ? new QXTextDocument(body, parent) : new QXTextDocument(text, parent);
+}
+
+qsizetype QXTextDocument::length() const
+{
+    return m_isHexadecimal ? qMax<qsizetype>(0, m_bytes.size() * unitsPerByte - 1) : m_text.size();
+}
+
+QString QXTextDocument::beginning() const
+{
+    return text(0, longestBeginning);
+}
+
+QString QXTextDocument::text() const
+{
+    return m_isHexadecimal ? text(0, length()) : m_text;
+}
+
+QString QXTextDocument::text(qsizetype position, qsizetype length) const
+{
+    const qsizetype start = qBound<qsizetype>(0, position, this->length());
+    const qsizetype available = qBound<qsizetype>(0, length, this->length() - start);
+    return m_isHexadecimal ? hexadecimal(m_bytes, start, available) : m_text.mid(start, available);
+}
+
+void QXTextDocument::breakInto(QXTextRows &rows, int columns) const
+{
+    if (m_isHexadecimal) {
+        const int bytes = qMax(1, (columns + 1) / int(unitsPerByte));
+        const int round = bytes < bytesPerGroup ? bytes : bytes - bytes % bytesPerGroup;
+        rows.breakEvenly(length(), round * unitsPerByte);
+    } else {
+        rows.breakText(m_text, columns);
+    }
+}
+
+void QXTextDocument::replace(qsizetype position, qsizetype removed, const QString &added)
+{
+    Q_ASSERT(!m_isHexadecimal);
+    const qsizetype start = qBound<qsizetype>(0, position, m_text.size());
+    const qsizetype available = qBound<qsizetype>(0, removed, m_text.size() - start);
+    m_text.replace(start, available, added);
+    Q_EMIT replaced(start, available, added.size());
+}

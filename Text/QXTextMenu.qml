@@ -1,0 +1,38 @@
+import QtQuick
+import Quorvix.Controls
+
+/// The menu of a text that is read only: copies all of it or what is selected, and decodes it.
+QXContextMenu {
+    id: root
+
+    /// The block whose selection can be copied; null for a text without one.
+    property QXTextBlock block: null
+    property bool canDecode: false
+
+    signal copyRequested
+    signal copySelectionRequested
+    signal decodeRequested
+
+    QXMenuItem {
+        objectName: "QXCopyValueItem"
+        text: qsTranslate("Quorvix", "Copy")
+        symbol: "doc.on.doc"
+        onTriggered: root.copyRequested()
+    }
+
+    QXMenuItem {
+        objectName: "QXCopySelectionItem"
+        visible: root.block?.hasSelection ?? false
+        text: qsTranslate("Quorvix", "Copy Selection")
+        symbol: "doc.on.doc"
+        onTriggered: root.copySelectionRequested()
+    }
+
+    QXMenuItem {
+        objectName: "QXDecodeValueItem"
+        visible: root.canDecode
+        text: qsTranslate("Quorvix", "Decode Base64")
+        symbol: "doc.text"
+        onTriggered: root.decodeRequested()
+    }
+}

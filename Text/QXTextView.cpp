@@ -1,0 +1,346 @@
+#include "Text/QXTextView.h"
+
+#include <QtGui/QClipboard>
+#include <QtGui/QCursor>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QStyleHints>
+
+#include <utility>
+
+namespace {
+
+using Target = QXTextMove::Target;
+
+constexpr int frame = 16; // milliseconds
+
+bool isFinger(const QMouseEvent &event)
+{
+    return event.device() && event.device()->type() == QInputDevice::DeviceType::TouchScreen;
+}
+
+bool isFar(QPointF a, QPointF b)
+{
+    return (a - b).manhattanLength() > QGuiApplication::styleHints()->startDragDistance();
+}
+
+bool isMenuKey(const QKeyEvent &event)
+{
+    return event.key() == Qt::Key_Menu ||
+           (event.key() == Qt::Key_F10 && event.modifiers() == Qt::ShiftModifier);
+}
+
+} // namespace
+
+QXTextView::QXTextView(QQuickItem *parent) : QXTextCanvas(parent)
+{
+    setAcceptedMouseButtons(Qt::LeftButton | Qt::RightButton);
+    setCursor(Qt::IBeamCursor);
+    for (const auto moved : {&QXTextCanvas::selectionChanged, &QXTextCanvas::scrollOffsetChanged,
+                             &QXTextCanvas::contentHeightChanged, &QXTextCanvas::fontChanged})
+        connect(this, moved, this, &QXTextView::edgesMoved);
+}
+
+QXTextView::~QXTextView() = default;
+
+QString QXTextView::selectedText() const
+{
+    return document() ? document()->text(selection().start(), selection().length()) : QString();
+}
+
+void QXTextView::copySelection() const
+{
+    if (hasSelection())
+        QGuiApplication::clipboard()->setText(selectedText());
+}
+
+void QXTextView::selectAll()
+{
+    if (!document())
+        return;
+    QXTextSelection all;
+    all.set(0, document()->length());
+    setSelection(all);
+}
+
+bool QXTextView::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && wantsKey(static_cast<const QKeyEvent &>(*event))) {
+        event->accept();
+        return true;
+    }
+    return QXTextCanvas::event(event);
+}
+
+void QXTextView::mousePressEvent(QMouseEvent *event)
+{
+    m_pressed = event->position();
+    if (event->button() == Qt::RightButton) {
+        Q_EMIT contextMenuRequested(m_pressed);
+        return;
+    }
+    if (isFinger(*event)) {
+        m_holdTimer.start(QGuiApplication::styleHints()->mousePressAndHoldInterval(), this);
+        return;
+    }
+    takeFocus();
+    setTouched(false);
+    if (!document())
+        return;
+    setKeepMouseGrab(true); // or the page would be dragged instead
+    m_isSelecting = true;
+    m_dragged = event->scenePosition();
+    m_climbX = -1;
+    const bool isThird =
+        m_sinceDoubleClick.isValid() &&
+        !m_sinceDoubleClick.hasExpired(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    m_sinceDoubleClick.invalidate();
+    if (event->modifiers() & Qt::ShiftModifier)
+        extendTo(m_pressed);
+    else
+        select(positionAt(m_pressed),
+               isThird ? QXTextSelection::Unit::Line : QXTextSelection::Unit::Character);
+}
+
+void QXTextView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton || isFinger(*event) || !document())
+        return;
+    select(positionAt(event->position()), QXTextSelection::Unit::Word);
+    m_sinceDoubleClick.start();
+}
+
+void QXTextView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (isFar(event->position(), m_pressed))
+        m_holdTimer.stop();
+    if (m_isSelecting)
+        dragTo(event->position());
+}
+
+void QXTextView::dragTo(QPointF point)
+{
+    m_dragged = mapToScene(point);
+    extendTo(point);
+    if (point.y() >= 0 && point.y() < height())
+        m_scrollTimer.stop();
+    else if (!m_scrollTimer.isActive())
+        m_scrollTimer.start(frame, this);
+}
+
+void QXTextView::mouseReleaseEvent(QMouseEvent *event)
+{
+    const bool isTap = m_holdTimer.isActive();
+    const bool wasHeld = m_isHeld;
+    stopPointer();
+    if (isTap)
+        tapped(event->position());
+    else if (wasHeld)
+        Q_EMIT contextMenuRequested(event->position());
+}
+
+void QXTextView::mouseUngrabEvent()
+{
+    stopPointer();
+}
+
+void QXTextView::stopPointer()
+{
+    m_isSelecting = false;
+    m_isHeld = false;
+    m_holdTimer.stop();
+    m_scrollTimer.stop();
+    setKeepMouseGrab(false);
+}
+
+void QXTextView::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() == m_holdTimer.timerId()) {
+        m_holdTimer.stop();
+        holdAt(m_pressed);
+    } else if (event->timerId() == m_scrollTimer.timerId()) {
+        const QPointF point = mapFromScene(m_dragged);
+        const qreal goal =
+            qBound<qreal>(0, scrollOffset() + point.y(), contentHeight()); // the further, the faster
+        Q_EMIT revealRequested(goal, goal);
+        extendTo(point);
+    } else {
+        QXTextCanvas::timerEvent(event);
+    }
+}
+
+void QXTextView::select(qsizetype position, QXTextSelection::Unit unit)
+{
+    QXTextSelection selected = selection();
+    selected.begin(*document(), position, unit);
+    setSelection(selected);
+}
+
+void QXTextView::extendTo(QPointF point)
+{
+    if (!document())
+        return;
+    QXTextSelection selected = selection();
+    selected.extend(*document(), positionAt(point));
+    setSelection(selected);
+}
+
+void QXTextView::tapped(QPointF point)
+{
+    if (!document())
+        return;
+    const qsizetype position = positionAt(point);
+    if (needsHandles() && position >= selection().start() && position <= selection().end())
+        Q_EMIT contextMenuRequested(point);
+    else
+        select(position, QXTextSelection::Unit::Character);
+}
+
+void QXTextView::holdAt(QPointF point)
+{
+    if (!document())
+        return;
+    takeFocus();
+    setKeepMouseGrab(true);
+    m_isHeld = true;
+    const qsizetype position = positionAt(point);
+    if (position >= selection().start() && position < selection().end())
+        return; // what is selected is what the menu is wanted for
+    m_isSelecting = true;
+    setTouched(true);
+    select(position, QXTextSelection::Unit::Word);
+}
+
+void QXTextView::takeFocus()
+{
+    (m_focusItem ? m_focusItem.data() : this)->forceActiveFocus(Qt::MouseFocusReason);
+}
+
+void QXTextView::setTouched(bool touched)
+{
+    if (std::exchange(m_isTouched, touched) != touched)
+        Q_EMIT edgesMoved();
+}
+
+QRectF QXTextView::startEdge() const
+{
+    return caretAt(selection().start()).translated(0, -scrollOffset());
+}
+
+QRectF QXTextView::endEdge() const
+{
+    // After the last character selected rather than before the next one, which may be on another row.
+    const bool hasLast = hasSelection();
+    return caretAt(selection().end() - hasLast, hasLast).translated(0, -scrollOffset());
+}
+
+void QXTextView::holdEdge(bool isStart)
+{
+    QXTextSelection held;
+    held.set(isStart ? selection().end() : selection().start(),
+             isStart ? selection().start() : selection().end());
+    setSelection(held);
+}
+
+void QXTextView::moveEdge(QPointF point)
+{
+    // With nothing selected there would be no handle left to hold.
+    if (positionAt(point) != selection().anchor())
+        dragTo(point);
+}
+
+void QXTextView::releaseEdge()
+{
+    stopPointer();
+}
+
+bool QXTextView::wantsKey(const QKeyEvent &event) const
+{
+    const auto move = QXTextMove::of(event);
+    return event.matches(QKeySequence::Copy) || event.matches(QKeySequence::SelectAll) ||
+           (move && move->selects);
+}
+
+void QXTextView::keyPressEvent(QKeyEvent *event)
+{
+    const auto move = QXTextMove::of(*event);
+    if (isMenuKey(*event)) {
+        const QRectF caret = caretAt(selection().cursor()).translated(0, -scrollOffset());
+        const bool isSeen = caret.top() >= 0 && caret.bottom() <= height();
+        Q_EMIT contextMenuRequested(isSeen ? caret.bottomLeft() : QPointF());
+    } else if (event->matches(QKeySequence::Copy) && hasSelection()) {
+        copySelection();
+    } else if (event->matches(QKeySequence::SelectAll)) {
+        selectAll();
+    } else if (move && move->selects && document()) {
+        // What is not seen is not a place to go on from.
+        const qreal cursor = caretAt(selection().cursor()).top() - scrollOffset();
+        if (!hasSelection() && (cursor + rowHeight() <= 0 || cursor >= height()))
+            select(positionAt({0, rowHeight()}), QXTextSelection::Unit::Character);
+        moveCursor(*move);
+    } else {
+        event->ignore();
+    }
+}
+
+void QXTextView::moveCursor(QXTextMove move)
+{
+    breakRows();
+    if (!move.isVertical())
+        m_climbX = -1;
+    const qsizetype target = targetOf(move.target);
+    QXTextSelection moved = selection();
+    moved.set(move.selects ? moved.anchor() : target, target);
+    setSelection(moved);
+    revealCursor();
+}
+
+void QXTextView::revealCursor()
+{
+    const QRectF caret = caretAt(selection().cursor());
+    Q_EMIT revealRequested(caret.top(), caret.bottom());
+}
+
+qsizetype QXTextView::targetOf(Target target)
+{
+    const QXTextDocument &text = *document();
+    const qsizetype cursor = selection().cursor();
+    const int row = rows().rowAt(cursor);
+    const int page = qMax(1, int(height() / rowHeight()) - 1);
+    switch (target) {
+    case Target::NextCharacter:
+        return QXTextBoundaries::nextCharacter(text, cursor);
+    case Target::PreviousCharacter:
+        return QXTextBoundaries::previousCharacter(text, cursor);
+    case Target::NextWord:
+        return QXTextBoundaries::nextWord(text, cursor);
+    case Target::PreviousWord:
+        return QXTextBoundaries::previousWord(text, cursor);
+    case Target::NextRow:
+        return positionBesideRow(1);
+    case Target::PreviousRow:
+        return positionBesideRow(-1);
+    case Target::NextPage:
+        return positionBesideRow(page);
+    case Target::PreviousPage:
+        return positionBesideRow(-page);
+    case Target::RowStart:
+        return rows().start(row);
+    case Target::RowEnd:
+        // The end of a row that goes on in the next one is where that begins.
+        return row + 1 < rows().count() ? QXTextBoundaries::previousCharacter(text, rows().end(row))
+                                        : text.length();
+    case Target::Start:
+        return 0;
+    case Target::End:
+        return text.length();
+    }
+    return cursor;
+}
+
+qsizetype QXTextView::positionBesideRow(int rows)
+{
+    const QRectF caret = caretAt(selection().cursor());
+    if (m_climbX < 0)
+        m_climbX = caret.x();
+    return positionAt({m_climbX, caret.center().y() + rows * rowHeight() - scrollOffset()});
+}

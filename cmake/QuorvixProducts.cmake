@@ -1,0 +1,56 @@
+# The two libraries that a host links, and the headers that it sees.
+set(QUORVIX_PUBLIC_HEADERS
+    Platform/HTTPCookieStorage.h
+    Platform/NSError.h
+    Platform/NSHTTPURLResponse.h
+    Platform/NSNotificationCenter.h
+    Platform/NSURLResponse.h
+    Platform/NSURLSession.h
+    Platform/NSURLSessionConfiguration.h
+    Platform/NSURLSessionDataTask.h
+    Platform/NSURLSessionTask.h
+    Platform/ObjectRuntime.h
+    Platform/PlatformGlobal.h
+    Platform/Result.h
+    Platform/URLRequest.h
+    Quorvix/QXArchiveWriter.h
+    Quorvix/QXFailureNote.h
+    Quorvix/QXLogLevel.h
+    Quorvix/QXRequestRecorder.h
+    Quorvix/QXRequestTrace.h
+    Quorvix/QXResponseTrace.h
+    Quorvix/QXSessionHook.h
+    Quorvix/QXTraceList.h
+    Quorvix/QuorvixClient.h
+    Quorvix/QuorvixGlobal.h)
+
+# The folder below the include folder in which a public header is installed: the room's, below Quorvix/.
+function(quorvix_installed_folder variable header)
+    get_filename_component(room ${header} DIRECTORY)
+    if(room STREQUAL "Quorvix")
+        set(${variable} Quorvix PARENT_SCOPE)
+    else()
+        set(${variable} Quorvix/${room} PARENT_SCOPE)
+    endif()
+endfunction()
+
+# In the build tree the public headers stand as they will when they are installed: <Quorvix/QuorvixClient.h>,
+# <Quorvix/Platform/NSURLSession.h>, and nothing beside them.
+foreach(header IN LISTS QUORVIX_PUBLIC_HEADERS)
+    quorvix_installed_folder(folder ${header})
+    get_filename_component(name ${header} NAME)
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include/${folder})
+    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${header} ${PROJECT_BINARY_DIR}/include/${folder}/${name}
+        SYMBOLIC COPY_ON_ERROR)
+endforeach()
+
+quorvix_product(QuorvixCore
+    EXPORT_NAME Core
+    ROOMS QuorvixPlatform QuorvixJSON QuorvixCoreObjects
+    PUBLIC Qt6::Core Qt6::Network
+    PRIVATE simdjson::simdjson)
+quorvix_product(Quorvix
+    EXPORT_NAME Quorvix
+    ROOMS QuorvixControls QuorvixText QuorvixScreens
+    PUBLIC QuorvixCore Qt6::Core
+    PRIVATE Qt6::Gui Qt6::Qml Qt6::Quick Qt6::Svg)
