@@ -1,9 +1,9 @@
 #include "Examples/StoreApi.h"
 
-#include "Platform/MainActor.h"
-#include "Platform/NSHTTPURLResponse.h"
-#include "Platform/NSURLSession.h"
+#include <Quorvix/Platform/NSHTTPURLResponse.h>
+#include <Quorvix/Platform/NSURLSession.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QPointer>
@@ -85,10 +85,11 @@ void StoreApi::send(const URLRequest &request, Done done)
                    timer](const auto &data, const auto &response, const auto &error) {
         StoreReply reply = makeReply(data, response, error);
         reply.time = std::chrono::milliseconds(timer.elapsed());
-        MainActor::schedule([self, done, reply = std::move(reply)] {
+        const auto handOver = [self, done, reply = std::move(reply)] {
             if (self)
                 done(reply);
-        });
+        };
+        QMetaObject::invokeMethod(qApp, handOver, Qt::QueuedConnection);
     };
     NSURLSession::shared().dataTaskWithRequest(request, std::move(finish))->resume();
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/NSError.h"
-#include "Platform/URLRequest.h"
+#include <Quorvix/Platform/NSError.h>
+#include <Quorvix/Platform/URLRequest.h>
 
 #include <QtCore/QJsonObject>
 #include <QtCore/QObject>

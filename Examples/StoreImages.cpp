@@ -1,6 +1,6 @@
 #include "Examples/StoreImages.h"
 
-#include "Platform/NSURLSession.h"
+#include <Quorvix/Platform/NSURLSession.h>
 
 #include <QtGui/QImage>
 

@@ -1,6 +1,6 @@
 #include "Examples/StoreStage.h"
 
-#include "Quorvix/QXRequestRecorder.h"
+#include <Quorvix/QXRequestRecorder.h>
 
 #include <QtQuick/QQuickItem>
 

@@ -1,6 +1,6 @@
 #include "Examples/TourSummary.h"
 
-#include "Quorvix/QXRequestRecorder.h"
+#include <Quorvix/QXRequestRecorder.h>
 
 #include <QtCore/QSaveFile>
 

@@ -3,7 +3,7 @@
 #include "Examples/StoreClient.h"
 #include "Examples/StoreImages.h"
 
-#include "Quorvix/QuorvixClient.h"
+#include <Quorvix/QuorvixClient.h>
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QSettings>

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
-
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 
@@ -31,6 +29,6 @@ struct JSONWideNumbers
 };
 
 /// The finite double next to a number. Any thread.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT double nearestDouble(QByteArrayView digits);
+[[nodiscard]] double nearestDouble(QByteArrayView digits);
 
 } // namespace Quorvix

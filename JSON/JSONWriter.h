@@ -99,6 +99,6 @@ private:
 };
 
 /// Whether bytes are well-formed UTF-8 (RFC 3629), as every text in a JSON file must be. Any thread.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool isValidUtf8(QByteArrayView bytes) noexcept;
+[[nodiscard]] bool isValidUtf8(QByteArrayView bytes) noexcept;
 
 } // namespace Quorvix

@@ -2,8 +2,6 @@
 
 #include "JSON/JSONReader.h"
 
-#include "Platform/PlatformGlobal.h"
-
 #include <QtCore/QByteArrayView>
 
 #include <optional>
@@ -25,7 +23,7 @@ struct DynamicCodingKey
 };
 
 /// Any parsed JSON value, as a part of a record that is encoded. A small value; copies share the document.
-class QUORVIX_INTERNAL_EXPORT QXApiMockAnyEncodable
+class QXApiMockAnyEncodable
 {
 public:
     /// The whole of a document.

@@ -27,7 +27,7 @@ struct QXApiMockResponse
 /// One endpoint of a mock server: what is asked, and the named responses that may be given. A value.
 ///
 /// Coded as JSON objects whose keys are the names of the fields.
-struct QUORVIX_INTERNAL_EXPORT QXApiMockDefinition
+struct QXApiMockDefinition
 {
     /// How people call the endpoint.
     QString name;

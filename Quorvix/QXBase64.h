@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
-
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 
@@ -10,7 +8,7 @@
 /// Strict but for two things: padding may be missing, in whole or in part, and the bits beyond the last byte
 /// may be set, which section 3.5 leaves to the decoder. Any other character, "=" before the end, more of them
 /// than belong there and a length with a remainder of 1 are refused. Stateless; any thread.
-class QUORVIX_INTERNAL_EXPORT QXBase64
+class QXBase64
 {
 public:
     enum class WhiteSpace { Refused, Skipped };

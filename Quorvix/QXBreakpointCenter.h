@@ -1,11 +1,9 @@
 #pragma once
 
 #include "Quorvix/QXBreakpointItem.h"
+#include "Quorvix/QuorvixNotifications.h"
 
 #include <deque>
-
-/// Posted on the default notification center when a held response becomes active and after every release.
-inline constexpr QLatin1StringView QuorvixBreakpointChanged{"QuorvixBreakpointChanged"};
 
 /// Holds the responses that match a rule, in one line, and releases them one by one. Main thread only.
 class QUORVIX_INTERNAL_EXPORT QXBreakpointCenter

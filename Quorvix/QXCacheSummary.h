@@ -7,7 +7,7 @@
 #include <vector>
 
 /// What a response's headers say about caching. Header names are compared ignoring case (RFC 9110, 5.1).
-struct QUORVIX_INTERNAL_EXPORT QXCacheFacts
+struct QXCacheFacts
 {
     explicit QXCacheFacts(const QXResponseTrace &response);
 
@@ -35,4 +35,4 @@ struct QXCacheSection
 cacheSummary(const std::optional<QXResponseTrace> &response);
 
 /// A point in time in ISO 8601 form: UTC with a "Z", whole seconds, as in 2023-11-14T22:13:20Z. Any thread.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT QString iso8601Text(std::chrono::system_clock::time_point time);
+[[nodiscard]] QString iso8601Text(std::chrono::system_clock::time_point time);

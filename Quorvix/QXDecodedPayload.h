@@ -10,7 +10,7 @@
 #include <utility>
 
 /// One titled block of readable text, under a fresh identity. A value.
-struct QUORVIX_INTERNAL_EXPORT QXDecodedSection
+struct QXDecodedSection
 {
     Q_GADGET
     Q_PROPERTY(QUuid id MEMBER id)

@@ -16,7 +16,7 @@ namespace QXDisplayFormat {
 
 /// A size in kilobytes of 1000 bytes without a fraction, and from a megabyte on in megabytes with one digit
 /// of it at most: "12 KB", "1.5 MB". What is not empty has a kilobyte at least.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT QString byteCount(qsizetype bytes);
+[[nodiscard]] QString byteCount(qsizetype bytes);
 
 /// A number of seconds in a text that has @p directive, as "%.3f", where the number goes; it gets so many
 /// digits behind the point.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
-
 #include <QtCore/QByteArrayView>
 
 #include <optional>
@@ -11,7 +9,7 @@ class QByteArray;
 /// A part of a text that would decode: Base64, or a JSON Web Token (RFC 7519). A view of that text.
 ///
 /// Found in time that grows with the length of the text and no faster, whatever the text.
-struct QUORVIX_INTERNAL_EXPORT QXEncodedCandidate
+struct QXEncodedCandidate
 {
     enum class Kind { Base64, JWT };
 

@@ -17,4 +17,4 @@ struct QXRequestTrace;
 /// those who know already: as QXBodyText::text() would have it.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString
 rawDetails(const QXRequestTrace &request, const std::function<QString(const QByteArray &)> &bodyText);
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT QString rawDetails(const QXRequestTrace &request);
+[[nodiscard]] QString rawDetails(const QXRequestTrace &request);

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "Quorvix/QXTraceList.h"
+#include "Quorvix/QuorvixNotifications.h"
 
 #include <QtCore/QList>
-
-/// Posted on the default notification center after every change of the recorder's list.
-inline constexpr QLatin1StringView QuorvixRequestsChanged{"QuorvixRequestsChanged"};
 
 /// The store of captured exchanges, newest first, kept in memory until clear(). Main thread only.
 ///

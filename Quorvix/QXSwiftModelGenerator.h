@@ -14,7 +14,7 @@
 /// around a root that is none. An array is told by its first element.
 ///
 /// An object of one run, which only source() sees.
-class QUORVIX_INTERNAL_EXPORT QXSwiftModelGenerator final
+class QXSwiftModelGenerator final
 {
 public:
     /// The source, inner types before those that use them, without a final line break.

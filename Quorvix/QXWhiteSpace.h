@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
-
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 
@@ -9,7 +7,7 @@
 ///
 /// Bytes that are not UTF-8 are no white space, and what follows them is read like a text of its own: the
 /// same as if each of them were U+FFFD. Stateless; any thread.
-class QUORVIX_INTERNAL_EXPORT QXWhiteSpace
+class QXWhiteSpace
 {
 public:
     /// How many bytes the white space character takes that @p text begins with; 0 when it begins with none.

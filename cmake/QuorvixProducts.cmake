@@ -22,7 +22,8 @@ set(QUORVIX_PUBLIC_HEADERS
     Quorvix/QXSessionHook.h
     Quorvix/QXTraceList.h
     Quorvix/QuorvixClient.h
-    Quorvix/QuorvixGlobal.h)
+    Quorvix/QuorvixGlobal.h
+    Quorvix/QuorvixNotifications.h)
 
 # The folder below the include folder in which a public header is installed: the room's, below Quorvix/.
 function(quorvix_installed_folder variable header)
@@ -44,13 +45,15 @@ foreach(header IN LISTS QUORVIX_PUBLIC_HEADERS)
         SYMBOLIC COPY_ON_ERROR)
 endforeach()
 
+set(QUORVIX_CORE_ROOMS QuorvixPlatform QuorvixJSON QuorvixCoreObjects)
+set(QUORVIX_SCREEN_ROOMS QuorvixControls QuorvixText QuorvixScreens)
 quorvix_product(QuorvixCore
     EXPORT_NAME Core
-    ROOMS QuorvixPlatform QuorvixJSON QuorvixCoreObjects
+    ROOMS ${QUORVIX_CORE_ROOMS}
     PUBLIC Qt6::Core Qt6::Network
     PRIVATE simdjson::simdjson)
 quorvix_product(Quorvix
     EXPORT_NAME Quorvix
-    ROOMS QuorvixControls QuorvixText QuorvixScreens
+    ROOMS ${QUORVIX_SCREEN_ROOMS}
     PUBLIC QuorvixCore Qt6::Core
     PRIVATE Qt6::Gui Qt6::Qml Qt6::Quick Qt6::Svg)

@@ -30,14 +30,17 @@ function(quorvix_room target)
     add_library(${target} STATIC ${room_SOURCES})
     quorvix_target(${target})
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    if(NOT BUILD_SHARED_LIBS)
+        target_compile_definitions(${target} PRIVATE QUORVIX_STATIC)
+    endif()
     target_link_libraries(${target} PUBLIC ${room_LINK})
 endfunction()
 
 # A product: the library that a host links, made of the objects of its rooms.
-#   quorvix_product(<target> EXPORT_NAME <name> ROOMS <room>... PUBLIC <library>... PRIVATE <library>...)
+#   quorvix_product(<target> [EXPORT_NAME <name>] [TYPE STATIC|SHARED] ROOMS <room>... PUBLIC <library>... PRIVATE <library>...)
 function(quorvix_product target)
-    cmake_parse_arguments(PARSE_ARGV 1 product "" "EXPORT_NAME" "ROOMS;PUBLIC;PRIVATE")
-    add_library(${target})
+    cmake_parse_arguments(PARSE_ARGV 1 product "" "EXPORT_NAME;TYPE" "ROOMS;PUBLIC;PRIVATE")
+    add_library(${target} ${product_TYPE})
     foreach(room IN LISTS product_ROOMS)
         get_target_property(resources ${room} QUORVIX_RESOURCES)
         foreach(objects IN ITEMS ${room} LISTS resources)
@@ -46,17 +49,20 @@ function(quorvix_product target)
             endif()
         endforeach()
     endforeach()
-    add_library(Quorvix::${product_EXPORT_NAME} ALIAS ${target})
     quorvix_target(${target})
+    if(product_EXPORT_NAME)
+        add_library(Quorvix::${product_EXPORT_NAME} ALIAS ${target})
+        set_target_properties(${target} PROPERTIES EXPORT_NAME ${product_EXPORT_NAME})
+    endif()
     set_target_properties(${target} PROPERTIES
         AUTOMOC OFF
         LINKER_LANGUAGE CXX
-        EXPORT_NAME ${product_EXPORT_NAME}
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
         INSTALL_RPATH $ORIGIN)
-    if(NOT BUILD_SHARED_LIBS)
-        target_compile_definitions(${target} PUBLIC QUORVIX_STATIC)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "STATIC_LIBRARY")
+        target_compile_definitions(${target} INTERFACE QUORVIX_STATIC)
     endif()
     target_include_directories(${target} INTERFACE
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)

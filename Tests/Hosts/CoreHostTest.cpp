@@ -1,0 +1,72 @@
+#include <Quorvix/Platform/NSURLSession.h>
+#include <Quorvix/QXArchiveWriter.h>
+#include <Quorvix/QXRequestRecorder.h>
+#include <Quorvix/QXSessionHook.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
+#include <QtTest/QTest>
+
+using namespace Quorvix;
+using namespace Qt::StringLiterals;
+
+/// A program without a screen, which links the core alone.
+class CoreHostTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void writesAnArchiveOfWhatItDid();
+    void loadsNothingOfAScreen();
+};
+
+void CoreHostTest::writesAnArchiveOfWhatItDid()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    connect(&server, &QTcpServer::newConnection, &server, [&server] {
+        QTcpSocket *const connection = server.nextPendingConnection();
+        connect(connection, &QTcpSocket::readyRead, connection, [connection] {
+            if (connection->readAll().endsWith("\r\n\r\n"))
+                connection->write(
+                    "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Length: 5\r\n\r\nhello");
+        });
+    });
+
+    QXSessionHook::install();
+    std::optional<QByteArray> body;
+    const QUrl url(u"http://127.0.0.1:%1/greeting"_s.arg(server.serverPort()));
+    NSURLSession::shared()
+        .dataTaskWithRequest(URLRequest(url), [&body](auto data, auto, auto) { body = data; })
+        ->resume();
+    QTRY_VERIFY(body);
+    QCOMPARE(*body, "hello");
+
+    const auto &traces = QXRequestRecorder::shared().requests();
+    const QJsonObject log =
+        QJsonDocument::fromJson(QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces)))
+            .object()[u"log"]
+            .toObject();
+    const QJsonArray entries = log[u"entries"].toArray();
+    QCOMPARE(entries.size(), 1);
+    QCOMPARE(entries[0][u"request"][u"url"].toString(), url.toString());
+    QCOMPARE(entries[0][u"response"][u"content"][u"text"].toString(), u"hello"_s);
+}
+
+void CoreHostTest::loadsNothingOfAScreen()
+{
+    QFile maps(u"/proc/self/maps"_s);
+    if (!maps.open(QFile::ReadOnly))
+        QSKIP("This system does not tell which libraries are loaded");
+    const QByteArray loaded = maps.readAll();
+    QVERIFY(loaded.contains("libQt6Network"));
+    for (const char *const library : {"libQt6Gui", "libQt6Qml", "libQt6Quick", "libQuorvix.so"})
+        QVERIFY2(!loaded.contains(library), library);
+}
+
+QTEST_GUILESS_MAIN(CoreHostTest)
+#include "CoreHostTest.moc"

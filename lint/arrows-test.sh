@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Each wrong arrow that lint has to find, in a small tree of its own.
+set -euo pipefail
+arrows=$(dirname "${BASH_SOURCE[0]}")/arrows.sh
+tree=$(mktemp -d)
+trap 'rm -rf "$tree"' EXIT
+
+# expect RESULT MEANING FILE LINE [FILE LINE]...: writes the files, and checks whether lint passes.
+expect() {
+    local result=$1 meaning=$2
+    shift 2
+    rm -rf "${tree:?}"/*
+    mkdir -p "$tree"/{Platform,JSON,Controls,Text,Quorvix,Examples}
+    printf 'quorvix_room(QuorvixCoreObjects\n QXStore.cpp QXStore.h\n QXRequestTrace.h QXBreakpointStore.h\n LINK x)\n' \
+        >"$tree/Quorvix/CMakeLists.txt"
+    while (($#)); do
+        echo "$2" >>"$tree/$1"
+        shift 2
+    done
+    local found=pass
+    "$arrows" "$tree" >/dev/null 2>&1 || found=fail
+    [[ $found == "$result" ]] || { echo "$meaning: expected to $result" >&2; exit 1; }
+}
+
+expect pass "right arrows" Quorvix/QXStore.cpp '#include "Quorvix/QXStore.h"' Quorvix/QXStore.h '#include "Platform/A.h"'
+expect fail "nothing to check"
+expect fail "a room below knows one above" Platform/A.cpp '#include "JSON/B.h"'
+expect fail "controls know text" Controls/A.h '#include "Text/B.h"'
+expect fail "the demo reaches into a room" Examples/A.cpp '#include "Platform/B.h"'
+expect fail "a pair comes back to itself" Platform/A.cpp '#include "B.h"' Platform/B.h '#include "A.h"'
+expect fail "the core knows a screen" Quorvix/QXStore.cpp '#include "Quorvix/QXOverlay.h"'
+expect fail "a store knows a model" Quorvix/QXBreakpointStore.h '#include "Quorvix/QXListModel.h"'
+expect fail "controls import the inspector" Controls/A.h '#include "Platform/B.h"' Controls/A.qml 'import Quorvix'
+echo "8 wrong arrows found."
