@@ -55,7 +55,7 @@ public:
 private:
     friend class JSONDocument;
 
-    /// Has the shape of simdjson's own cursors, which this header hides.
+    /// Has the shape of simdjson's own cursors; see SimdjsonFence.h.
     struct Cursor
     {
         const void *document = nullptr;

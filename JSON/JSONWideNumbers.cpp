@@ -21,6 +21,12 @@ bool isPartOfNumber(char c)
     return isDigit(c) || c == '.' || c == 'e' || c == 'E' || c == '+' || c == '-';
 }
 
+/// What may stand on either side of a value.
+bool isBetweenValues(char c)
+{
+    return QByteArrayView(" \t\n\r[]{},:").contains(c);
+}
+
 /// The end of the string whose opening quote is at @p quote.
 const char *afterString(const char *quote, const char *end)
 {
@@ -41,7 +47,10 @@ class Token
 public:
     Token(const char *first, const char *last) : m_first(first), m_last(last) { readGrammar(); }
 
-    /// Whether it is a number by the grammar, but none of the machine's.
+    /// Whether it is a number by the grammar.
+    [[nodiscard]] bool isNumber() const { return m_isNumber; }
+
+    /// Whether it is one, but none of the machine's.
     [[nodiscard]] bool isWide() const
     {
         if (!m_isNumber)
@@ -121,6 +130,8 @@ JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
             continue;
         at = std::find_if_not(at, end, isPartOfNumber);
         const Token token(first, at);
+        if (first == original.cbegin() || isBetweenValues(first[-1]))
+            wide.hasMalformedNumber |= !token.isNumber() || (at != end && !isBetweenValues(*at));
         if (token.isWide()) {
             wide.text.append(copied, first - copied).append(doubleText(nearestDouble(token.view())));
             copied = at;

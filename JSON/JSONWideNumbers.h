@@ -26,6 +26,8 @@ struct JSONWideNumbers
     QByteArray text;
     /// What was replaced, in order.
     std::vector<Number> numbers;
+    /// Whether a value of the text begins like a number and is none.
+    bool hasMalformedNumber = false;
 };
 
 /// The finite double next to a number. Any thread.

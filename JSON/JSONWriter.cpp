@@ -2,10 +2,9 @@
 
 #include "JSON/JSONEscape.h"
 #include "JSON/JSONReader.h"
+#include "JSON/SimdjsonFence.h"
 
 #include <QtCore/QIODevice>
-
-#include <simdjson.h>
 
 #include <algorithm>
 #include <charconv>
@@ -350,7 +349,7 @@ void JSONWriter::flush()
 
 bool isValidUtf8(QByteArrayView bytes) noexcept
 {
-    return simdjson::validate_utf8(bytes.data(), size_t(bytes.size()));
+    return SimdjsonFence::isUtf8(bytes);
 }
 
 } // namespace Quorvix

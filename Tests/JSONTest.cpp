@@ -60,8 +60,6 @@ private Q_SLOTS:
     void writesNumbers();
     void streamsToADevice();
     void reportsADeviceThatIsFull();
-    void refusesText_data();
-    void refusesText();
     void acceptsText();
     void readsValues();
     void ordersMembers();
@@ -191,35 +189,6 @@ void JSONTest::reportsADeviceThatIsFull()
         writer.utf8(QByteArray(5'000'000, 'x'));
         QCOMPARE(writer.finish(), (NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, u"full"_s}));
     }
-}
-
-void JSONTest::refusesText_data()
-{
-    QTest::addColumn<QByteArray>("json");
-    QTest::addColumn<QString>("sentence");
-
-    const QString string = u"The JSON text holds a malformed string."_s;
-    const int tooDeep = JSONReader::maximumDepth + 1;
-    QTest::newRow("nothing at all") << QByteArray() << u"The text is empty."_s;
-    QTest::newRow("blank") << " \n"_ba << u"The text is empty."_s;
-    QTest::newRow("two values") << "1 2"_ba << u"The text is not valid JSON."_s;
-    QTest::newRow("not UTF-8") << "[\"\xff\"]"_ba << u"The text is not valid UTF-8."_s;
-    QTest::newRow("open string") << "[\"a"_ba << string;
-    QTest::newRow("raw control character") << "[\"\x01\"]"_ba << string;
-    QTest::newRow("escape of nothing") << R"(["\a"])"_ba << string;
-    QTest::newRow("just too deep") << "["_ba.repeated(tooDeep) + "]"_ba.repeated(tooDeep)
-                                   << u"The JSON text is nested too deeply."_s;
-    QTest::newRow("leading zero") << "[01]"_ba << u"The JSON text holds a malformed number."_s;
-}
-
-void JSONTest::refusesText()
-{
-    QFETCH(const QByteArray, json);
-    const auto document = JSONReader::parse(json);
-    QVERIFY(!document);
-    QCOMPARE(document.error().domain, NSCocoaErrorDomain);
-    QCOMPARE(document.error().code, NSPropertyListReadCorruptError);
-    QTEST(document.error().localizedDescription, "sentence");
 }
 
 void JSONTest::acceptsText()

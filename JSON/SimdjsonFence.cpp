@@ -1,0 +1,333 @@
+#include "JSON/SimdjsonFence.h"
+
+#include "JSON/JSONReader.h"
+#include "JSON/JSONWideNumbers.h"
+
+#include <QtCore/QByteArray>
+
+// Takes every function that throws out of the header, so that none is called by mistake.
+#define SIMDJSON_EXCEPTIONS 0
+#include <simdjson.h>
+
+#include <algorithm>
+#include <bit>
+#include <type_traits>
+#include <vector>
+
+namespace Quorvix {
+
+using simdjson::dom::element_type;
+using SimdjsonFence::Failure;
+
+static_assert(simdjson::DEFAULT_MAX_DEPTH == JSONReader::maximumDepth);
+
+namespace {
+
+/// What the cursors point into. It outlives its parser and the text.
+struct ParsedText final : simdjson::dom::document
+{
+    /// A number that the tape holds only the nearest double of.
+    struct WideNumber
+    {
+        size_t index;
+        QByteArray digits;
+    };
+
+    /// In the order of their places on the tape.
+    std::vector<WideNumber> wideNumbers;
+};
+
+/// simdjson's cursors are two words each, and so is ours: one turns into the other without a copy of
+/// anything. The first word points to the document, the second one is a place on the tape.
+template<typename To, typename From>
+To recast(const From &cursor) noexcept
+{
+    static_assert(sizeof(To) == sizeof(From) && std::is_trivially_copyable_v<To> &&
+                  std::is_trivially_copyable_v<From>);
+    return std::bit_cast<To>(cursor);
+}
+
+template<typename Cursor>
+simdjson::dom::element element(const Cursor &cursor) noexcept
+{
+    return recast<simdjson::dom::element>(cursor);
+}
+
+QByteArrayView view(std::string_view text) noexcept
+{
+    return {text.data(), qsizetype(text.size())};
+}
+
+/// The value in the form asked for, or that form's nought.
+template<typename T, typename Cursor>
+T valueOrZero(const Cursor &cursor) noexcept
+{
+    T value{};
+    return element(cursor).get(value) == simdjson::SUCCESS ? value : T{};
+}
+
+/// The size that simdjson keeps beside an array or object stops at 24 bits.
+constexpr size_t saturatedSize = 0xFFFFFF;
+
+template<typename Range>
+qsizetype countedSize(const Range &range, size_t keptSize)
+{
+    return keptSize < saturatedSize ? qsizetype(keptSize) : std::distance(range.begin(), range.end());
+}
+
+/// Whether simdjson stopped at a number, which may be one that JSON allows and no machine number holds.
+/// Newer releases have a code of their own for most integers beyond 64 bits; 3.0 does not name it.
+template<typename Code>
+bool isAboutNumber(Code code) noexcept
+{
+    if constexpr (requires { Code::BIGINT_ERROR; }) {
+        if (code == Code::BIGINT_ERROR)
+            return true;
+    }
+    return code == simdjson::NUMBER_ERROR;
+}
+
+/// Whether the text is too much for the memory or for simdjson. 4.6 has a third code for it.
+template<typename Code>
+bool isAboutSize(Code code) noexcept
+{
+    if constexpr (requires { Code::OUT_OF_CAPACITY; }) {
+        if (code == Code::OUT_OF_CAPACITY)
+            return true;
+    }
+    return code == simdjson::CAPACITY || code == simdjson::MEMALLOC;
+}
+
+/// Whether simdjson tells this before it tells that a text is not UTF-8. Its code for processors without
+/// vector instructions checks nothing but strings, and tells other errors instead.
+bool comesBeforeUtf8(simdjson::error_code code) noexcept
+{
+    return code == simdjson::UNCLOSED_STRING || code == simdjson::UNESCAPED_CHARS || isAboutSize(code);
+}
+
+Failure failureOf(simdjson::error_code code) noexcept
+{
+    if (isAboutNumber(code))
+        return Failure::MalformedNumber;
+    if (isAboutSize(code))
+        return Failure::TooLarge;
+    switch (code) {
+    case simdjson::EMPTY:
+        return Failure::Empty;
+    case simdjson::UTF8_ERROR:
+        return Failure::NotUtf8;
+    case simdjson::DEPTH_ERROR:
+        return Failure::TooDeep;
+    case simdjson::STRING_ERROR:
+    case simdjson::UNCLOSED_STRING:
+    case simdjson::UNESCAPED_CHARS:
+        return Failure::MalformedString;
+    default:
+        return Failure::NotJson;
+    }
+}
+
+simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text)
+{
+    // Handed nothing at all, simdjson copies from a null pointer.
+    if (text.isEmpty())
+        return simdjson::EMPTY;
+    // It would first reserve memory for such a text.
+    if (size_t(text.size()) > simdjson::SIMDJSON_MAXSIZE_BYTES)
+        return simdjson::CAPACITY;
+    // Newer releases pass over the mark, 3.0 refuses it.
+    if (text.startsWith("\xEF\xBB\xBF"))
+        return simdjson::TAPE_ERROR;
+    // It reads beyond the end of a text, so it takes a copy with padding.
+    constexpr bool copies = true;
+    simdjson::dom::parser parser;
+    return parser.parse_into_document(parsed, text.data(), size_t(text.size()), copies).error();
+}
+
+/// Finds the places of wide numbers on the tape: one word for each value, and a second one for a number.
+void locate(ParsedText &parsed, std::vector<JSONWideNumbers::Number> numbers)
+{
+    constexpr int typeShift = 56;
+    constexpr quint64 payloadMask = (quint64(1) << typeShift) - 1;
+    const size_t end = parsed.tape[0] & payloadMask;
+    auto next = numbers.begin();
+    size_t ordinal = 0;
+    for (size_t index = 1; index < end && next != numbers.end(); ++index) {
+        const char type = char(parsed.tape[index] >> typeShift);
+        if (type != 'l' && type != 'u' && type != 'd')
+            continue;
+        if (next->ordinal == ordinal++)
+            parsed.wideNumbers.push_back({index, std::move(next++->digits)});
+        ++index;
+    }
+}
+
+simdjson::error_code parseWideNumbersInto(ParsedText &parsed, QByteArrayView text)
+{
+    JSONWideNumbers wide = JSONWideNumbers::replacedIn(text);
+    const simdjson::error_code error = parseInto(parsed, wide.text);
+    if (error == simdjson::SUCCESS)
+        locate(parsed, std::move(wide.numbers));
+    // Newer releases take every word that they do not know for a malformed number.
+    return isAboutNumber(error) && !wide.hasMalformedNumber ? simdjson::TAPE_ERROR : error;
+}
+
+} // namespace
+
+SimdjsonFence::Outcome SimdjsonFence::parse(QByteArrayView text)
+{
+    const auto parsed = std::make_shared<ParsedText>();
+    simdjson::error_code error = parseInto(*parsed, text);
+    if (isAboutNumber(error))
+        error = parseWideNumbersInto(*parsed, text);
+    if (error == simdjson::SUCCESS)
+        return {parsed};
+    if (!comesBeforeUtf8(error) && !isUtf8(text))
+        error = simdjson::UTF8_ERROR;
+    return {nullptr, failureOf(error)};
+}
+
+bool SimdjsonFence::isUtf8(QByteArrayView bytes) noexcept
+{
+    return simdjson::validate_utf8(bytes.data(), size_t(bytes.size()));
+}
+
+JSONValue JSONDocument::root() const noexcept
+{
+    const auto *parsed = static_cast<const ParsedText *>(m_storage.get());
+    return JSONValue(recast<JSONValue::Cursor>(parsed->root()));
+}
+
+JSONValue::Kind JSONValue::kind() const noexcept
+{
+    switch (element(m_cursor).type()) {
+    case element_type::OBJECT:
+        return Kind::Object;
+    case element_type::ARRAY:
+        return Kind::Array;
+    case element_type::STRING:
+        return Kind::String;
+    case element_type::INT64:
+    case element_type::UINT64:
+    case element_type::DOUBLE:
+        return Kind::Number;
+    case element_type::BOOL:
+        return Kind::Boolean;
+    case element_type::NULL_VALUE:
+    // Newer headers name a type of big integers, which a parser only makes when it is told to.
+    default:
+        return Kind::Null;
+    }
+}
+
+QByteArrayView JSONValue::utf8() const noexcept
+{
+    return view(valueOrZero<std::string_view>(m_cursor));
+}
+
+JSONValue::NumberKind JSONValue::numberKind() const noexcept
+{
+    switch (element(m_cursor).type()) {
+    case element_type::INT64:
+        return NumberKind::Int64;
+    case element_type::UINT64:
+        return NumberKind::UInt64;
+    default:
+        return NumberKind::Double;
+    }
+}
+
+qint64 JSONValue::toInt64() const noexcept
+{
+    return valueOrZero<int64_t>(m_cursor);
+}
+
+quint64 JSONValue::toUInt64() const noexcept
+{
+    return valueOrZero<uint64_t>(m_cursor);
+}
+
+double JSONValue::toDouble() const noexcept
+{
+    return valueOrZero<double>(m_cursor);
+}
+
+QByteArrayView JSONValue::wideNumber() const noexcept
+{
+    const auto *document = static_cast<const simdjson::dom::document *>(m_cursor.document);
+    const auto &numbers = static_cast<const ParsedText *>(document)->wideNumbers;
+    const auto found = std::lower_bound(
+        numbers.cbegin(), numbers.cend(), m_cursor.index,
+        [](const ParsedText::WideNumber &number, size_t index) { return number.index < index; });
+    const bool isWide = found != numbers.cend() && found->index == m_cursor.index;
+    return isWide ? QByteArrayView(found->digits) : QByteArrayView();
+}
+
+bool JSONValue::isTrue() const noexcept
+{
+    return valueOrZero<bool>(m_cursor);
+}
+
+JSONValue::Elements JSONValue::elements() const noexcept
+{
+    simdjson::dom::array array;
+    if (element(m_cursor).get(array) != simdjson::SUCCESS)
+        return {Elements::Iterator({}), Elements::Iterator({})};
+    return {Elements::Iterator(recast<Cursor>(array.begin())),
+            Elements::Iterator(recast<Cursor>(array.end()))};
+}
+
+JSONValue::Members JSONValue::members() const noexcept
+{
+    simdjson::dom::object object;
+    if (element(m_cursor).get(object) != simdjson::SUCCESS)
+        return {Members::Iterator({}), Members::Iterator({})};
+    return {Members::Iterator(recast<Cursor>(object.begin())),
+            Members::Iterator(recast<Cursor>(object.end()))};
+}
+
+qsizetype JSONValue::size() const noexcept
+{
+    simdjson::dom::array array;
+    if (element(m_cursor).get(array) == simdjson::SUCCESS)
+        return countedSize(array, array.size());
+    simdjson::dom::object object;
+    if (element(m_cursor).get(object) == simdjson::SUCCESS)
+        return countedSize(object, object.size());
+    return 0;
+}
+
+std::optional<JSONValue> JSONValue::member(QByteArrayView nameUtf8) const noexcept
+{
+    std::optional<JSONValue> found;
+    for (const auto &[name, value] : members()) {
+        if (name == nameUtf8)
+            found = value;
+    }
+    return found;
+}
+
+JSONValue JSONValue::Elements::Iterator::operator*() const noexcept
+{
+    return JSONValue(recast<Cursor>(*recast<simdjson::dom::array::iterator>(m_cursor)));
+}
+
+JSONValue::Elements::Iterator &JSONValue::Elements::Iterator::operator++() noexcept
+{
+    m_cursor = recast<Cursor>(++recast<simdjson::dom::array::iterator>(m_cursor));
+    return *this;
+}
+
+JSONValue::Members::Member JSONValue::Members::Iterator::operator*() const noexcept
+{
+    const auto iterator = recast<simdjson::dom::object::iterator>(m_cursor);
+    return {view(iterator.key()), JSONValue(recast<Cursor>(iterator.value()))};
+}
+
+JSONValue::Members::Iterator &JSONValue::Members::Iterator::operator++() noexcept
+{
+    m_cursor = recast<Cursor>(++recast<simdjson::dom::object::iterator>(m_cursor));
+    return *this;
+}
+
+} // namespace Quorvix
