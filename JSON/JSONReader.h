@@ -1,26 +1,10 @@
 #pragma once
 
-#include "JSON/JSONValue.h"
+#include "JSON/JSONDocument.h"
 
 #include "Platform/Result.h"
 
-#include <memory>
-
 namespace Quorvix {
-
-/// A parsed JSON text. Copies share it; it owns what its values point into, not the text it was made from.
-class QUORVIX_INTERNAL_EXPORT JSONDocument
-{
-public:
-    [[nodiscard]] JSONValue root() const noexcept;
-
-private:
-    friend class JSONReader;
-
-    explicit JSONDocument(std::shared_ptr<const void> storage) noexcept : m_storage(std::move(storage)) {}
-
-    std::shared_ptr<const void> m_storage;
-};
 
 /// Reads JSON texts (RFC 8259). Stateless; any thread.
 class QUORVIX_INTERNAL_EXPORT JSONReader
@@ -29,7 +13,7 @@ public:
     enum class TopLevel { Container, AnyValue };
 
     /// The deepest nesting that is read.
-    static constexpr int maximumDepth = 1024;
+    static constexpr int maximumDepth = JSONDocument::maximumDepth;
 
     /// Parses @p utf8, which may begin with a byte order mark.
     ///

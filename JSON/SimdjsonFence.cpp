@@ -1,6 +1,6 @@
 #include "JSON/SimdjsonFence.h"
 
-#include "JSON/JSONReader.h"
+#include "JSON/JSONDocument.h"
 #include "JSON/JSONWideNumbers.h"
 
 #include <QtCore/QByteArray>
@@ -19,7 +19,7 @@ namespace Quorvix {
 using simdjson::dom::element_type;
 using SimdjsonFence::Failure;
 
-static_assert(simdjson::DEFAULT_MAX_DEPTH == JSONReader::maximumDepth);
+static_assert(simdjson::DEFAULT_MAX_DEPTH == JSONDocument::maximumDepth);
 
 namespace {
 
