@@ -8,10 +8,9 @@
 
 #ifdef __SSE2__
 #include <emmintrin.h>
+#endif
 
 namespace Quorvix {
-
-#endif
 
 namespace {
 

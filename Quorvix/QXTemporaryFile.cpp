@@ -11,11 +11,9 @@
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
-
-using namespace Quorvix;
-
 #endif
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {

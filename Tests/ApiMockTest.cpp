@@ -14,11 +14,9 @@
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <sys/resource.h>
-
-using namespace Quorvix;
-
 #endif
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
