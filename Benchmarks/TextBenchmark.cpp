@@ -5,6 +5,8 @@
 #include "Text/QXTextRows.h"
 #include "Text/QXTextView.h"
 
+#include "Platform/UTF8Text.h"
+
 #include <QtGui/QFontDatabase>
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QGuiApplication>
@@ -139,7 +141,9 @@ void measureShowing(const QByteArray &body)
             std::abort();
     };
     print("from the bytes to the first frame", millisecondsFor([&] {
-              stage.view.setDocument(QXTextDocument::ofBody(body, &stage.view));
+              const auto text = Quorvix::UTF8Text::exact(body);
+              stage.view.setDocument(text ? new QXTextDocument(*text, &stage.view)
+                                          : new QXTextDocument(body, &stage.view));
               paint();
           }));
     const double distance = stage.view.contentHeight() / 50;

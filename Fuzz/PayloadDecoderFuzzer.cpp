@@ -6,7 +6,7 @@
 
 #include "JSON/JSONWriter.h"
 
-#include <QtCore/QStringDecoder>
+#include "Platform/UTF8Text.h"
 
 #include <algorithm>
 
@@ -44,8 +44,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
     if (isValidUtf8(bytes)) {
         // All of it: a mark at the beginning is the decoder's to drop.
-        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-        const QString text = decoder(bytes);
+        const QString text = UTF8Text::replacing(bytes);
         const auto fromText = QXPayloadDecoder::decodePayload(text);
         check(fromText.has_value() == payload.has_value(), "text is read like its bytes");
         check(!payload || haveSameContent(*fromText, *payload), "text decodes like its bytes");

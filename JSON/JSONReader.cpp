@@ -2,6 +2,8 @@
 
 #include "JSON/SimdjsonFence.h"
 
+#include "Platform/UTF8Text.h"
+
 #include <QtCore/QCoreApplication>
 
 namespace Quorvix {
@@ -37,16 +39,11 @@ NSError readError(const char *sentence)
             QCoreApplication::translate("Quorvix", sentence)};
 }
 
-QByteArrayView withoutByteOrderMark(QByteArrayView text)
-{
-    return text.startsWith("\xEF\xBB\xBF") ? text.sliced(3) : text;
-}
-
 } // namespace
 
 Result<JSONDocument> JSONReader::parse(QByteArrayView utf8, TopLevel topLevel)
 {
-    SimdjsonFence::Outcome outcome = SimdjsonFence::parse(withoutByteOrderMark(utf8));
+    SimdjsonFence::Outcome outcome = SimdjsonFence::parse(UTF8Text::withoutByteOrderMark(utf8));
     if (!outcome.storage)
         return readError(sentenceFor(outcome.failure));
     JSONDocument document(std::move(outcome.storage));

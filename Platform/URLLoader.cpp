@@ -2,8 +2,8 @@
 
 #include "Platform/HTTPRedirect.h"
 #include "Platform/NSHTTPURLResponse.h"
+#include "Platform/UTF8Text.h"
 
-#include <QtCore/QStringDecoder>
 #include <QtNetwork/QNetworkRequest>
 #include <QtNetwork/QSslError>
 
@@ -97,9 +97,8 @@ QNetworkReply *send(QNetworkAccessManager &manager, const QNetworkRequest &reque
 
 QString decodeField(const QByteArray &bytes)
 {
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    QString text = utf8(bytes);
-    return utf8.hasError() ? QString::fromLatin1(bytes) : text;
+    const std::optional<QString> text = UTF8Text::exact(bytes);
+    return text ? *text : QString::fromLatin1(bytes);
 }
 
 /// HTTP/2 sends header names in lower case; they are reported in the spelling that HTTP/1.1 made usual.

@@ -1,6 +1,6 @@
 #include "Platform/URLRequest.h"
 
-#include <QtCore/QStringDecoder>
+#include "Platform/UTF8Text.h"
 
 namespace Quorvix {
 
@@ -57,9 +57,8 @@ QString absoluteString(const QUrl &url)
 
 QString percentDecoded(QStringView encoded)
 {
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString decoded = utf8(QByteArray::fromPercentEncoding(encoded.toLatin1()));
-    return utf8.hasError() ? encoded.toString() : decoded;
+    const auto decoded = UTF8Text::exact(QByteArray::fromPercentEncoding(encoded.toLatin1()));
+    return decoded ? *decoded : encoded.toString();
 }
 
 } // namespace Quorvix

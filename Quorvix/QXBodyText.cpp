@@ -3,7 +3,7 @@
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
 
-#include <QtCore/QStringDecoder>
+#include "Platform/UTF8Text.h"
 
 using namespace Quorvix;
 
@@ -14,10 +14,7 @@ std::optional<QString> QXBodyText::readable(const QByteArray &body)
         writer.value(json.value().root(), JSONWriter::KeyOrder::Sorted);
         return QString::fromUtf8(writer.takeBuffer());
     }
-    if (!isValidUtf8(body))
-        return std::nullopt;
-    // QString::fromUtf8() would drop the mark.
-    return QStringDecoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom).decode(body);
+    return isValidUtf8(body) ? std::optional(UTF8Text::replacing(body)) : std::nullopt;
 }
 
 QString QXBodyText::text(const QByteArray &body)

@@ -2,27 +2,15 @@
 
 #include "Quorvix/QXBreakpointCenter.h"
 
-#include <QtCore/QStringDecoder>
+#include "Platform/UTF8Text.h"
+
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
-
-namespace {
-
-/// What is no UTF-8 is replaced. A byte order mark stays: QString::fromUtf8() would drop it, and with it
-/// three bytes of a body that nobody has edited.
-QString editableText(const QByteArray &body)
-{
-    return QStringDecoder(QStringDecoder::Utf8,
-                          QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom)
-        .decode(body);
-}
-
-} // namespace
 
 QXBreakpointEditorModel::QXBreakpointEditorModel(const QXBreakpointItem &item, QObject *parent)
     : QObject(parent), m_displayTitle(item.displayTitle()),
       m_statusCodeText(QString::number(item.response->statusCode())),
-      m_document(new QXTextDocument(editableText(item.data.value_or(QByteArray())), this))
+      m_document(new QXTextDocument(Quorvix::UTF8Text::replacing(item.data.value_or(QByteArray())), this))
 {
 }
 

@@ -6,6 +6,8 @@
 
 #include "JSON/JSONReader.h"
 
+#include "Platform/UTF8Text.h"
+
 #include <QtCore/QByteArray>
 
 #include <algorithm>
@@ -53,12 +55,6 @@ bool isIn(char c, int set) noexcept
 bool consistsOf(QByteArrayView text, CharacterSet set) noexcept
 {
     return std::all_of(text.begin(), text.end(), [=](char c) { return isIn(c, set); });
-}
-
-QByteArrayView withoutByteOrderMark(QByteArrayView text) noexcept
-{
-    constexpr QByteArrayView mark("\xEF\xBB\xBF");
-    return text.startsWith(mark) ? text.sliced(mark.size()) : text;
 }
 
 QByteArrayView withoutWrappers(QByteArrayView text) noexcept
@@ -224,7 +220,7 @@ private:
 
 std::optional<QXEncodedCandidate> QXEncodedCandidate::find(QByteArrayView utf8, QByteArray *decoded)
 {
-    const QByteArrayView text = QXWhiteSpace::trimmed(withoutByteOrderMark(utf8));
+    const QByteArrayView text = QXWhiteSpace::trimmed(UTF8Text::withoutByteOrderMark(utf8));
     if (text.size() < minimumLength)
         return std::nullopt;
     Search search(decoded);

@@ -8,6 +8,8 @@
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
 
+#include "Platform/UTF8Text.h"
+
 #include <QtCore/QCoreApplication>
 
 #include <array>
@@ -62,9 +64,7 @@ std::optional<QXDecodedPayload> decodedJWT(View token)
 /// Spares most of what is not JSON a whole pass of the reader, which tells a wrong beginning only at the end.
 bool beginsLikeContainer(QByteArrayView bytes) noexcept
 {
-    if (bytes.startsWith("\xEF\xBB\xBF"))
-        bytes = bytes.sliced(3);
-    for (const char c : bytes) {
+    for (const char c : UTF8Text::withoutByteOrderMark(bytes)) {
         if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
             return c == '{' || c == '[';
     }

@@ -3,6 +3,7 @@
 #include "Platform/NSNotificationCenter.h"
 #include "Platform/ObjectRuntime.h"
 #include "Platform/URLRequest.h"
+#include "Platform/UTF8Text.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtTest/QTest>
@@ -40,6 +41,8 @@ private Q_SLOTS:
     void observerMayLeaveDuringThePost();
     void tasksRunInOrderOnTheApplicationsThread();
     void headerNamesIgnoreCaseInRequests();
+    void textIsLostNowhere_data();
+    void textIsLostNowhere();
     void statusText();
 };
 
@@ -157,6 +160,31 @@ void PlatformTest::headerNamesIgnoreCaseInRequests()
     QCOMPARE(request.value(u"ACCEPT"_s), u"text/html, image/png"_s);
     request.setValue(u"*/*"_s, u"aCCept"_s);
     QCOMPARE(request.allHTTPHeaderFields->size(), 1);
+}
+
+void PlatformTest::textIsLostNowhere_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isExact");
+    QTest::newRow("nothing") << ""_ba << u""_s << true;
+    QTest::newRow("letters") << "a/é€😀"_ba << u"a/é€😀"_s << true;
+    QTest::newRow("byte order mark") << "\xEF\xBB\xBF"
+                                        "x"_ba
+                                     << u"\uFEFFx"_s << true;
+    QTest::newRow("cut off") << "caf\xC3"_ba << u"caf\uFFFD"_s << false;
+    QTest::newRow("Latin-1") << "caf\xE9s"_ba << u"caf\uFFFDs"_s << false;
+}
+
+void PlatformTest::textIsLostNowhere()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QString, text);
+    QFETCH(const bool, isExact);
+    QCOMPARE(UTF8Text::replacing(bytes), text);
+    QCOMPARE(UTF8Text::exact(bytes), isExact ? std::optional(text) : std::nullopt);
+    const QString encoded = QString::fromLatin1(bytes.toPercentEncoding());
+    QCOMPARE(percentDecoded(encoded), isExact ? text : encoded);
 }
 
 void PlatformTest::statusText()

@@ -173,13 +173,12 @@ void TextViewTest::showsBytes()
 {
     QByteArray bytes("\xff\x00\x1a", 3);
     bytes.append(QByteArray(10'000'000, 'a'));
-    QVERIFY(open(QXTextDocument::ofBody(bytes)));
+    QVERIFY(open(new QXTextDocument(bytes)));
     QVERIFY(m_document->isHexadecimal());
     QVERIFY(view()->rowTextAt(1).startsWith(u"ff 00 1a 61 61"_s));
     QCOMPARE(m_document->length(), bytes.size() * 3 - 1);
     QCOMPARE(m_document->text(m_document->length() - 4, 10), u"1 61"_s.right(4));
     QCOMPARE(QXTextDocument(QByteArray("\x01\x02", 2)).text(), u"01 02"_s);
-    QVERIFY(!std::unique_ptr<QXTextDocument>(QXTextDocument::ofBody("ä"))->isHexadecimal());
 }
 
 void TextViewTest::scrolls()

@@ -2,8 +2,6 @@
 
 #include "Text/QXTextRows.h"
 
-#include <QtCore/QStringDecoder>
-
 namespace {
 
 constexpr qsizetype unitsPerByte = 3;
@@ -31,13 +29,6 @@ QXTextDocument::QXTextDocument(const QString &text, QObject *parent) : QObject(p
 QXTextDocument::QXTextDocument(const QByteArray &bytes, QObject *parent)
     : QObject(parent), m_bytes(bytes), m_isHexadecimal(true)
 {
-}
-
-QXTextDocument *QXTextDocument::ofBody(const QByteArray &body, QObject *parent)
-{
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(body);
-    return decoder.hasError() ? new QXTextDocument(body, parent) : new QXTextDocument(text, parent);
 }
 
 qsizetype QXTextDocument::length() const

@@ -26,9 +26,6 @@ public:
     /// Shares the bytes.
     explicit QXTextDocument(const QByteArray &bytes, QObject *parent = nullptr);
 
-    /// A body's text when it is UTF-8, else its bytes.
-    [[nodiscard]] static QXTextDocument *ofBody(const QByteArray &body, QObject *parent = nullptr);
-
     [[nodiscard]] bool isHexadecimal() const noexcept { return m_isHexadecimal; }
     [[nodiscard]] qsizetype length() const;
     [[nodiscard]] QString beginning() const;
