@@ -4,6 +4,8 @@
 #include "Quorvix/QXArchiveWriter.h"
 #include "Quorvix/QXRequestTrace.h"
 
+#include "Platform/URLText.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>

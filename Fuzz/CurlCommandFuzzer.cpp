@@ -7,6 +7,8 @@
 
 #include "JSON/JSONWriter.h"
 
+#include "Platform/URLText.h"
+
 #include <QtCore/QStringList>
 
 using namespace Quorvix;

@@ -1,7 +1,5 @@
 #include "Platform/URLRequest.h"
 
-#include "Platform/UTF8Text.h"
-
 namespace Quorvix {
 
 namespace {
@@ -48,17 +46,6 @@ void URLRequest::addValue(const QString &value, const QString &field)
         allHTTPHeaderFields->insert(field, value);
     else
         existing.value() += QLatin1StringView(", ") + value;
-}
-
-QString absoluteString(const QUrl &url)
-{
-    return QString::fromLatin1(url.toEncoded());
-}
-
-QString percentDecoded(QStringView encoded)
-{
-    const auto decoded = UTF8Text::exact(QByteArray::fromPercentEncoding(encoded.toLatin1()));
-    return decoded ? *decoded : encoded.toString();
 }
 
 } // namespace Quorvix

@@ -41,11 +41,4 @@ public:
     void addValue(const QString &value, const QString &field);
 };
 
-/// The URL's absolute string: percent-encoded, as it stands on the request line. Any thread.
-[[nodiscard]] QUORVIX_CORE_EXPORT QString absoluteString(const QUrl &url);
-
-/// Percent escapes (RFC 3986, 2.1) taken back where they stand for text in UTF-8; else the encoded form,
-/// which loses nothing.
-[[nodiscard]] QUORVIX_CORE_EXPORT QString percentDecoded(QStringView encoded);
-
 } // namespace Quorvix

@@ -7,6 +7,7 @@
 #include "JSON/JSONWriter.h"
 
 #include "Platform/BundleInfo.h"
+#include "Platform/URLText.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>

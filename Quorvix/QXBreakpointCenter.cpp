@@ -6,6 +6,7 @@
 
 #include "Platform/MainActor.h"
 #include "Platform/NSNotificationCenter.h"
+#include "Platform/URLText.h"
 
 #include <QtCore/QScopedValueRollback>
 

@@ -5,6 +5,8 @@
 
 #include "JSON/JSONWriter.h"
 
+#include "Platform/URLText.h"
+
 #include <QtCore/QStringDecoder>
 
 #include <algorithm>

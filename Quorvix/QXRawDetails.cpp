@@ -6,6 +6,8 @@
 #include "Quorvix/QXRequestCookies.h"
 #include "Quorvix/QXRequestTrace.h"
 
+#include "Platform/URLText.h"
+
 #include <QtCore/QCoreApplication>
 
 using namespace Quorvix;

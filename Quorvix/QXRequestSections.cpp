@@ -4,6 +4,8 @@
 #include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXRequestCookies.h"
 
+#include "Platform/URLText.h"
+
 #include <QtCore/QCoreApplication>
 
 using namespace Quorvix;

@@ -1,10 +1,13 @@
 #include "Quorvix/QXSwiftName.h"
 
+#include "Platform/URLText.h"
+
 #include <QtCore/QByteArray>
 
 #include <algorithm>
 #include <array>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -162,11 +165,6 @@ QString escaped(char32_t codePoint)
     default:
         return u"\\u{"_s + QString::number(codePoint, 16).toUpper() + u'}';
     }
-}
-
-QString percentDecoded(QStringView segment)
-{
-    return QString::fromUtf8(QByteArray::fromPercentEncoding(segment.toUtf8()));
 }
 
 bool isAsciiDigit(QChar c)

@@ -3,6 +3,7 @@
 #include "Platform/NSNotificationCenter.h"
 #include "Platform/ObjectRuntime.h"
 #include "Platform/URLRequest.h"
+#include "Platform/URLText.h"
 #include "Platform/UTF8Text.h"
 
 #include <QtCore/QCoreApplication>

@@ -3,6 +3,8 @@
 #include "Quorvix/QXRequestListViewModel.h"
 #include "Quorvix/QXRequestRowViewModel.h"
 
+#include "Platform/URLText.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>

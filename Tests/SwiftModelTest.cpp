@@ -218,6 +218,7 @@ void SwiftModelTest::namesAfterPaths_data()
     row("extension", u"/data/users.json"_s, u"UsersResponse"_s);
     row("begins with a digit", u"/2fa"_s, u"Api2faResponse"_s);
     row("encoded", u"/caf%C3%A9%2Fbar%20b"_s, u"CaféBarBResponse"_s);
+    row("encoded in Latin-1", u"/caf%E9"_s, u"CafE9Response"_s);
     row("way up", u"/a/%2e%2e%2f..%00/../"_s, u"AResponse"_s);
     row("empty", QString(), u"ApiResponse"_s);
 }
