@@ -1,5 +1,7 @@
 #include "Platform/HTTPRedirect.h"
 
+#include <algorithm>
+
 namespace Quorvix {
 
 namespace {
@@ -30,11 +32,8 @@ void removeHeaders(URLRequest &request, std::initializer_list<QLatin1StringView>
     if (!request.allHTTPHeaderFields)
         return;
     request.allHTTPHeaderFields->removeIf([&](const std::pair<const QString &, QString &> &header) {
-        for (const auto name : names) {
-            if (header.first.compare(name, Qt::CaseInsensitive) == 0)
-                return true;
-        }
-        return false;
+        return std::any_of(names.begin(), names.end(),
+                           [&](QLatin1StringView name) { return isSameHeaderName(header.first, name); });
     });
 }
 

@@ -2,37 +2,19 @@
 
 namespace Quorvix {
 
-namespace {
-
-HTTPHeaderFields::iterator findIgnoringCase(HTTPHeaderFields &fields, const QString &field)
-{
-    auto it = fields.begin();
-    while (it != fields.end() && it.key().compare(field, Qt::CaseInsensitive) != 0)
-        ++it;
-    return it;
-}
-
-} // namespace
-
 URLRequest::URLRequest(const QUrl &requestUrl) : url(requestUrl) {}
 
 std::optional<QString> URLRequest::value(const QString &field) const
 {
-    if (!allHTTPHeaderFields)
-        return std::nullopt;
-    for (auto it = allHTTPHeaderFields->cbegin(); it != allHTTPHeaderFields->cend(); ++it) {
-        if (it.key().compare(field, Qt::CaseInsensitive) == 0)
-            return it.value();
-    }
-    return std::nullopt;
+    return headerValue(allHTTPHeaderFields, field);
 }
 
 void URLRequest::setValue(const QString &value, const QString &field)
 {
     if (!allHTTPHeaderFields)
         allHTTPHeaderFields.emplace();
-    const auto existing = findIgnoringCase(*allHTTPHeaderFields, field);
-    if (existing != allHTTPHeaderFields->end())
+    const auto existing = findHeader(*allHTTPHeaderFields, field);
+    if (existing != allHTTPHeaderFields->cend())
         allHTTPHeaderFields->erase(existing);
     allHTTPHeaderFields->insert(field, value);
 }
@@ -41,11 +23,11 @@ void URLRequest::addValue(const QString &value, const QString &field)
 {
     if (!allHTTPHeaderFields)
         allHTTPHeaderFields.emplace();
-    const auto existing = findIgnoringCase(*allHTTPHeaderFields, field);
-    if (existing == allHTTPHeaderFields->end())
+    const auto existing = findHeader(*allHTTPHeaderFields, field);
+    if (existing == allHTTPHeaderFields->cend())
         allHTTPHeaderFields->insert(field, value);
     else
-        existing.value() += QLatin1StringView(", ") + value;
+        allHTTPHeaderFields->insert(existing.key(), existing.value() + QLatin1StringView(", ") + value);
 }
 
 } // namespace Quorvix

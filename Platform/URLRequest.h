@@ -1,9 +1,9 @@
 #pragma once
 
+#include "HTTPHeaderFields.h"
 #include "PlatformGlobal.h"
 
 #include <QtCore/QByteArray>
-#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QUrl>
 
@@ -11,9 +11,6 @@
 #include <optional>
 
 namespace Quorvix {
-
-/// Header names and their values, in ascending order of name.
-using HTTPHeaderFields = QMap<QString, QString>;
 
 /// What to load and how: a plain value, copied freely between threads.
 class QUORVIX_CORE_EXPORT URLRequest
@@ -33,7 +30,7 @@ public:
     /// How long the connection may stay silent. Absent: the session's own limit holds.
     std::optional<std::chrono::milliseconds> timeoutInterval;
 
-    /// The value of a header; names are compared ignoring case (RFC 9110, 5.1).
+    /// The value of a header whose name has any spelling.
     [[nodiscard]] std::optional<QString> value(const QString &field) const;
     /// Replaces whatever header has this name in any spelling.
     void setValue(const QString &value, const QString &field);

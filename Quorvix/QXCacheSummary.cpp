@@ -8,19 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The first header of the map whose name is this one in any spelling.
-std::optional<QString> valueIgnoringCase(const std::optional<HTTPHeaderFields> &headers,
-                                         QLatin1StringView name)
-{
-    if (!headers)
-        return std::nullopt;
-    for (auto it = headers->cbegin(); it != headers->cend(); ++it) {
-        if (it.key().compare(name, Qt::CaseInsensitive) == 0)
-            return it.value();
-    }
-    return std::nullopt;
-}
-
 QString localized(const char *text)
 {
     return QCoreApplication::translate("Quorvix", text);
@@ -47,12 +34,12 @@ QStringList summaryLines(const QXCacheFacts &facts)
 } // namespace
 
 QXCacheFacts::QXCacheFacts(const QXResponseTrace &response)
-    : expires(valueIgnoringCase(response.headers, "Expires"_L1)),
-      eTag(valueIgnoringCase(response.headers, "ETag"_L1)), lastAccess(iso8601Text(response.date))
+    : expires(headerValue(response.headers, "Expires"_L1)), eTag(headerValue(response.headers, "ETag"_L1)),
+      lastAccess(iso8601Text(response.date))
 {
     QStringList directives;
     for (const QLatin1StringView name : {"Cache-Control"_L1, "Pragma"_L1}) {
-        const auto value = valueIgnoringCase(response.headers, name);
+        const auto value = headerValue(response.headers, name);
         if (value && !value->isEmpty())
             directives += *value;
     }

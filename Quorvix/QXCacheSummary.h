@@ -6,7 +6,7 @@
 
 #include <vector>
 
-/// What a response's headers say about caching. Header names are compared ignoring case (RFC 9110, 5.1).
+/// What a response's headers say about caching. A header counts in any spelling of its name.
 struct QXCacheFacts
 {
     explicit QXCacheFacts(const QXResponseTrace &response);

@@ -1,6 +1,7 @@
 # The two libraries that a host links, and the headers that it sees.
 set(QUORVIX_PUBLIC_HEADERS
     Platform/HTTPCookieStorage.h
+    Platform/HTTPHeaderFields.h
     Platform/NSError.h
     Platform/NSHTTPURLResponse.h
     Platform/NSNotificationCenter.h
