@@ -7,6 +7,7 @@
 #include "JSON/JSONWriter.h"
 
 #include "Platform/BundleInfo.h"
+#include "Platform/NSISO8601DateFormatter.h"
 #include "Platform/URLText.h"
 
 #include <QtCore/QCoreApplication>
@@ -134,7 +135,7 @@ private:
         writeCache(trace.response);
         writeRequest(trace);
         writeResponse(trace.response);
-        string("startedDateTime"_L1, iso8601Text(trace.date));
+        string("startedDateTime"_L1, NSISO8601DateFormatter::string(trace.date));
         number("time"_L1, milliseconds);
         m_writer.key("timings"_L1);
         m_writer.beginObject();

@@ -1,5 +1,7 @@
 #include "Quorvix/QXCacheSummary.h"
 
+#include "Platform/NSISO8601DateFormatter.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
 
@@ -35,7 +37,7 @@ QStringList summaryLines(const QXCacheFacts &facts)
 
 QXCacheFacts::QXCacheFacts(const QXResponseTrace &response)
     : expires(headerValue(response.headers, "Expires"_L1)), eTag(headerValue(response.headers, "ETag"_L1)),
-      lastAccess(iso8601Text(response.date))
+      lastAccess(NSISO8601DateFormatter::string(response.date))
 {
     QStringList directives;
     for (const QLatin1StringView name : {"Cache-Control"_L1, "Pragma"_L1}) {
@@ -53,15 +55,4 @@ std::vector<QXCacheSection> cacheSummary(const std::optional<QXResponseTrace> &r
         return {
             {localized("Cache data missing"), localized("The cache information is missing from the entry")}};
     return {{localized("After request"), summaryLines(QXCacheFacts(*response)).join(u'\n')}};
-}
-
-QString iso8601Text(std::chrono::system_clock::time_point time)
-{
-    using namespace std::chrono;
-    const auto day = floor<days>(time);
-    const year_month_day date(day);
-    const hh_mm_ss clock(floor<seconds>(time) - day);
-    return QString::asprintf("%04d-%02u-%02uT%02d:%02d:%02dZ", int(date.year()), unsigned(date.month()),
-                             unsigned(date.day()), int(clock.hours().count()), int(clock.minutes().count()),
-                             int(clock.seconds().count()));
 }

@@ -33,6 +33,3 @@ struct QXCacheSection
 /// The cache summary of an exchange, in the user's language; one section at least. Any thread.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT std::vector<QXCacheSection>
 cacheSummary(const std::optional<QXResponseTrace> &response);
-
-/// A point in time in ISO 8601 form: UTC with a "Z", whole seconds, as in 2023-11-14T22:13:20Z. Any thread.
-[[nodiscard]] QString iso8601Text(std::chrono::system_clock::time_point time);

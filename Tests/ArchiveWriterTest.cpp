@@ -4,6 +4,7 @@
 #include "Quorvix/QXCacheSummary.h"
 
 #include "Platform/BundleInfo.h"
+#include "Platform/NSISO8601DateFormatter.h"
 
 #include <QtCore/QBuffer>
 #include <QtCore/QJsonArray>
@@ -295,8 +296,9 @@ void ArchiveWriterTest::summarisesCacheHeaders()
 
 void ArchiveWriterTest::formatsDates()
 {
-    QCOMPARE(iso8601Text(system_clock::time_point(981'173'106s + 999ms)), u"2001-02-03T04:05:06Z"_s);
-    QCOMPARE(iso8601Text(system_clock::time_point(-1ms)), u"1969-12-31T23:59:59Z"_s);
+    const auto text = &NSISO8601DateFormatter::string;
+    QCOMPARE(text(system_clock::time_point(981'173'106s + 999ms)), u"2001-02-03T04:05:06Z"_s);
+    QCOMPARE(text(system_clock::time_point(-1ms)), u"1969-12-31T23:59:59Z"_s);
 }
 
 void ArchiveWriterTest::namesExportFiles()
