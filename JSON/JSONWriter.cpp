@@ -4,7 +4,7 @@
 #include "JSON/JSONReader.h"
 #include "JSON/SimdjsonFence.h"
 
-#include <QtCore/QIODevice>
+#include "Platform/WriteAll.h"
 
 #include <algorithm>
 #include <charconv>
@@ -333,17 +333,11 @@ void JSONWriter::put(QByteArrayView bytes)
     m_cursor = std::copy_n(bytes.data(), bytes.size(), room(bytes.size()));
 }
 
-/// A full disk takes what it can and fails only at the next write, so that one has to be made.
 void JSONWriter::flush()
 {
-    const char *from = m_buffer.constData();
-    while (!m_error && from != m_cursor) {
-        const qint64 written = m_device->write(from, m_cursor - from);
-        if (written <= 0)
-            m_error = NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, m_device->errorString()};
-        else
-            from += written;
-    }
+    const QByteArrayView pending(m_buffer.constData(), m_cursor);
+    if (!m_error)
+        m_error = writeAll(*m_device, pending);
     m_cursor = m_buffer.data();
 }
 

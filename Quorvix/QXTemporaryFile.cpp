@@ -1,5 +1,7 @@
 #include "Quorvix/QXTemporaryFile.h"
 
+#include "Platform/WriteAll.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -57,18 +59,6 @@ std::optional<NSError> enter(QDir &folder, const QString &name)
         return writeError(NSFileWriteInvalidFileNameError,
                           "The file's folder is not one of its owner's own.");
     folder = QDir(entry.filePath());
-    return std::nullopt;
-}
-
-/// A full disk takes what it can and fails only at the next write, so that one has to be made.
-std::optional<NSError> writeAll(QIODevice &file, QByteArrayView bytes)
-{
-    while (!bytes.isEmpty()) {
-        const qint64 written = file.write(bytes.data(), bytes.size());
-        if (written <= 0)
-            return writeError(NSFileWriteUnknownError, file.errorString());
-        bytes = bytes.sliced(written);
-    }
     return std::nullopt;
 }
 

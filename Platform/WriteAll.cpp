@@ -1,0 +1,19 @@
+#include "Platform/WriteAll.h"
+
+#include <QtCore/QIODevice>
+
+namespace Quorvix {
+
+std::optional<NSError> writeAll(QIODevice &device, QByteArrayView bytes)
+{
+    // A full disk takes what it can and fails only at the next write, so that one has to be made.
+    while (!bytes.isEmpty()) {
+        const qint64 written = device.write(bytes.data(), bytes.size());
+        if (written <= 0)
+            return NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, device.errorString()};
+        bytes = bytes.sliced(written);
+    }
+    return std::nullopt;
+}
+
+} // namespace Quorvix

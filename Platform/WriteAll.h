@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Platform/NSError.h"
+
+#include <QtCore/QByteArrayView>
+
+#include <optional>
+
+class QIODevice;
+
+namespace Quorvix {
+
+/// Writes all of the bytes. Fails with NSCocoaErrorDomain / NSFileWriteUnknownError and the device's own
+/// sentence; it has taken some of the bytes then. On the device's thread.
+[[nodiscard]] std::optional<NSError> writeAll(QIODevice &device, QByteArrayView bytes);
+
+} // namespace Quorvix
