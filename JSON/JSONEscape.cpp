@@ -1,5 +1,7 @@
 #include "JSON/JSONEscape.h"
 
+#include "Platform/HexDigit.h"
+
 #include <QtCore/QtEndian>
 
 #include <algorithm>
@@ -21,7 +23,6 @@ bool needsEscape(unsigned char c)
 
 char *escape(unsigned char c, char *to)
 {
-    constexpr char digits[] = "0123456789abcdef";
     const auto pair = [&](char letter) {
         *to++ = '\\';
         *to++ = letter;
@@ -44,7 +45,8 @@ char *escape(unsigned char c, char *to)
     default:
         break;
     }
-    const char sequence[JSONEscape::longestEscape] = {'\\', 'u', '0', '0', digits[c >> 4], digits[c & 15]};
+    const char sequence[JSONEscape::longestEscape] = {
+        '\\', 'u', '0', '0', hexDigit(c >> 4), hexDigit(c & 15)};
     return std::copy_n(sequence, JSONEscape::longestEscape, to);
 }
 

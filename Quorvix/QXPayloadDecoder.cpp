@@ -8,6 +8,7 @@
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
 
+#include "Platform/HexDigit.h"
 #include "Platform/UTF8Text.h"
 
 #include <QtCore/QCoreApplication>
@@ -74,9 +75,8 @@ bool beginsLikeContainer(QByteArrayView bytes) noexcept
 /// The two digits of every byte.
 constexpr auto hexDigits = [] {
     std::array<std::array<char16_t, 2>, 256> table{};
-    constexpr char16_t digits[] = u"0123456789abcdef";
-    for (size_t byte = 0; byte < table.size(); ++byte)
-        table[byte] = {digits[byte >> 4], digits[byte & 0xF]};
+    for (unsigned byte = 0; byte < table.size(); ++byte)
+        table[byte] = {char16_t(hexDigit(byte >> 4)), char16_t(hexDigit(byte & 0xF))};
     return table;
 }();
 

@@ -2,6 +2,10 @@
 
 #include "Text/QXTextRows.h"
 
+#include "Platform/HexDigit.h"
+
+using Quorvix::hexDigit;
+
 namespace {
 
 constexpr qsizetype unitsPerByte = 3;
@@ -11,13 +15,12 @@ constexpr qsizetype longestBeginning = 500;
 
 QString hexadecimal(const QByteArray &bytes, qsizetype position, qsizetype length)
 {
-    constexpr char16_t digits[] = u"0123456789abcdef";
     QString text(length, Qt::Uninitialized);
     QChar *unit = text.data();
     for (qsizetype i = position; i < position + length; ++i) {
         const auto byte = quint8(bytes[i / unitsPerByte]);
         const qsizetype part = i % unitsPerByte;
-        *unit++ = part == 0 ? digits[byte >> 4] : part == 1 ? digits[byte & 0xF] : u' ';
+        *unit++ = QLatin1Char(part == 0 ? hexDigit(byte >> 4) : part == 1 ? hexDigit(byte & 0xF) : ' ');
     }
     return text;
 }
