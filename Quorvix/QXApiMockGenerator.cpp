@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXApiMockDefinition.h"
 #include "Quorvix/QXExportError.h"
+#include "Quorvix/QXPathSegment.h"
 #include "Quorvix/QXRequestTrace.h"
 #include "Quorvix/QXTemporaryFile.h"
 
@@ -20,30 +21,9 @@ namespace {
 
 constexpr QStringView placeholder = u"{id}";
 
-bool isDigit(QChar c)
-{
-    return c >= u'0' && c <= u'9';
-}
-
-bool isHexDigitOrHyphen(QChar c)
-{
-    return isDigit(c) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F') || c == u'-';
-}
-
-bool isNumber(QStringView text)
-{
-    return !text.isEmpty() && std::all_of(text.begin(), text.end(), isDigit);
-}
-
-bool isIdentifier(QStringView segment)
-{
-    return isNumber(segment) ||
-           (segment.size() >= 16 && std::all_of(segment.begin(), segment.end(), isHexDigitOrHyphen));
-}
-
 bool isVersion(QStringView segment)
 {
-    return segment.startsWith(u'v') && isNumber(segment.sliced(1));
+    return segment.startsWith(u'v') && QXPathSegment::isNumber(segment.sliced(1));
 }
 
 QStringList segmentsOf(const QUrl &url)
@@ -54,7 +34,7 @@ QStringList segmentsOf(const QUrl &url)
 QStringList generalised(QStringList segments)
 {
     for (QString &segment : segments) {
-        if (isIdentifier(segment))
+        if (QXPathSegment::isIdentifier(segment))
             segment = placeholder.toString();
     }
     return segments;

@@ -14,8 +14,7 @@ struct QXRequestTrace;
 ///
 /// The rules look at the segments of the URL's path, which is taken with its percent escapes decoded: a mock
 /// is named as people read the path, and an escaped slash parts segments as any other. A path whose escapes
-/// do not stand for UTF-8 stays as it is. An identifier is a segment of digits alone, or of sixteen and more
-/// hexadecimal digits and hyphens. Stateless; any thread.
+/// do not stand for UTF-8 stays as it is. Identifiers are those of QXPathSegment. Stateless; any thread.
 class QUORVIX_INTERNAL_EXPORT QXApiMockGenerator
 {
 public:

@@ -1,5 +1,7 @@
 #include "Quorvix/QXSwiftName.h"
 
+#include "Quorvix/QXPathSegment.h"
+
 #include "Platform/URLText.h"
 
 #include <QtCore/QByteArray>
@@ -167,32 +169,17 @@ QString escaped(char32_t codePoint)
     }
 }
 
-bool isAsciiDigit(QChar c)
-{
-    return c >= u'0' && c <= u'9';
-}
-
 /// "v1", "V2.1", "v1beta2".
 bool isVersion(QStringView segment)
 {
-    if (segment.size() < 2 || segment[0].toLower() != u'v' || !isAsciiDigit(segment[1]))
+    if (segment.size() < 2 || segment[0].toLower() != u'v' || !QXPathSegment::isDigit(segment[1]))
         return false;
     QString letters;
     for (const QChar c : segment.sliced(1)) {
-        if (!isAsciiDigit(c) && c != u'.')
+        if (!QXPathSegment::isDigit(c) && c != u'.')
             letters += c.toLower();
     }
     return letters.isEmpty() || letters == "alpha"_L1 || letters == "beta"_L1 || letters == "rc"_L1;
-}
-
-/// Whether the segment names one of many: a UUID, a hash, a number.
-bool isIdentifier(QStringView segment)
-{
-    const auto isOfHash = [](QChar c) {
-        return isAsciiDigit(c) || (c.toLower() >= u'a' && c.toLower() <= u'f') || c == u'-';
-    };
-    constexpr qsizetype shortestHash = 16;
-    return segment.size() >= shortestHash && std::all_of(segment.begin(), segment.end(), isOfHash);
 }
 
 bool hasLetter(QStringView segment)
@@ -271,7 +258,7 @@ QString QXSwiftName::rootTypeName(QStringView requestPath)
         requestPath.truncate(std::max(slash, qsizetype(0)));
         if (segment.endsWith(".json"_L1, Qt::CaseInsensitive))
             segment.chop(5);
-        if (!hasLetter(segment) || isVersion(segment) || isIdentifier(segment))
+        if (!hasLetter(segment) || isVersion(segment) || QXPathSegment::isIdentifier(segment))
             continue;
         // "Response" alone would leave nothing to name other types after.
         const QString name = typeName(segment);
