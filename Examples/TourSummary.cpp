@@ -32,8 +32,8 @@ bool writeTourSummary(const QString &path)
     for (const QXRequestTrace &trace : QXRequestRecorder::shared().requests()) {
         const QUrl url = trace.url.value_or(QUrl());
         table +=
-            line(trace.method.value_or(QStringLiteral("GET")),
-                 url.toString(QUrl::RemoveScheme | QUrl::RemoveAuthority), outcome(trace), duration(trace));
+            line(Quorvix::sentMethod(trace.method), url.toString(QUrl::RemoveScheme | QUrl::RemoveAuthority),
+                 outcome(trace), duration(trace));
     }
     QSaveFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(table.toUtf8()) >= 0 && file.commit();

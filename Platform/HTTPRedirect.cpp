@@ -48,7 +48,7 @@ std::optional<URLRequest> HTTPRedirect::follow(const URLRequest &request, int st
     next.url = request.url->resolved(QUrl::fromEncoded(location));
     if (!next.url->hasFragment())
         next.url->setFragment(request.url->fragment(QUrl::FullyEncoded));
-    if (becomesGet(request.httpMethod.value_or(QStringLiteral("GET")), statusCode)) {
+    if (becomesGet(sentMethod(request.httpMethod), statusCode)) {
         next.httpMethod = QStringLiteral("GET");
         next.httpBody.reset();
         removeHeaders(next, {QLatin1StringView("Content-Type"), QLatin1StringView("Content-Length"),

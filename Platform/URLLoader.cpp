@@ -226,7 +226,7 @@ std::optional<NSURLErrorCode> refusal(const URLRequest &request, const QStringLi
 {
     if (!request.url || !schemes.contains(request.url->scheme()))
         return NSURLErrorUnsupportedURL;
-    if (!request.url->isValid() || !isToken(request.httpMethod.value_or(QStringLiteral("GET")).toUtf8()))
+    if (!request.url->isValid() || !isToken(sentMethod(request.httpMethod).toUtf8()))
         return NSURLErrorBadURL;
     return std::nullopt;
 }
@@ -253,7 +253,7 @@ void handleFinished(const TaskPtr &task, QNetworkReply &reply)
 
 void sendCurrent(const TaskPtr &task)
 {
-    const QByteArray method = task->current.httpMethod.value_or(QStringLiteral("GET")).toUtf8();
+    const QByteArray method = sentMethod(task->current.httpMethod).toUtf8();
     QNetworkReply *const reply =
         send(*task->session->manager(), makeRequest(*task, task->session->configuration), method,
              task->current.httpBody);

@@ -30,4 +30,9 @@ void URLRequest::addValue(const QString &value, const QString &field)
         allHTTPHeaderFields->insert(existing.key(), existing.value() + QLatin1StringView(", ") + value);
 }
 
+QString sentMethod(const std::optional<QString> &httpMethod)
+{
+    return httpMethod.value_or(QStringLiteral("GET"));
+}
+
 } // namespace Quorvix

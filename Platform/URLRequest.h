@@ -21,7 +21,7 @@ public:
     explicit URLRequest(const QUrl &url);
 
     std::optional<QUrl> url;
-    /// The method as it goes on the wire; a request without one is sent as GET.
+    /// The method as it goes on the wire; see sentMethod() for a request without one.
     std::optional<QString> httpMethod = QStringLiteral("GET");
     /// Absent when no header was set.
     std::optional<HTTPHeaderFields> allHTTPHeaderFields;
@@ -37,5 +37,8 @@ public:
     /// Adds to a header, as a list separated by commas (RFC 9110, 5.3).
     void addValue(const QString &value, const QString &field);
 };
+
+/// The method that a request is sent by: GET for a request without one. Any thread.
+[[nodiscard]] QUORVIX_CORE_EXPORT QString sentMethod(const std::optional<QString> &httpMethod);
 
 } // namespace Quorvix

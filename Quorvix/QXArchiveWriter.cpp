@@ -179,7 +179,7 @@ private:
         writeBodySize(trace.body);
         writeRequestCookies(exactHeader(trace.headers, u"Cookie"_s));
         writeHeaders(trace.headers);
-        string("method"_L1, trace.method.value_or(u"GET"_s));
+        string("method"_L1, sentMethod(trace.method));
         if (trace.body) {
             m_writer.key("postData"_L1);
             writeBody(*trace.body, trace.headers, false);
@@ -343,7 +343,7 @@ QString QXArchiveWriter::exportFileName(const QXRequestTrace &trace,
 {
     // The clock's own range keeps the seconds in theirs.
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now.time_since_epoch()).count();
-    return u"Quorvix-%1-%2-%3.har"_s.arg(trace.method.value_or(u"GET"_s),
+    return u"Quorvix-%1-%2-%3.har"_s.arg(sentMethod(trace.method),
                                          trace.url ? lastPathComponent(*trace.url) : u"request"_s,
                                          QString::number(seconds));
 }

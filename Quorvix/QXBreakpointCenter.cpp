@@ -79,7 +79,7 @@ bool QXBreakpointCenter::check(const URLRequest &request, const QString &request
     Q_ASSERT(MainActor::isCurrent());
     if (QXLog::level() >= QXLogLevel::debug) {
         QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] check response: ") +
-                                          request.httpMethod.value_or(QStringLiteral("GET")) + u' ' +
+                                          sentMethod(request.httpMethod) + u' ' +
                                           (request.url ? absoluteString(*request.url) : QString()));
     }
     if (m_skipUntil) {

@@ -1,12 +1,14 @@
 #include "Quorvix/QXBreakpointKey.h"
 
+#include "Platform/URLRequest.h"
+
 std::optional<QXBreakpointKey> QXBreakpointKey::make(const std::optional<QUrl> &url,
                                                      const std::optional<QString> &method)
 {
     if (!url)
         return std::nullopt;
     const QString path = url->path(QUrl::FullyDecoded);
-    return QXBreakpointKey{method.value_or(QStringLiteral("GET")).toUpper(), url->host(QUrl::FullyDecoded),
+    return QXBreakpointKey{Quorvix::sentMethod(method).toUpper(), url->host(QUrl::FullyDecoded),
                            path.isEmpty() ? QStringLiteral("/") : path};
 }
 

@@ -114,7 +114,7 @@ Result<QString> QXCurlCommandBuilder::build(const QXRequestTrace &trace)
     if (url.isEmpty())
         return makeError(QXExportError::missingRequestURL);
 
-    QString command = u"curl -X "_s + trace.method.value_or(u"GET"_s) + " '"_L1;
+    QString command = u"curl -X "_s + sentMethod(trace.method) + " '"_L1;
     appendQuoted(command, url);
     command += u'\'';
     if (trace.headers)

@@ -96,7 +96,7 @@ QString rawDetails(const QXRequestTrace &request, const std::function<QString(co
     };
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "URL"),
              request.url ? absoluteString(*request.url) : localized("N/A"));
-    addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP type"), request.method.value_or(u"GET"_s));
+    addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP type"), sentMethod(request.method));
     addHeaders(lines, requestSide, request.headers);
     addCookies(lines, requestSide, request);
     addBody(requestSide, request.body);

@@ -23,7 +23,7 @@ QString QXRequestRowViewModel::title() const
 {
     const QString path = request.url ? request.url->path(QUrl::FullyDecoded)
                                      : QCoreApplication::translate("Quorvix", "Unknown");
-    return request.method.value_or(QStringLiteral("GET")) + u' ' + path;
+    return Quorvix::sentMethod(request.method) + u' ' + path;
 }
 
 QString QXRequestRowViewModel::statusText() const

@@ -94,7 +94,7 @@ void addBody(Sections &sections, const Side &side, const std::optional<QByteArra
 void addRequest(Sections &sections, const QXRequestTrace &request)
 {
     Values values{{localized("URL"), request.url ? absoluteString(*request.url) : localized("N/A")},
-                  {localized("Method"), request.method.value_or(u"GET"_s)},
+                  {localized("Method"), sentMethod(request.method)},
                   {localized("Time"), QXDisplayFormat::date(request.date)}};
     if (request.duration)
         values.append({localized("Duration"),
