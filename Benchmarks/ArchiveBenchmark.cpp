@@ -6,11 +6,12 @@
 
 #include "Platform/URLText.h"
 
+#include "Benchmarks/Samples.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
-#include <QtCore/QRandomGenerator>
 
 #include <chrono>
 #include <cstdio>
@@ -44,11 +45,7 @@ QByteArray jsonLikeBody()
 
 QByteArray binaryBody()
 {
-    QByteArray body(bodySize, Qt::Uninitialized);
-    QRandomGenerator generator(42);
-    for (char &byte : body)
-        byte = char(generator.bounded(256));
-    return body;
+    return Samples::binaryBytes(bodySize);
 }
 
 std::vector<QXRequestTrace> makeTraces(const std::function<QByteArray()> &makeBody)

@@ -8,10 +8,11 @@
 #include "Platform/NSURLSession.h"
 #include "Platform/ObjectRuntime.h"
 
+#include "Benchmarks/Contest.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <vector>
@@ -56,12 +57,6 @@ double exchangesPerSecond(NSURLSession &session, const QUrl &url, NSURLSession::
     return exchanges / std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -94,7 +89,7 @@ int main(int argc, char *argv[])
     }
     std::printf("Exchanges per second over loopback, 1,000-byte bodies, median of %d turns\n", rounds);
     std::printf("  without capture  %8.0f\n  with capture     %8.0f\n  ratio            %8.3f\n",
-                median(without), median(with), median(ratios));
+                Contest::median(without), Contest::median(with), Contest::median(ratios));
     std::printf("  captured         %8d\n", int(QXRequestRecorder::shared().requests().size()));
     return 0;
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <iterator>
 #include <vector>
 
 /// Work of ours and of peers, done in turns, so that none has the machine at a better time.
@@ -35,6 +36,14 @@ inline double milliseconds(const std::function<void()> &work)
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
+/// The middle one of several values, in whatever order they come.
+inline double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
 /// The median time of each contender, in milliseconds.
 inline std::vector<double> medians(const std::vector<Contender> &contenders)
 {
@@ -44,10 +53,7 @@ inline std::vector<double> medians(const std::vector<Contender> &contenders)
             times[i].push_back(milliseconds(contenders[i].run));
     }
     std::vector<double> middle;
-    for (std::vector<double> &series : times) {
-        std::nth_element(series.begin(), series.begin() + rounds / 2, series.end());
-        middle.push_back(series[rounds / 2]);
-    }
+    std::transform(times.begin(), times.end(), std::back_inserter(middle), median);
     return middle;
 }
 
@@ -58,6 +64,13 @@ inline void print(const char *title, const std::vector<Contender> &contenders)
     const std::vector<double> times = medians(contenders);
     for (size_t i = 0; i < times.size(); ++i)
         std::printf("  %-32s %8.2f ms %8.2f\n", contenders[i].name, times[i], times[i] / times.back());
+}
+
+/// Prints what a user usually waits for, and the longest: a single run is what a user sees. In milliseconds.
+inline void printWaits(const char *what, const std::vector<double> &times)
+{
+    std::printf("  %-44s %8.1f ms, %.1f ms at worst\n", what, median(times),
+                *std::max_element(times.begin(), times.end()));
 }
 
 } // namespace Contest

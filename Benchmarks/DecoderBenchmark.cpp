@@ -4,28 +4,20 @@
 #include "Quorvix/QXPayloadDecoder.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Samples.h"
 
 #include <QtCore/QByteArray>
-#include <QtCore/QRandomGenerator>
 #include <QtCore/QString>
 
 #include <algorithm>
 
 using Contest::require;
+using Samples::binaryBytes;
 
 namespace {
 
 constexpr qsizetype bodySize = 10'000'000;
 constexpr int mailColumns = 76;
-
-QByteArray binaryBytes(qsizetype size)
-{
-    QByteArray bytes(size, Qt::Uninitialized);
-    QRandomGenerator generator(42);
-    for (char &byte : bytes)
-        byte = char(generator.bounded(256));
-    return bytes;
-}
 
 QByteArray plainText(qsizetype size)
 {

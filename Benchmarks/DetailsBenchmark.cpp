@@ -40,18 +40,6 @@ QByteArray jsonBody()
     return body + "]}";
 }
 
-double median(std::vector<double> times)
-{
-    std::nth_element(times.begin(), times.begin() + qsizetype(times.size() / 2), times.end());
-    return times[times.size() / 2];
-}
-
-void print(const char *what, const std::vector<double> &times)
-{
-    std::printf("  %-44s %8.1f ms, %.1f ms at worst\n", what, median(times),
-                *std::max_element(times.begin(), times.end()));
-}
-
 /// The inspector over an empty window of a host, with one exchange.
 class Inspector
 {
@@ -182,12 +170,12 @@ void measureBody(Inspector &inspector, const QByteArray &body)
             Contest::require(text.size() > bodySize, "Qt's JSON");
         }));
     }
-    print("click to the screen's first frame", screens);
-    print("click to the body's first frame", bodies);
-    print("main thread busy at a stretch until then", busy);
-    print("QJsonDocument, laying the JSON out anew", peers);
-    std::printf("  ratio %.2f\n", median(bodies) / median(peers));
-    print("a frame while scrolling", inspector.scroll("QXRequestDetailsPage"));
+    Contest::printWaits("click to the screen's first frame", screens);
+    Contest::printWaits("click to the body's first frame", bodies);
+    Contest::printWaits("main thread busy at a stretch until then", busy);
+    Contest::printWaits("QJsonDocument, laying the JSON out anew", peers);
+    std::printf("  ratio %.2f\n", Contest::median(bodies) / Contest::median(peers));
+    Contest::printWaits("a frame while scrolling", inspector.scroll("QXRequestDetailsPage"));
     inspector.click("QXBackButton");
     inspector.awaitEnd("QXRequestDetailsView");
 }
@@ -203,10 +191,10 @@ void measurePayload(Inspector &inspector, const QByteArray &body)
     const double sheet = inspector.afterClick("QXDecodeValueItem", Qt::LeftButton, [&] {
         return inspector.item("QXDecodedPayloadSheet") && inspector.shows("QXTextView", 100'000);
     });
-    print("right click to the menu's first frame", {menu});
-    print("click to the decoded payload's first frame", {sheet});
+    Contest::printWaits("right click to the menu's first frame", {menu});
+    Contest::printWaits("click to the decoded payload's first frame", {sheet});
     inspector.rest();
-    print("a frame while the payload scrolls", inspector.scroll("QXDecodedPayloadPage"));
+    Contest::printWaits("a frame while the payload scrolls", inspector.scroll("QXDecodedPayloadPage"));
 }
 
 } // namespace

@@ -3,14 +3,16 @@
 
 #include "Quorvix/QXLogTreeViewModel.h"
 
+#include "Benchmarks/Contest.h"
+
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <vector>
+
+using Contest::require;
 
 namespace {
 
@@ -27,14 +29,6 @@ QString makeText()
         text += QStringLiteral(R"({"list":[0,1,2,3,4,5,6,7,8,%1]})").arg(i);
     }
     return text + QLatin1Char(']');
-}
-
-void require(bool condition, const char *what)
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "not measured: %s\n", what);
-    std::exit(EXIT_FAILURE);
 }
 
 /// The plain way: all rows in one array, made anew whenever a node is toggled.
@@ -77,15 +71,9 @@ private:
 
 double medianMicroseconds(const std::function<void()> &work)
 {
-    std::vector<double> times;
-    for (int i = 0; i < rounds; ++i) {
-        const auto start = std::chrono::steady_clock::now();
-        work();
-        const auto end = std::chrono::steady_clock::now();
-        times.push_back(std::chrono::duration<double, std::micro>(end - start).count());
-    }
-    std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
-    return times[rounds / 2];
+    std::vector<double> times(rounds);
+    std::generate(times.begin(), times.end(), [&] { return 1e3 * Contest::milliseconds(work); });
+    return Contest::median(std::move(times));
 }
 
 void expandAll(QXLogTreeViewModel &model)

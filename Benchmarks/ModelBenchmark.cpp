@@ -5,10 +5,12 @@
 #include "Quorvix/QXSwiftModelGenerator.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Samples.h"
 
 #include <nlohmann/json.hpp>
 
 using Contest::require;
+using Samples::countNodes;
 
 namespace {
 
@@ -39,14 +41,6 @@ QByteArray mapDocument()
     for (int i = 0; i < recordCount; ++i)
         text += (i == 0 ? "\"user-" : ",\n\"user-") + QByteArray::number(i) + "\":" + record(i);
     return text + '}';
-}
-
-size_t countNodes(const QXApiTreeField &field)
-{
-    size_t count = 1;
-    for (const QXApiTreeField &child : field.children())
-        count += countNodes(child);
-    return count;
 }
 
 void compare(const char *title, const QByteArray &document)

@@ -4,9 +4,10 @@
 #include "Quorvix/QXRequestListViewModel.h"
 #include "Quorvix/QXRequestRecorder.h"
 
+#include "Benchmarks/Contest.h"
+
 #include <QtCore/QCoreApplication>
 
-#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -36,12 +37,6 @@ QString identifier(int number)
 double microseconds(Clock::duration duration)
 {
     return std::chrono::duration<double, std::micro>(duration).count();
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 /// The plain way to keep the list: an array with insertion at the front, of which an open list holds a copy.
@@ -105,7 +100,7 @@ Costs measure(int size)
         recorder.complete(id, response, body, {});
         store.push_back(microseconds(Clock::now() - start));
     }
-    costs.store = median(store);
+    costs.store = Contest::median(store);
 
     QXRequestListViewModel model;
     std::vector<double> open;
@@ -119,7 +114,7 @@ Costs measure(int size)
         QCoreApplication::processEvents();
         open.push_back(microseconds(Clock::now() - start));
     }
-    costs.withOpenList = median(open);
+    costs.withOpenList = Contest::median(open);
 
     plain.fill(size);
     std::vector<double> plainTimes;
@@ -129,7 +124,7 @@ Costs measure(int size)
         plain.complete(identifier(i), response, body);
         plainTimes.push_back(microseconds(Clock::now() - start));
     }
-    costs.plain = median(plainTimes);
+    costs.plain = Contest::median(plainTimes);
     return costs;
 }
 

@@ -7,6 +7,8 @@
 
 #include "Platform/UTF8Text.h"
 
+#include "Benchmarks/Contest.h"
+
 #include <QtGui/QFontDatabase>
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QGuiApplication>
@@ -14,12 +16,12 @@
 #include <QtQuick/QQuickWindow>
 
 #include <algorithm>
-#include <array>
-#include <chrono>
 #include <cstdio>
 #include <functional>
+#include <vector>
 
 using namespace Qt::StringLiterals;
+using Contest::milliseconds;
 
 namespace {
 
@@ -47,19 +49,12 @@ QByteArray oneLine()
     return line;
 }
 
-double millisecondsFor(const std::function<void()> &action)
-{
-    const auto start = std::chrono::steady_clock::now();
-    action();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
 /// In milliseconds.
 double fastest(int runs, const std::function<void()> &action)
 {
-    double best = millisecondsFor(action);
+    double best = milliseconds(action);
     for (int run = 1; run < runs; ++run)
-        best = std::min(best, millisecondsFor(action));
+        best = std::min(best, milliseconds(action));
     return best;
 }
 
@@ -93,7 +88,7 @@ double peerLayout(const QString &text)
 {
     constexpr int share = 10;
     const QString part = text.left(text.size() / share);
-    return share * millisecondsFor([&] {
+    return share * milliseconds([&] {
                QTextDocument document;
                document.setDefaultFont(bodyFont());
                QTextOption option;
@@ -106,19 +101,16 @@ double peerLayout(const QString &text)
            });
 }
 
-void print(const char *what, double milliseconds, const char *note = "")
+void print(const char *what, double time, const char *note = "")
 {
-    std::printf("  %-44s %8.1f ms%s\n", what, milliseconds, note);
+    std::printf("  %-44s %8.1f ms%s\n", what, time, note);
 }
 
-/// A single run is what a user sees, so the slowest one counts as well.
 void printUsual(const char *what, const std::function<void()> &action)
 {
-    std::array<double, 41> taken{};
-    for (double &milliseconds : taken)
-        milliseconds = millisecondsFor(action);
-    std::sort(taken.begin(), taken.end());
-    std::printf("  %-44s %8.1f ms, %.1f ms at worst\n", what, taken[taken.size() / 2], taken.back());
+    std::vector<double> taken(41);
+    std::generate(taken.begin(), taken.end(), [&] { return milliseconds(action); });
+    Contest::printWaits(what, taken);
 }
 
 void compareLayout(const QString &text)
@@ -140,7 +132,7 @@ void measureShowing(const QByteArray &body)
         if (stage.window.grabWindow().isNull())
             std::abort();
     };
-    print("from the bytes to the first frame", millisecondsFor([&] {
+    print("from the bytes to the first frame", milliseconds([&] {
               const auto text = Quorvix::UTF8Text::exact(body);
               stage.view.setDocument(text ? new QXTextDocument(*text, &stage.view)
                                           : new QXTextDocument(body, &stage.view));
@@ -167,7 +159,7 @@ void measureEditing(const QString &text)
     QXTextSelection middle;
     middle.set(text.size() / 2, text.size() / 2);
     stage.view.setSelection(middle);
-    print("first keystroke, which copies a shared text", millisecondsFor([&] { stage.view.insert(u"a"_s); }));
+    print("first keystroke, which copies a shared text", milliseconds([&] { stage.view.insert(u"a"_s); }));
     printUsual("another keystroke", [&] { stage.view.insert(u"a"_s); });
     printUsual("a new line, with its frame", [&] {
         stage.view.insert(u"\n"_s);

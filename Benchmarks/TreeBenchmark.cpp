@@ -3,6 +3,7 @@
 #include "Quorvix/QXApiTreeParser.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Samples.h"
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QString>
@@ -12,6 +13,7 @@
 #include <malloc.h>
 
 using Contest::require;
+using Samples::countNodes;
 
 namespace {
 
@@ -33,14 +35,6 @@ QByteArray makeDocument()
             R"("seen":1700000000123,"score":-)" + number + "}";
     }
     return text += "]}";
-}
-
-size_t countNodes(const QXApiTreeField &field)
-{
-    size_t count = 1;
-    for (const QXApiTreeField &child : field.children())
-        count += countNodes(child);
-    return count;
 }
 
 /// What the allocator has handed out and not got back.
