@@ -1,3 +1,4 @@
+#include "Tests/Exchanges.h"
 #include "Tests/TestKit.h"
 
 #include "Quorvix/QXApiMockDefinition.h"
@@ -18,13 +19,15 @@
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
+using Exchanges::makeResponseTrace;
+using Exchanges::makeTrace;
 
 namespace {
 
 QXRequestTrace answeredTrace(const QString &path, const QByteArray &body = "{}")
 {
     QXRequestTrace trace = makeTrace(u"https://h.example"_s + path);
-    trace.response = makeResponse(201, body);
+    trace.response = makeResponseTrace(201, body);
     return trace;
 }
 
@@ -227,10 +230,10 @@ void ApiMockTest::failsInOrder()
     trace.method = whole.method;
     const QString noBody = u"No response body available to generate a mock."_s;
     QVERIFY(failsWith(QXExportError::missingResponseBody, noBody));
-    trace.response = makeResponse(201, std::nullopt);
+    trace.response = makeResponseTrace(201, std::nullopt);
     QVERIFY(failsWith(QXExportError::missingResponseBody, noBody));
     for (const QByteArray &body : {""_ba, "{\"a\":"_ba, "\"\xFF\""_ba}) {
-        trace.response = makeResponse(201, body);
+        trace.response = makeResponseTrace(201, body);
         QVERIFY(failsWith(QXExportError::responseBodyNotJSON, u"Response body is not valid JSON."_s));
     }
     trace.response = whole.response;

@@ -1,3 +1,4 @@
+#include "Tests/Exchanges.h"
 #include "Tests/TestKit.h"
 
 #include "Quorvix/QXArchiveWriter.h"
@@ -17,6 +18,8 @@
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
+using Exchanges::makeResponseTrace;
+using Exchanges::makeTrace;
 using namespace std::chrono_literals;
 using std::chrono::system_clock;
 
@@ -29,15 +32,15 @@ std::vector<QXRequestTrace> everyKind()
 {
     QXRequestTrace complete = makeTrace(u"https://h.example/a?x=1&y=%26"_s, {{u"Cookie"_s, u"a=1; b=2"_s}});
     complete.duration = 0.25;
-    complete.response = makeResponse(200, R"({"text":"é"})",
-                                     {{u"Content-Type"_s, u"application/json"_s},
-                                      {u"Set-Cookie"_s, u"s=1; Path=/\nt=2"_s},
-                                      {u"ETag"_s, u"\"1\""_s}});
+    complete.response = makeResponseTrace(200, R"({"text":"é"})",
+                                          {{u"Content-Type"_s, u"application/json"_s},
+                                           {u"Set-Cookie"_s, u"s=1; Path=/\nt=2"_s},
+                                           {u"ETag"_s, u"\"1\""_s}});
     QXRequestTrace posted = makeTrace(u"https://h.example/upload"_s, {}, binary);
     posted.method = u"POST"_s;
-    posted.response = makeResponse(201, binary);
+    posted.response = makeResponseTrace(201, binary);
     QXRequestTrace empty = makeTrace(u"https://h.example/empty"_s, {}, ""_ba);
-    empty.response = makeResponse(204, std::nullopt);
+    empty.response = makeResponseTrace(204, std::nullopt);
     QXRequestTrace bare = makeTrace(u"https://h.example"_s);
     bare.url.reset();
     bare.method.reset();
@@ -104,11 +107,11 @@ void ArchiveWriterTest::writesWholeDocument()
         makeTrace(u"https://h.example/a/b?q=1"_s, {{u"Content-Type"_s, u"text/css"_s}}, "in"_ba);
     trace.method = u"PUT"_s;
     trace.duration = 0.0625;
-    trace.response = makeResponse(404, "out"_ba,
-                                  {{u"Content-Type"_s, u"text/html"_s},
-                                   {u"ETag"_s, u"1"_s},
-                                   {u"Expires"_s, u"0"_s},
-                                   {u"Pragma"_s, u"x"_s}});
+    trace.response = makeResponseTrace(404, "out"_ba,
+                                       {{u"Content-Type"_s, u"text/html"_s},
+                                        {u"ETag"_s, u"1"_s},
+                                        {u"Expires"_s, u"0"_s},
+                                        {u"Pragma"_s, u"x"_s}});
 
     const QByteArray creator = QByteArray(R"({"name":")") + BundleInfo::name + R"(","version":")" +
                                BundleInfo::shortVersion + R"("})";
@@ -198,7 +201,7 @@ void ArchiveWriterTest::writesBodies()
     QFETCH(const QByteArray, body);
     QFETCH(const QByteArray, content);
     QXRequestTrace trace = makeTrace(u"https://h.example/"_s, {}, body);
-    trace.response = makeResponse(200, body);
+    trace.response = makeResponseTrace(200, body);
     const QJsonObject entry = entryOf(trace);
 
     QCOMPARE(entry[u"response"_s][u"content"_s].toObject(), object(content));
@@ -214,7 +217,7 @@ void ArchiveWriterTest::looksUpHeadersExactly()
     const HTTPHeaderFields headers{
         {u"content-type"_s, u"text/css"_s}, {u"cookie"_s, u"a=1"_s}, {u"set-cookie"_s, u"a=1"_s}};
     QXRequestTrace trace = makeTrace(u"https://h.example/"_s, headers, "a"_ba);
-    trace.response = makeResponse(200, "b"_ba, headers);
+    trace.response = makeResponseTrace(200, "b"_ba, headers);
     const QJsonObject entry = entryOf(trace);
     const QString unknown = u"application/octet-stream"_s;
     QCOMPARE(entry[u"request"_s][u"postData"_s][u"mimeType"_s].toString(), unknown);
@@ -265,7 +268,7 @@ void ArchiveWriterTest::splitsIntoPairs()
     QFETCH(const QString, list);
     QFETCH(const QString, text);
     QXRequestTrace trace = makeTrace(u"https://h.example/?"_s + text, {{u"Cookie"_s, text}});
-    trace.response = makeResponse(200, std::nullopt, {{u"Set-Cookie"_s, text}});
+    trace.response = makeResponseTrace(200, std::nullopt, {{u"Set-Cookie"_s, text}});
     QTEST(pairs(entryOf(trace)[side][list]), "pairs");
 }
 
@@ -291,7 +294,7 @@ void ArchiveWriterTest::summarisesCacheHeaders()
     QFETCH(const HTTPHeaderFields, headers);
     QFETCH(const QString, summary);
     const std::vector<QXCacheSection> expected{{u"After request"_s, summary}};
-    QCOMPARE(cacheSummary(makeResponse(200, std::nullopt, headers)), expected);
+    QCOMPARE(cacheSummary(makeResponseTrace(200, std::nullopt, headers)), expected);
 }
 
 void ArchiveWriterTest::formatsDates()
@@ -313,7 +316,6 @@ void ArchiveWriterTest::namesExportFiles()
     QCOMPARE(nameFor(u"/a%20%C3%A9%251%253"_s), u"Quorvix-GET-a \u00e9%1%3-1700000000.har"_s);
 
     QXRequestTrace trace = makeTrace(QString());
-    trace.url.reset();
     trace.method = u"POST"_s;
     QCOMPARE(QXArchiveWriter::exportFileName(trace, now), u"Quorvix-POST-request-1700000000.har"_s);
     trace.method.reset();

@@ -71,7 +71,7 @@ private:
     void hold(const QByteArray &body)
     {
         QVERIFY(QXBreakpointCenter::shared().check(
-            URLRequest(heldUrl), u"1"_s, body, NSHTTPURLResponse::create(heldUrl, 200, u"HTTP/1.1"_s, {}), {},
+            URLRequest(heldUrl), u"1"_s, body, Exchanges::makeResponse(200), {},
             [this](const auto &data, auto, auto) { m_delivered.append(data.value_or(QByteArray())); }));
     }
     void pressAll(const QString &keys)

@@ -1,4 +1,5 @@
 #include "Tests/CommandRunner.h"
+#include "Tests/Exchanges.h"
 #include "Tests/TestKit.h"
 
 #include "Quorvix/QXCurlCommandBuilder.h"
@@ -11,6 +12,7 @@
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
+using Exchanges::makeTrace;
 
 namespace {
 
@@ -113,11 +115,11 @@ void CurlCommandTest::writesText()
 void CurlCommandTest::needsURL()
 {
     QXRequestTrace trace = makeTrace(QString());
-    QCOMPARE(commandFor(trace), u"Missing request URL."_s);
-    trace.url.reset();
     const auto command = QXCurlCommandBuilder::build(trace);
     QVERIFY(!command);
     QCOMPARE(command.error(), makeError(QXExportError::missingRequestURL));
+    trace.url = QUrl();
+    QCOMPARE(commandFor(trace), u"Missing request URL."_s);
 }
 
 /// Bodies are converted piece by piece; here, pieces end everywhere in the pattern.

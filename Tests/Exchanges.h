@@ -5,6 +5,9 @@
 /// Requests and responses as the tests of several subsystems need them.
 namespace Exchanges {
 
+/// When a trace was sent: 2023-11-14T22:13:20.900Z.
+inline constexpr std::chrono::system_clock::time_point sent{std::chrono::milliseconds(1'700'000'000'900)};
+
 /// Without a URL when @p url is empty.
 inline Quorvix::URLRequest makeRequest(const QString &url,
                                        const std::optional<QString> &method = QStringLiteral("GET"))
@@ -20,6 +23,28 @@ inline Quorvix::NSHTTPURLResponsePtr makeResponse(qint64 status, Quorvix::NSHead
 {
     return Quorvix::NSHTTPURLResponse::create(QUrl(QStringLiteral("http://host/")), status,
                                               QStringLiteral("HTTP/2.0"), std::move(fields));
+}
+
+/// An exchange that has no outcome yet; without a URL when @p url is empty.
+inline QXRequestTrace makeTrace(const QString &url, const Quorvix::HTTPHeaderFields &headers = {},
+                                const std::optional<QByteArray> &body = {})
+{
+    Quorvix::URLRequest request = makeRequest(url);
+    request.allHTTPHeaderFields = headers;
+    request.httpBody = body;
+    QXRequestTrace trace(QStringLiteral("ID"), request);
+    trace.date = sent;
+    return trace;
+}
+
+/// A response that came a second after a trace was sent.
+inline QXResponseTrace makeResponseTrace(qint64 status, const std::optional<QByteArray> &body = {},
+                                         const Quorvix::HTTPHeaderFields &headers = {})
+{
+    QXResponseTrace response(*makeResponse(status), body);
+    response.headers = headers;
+    response.date = sent + std::chrono::seconds(1);
+    return response;
 }
 
 inline void record(const QString &id, const QString &url,

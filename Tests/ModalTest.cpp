@@ -1,3 +1,4 @@
+#include "Tests/Exchanges.h"
 #include "Tests/ScreenTest.h"
 #include "Tests/TestKit.h"
 
@@ -112,12 +113,11 @@ void ModalTest::init()
     m_hostField->forceActiveFocus();
 
     QXBreakpointStore::shared().insert(*QXBreakpointKey::make(QUrl(u"https://shop.test/held"_s), {}));
-    URLRequest request(QUrl(u"https://shop.test/v1/users/42"_s));
+    URLRequest request = Exchanges::makeRequest(u"https://shop.test/v1/users/42"_s);
     request.allHTTPHeaderFields = {
         {u"Authorization"_s, QString::fromLatin1(("[1" + QByteArray(",2").repeated(60) + "]").toBase64())}};
     QXRequestRecorder::shared().record(u"id"_s, request);
-    const auto response = NSHTTPURLResponse::create(*request.url, 200, u"HTTP/1.1"_s, {});
-    QXRequestRecorder::shared().complete(u"id"_s, response, "{\"a\":1}", {});
+    Exchanges::complete(u"id"_s, 200, "{\"a\":1}");
     click("QXFloatingButton");
     QVERIFY(waitFor("QXRequestRow"));
 }

@@ -21,26 +21,12 @@
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
+using Exchanges::makeResponseTrace;
+using Exchanges::makeTrace;
 
 namespace {
 
-/// 2023-11-14 22:13:20 UTC.
-constexpr std::chrono::system_clock::time_point then{std::chrono::seconds(1700000000)};
-
-QXRequestTrace makeTrace(const QString &url = u"https://shop.test/v1/users/42?q=1"_s)
-{
-    QXRequestTrace trace(u"id"_s, Exchanges::makeRequest(url));
-    trace.date = then;
-    return trace;
-}
-
-QXResponseTrace makeResponse(qint64 status, std::optional<QByteArray> body = {},
-                             const NSHeaderFields &headers = {})
-{
-    QXResponseTrace trace(*Exchanges::makeResponse(status, headers), std::move(body));
-    trace.date = then;
-    return trace;
-}
+const QString user = u"https://shop.test/v1/users/42?q=1"_s;
 
 QStringList titles(const QXRequestDetailsViewModel &model)
 {
@@ -116,14 +102,14 @@ void RequestDetailsModelTest::init()
 
 void RequestDetailsModelTest::sectionsOfACompletedExchange()
 {
-    auto trace = makeTrace();
+    auto trace = makeTrace(user);
     HTTPCookieStorage::shared().setCookies({QNetworkCookie("sid", "a1")}, *trace.url);
     trace.method = u"PUT"_s;
     trace.headers = HTTPHeaderFields{{u"accept"_s, u"*/*"_s}, {u"Zone"_s, u"z"_s}};
     trace.body = "{}";
     trace.duration = 1.23456;
     // A cookie that the response sets is not listed unless the storage has it.
-    trace.response = makeResponse(404, "oops", {{u"ETag"_s, u"x"_s}, {u"Set-Cookie"_s, u"other=1"_s}});
+    trace.response = makeResponseTrace(404, "oops", {{u"ETag"_s, u"x"_s}, {u"Set-Cookie"_s, u"other=1"_s}});
     trace.error = QXFailureNote(NSError{u"D"_s, -7, u"It failed."_s});
     QXRequestDetailsViewModel model(trace);
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -139,9 +125,9 @@ void RequestDetailsModelTest::sectionsOfACompletedExchange()
     for (const QString &cookies : {u"REQUEST COOKIES"_s, u"RESPONSE COOKIES"_s})
         QCOMPARE(values(model, cookies), QStringList(u"sid=a1"_s));
     QCOMPARE(values(model, u"RESPONSE"_s),
-             QStringList({u"Status Code=404"_s, u"Time=Nov 14, 2023, 10:13:20 PM"_s}));
+             QStringList({u"Status Code=404"_s, u"Time=Nov 14, 2023, 10:13:21 PM"_s}));
     QCOMPARE(values(model, u"RESPONSE CACHE"_s),
-             QStringList(u"After request=lastAccess: 2023-11-14T22:13:20Z\neTag: x"_s));
+             QStringList(u"After request=lastAccess: 2023-11-14T22:13:21Z\neTag: x"_s));
     QCOMPARE(document(model, u"RESPONSE BODY"_s)->text(), u"oops"_s);
     QCOMPARE(values(model, u"ERROR"_s),
              QStringList({u"Description=It failed."_s, u"Domain=D"_s, u"Code=-7"_s}));
@@ -162,8 +148,8 @@ void RequestDetailsModelTest::sectionsOfWhatIsMissing()
     QCOMPARE(values(model, u"REQUEST"_s).mid(0, 2), QStringList({u"URL=N/A"_s, u"Method=GET"_s}));
     trace.body = QByteArray();
     QCOMPARE(sections(trace), u"REQUEST BODY"_s);
-    trace = makeTrace();
-    trace.response = makeResponse(200);
+    trace = makeTrace(user);
+    trace.response = makeResponseTrace(200);
     QCOMPARE(sections(trace), u"RESPONSE|RESPONSE CACHE"_s);
     trace.response.reset();
     trace.error = QXFailureNote(makeURLError(NSURLErrorTimedOut));
@@ -173,8 +159,8 @@ void RequestDetailsModelTest::sectionsOfWhatIsMissing()
 void RequestDetailsModelTest::statusColors()
 {
     const auto color = [](int status) {
-        auto trace = makeTrace();
-        trace.response = makeResponse(status);
+        auto trace = makeTrace(user);
+        trace.response = makeResponseTrace(status);
         const QXRequestDetailsViewModel model(trace);
         const auto shown = sectionData(model, u"RESPONSE"_s, QXRequestDetailsViewModel::ValuesRole).toList();
         return shown[0].value<QXRequestValue>().color;
@@ -204,15 +190,15 @@ void RequestDetailsModelTest::bodyTexts_data()
 void RequestDetailsModelTest::bodyTexts()
 {
     QFETCH(const QByteArray, body);
-    auto trace = makeTrace();
+    auto trace = makeTrace(user);
     trace.body = body;
     QTEST(document(QXRequestDetailsViewModel(trace), u"REQUEST BODY"_s)->text(), "text");
 }
 
 void RequestDetailsModelTest::largeBodiesAreMadeReadableElsewhere()
 {
-    auto trace = makeTrace();
-    trace.response = makeResponse(200, "{\"b\":\"" + QByteArray(1'000'000, 'x') + "\",\"a\":1}");
+    auto trace = makeTrace(user);
+    trace.response = makeResponseTrace(200, "{\"b\":\"" + QByteArray(1'000'000, 'x') + "\",\"a\":1}");
     {
         const QXRequestDetailsViewModel gone(trace); // what is made for it has nowhere to go
     }
@@ -233,7 +219,7 @@ void RequestDetailsModelTest::datesAndByteCounts()
                                        {u"ja_JP"_s, u"2023年11月14日, 22時13分20秒"_s},
                                        {u"es_ES"_s, u"14 de nov de 2023, 22:13:20"_s}}) {
         QLocale::setDefault(QLocale(locale));
-        QCOMPARE(QXDisplayFormat::date(then), date);
+        QCOMPARE(QXDisplayFormat::date(Exchanges::sent), date);
     }
     QLocale::setDefault(QLocale(u"en_US"_s));
     for (const auto &[bytes, text] : {std::pair(0, u"0 KB"_s),
@@ -278,8 +264,8 @@ void RequestDetailsModelTest::logTreeOfABody()
 
 void RequestDetailsModelTest::sharing()
 {
-    auto trace = makeTrace();
-    trace.response = makeResponse(200, "{\"a\":1}");
+    auto trace = makeTrace(user);
+    trace.response = makeResponseTrace(200, "{\"a\":1}");
     QXRequestDetailsViewModel model(trace);
     model.shareCurl();
     QVERIFY(model.shareItem()->activityItems.value(0).toString().startsWith(u"curl "_s));
@@ -307,12 +293,12 @@ void RequestDetailsModelTest::sharingFailures()
                    ? model.alertMessage().value_or(QString())
                    : QString();
     };
-    QCOMPARE(failure(makeTrace(), &Model::shareMockServerFile),
+    QCOMPARE(failure(makeTrace(user), &Model::shareMockServerFile),
              u"No response body available to generate a mock."_s);
-    QCOMPARE(failure(makeTrace(), &Model::shareSwiftModel),
+    QCOMPARE(failure(makeTrace(user), &Model::shareSwiftModel),
              u"No JSON payload available to generate a model."_s);
-    auto page = makeTrace();
-    page.response = makeResponse(200, "<html>");
+    auto page = makeTrace(user);
+    page.response = makeResponseTrace(200, "<html>");
     QCOMPARE(failure(page, &Model::shareSwiftModel), u"Failed to parse JSON payload."_s);
     // A name that no file can have.
     QVERIFY(
@@ -321,27 +307,26 @@ void RequestDetailsModelTest::sharingFailures()
 
 void RequestDetailsModelTest::rawDetailsOfACompletedExchange()
 {
-    auto trace = makeTrace();
+    auto trace = makeTrace(user);
     HTTPCookieStorage::shared().setCookies({QNetworkCookie("sid", "a1")}, *trace.url);
     trace.method = u"POST"_s;
     trace.headers = HTTPHeaderFields{{u"b"_s, u"2"_s}, {u"A"_s, u"1"_s}};
     trace.body = "{\"b\":1,\"a\":2}";
     trace.duration = 0.5;
-    trace.response = makeResponse(201, "\xFF\x01"_ba, {{u"ETag"_s, u"x"_s}});
-    const QString date = u"Nov 14, 2023, 10:13:20 PM"_s;
+    trace.response = makeResponseTrace(201, "\xFF\x01"_ba, {{u"ETag"_s, u"x"_s}});
     const QStringList expected{
         block(u"URL"_s, u"https://shop.test/v1/users/42?q=1"_s),
         block(u"HTTP type"_s, u"POST"_s),
         block(u"Request Headers"_s, u"{\n    \"A\" = 1;\n    \"b\" = 2;\n}"_s),
         block(u"Request Cookies"_s, u"sid = a1"_s),
         block(u"Request Body"_s, u"{\n  \"a\" : 2,\n  \"b\" : 1\n}"_s),
-        block(u"Request time"_s, date),
+        block(u"Request time"_s, u"Nov 14, 2023, 10:13:20 PM"_s),
         block(u"Request status"_s, u"Completed"_s),
         block(u"HTTP Response code"_s, u"201"_s),
-        block(u"Response Time"_s, date),
+        block(u"Response Time"_s, u"Nov 14, 2023, 10:13:21 PM"_s),
         block(u"Response Headers"_s, u"{\n    \"ETag\" = x;\n}"_s),
         block(u"Response Cookies"_s, u"sid = a1"_s),
-        block(u"Response Cache"_s, u"After request\nlastAccess: 2023-11-14T22:13:20Z\neTag: x"_s),
+        block(u"Response Cache"_s, u"After request\nlastAccess: 2023-11-14T22:13:21Z\neTag: x"_s),
         block(u"Response Body"_s, u"ff 01"_s),
         block(u"Roundtrip duration"_s, u"0.500000 secs"_s),
         block(u"Request Size"_s, u"1 KB"_s)};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Tests/Exchanges.h"
 #include "Tests/ScreenDriver.h"
 
 #include "Quorvix/QXBreakpointCenter.h"
@@ -93,9 +94,8 @@ protected:
     {
         const QUrl url(QStringLiteral("http://host/held"));
         QXBreakpointStore::shared().insert(*QXBreakpointKey::make(url, {}));
-        const auto response = Quorvix::NSHTTPURLResponse::create(url, 200, QStringLiteral("HTTP/1.1"), {});
         return QXBreakpointCenter::shared().check(Quorvix::URLRequest(url), QStringLiteral("held"), body,
-                                                  response, {}, release);
+                                                  Exchanges::makeResponse(200), {}, release);
     }
 
     [[nodiscard]] QQuickItem *find(const char *name) { return ScreenDriver::find(*m_window, name); }

@@ -1,3 +1,4 @@
+#include "Tests/Exchanges.h"
 #include "Tests/TestKit.h"
 
 #include "Quorvix/QXApiTreeParser.h"
@@ -14,6 +15,8 @@
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
+using Exchanges::makeResponseTrace;
+using Exchanges::makeTrace;
 
 namespace {
 
@@ -253,9 +256,7 @@ void SwiftModelTest::exportsPayload()
     QFETCH(const QString, fileName);
     QFETCH(const QString, property);
     QXRequestTrace trace = makeTrace(url, {}, R"({"asked":1})"_ba);
-    if (url.isEmpty())
-        trace.url.reset();
-    trace.response = makeResponse(200, responseBody);
+    trace.response = makeResponseTrace(200, responseBody);
     const auto file = QXSwiftModelExport::exportTrace(trace);
     QVERIFY(file);
     QCOMPARE(file.value(), QUrl::fromLocalFile(m_temporary->path(u"Quorvix/"_s + fileName)));

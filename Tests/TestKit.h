@@ -1,34 +1,10 @@
 #pragma once
 
-#include "Quorvix/QXRequestTrace.h"
-
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTranslator>
-
-/// An exchange that was sent at 2023-11-14T22:13:20.900Z.
-inline QXRequestTrace makeTrace(const QString &url, const Quorvix::HTTPHeaderFields &headers = {},
-                                const std::optional<QByteArray> &body = {})
-{
-    Quorvix::URLRequest request{QUrl(url)};
-    request.allHTTPHeaderFields = headers;
-    request.httpBody = body;
-    QXRequestTrace trace(QStringLiteral("ID"), request);
-    trace.date = std::chrono::system_clock::time_point(std::chrono::milliseconds(1'700'000'000'900));
-    return trace;
-}
-
-/// A response that came a second later.
-inline QXResponseTrace makeResponse(qint64 status, const std::optional<QByteArray> &body,
-                                    const Quorvix::HTTPHeaderFields &headers = {})
-{
-    QXResponseTrace response(Quorvix::NSHTTPURLResponse({}, status, QStringLiteral("HTTP/2"), {}), body);
-    response.headers = headers;
-    response.date = std::chrono::system_clock::time_point(std::chrono::milliseconds(1'700'000'001'900));
-    return response;
-}
 
 inline QByteArray contentOf(const QString &path)
 {
