@@ -1,3 +1,4 @@
+#include "Tests/Contrast.h"
 #include "Tests/Exchanges.h"
 #include "Tests/ScreenTest.h"
 #include "Tests/TestKit.h"
@@ -6,8 +7,6 @@
 
 #include <QtCore/QScopeGuard>
 #include <QtGui/QPalette>
-
-#include <cmath>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
@@ -46,32 +45,6 @@ Open through(const Open &before, const char *item)
         before(window);
         click(window, item);
     };
-}
-
-/// WCAG 2.1, "relative luminance".
-double luminance(const QColor &color)
-{
-    const auto linear = [](double part) {
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-QColor over(const QColor &color, const QColor &ground)
-{
-    const auto mixed = [&](float part, float below) {
-        return part * color.alphaF() + below * (1 - color.alphaF());
-    };
-    return QColor::fromRgbF(mixed(color.redF(), ground.redF()), mixed(color.greenF(), ground.greenF()),
-                            mixed(color.blueF(), ground.blueF()));
-}
-
-/// WCAG 2.1, "contrast ratio".
-double contrast(const QColor &color, const QColor &ground)
-{
-    const double one = luminance(over(color, ground));
-    const double other = luminance(ground);
-    return (qMax(one, other) + 0.05) / (qMin(one, other) + 0.05);
 }
 
 } // namespace
@@ -329,8 +302,8 @@ void ModalTest::colorsContrast()
         const std::unique_ptr<QObject> object(component.create());
         const auto *const theme = object->property("theme").value<QObject *>();
         for (const QString &ground : grounds) {
-            const double ratio = contrast(theme->property(color.toLatin1()).value<QColor>(),
-                                          theme->property(ground.toLatin1()).value<QColor>());
+            const double ratio = Contrast::ratio(theme->property(color.toLatin1()).value<QColor>(),
+                                                 theme->property(ground.toLatin1()).value<QColor>());
             QVERIFY2(ratio >= least,
                      qPrintable(u"%1 on %2: %3, dark %4"_s.arg(color, ground).arg(ratio).arg(isDark)));
         }
