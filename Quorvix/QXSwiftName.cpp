@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXPathSegment.h"
 
+#include "Platform/CodePoint.h"
 #include "Platform/URLText.h"
 
 #include <QtCore/QByteArray>
@@ -17,20 +18,6 @@ namespace {
 constexpr QLatin1StringView response = "Response"_L1;
 
 enum class FirstWord { Upper, Lower };
-
-/// One code point; a lone surrogate stands for itself.
-char32_t codePointAt(QStringView text, qsizetype at)
-{
-    const QChar unit = text[at];
-    if (unit.isHighSurrogate() && at + 1 < text.size() && text[at + 1].isLowSurrogate())
-        return QChar::surrogateToUcs4(unit, text[at + 1]);
-    return unit.unicode();
-}
-
-qsizetype unitCount(char32_t codePoint)
-{
-    return QChar::requiresSurrogates(codePoint) ? 2 : 1;
-}
 
 bool isLetter(char32_t codePoint)
 {

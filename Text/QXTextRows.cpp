@@ -2,6 +2,8 @@
 
 #include "Text/QXTextCell.h"
 
+#include "Platform/CodePoint.h"
+
 #include <QtCore/QChar>
 
 #include <algorithm>
@@ -53,20 +55,10 @@ public:
     [[nodiscard]] RowEnd rowFrom(qsizetype start) const;
 
 private:
-    [[nodiscard]] char32_t characterAt(qsizetype position) const;
-
     const char16_t *m_text;
     qsizetype m_size;
     int m_columns;
 };
-
-char32_t RowBreaker::characterAt(qsizetype position) const
-{
-    const char16_t unit = m_text[position];
-    if (QChar::isHighSurrogate(unit) && position + 1 < m_size && QChar::isLowSurrogate(m_text[position + 1]))
-        return QChar::surrogateToUcs4(unit, m_text[position + 1]);
-    return unit;
-}
 
 RowEnd RowBreaker::rowFrom(qsizetype start) const
 {
@@ -76,7 +68,7 @@ RowEnd RowBreaker::rowFrom(qsizetype start) const
     char32_t previous = position > start ? m_text[base] : 0;
     const qsizetype limit = start + unitsPerColumn * m_columns;
     while (position < m_size) {
-        const char32_t character = characterAt(position);
+        const char32_t character = Quorvix::codePointAt({m_text, m_size}, position);
         if (character == U'\n')
             return {position + 1, true};
         if (character == U'\r')
@@ -88,7 +80,7 @@ RowEnd RowBreaker::rowFrom(qsizetype start) const
             return {base > start ? base : position, false};
         column += cell.columns;
         previous = character;
-        position += QChar::requiresSurrogates(character) ? 2 : 1;
+        position += Quorvix::unitCount(character);
     }
     return {m_size, false};
 }
