@@ -24,6 +24,9 @@ namespace {
 
 using Headers = std::optional<HTTPHeaderFields>;
 
+/// The half of an exchange that is written.
+enum class Side { Request, Response };
+
 /// The header of exactly this spelling. Null when there is none.
 const QString *exactHeader(const Headers &headers, const QString &name)
 {
@@ -67,6 +70,24 @@ QStringView takeLine(QStringView &text)
     const QStringView line = text.first(lineBreak - text.begin());
     text = text.sliced(std::min(line.size() + 1, text.size()));
     return line;
+}
+
+/// The cookies in a header's value, names and values not yet parted: one after the other in a request's; in a
+/// response's one on a line, behind which its attributes stand.
+QList<QStringView> cookiesIn(QStringView header, Side side)
+{
+    QList<QStringView> cookies;
+    if (side == Side::Request) {
+        for (const QStringView piece : header.split(u';'))
+            cookies += withoutBlanksAround(piece);
+        return cookies;
+    }
+    while (!header.isEmpty()) {
+        const QStringView line = takeLine(header);
+        const qsizetype attributes = line.indexOf(u';');
+        cookies += attributes < 0 ? line : line.first(attributes);
+    }
+    return cookies;
 }
 
 /// Writes the parts of the document. Every object's keys are written in alphabetical order.
@@ -177,12 +198,12 @@ private:
         m_writer.key("request"_L1);
         m_writer.beginObject();
         writeBodySize(trace.body);
-        writeRequestCookies(exactHeader(trace.headers, u"Cookie"_s));
+        writeCookies(trace.headers, Side::Request);
         writeHeaders(trace.headers);
         string("method"_L1, sentMethod(trace.method));
         if (trace.body) {
             m_writer.key("postData"_L1);
-            writeBody(*trace.body, trace.headers, false);
+            writeBody(*trace.body, trace.headers, Side::Request);
         }
         writeQuery(trace.url);
         string("url"_L1, trace.url ? absoluteString(*trace.url) : QString());
@@ -198,10 +219,10 @@ private:
         writeBodySize(body);
         m_writer.key("content"_L1);
         if (body)
-            writeBody(*body, headers, true);
+            writeBody(*body, headers, Side::Response);
         else
             writeEmptyContent();
-        writeResponseCookies(exactHeader(headers, u"Set-Cookie"_s));
+        writeCookies(headers, Side::Response);
         writeHeaders(headers);
         string("redirectURL"_L1, {});
         integer("status"_L1, response ? response->statusCode : 0);
@@ -215,7 +236,7 @@ private:
         integer("bodySize"_L1, body ? body->size() : -1);
     }
 
-    void writeBody(const QByteArray &body, const Headers &headers, bool hasSize)
+    void writeBody(const QByteArray &body, const Headers &headers, Side side)
     {
         const bool isText = isValidUtf8(body);
         const QString *type = exactHeader(headers, u"Content-Type"_s);
@@ -223,7 +244,7 @@ private:
         if (!isText)
             string("encoding"_L1, u"base64");
         string("mimeType"_L1, type ? QStringView(*type) : u"application/octet-stream");
-        if (hasSize)
+        if (side == Side::Response)
             integer("size"_L1, body.size());
         m_writer.key("text"_L1);
         if (isText)
@@ -271,28 +292,13 @@ private:
         m_writer.endArray();
     }
 
-    void writeRequestCookies(const QString *header)
+    void writeCookies(const Headers &headers, Side side)
     {
+        const QString *header = exactHeader(headers, side == Side::Request ? u"Cookie"_s : u"Set-Cookie"_s);
         m_writer.key("cookies"_L1);
         m_writer.beginArray();
-        if (header) {
-            for (const QStringView piece : QStringView(*header).split(u';'))
-                writeCookie(withoutBlanksAround(piece));
-        }
-        m_writer.endArray();
-    }
-
-    /// One cookie per line; its attributes are no part of the pair.
-    void writeResponseCookies(const QString *header)
-    {
-        m_writer.key("cookies"_L1);
-        m_writer.beginArray();
-        QStringView rest = header ? QStringView(*header) : QStringView();
-        while (!rest.isEmpty()) {
-            const QStringView line = takeLine(rest);
-            const qsizetype attributes = line.indexOf(u';');
-            writeCookie(attributes < 0 ? line : line.first(attributes));
-        }
+        for (const QStringView cookie : header ? cookiesIn(*header, side) : QList<QStringView>())
+            writeCookie(cookie);
         m_writer.endArray();
     }
 
