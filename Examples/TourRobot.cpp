@@ -1,5 +1,7 @@
 #include "Examples/TourRobot.h"
 
+#include "Examples/VisibleItems.h"
+
 #include <QtCore/QDateTime>
 #include <QtCore/QDeadlineTimer>
 #include <QtGui/QClipboard>
@@ -25,20 +27,6 @@ constexpr int notch = 120;
 /// About as far as a few turns of the wheel take a page after they have ended, in pixels.
 constexpr double glide = 500;
 constexpr auto restLimit = 3s;
-
-/// Visits the visible items below @p item in the order in which they are painted.
-template<typename Visit>
-void visitVisible(QQuickItem *item, const Visit &visit)
-{
-    visit(item);
-    QList<QQuickItem *> children = item->childItems();
-    std::stable_sort(children.begin(), children.end(),
-                     [](const QQuickItem *left, const QQuickItem *right) { return left->z() < right->z(); });
-    for (QQuickItem *child : std::as_const(children)) {
-        if (child->isVisible() && child->opacity() > 0)
-            visitVisible(child, visit);
-    }
-}
 
 /// Whether an item is what TourRobot::find() is asked for.
 bool isNamed(const QQuickItem *item, const QString &name)

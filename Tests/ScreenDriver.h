@@ -1,29 +1,15 @@
 #pragma once
 
+#include "Examples/VisibleItems.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 #include <QtTest/QTest>
 
-#include <algorithm>
-
 /// Finds items on a window by their object names and acts on them by real events.
 namespace ScreenDriver {
-
-/// Calls @p visit for every visible item, in the order in which they are painted.
-template<typename Visit>
-void visitVisible(QQuickItem *item, const Visit &visit)
-{
-    if (!item->isVisible() || item->opacity() == 0)
-        return;
-    visit(item);
-    QList<QQuickItem *> children = item->childItems();
-    std::stable_sort(children.begin(), children.end(),
-                     [](auto *left, auto *right) { return left->z() < right->z(); });
-    for (QQuickItem *const child : children)
-        visitVisible(child, visit);
-}
 
 inline QList<QQuickItem *> findAll(QQuickItem &root, const char *name)
 {

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QtQuick/QQuickItem>
+
+#include <algorithm>
+
+/// Calls @p visit for @p item and all below it that can be seen, in the order in which they are painted. What
+/// stands in an item that is hidden or wholly transparent cannot.
+template<typename Visit>
+void visitVisible(QQuickItem *item, const Visit &visit)
+{
+    if (!item->isVisible() || item->opacity() == 0)
+        return;
+    visit(item);
+    QList<QQuickItem *> children = item->childItems();
+    std::stable_sort(children.begin(), children.end(),
+                     [](const QQuickItem *left, const QQuickItem *right) { return left->z() < right->z(); });
+    for (QQuickItem *const child : std::as_const(children))
+        visitVisible(child, visit);
+}
