@@ -24,11 +24,6 @@ namespace {
 constexpr qsizetype previewLength = 4096;
 constexpr qsizetype titleLength = 80;
 
-QString translated(const char *text)
-{
-    return QCoreApplication::translate("Quorvix", text);
-}
-
 /// The text that @p bytes begin with, up to a character that is cut off; empty when they are no text.
 QString leadingText(const QByteArray &bytes)
 {
@@ -93,7 +88,8 @@ QString UIActivityViewController::subtitle() const
 {
     const QLocale locale;
     if (!isFile())
-        return translated("Text") + QStringLiteral(" · ") + locale.formattedDataSize(text().toUtf8().size());
+        return QCoreApplication::translate("Quorvix", "Text") + QStringLiteral(" · ") +
+               locale.formattedDataSize(text().toUtf8().size());
     const QFileInfo info(filePath());
     return info.suffix().toUpper() + QStringLiteral(" · ") + locale.formattedDataSize(info.size());
 }

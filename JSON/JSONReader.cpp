@@ -2,9 +2,10 @@
 
 #include "JSON/SimdjsonFence.h"
 
+#include "Platform/Localized.h"
 #include "Platform/UTF8Text.h"
 
-#include <QtCore/QCoreApplication>
+#include <iterator>
 
 namespace Quorvix {
 
@@ -12,31 +13,21 @@ using SimdjsonFence::Failure;
 
 namespace {
 
-const char *sentenceFor(Failure failure)
-{
-    switch (failure) {
-    case Failure::Empty:
-        return "The text is empty.";
-    case Failure::NotUtf8:
-        return "The text is not valid UTF-8.";
-    case Failure::TooDeep:
-        return "The JSON text is nested too deeply.";
-    case Failure::MalformedNumber:
-        return "The JSON text holds a malformed number.";
-    case Failure::MalformedString:
-        return "The JSON text holds a malformed string.";
-    case Failure::TooLarge:
-        return "The JSON text is too large.";
-    case Failure::NotJson:
-        break;
-    }
-    return "The text is not valid JSON.";
-}
+/// In the order of the enumerators.
+constexpr const char *sentences[] = {
+    QT_TRANSLATE_NOOP("Quorvix", "The text is empty."),
+    QT_TRANSLATE_NOOP("Quorvix", "The text is not valid UTF-8."),
+    QT_TRANSLATE_NOOP("Quorvix", "The JSON text is nested too deeply."),
+    QT_TRANSLATE_NOOP("Quorvix", "The JSON text holds a malformed number."),
+    QT_TRANSLATE_NOOP("Quorvix", "The JSON text holds a malformed string."),
+    QT_TRANSLATE_NOOP("Quorvix", "The JSON text is too large."),
+    QT_TRANSLATE_NOOP("Quorvix", "The text is not valid JSON."),
+};
+static_assert(std::size(sentences) == size_t(Failure::NotJson) + 1);
 
 NSError readError(const char *sentence)
 {
-    return {NSCocoaErrorDomain, NSPropertyListReadCorruptError,
-            QCoreApplication::translate("Quorvix", sentence)};
+    return {NSCocoaErrorDomain, NSPropertyListReadCorruptError, localized(sentence)};
 }
 
 } // namespace
@@ -45,11 +36,12 @@ Result<JSONDocument> JSONReader::parse(QByteArrayView utf8, TopLevel topLevel)
 {
     SimdjsonFence::Outcome outcome = SimdjsonFence::parse(UTF8Text::withoutByteOrderMark(utf8));
     if (!outcome.storage)
-        return readError(sentenceFor(outcome.failure));
+        return readError(sentences[size_t(outcome.failure)]);
     JSONDocument document(std::move(outcome.storage));
     const JSONValue::Kind kind = document.root().kind();
     if (topLevel == TopLevel::Container && kind != JSONValue::Kind::Object && kind != JSONValue::Kind::Array)
-        return readError("The top level of the JSON text is neither an object nor an array.");
+        return readError(QT_TRANSLATE_NOOP(
+            "Quorvix", "The top level of the JSON text is neither an object nor an array."));
     return document;
 }
 

@@ -1,66 +1,65 @@
 #include "Platform/NSError.h"
 
-#include <QtCore/QCoreApplication>
+#include "Platform/Localized.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace Quorvix {
 
 namespace {
 
+struct Sentence
+{
+    NSURLErrorCode code;
+    const char *text;
+};
+
+constexpr Sentence sentences[] = {
+    {NSURLErrorCancelled, QT_TRANSLATE_NOOP("Quorvix", "cancelled")},
+    {NSURLErrorBadURL, QT_TRANSLATE_NOOP("Quorvix", "bad URL")},
+    {NSURLErrorTimedOut, QT_TRANSLATE_NOOP("Quorvix", "The request timed out.")},
+    {NSURLErrorUnsupportedURL, QT_TRANSLATE_NOOP("Quorvix", "unsupported URL")},
+    {NSURLErrorCannotFindHost,
+     QT_TRANSLATE_NOOP("Quorvix", "A server with the specified hostname could not be found.")},
+    {NSURLErrorCannotConnectToHost, QT_TRANSLATE_NOOP("Quorvix", "Could not connect to the server.")},
+    {NSURLErrorNetworkConnectionLost, QT_TRANSLATE_NOOP("Quorvix", "The network connection was lost.")},
+    {NSURLErrorDNSLookupFailed, QT_TRANSLATE_NOOP("Quorvix", "The host's address could not be looked up.")},
+    {NSURLErrorHTTPTooManyRedirects, QT_TRANSLATE_NOOP("Quorvix", "too many HTTP redirects")},
+    {NSURLErrorResourceUnavailable, QT_TRANSLATE_NOOP("Quorvix", "resource unavailable")},
+    {NSURLErrorNotConnectedToInternet,
+     QT_TRANSLATE_NOOP("Quorvix", "The Internet connection appears to be offline.")},
+    {NSURLErrorRedirectToNonExistentLocation,
+     QT_TRANSLATE_NOOP("Quorvix", "redirected to a location that does not exist")},
+    {NSURLErrorBadServerResponse, QT_TRANSLATE_NOOP("Quorvix", "There was a bad response from the server.")},
+    {NSURLErrorUserAuthenticationRequired, QT_TRANSLATE_NOOP("Quorvix", "Authentication is required.")},
+    {NSURLErrorCannotDecodeContentData, QT_TRANSLATE_NOOP("Quorvix", "cannot decode the content")},
+    {NSURLErrorCannotParseResponse, QT_TRANSLATE_NOOP("Quorvix", "cannot parse response")},
+    {NSURLErrorSecureConnectionFailed,
+     QT_TRANSLATE_NOOP("Quorvix", "A TLS error caused the secure connection to fail.")},
+    {NSURLErrorServerCertificateHasBadDate,
+     QT_TRANSLATE_NOOP("Quorvix", "The certificate for this server is invalid.")},
+    {NSURLErrorServerCertificateNotYetValid,
+     QT_TRANSLATE_NOOP("Quorvix", "The certificate for this server is invalid.")},
+    {NSURLErrorServerCertificateUntrusted,
+     QT_TRANSLATE_NOOP("Quorvix", "The certificate for this server is invalid.")},
+    {NSURLErrorServerCertificateHasUnknownRoot,
+     QT_TRANSLATE_NOOP("Quorvix", "The certificate for this server is invalid.")},
+    {NSURLErrorClientCertificateRejected,
+     QT_TRANSLATE_NOOP("Quorvix", "The server did not accept the certificate.")},
+};
+
 const char *sentenceFor(NSURLErrorCode code)
 {
-    switch (code) {
-    case NSURLErrorCancelled:
-        return "cancelled";
-    case NSURLErrorBadURL:
-        return "bad URL";
-    case NSURLErrorTimedOut:
-        return "The request timed out.";
-    case NSURLErrorUnsupportedURL:
-        return "unsupported URL";
-    case NSURLErrorCannotFindHost:
-        return "A server with the specified hostname could not be found.";
-    case NSURLErrorCannotConnectToHost:
-        return "Could not connect to the server.";
-    case NSURLErrorNetworkConnectionLost:
-        return "The network connection was lost.";
-    case NSURLErrorDNSLookupFailed:
-        return "The host's address could not be looked up.";
-    case NSURLErrorHTTPTooManyRedirects:
-        return "too many HTTP redirects";
-    case NSURLErrorResourceUnavailable:
-        return "resource unavailable";
-    case NSURLErrorNotConnectedToInternet:
-        return "The Internet connection appears to be offline.";
-    case NSURLErrorRedirectToNonExistentLocation:
-        return "redirected to a location that does not exist";
-    case NSURLErrorBadServerResponse:
-        return "There was a bad response from the server.";
-    case NSURLErrorUserAuthenticationRequired:
-        return "Authentication is required.";
-    case NSURLErrorCannotDecodeContentData:
-        return "cannot decode the content";
-    case NSURLErrorCannotParseResponse:
-        return "cannot parse response";
-    case NSURLErrorSecureConnectionFailed:
-        return "A TLS error caused the secure connection to fail.";
-    case NSURLErrorServerCertificateHasBadDate:
-    case NSURLErrorServerCertificateNotYetValid:
-    case NSURLErrorServerCertificateUntrusted:
-    case NSURLErrorServerCertificateHasUnknownRoot:
-        return "The certificate for this server is invalid.";
-    case NSURLErrorClientCertificateRejected:
-        return "The server did not accept the certificate.";
-    case NSURLErrorUnknown:
-        break;
-    }
-    return "unknown error";
+    const auto *const found = std::ranges::find(sentences, code, &Sentence::code);
+    return found != std::end(sentences) ? found->text : QT_TRANSLATE_NOOP("Quorvix", "unknown error");
 }
 
 } // namespace
 
 NSError makeURLError(NSURLErrorCode code)
 {
-    return {NSURLErrorDomain, code, QCoreApplication::translate("Quorvix", sentenceFor(code))};
+    return {NSURLErrorDomain, code, localized(sentenceFor(code))};
 }
 
 } // namespace Quorvix

@@ -1,5 +1,6 @@
 #include "Quorvix/QXApiTreeField.h"
 
+#include "Platform/Localized.h"
 #include "JSON/JSONWideNumbers.h"
 #include "JSON/JSONWriter.h"
 
@@ -13,11 +14,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// "[3 items]", and as it goes for one.
+/// "3 items", and as it goes for one.
 QString counted(quint32 count, const char *one, const char *many)
 {
-    const QString noun = QCoreApplication::translate("Quorvix", count == 1 ? one : many);
-    return QString::number(count) + u' ' + noun;
+    return QString::number(count) + u' ' + localized(count == 1 ? one : many);
 }
 
 /// The path of a node under @p parent, which is empty where it has none.
@@ -118,9 +118,17 @@ std::optional<QString> QXApiTreeField::summary() const
 {
     switch (m_form) {
     case Form::Object:
-        return m_size == 0 ? std::nullopt : std::optional(u'{' + counted(m_size, "key", "keys") + u'}');
+        return m_size == 0 ? std::nullopt
+                           : std::optional(u'{' +
+                                           counted(m_size, QT_TRANSLATE_NOOP("Quorvix", "key"),
+                                                   QT_TRANSLATE_NOOP("Quorvix", "keys")) +
+                                           u'}');
     case Form::Array:
-        return m_size == 0 ? std::nullopt : std::optional(u'[' + counted(m_size, "item", "items") + u']');
+        return m_size == 0 ? std::nullopt
+                           : std::optional(u'[' +
+                                           counted(m_size, QT_TRANSLATE_NOOP("Quorvix", "item"),
+                                                   QT_TRANSLATE_NOOP("Quorvix", "items")) +
+                                           u']');
     case Form::String:
         return u'"' + QString::fromUtf8(textUtf8()) + u'"';
     case Form::Int64:

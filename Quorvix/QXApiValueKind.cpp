@@ -1,31 +1,22 @@
 #include "Quorvix/QXApiValueKind.h"
 
-#include <QtCore/QCoreApplication>
+#include "Platform/Localized.h"
+
+#include <iterator>
 
 namespace {
 
-const char *nameOf(QXApiValueKind kind)
-{
-    switch (kind) {
-    case QXApiValueKind::object:
-        return "Object";
-    case QXApiValueKind::array:
-        return "Array";
-    case QXApiValueKind::string:
-        return "String";
-    case QXApiValueKind::number:
-        return "Number";
-    case QXApiValueKind::boolean:
-        return "Bool";
-    case QXApiValueKind::null:
-        break;
-    }
-    return "Null";
-}
+/// In the order of the enumerators.
+constexpr const char *names[] = {
+    QT_TRANSLATE_NOOP("Quorvix", "Object"), QT_TRANSLATE_NOOP("Quorvix", "Array"),
+    QT_TRANSLATE_NOOP("Quorvix", "String"), QT_TRANSLATE_NOOP("Quorvix", "Number"),
+    QT_TRANSLATE_NOOP("Quorvix", "Bool"),   QT_TRANSLATE_NOOP("Quorvix", "Null"),
+};
+static_assert(std::size(names) == size_t(QXApiValueKind::null) + 1);
 
 } // namespace
 
 QString displayName(QXApiValueKind kind)
 {
-    return QCoreApplication::translate("Quorvix", nameOf(kind));
+    return Quorvix::localized(names[size_t(kind)]);
 }

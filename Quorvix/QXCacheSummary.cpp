@@ -1,5 +1,6 @@
 #include "Quorvix/QXCacheSummary.h"
 
+#include "Platform/Localized.h"
 #include "Platform/NSISO8601DateFormatter.h"
 
 #include <QtCore/QCoreApplication>
@@ -10,11 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString localized(const char *text)
-{
-    return QCoreApplication::translate("Quorvix", text);
-}
-
 QString line(const char *label, const QString &value)
 {
     return localized(label) + ": "_L1 + value;
@@ -24,12 +20,12 @@ QStringList summaryLines(const QXCacheFacts &facts)
 {
     QStringList lines;
     if (facts.expires)
-        lines += line("expires", *facts.expires);
-    lines += line("lastAccess", facts.lastAccess);
+        lines += line(QT_TRANSLATE_NOOP("Quorvix", "expires"), *facts.expires);
+    lines += line(QT_TRANSLATE_NOOP("Quorvix", "lastAccess"), facts.lastAccess);
     if (facts.eTag)
-        lines += line("eTag", *facts.eTag);
+        lines += line(QT_TRANSLATE_NOOP("Quorvix", "eTag"), *facts.eTag);
     if (facts.comment)
-        lines += line("comment", *facts.comment);
+        lines += line(QT_TRANSLATE_NOOP("Quorvix", "comment"), *facts.comment);
     return lines;
 }
 
@@ -52,7 +48,8 @@ QXCacheFacts::QXCacheFacts(const QXResponseTrace &response)
 std::vector<QXCacheSection> cacheSummary(const std::optional<QXResponseTrace> &response)
 {
     if (!response)
-        return {
-            {localized("Cache data missing"), localized("The cache information is missing from the entry")}};
-    return {{localized("After request"), summaryLines(QXCacheFacts(*response)).join(u'\n')}};
+        return {{QCoreApplication::translate("Quorvix", "Cache data missing"),
+                 QCoreApplication::translate("Quorvix", "The cache information is missing from the entry")}};
+    return {{QCoreApplication::translate("Quorvix", "After request"),
+             summaryLines(QXCacheFacts(*response)).join(u'\n')}};
 }

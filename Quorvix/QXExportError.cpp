@@ -1,42 +1,32 @@
 #include "Quorvix/QXExportError.h"
 
-#include <QtCore/QCoreApplication>
+#include "Platform/Localized.h"
+
+#include <iterator>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-const char *sentenceFor(QXExportError reason)
-{
-    switch (reason) {
-    case QXExportError::missingRequestURL:
-        return "Missing request URL.";
-    case QXExportError::missingRequestMethod:
-        return "Missing request method.";
-    case QXExportError::missingResponseBody:
-        return "No response body available to generate a mock.";
-    case QXExportError::responseBodyNotJSON:
-        return "Response body is not valid JSON.";
-    case QXExportError::unmappableRequestPath:
-        return "Unable to map request path to mock server pattern.";
-    case QXExportError::mockFileNotCreated:
-        return "Failed to create mock file.";
-    case QXExportError::missingPayload:
-        return "No JSON payload available to generate a model.";
-    case QXExportError::payloadNotParsed:
-        return "Failed to parse JSON payload.";
-    case QXExportError::swiftModelNotGenerated:
-        return "Unable to generate Swift model.";
-    case QXExportError::swiftModelFileNotCreated:
-        return "Failed to create Swift model file.";
-    }
-    return "";
-}
+/// In the order of the enumerators.
+constexpr const char *sentences[] = {
+    QT_TRANSLATE_NOOP("Quorvix", "Missing request URL."),
+    QT_TRANSLATE_NOOP("Quorvix", "Missing request method."),
+    QT_TRANSLATE_NOOP("Quorvix", "No response body available to generate a mock."),
+    QT_TRANSLATE_NOOP("Quorvix", "Response body is not valid JSON."),
+    QT_TRANSLATE_NOOP("Quorvix", "Unable to map request path to mock server pattern."),
+    QT_TRANSLATE_NOOP("Quorvix", "Failed to create mock file."),
+    QT_TRANSLATE_NOOP("Quorvix", "No JSON payload available to generate a model."),
+    QT_TRANSLATE_NOOP("Quorvix", "Failed to parse JSON payload."),
+    QT_TRANSLATE_NOOP("Quorvix", "Unable to generate Swift model."),
+    QT_TRANSLATE_NOOP("Quorvix", "Failed to create Swift model file."),
+};
+static_assert(std::size(sentences) == size_t(QXExportError::swiftModelFileNotCreated) + 1);
 
 } // namespace
 
 NSError makeError(QXExportError reason)
 {
-    return {u"QXExportError"_s, int(reason), QCoreApplication::translate("Quorvix", sentenceFor(reason))};
+    return {u"QXExportError"_s, int(reason), localized(sentences[size_t(reason)])};
 }

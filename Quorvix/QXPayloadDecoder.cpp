@@ -5,6 +5,7 @@
 #include "Quorvix/QXJWTPieces.h"
 #include "Quorvix/QXWhiteSpace.h"
 
+#include "Platform/Localized.h"
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
 
@@ -19,11 +20,6 @@
 using namespace Quorvix;
 
 namespace {
-
-QString localized(const char *literal)
-{
-    return QCoreApplication::translate("Quorvix", literal);
-}
 
 QByteArrayView asUtf8(QByteArrayView utf8)
 {
@@ -56,10 +52,11 @@ std::optional<QXDecodedPayload> decodedJWT(View token)
     if (!QXBase64::decode(asUtf8(pieces->header), QXBase64::WhiteSpace::Refused, &header) ||
         !QXBase64::decode(asUtf8(pieces->body), QXBase64::WhiteSpace::Refused, &body))
         return std::nullopt;
-    return QXDecodedPayload(localized("Decoded JWT"),
-                            {QXPayloadDecoder::makeSection(header, localized("Header")),
-                             QXPayloadDecoder::makeSection(body, localized("Body")),
-                             QXDecodedSection(localized("Signature"), asText(pieces->signature))});
+    return QXDecodedPayload(
+        QCoreApplication::translate("Quorvix", "Decoded JWT"),
+        {QXPayloadDecoder::makeSection(header, QCoreApplication::translate("Quorvix", "Header")),
+         QXPayloadDecoder::makeSection(body, QCoreApplication::translate("Quorvix", "Body")),
+         QXDecodedSection(QCoreApplication::translate("Quorvix", "Signature"), asText(pieces->signature))});
 }
 
 /// Spares most of what is not JSON a whole pass of the reader, which tells a wrong beginning only at the end.
@@ -90,7 +87,7 @@ std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QByteArrayView u
         return std::nullopt;
     if (candidate->kind == QXEncodedCandidate::Kind::JWT)
         return decodeJWT(QXWhiteSpace::removed(candidate->text));
-    return QXDecodedPayload(localized("Decoded Base64"), {makeSection(bytes)});
+    return QXDecodedPayload(QCoreApplication::translate("Quorvix", "Decoded Base64"), {makeSection(bytes)});
 }
 
 std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QStringView text)
@@ -136,11 +133,11 @@ QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::
         return QXDecodedSection(title ? *title : localized(defaultTitle), std::move(content));
     };
     if (auto json = prettyPrintedJSON(bytes))
-        return section("JSON", std::move(*json));
+        return section(QT_TRANSLATE_NOOP("Quorvix", "JSON"), std::move(*json));
     // A byte order mark alone is no text either: it is dropped, and nothing would be left to see.
     if (QString text = isValidUtf8(bytes) ? QString::fromUtf8(bytes) : QString(); !text.isEmpty())
-        return section("Text", std::move(text));
-    return section("Bytes", hexString(bytes));
+        return section(QT_TRANSLATE_NOOP("Quorvix", "Text"), std::move(text));
+    return section(QT_TRANSLATE_NOOP("Quorvix", "Bytes"), hexString(bytes));
 }
 
 std::optional<QString> QXPayloadDecoder::prettyPrintedJSON(QByteArrayView bytes)

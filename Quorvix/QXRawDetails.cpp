@@ -6,6 +6,7 @@
 #include "Quorvix/QXRequestCookies.h"
 #include "Quorvix/QXRequestTrace.h"
 
+#include "Platform/Localized.h"
 #include "Platform/URLText.h"
 
 #include <QtCore/QCoreApplication>
@@ -14,11 +15,6 @@ using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QString localized(const char *text)
-{
-    return QCoreApplication::translate("Quorvix", text);
-}
 
 /// The labels by which the request's half and the response's half of an exchange differ.
 struct Side
@@ -76,8 +72,9 @@ void addCache(QStringList &lines, const QXRequestTrace &request)
 QString status(const QXRequestTrace &request)
 {
     if (request.response)
-        return localized("Completed");
-    return request.error ? localized("Failed") : localized("Pending");
+        return QCoreApplication::translate("Quorvix", "Completed");
+    return request.error ? QCoreApplication::translate("Quorvix", "Failed")
+                         : QCoreApplication::translate("Quorvix", "Pending");
 }
 
 } // namespace
@@ -95,7 +92,7 @@ QString rawDetails(const QXRequestTrace &request, const std::function<QString(co
             addBlock(lines, side.body, bodyText(*body));
     };
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "URL"),
-             request.url ? absoluteString(*request.url) : localized("N/A"));
+             request.url ? absoluteString(*request.url) : QCoreApplication::translate("Quorvix", "N/A"));
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP type"), sentMethod(request.method));
     addHeaders(lines, requestSide, request.headers);
     addCookies(lines, requestSide, request);
@@ -113,7 +110,8 @@ QString rawDetails(const QXRequestTrace &request, const std::function<QString(co
     }
     if (request.duration) {
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Roundtrip duration"),
-                 QXDisplayFormat::seconds(localized("%.6f secs"), "%.6f"_L1, *request.duration, 6));
+                 QXDisplayFormat::seconds(QCoreApplication::translate("Quorvix", "%.6f secs"), "%.6f"_L1,
+                                          *request.duration, 6));
     }
     if (request.body)
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request Size"),

@@ -27,11 +27,6 @@ constexpr qsizetype largestBodyAtOnce = 131'072;
 /// million.
 constexpr qsizetype longestValueInOneItem = 3000;
 
-QString localized(const char *text)
-{
-    return QCoreApplication::translate("Quorvix", text);
-}
-
 template<typename Value>
 QVariant asVariant(const std::optional<Value> &value)
 {
@@ -72,7 +67,8 @@ QVariantList asVariants(const QList<QXRequestValue> &values)
 
 QXRequestDetailsViewModel::QXRequestDetailsViewModel(const QXRequestTrace &request, QObject *parent)
     : QAbstractListModel(parent), m_request(request), m_sections(requestSections(request)),
-      m_documents(m_sections.size()), m_decodable(m_sections.size()), m_alertTitle(localized("Export Failed"))
+      m_documents(m_sections.size()), m_decodable(m_sections.size()),
+      m_alertTitle(QCoreApplication::translate("Quorvix", "Export Failed"))
 {
     connect(&QXBreakpointStore::shared(), &QXBreakpointStore::rulesChanged, this,
             &QXRequestDetailsViewModel::breakpointEnabledChanged);
@@ -188,7 +184,8 @@ QXTextDocument *QXRequestDetailsViewModel::documentForValue(const QString &text)
 void QXRequestDetailsViewModel::copyValue(const QString &text)
 {
     QGuiApplication::clipboard()->setText(text);
-    alert(localized("Copied!"), localized("Value copied to pasteboard."));
+    alert(QCoreApplication::translate("Quorvix", "Copied!"),
+          QCoreApplication::translate("Quorvix", "Value copied to pasteboard."));
 }
 
 bool QXRequestDetailsViewModel::canDecodeValue(const QString &text) const
@@ -227,7 +224,8 @@ void QXRequestDetailsViewModel::openLogTree(int row)
 {
     if (!document(row))
         return;
-    const QString path = m_request.url ? m_request.url->path() : localized("Unknown");
+    const QString path =
+        m_request.url ? m_request.url->path() : QCoreApplication::translate("Quorvix", "Unknown");
     m_logTreeDestination = QXLogTreeDestination(path, bodyText(row));
     Q_EMIT _logTreeDestinationChanged();
 }
@@ -247,7 +245,8 @@ void QXRequestDetailsViewModel::shareHarFile()
     if (const auto file = QXArchiveWriter::exportTrace(m_request, std::chrono::system_clock::now()))
         share(QXShareItem(file.value()));
     else
-        alert(localized("Export Failed"), QXArchiveWriter::failureMessage(file.error()));
+        alert(QCoreApplication::translate("Quorvix", "Export Failed"),
+              QXArchiveWriter::failureMessage(file.error()));
 }
 
 void QXRequestDetailsViewModel::shareMockServerFile()
@@ -277,7 +276,7 @@ void QXRequestDetailsViewModel::share(const Result<Artefact> &artefact)
     if (artefact)
         share(QXShareItem(artefact.value()));
     else
-        alert(localized("Export Failed"), artefact.error().localizedDescription);
+        alert(QCoreApplication::translate("Quorvix", "Export Failed"), artefact.error().localizedDescription);
 }
 
 void QXRequestDetailsViewModel::share(const QXShareItem &item)

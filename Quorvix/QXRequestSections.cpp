@@ -4,6 +4,7 @@
 #include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXRequestCookies.h"
 
+#include "Platform/Localized.h"
 #include "Platform/URLText.h"
 
 #include <QtCore/QCoreApplication>
@@ -16,11 +17,6 @@ namespace {
 using Kind = QXRequestSection::Kind;
 using Sections = std::vector<QXRequestSection>;
 using Values = QList<QXRequestValue>;
-
-QString localized(const char *text)
-{
-    return QCoreApplication::translate("Quorvix", text);
-}
 
 /// What the request's half and the response's half of an exchange differ by.
 struct Side
@@ -93,14 +89,17 @@ void addBody(Sections &sections, const Side &side, const std::optional<QByteArra
 
 void addRequest(Sections &sections, const QXRequestTrace &request)
 {
-    Values values{{localized("URL"), request.url ? absoluteString(*request.url) : localized("N/A")},
-                  {localized("Method"), sentMethod(request.method)},
-                  {localized("Time"), QXDisplayFormat::date(request.date)}};
+    Values values{
+        {QCoreApplication::translate("Quorvix", "URL"),
+         request.url ? absoluteString(*request.url) : QCoreApplication::translate("Quorvix", "N/A")},
+        {QCoreApplication::translate("Quorvix", "Method"), sentMethod(request.method)},
+        {QCoreApplication::translate("Quorvix", "Time"), QXDisplayFormat::date(request.date)}};
     if (request.duration)
-        values.append({localized("Duration"),
-                       QXDisplayFormat::seconds(localized("%.3f seconds"), "%.3f"_L1, *request.duration, 3)});
+        values.append({QCoreApplication::translate("Quorvix", "Duration"),
+                       QXDisplayFormat::seconds(QCoreApplication::translate("Quorvix", "%.3f seconds"),
+                                                "%.3f"_L1, *request.duration, 3)});
     addValues(sections, QT_TRANSLATE_NOOP("Quorvix", "REQUEST"), std::move(values));
-    sections.push_back({Kind::Breakpoint, localized("BREAKPOINT"), {}, {}, {}});
+    sections.push_back({Kind::Breakpoint, QCoreApplication::translate("Quorvix", "BREAKPOINT"), {}, {}, {}});
     addHeaders(sections, requestSide, request.headers);
     addCookies(sections, requestSide, request);
     addBody(sections, requestSide, request.body);
@@ -109,9 +108,9 @@ void addRequest(Sections &sections, const QXRequestTrace &request)
 void addResponse(Sections &sections, const QXRequestTrace &request, const QXResponseTrace &response)
 {
     addValues(sections, QT_TRANSLATE_NOOP("Quorvix", "RESPONSE"),
-              {{localized("Status Code"), QString::number(response.statusCode),
+              {{QCoreApplication::translate("Quorvix", "Status Code"), QString::number(response.statusCode),
                 colorForStatusCode(response.statusCode)},
-               {localized("Time"), QXDisplayFormat::date(response.date)}});
+               {QCoreApplication::translate("Quorvix", "Time"), QXDisplayFormat::date(response.date)}});
     addHeaders(sections, responseSide, response.headers);
     addCookies(sections, responseSide, request);
     addCache(sections, request);
@@ -127,10 +126,11 @@ std::vector<QXRequestSection> requestSections(const QXRequestTrace &request)
     if (request.response)
         addResponse(sections, request, *request.response);
     if (request.error) {
-        addValues(sections, QT_TRANSLATE_NOOP("Quorvix", "ERROR"),
-                  {{localized("Description"), request.error->localizedDescription},
-                   {localized("Domain"), request.error->domain},
-                   {localized("Code"), QString::number(request.error->code)}});
+        addValues(
+            sections, QT_TRANSLATE_NOOP("Quorvix", "ERROR"),
+            {{QCoreApplication::translate("Quorvix", "Description"), request.error->localizedDescription},
+             {QCoreApplication::translate("Quorvix", "Domain"), request.error->domain},
+             {QCoreApplication::translate("Quorvix", "Code"), QString::number(request.error->code)}});
     }
     return sections;
 }

@@ -1,5 +1,6 @@
 #include "Quorvix/QXTemporaryFile.h"
 
+#include "Platform/Localized.h"
 #include "Platform/WriteAll.h"
 
 #include <QtCore/QCoreApplication>
@@ -27,7 +28,7 @@ NSError writeError(NSCocoaErrorCode code, const QString &sentence)
 
 NSError writeError(NSCocoaErrorCode code, const char *sentence)
 {
-    return writeError(code, QCoreApplication::translate("Quorvix", sentence));
+    return writeError(code, localized(sentence));
 }
 
 /// Whether the name means an entry of a folder, on every file system that we may meet.
@@ -54,10 +55,11 @@ std::optional<NSError> enter(QDir &folder, const QString &name)
     const QFileInfo entry(folder.filePath(name));
     const bool isThere = entry.exists() || entry.isSymLink();
     if (!isThere && !folder.mkdir(name, ownerOnly) && !QFileInfo::exists(entry.filePath()))
-        return writeError(NSFileWriteUnknownError, "The folder could not be created.");
+        return writeError(NSFileWriteUnknownError,
+                          QT_TRANSLATE_NOOP("Quorvix", "The folder could not be created."));
     if (!isOwnFolder(QFileInfo(entry.filePath())))
         return writeError(NSFileWriteInvalidFileNameError,
-                          "The file's folder is not one of its owner's own.");
+                          QT_TRANSLATE_NOOP("Quorvix", "The file's folder is not one of its owner's own."));
     folder = QDir(entry.filePath());
     return std::nullopt;
 }
@@ -85,11 +87,12 @@ std::optional<NSError> moveOver(QTemporaryFile &file, const QString &path)
 Result<QUrl> QXTemporaryFile::write(const QDir &folder, const QString &fileName, const Writer &writer)
 {
     if (!isEntryName(fileName))
-        return writeError(NSFileWriteInvalidFileNameError, "The file name is invalid.");
+        return writeError(NSFileWriteInvalidFileNameError,
+                          QT_TRANSLATE_NOOP("Quorvix", "The file name is invalid."));
     // A temporary directory that is missing is reported as an empty path, which would mean the current
     // folder.
     if (folder.isRelative() || !folder.exists())
-        return writeError(NSFileWriteUnknownError, "The folder doesn't exist.");
+        return writeError(NSFileWriteUnknownError, QT_TRANSLATE_NOOP("Quorvix", "The folder doesn't exist."));
 
     QTemporaryFile file(folder.absoluteFilePath(u".Quorvix-XXXXXX"_s));
     if (!file.open())
@@ -110,11 +113,12 @@ Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, QByteArrayV
     const QStringList names = relativePath.split(u'/', Qt::SkipEmptyParts);
     if (names.isEmpty() || relativePath.endsWith(u'/') ||
         !std::all_of(names.cbegin(), names.cend(), isEntryName))
-        return writeError(NSFileWriteInvalidFileNameError, "The file's path is invalid.");
+        return writeError(NSFileWriteInvalidFileNameError,
+                          QT_TRANSLATE_NOOP("Quorvix", "The file's path is invalid."));
 
     QDir folder = QDir::temp();
     if (folder.isRelative())
-        return writeError(NSFileWriteUnknownError, "The folder doesn't exist.");
+        return writeError(NSFileWriteUnknownError, QT_TRANSLATE_NOOP("Quorvix", "The folder doesn't exist."));
     for (const QString &name : QStringList(u"Quorvix"_s) + names.first(names.size() - 1)) {
         if (const auto error = enter(folder, name))
             return *error;

@@ -1,0 +1,12 @@
+#include "Platform/Localized.h"
+
+#include <QtCore/QCoreApplication>
+
+namespace Quorvix {
+
+QString localized(const char *text)
+{
+    return QCoreApplication::translate("Quorvix", text);
+}
+
+} // namespace Quorvix
