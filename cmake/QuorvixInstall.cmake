@@ -1,4 +1,4 @@
-# Installs both libraries, their public headers and a CMake package.
+# Installs both libraries, their public headers, the template of their texts and a CMake package.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS QuorvixCore Quorvix EXPORT QuorvixTargets)
@@ -7,6 +7,8 @@ foreach(header IN LISTS QUORVIX_PUBLIC_HEADERS)
     quorvix_installed_folder(folder ${header})
     install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
+install(FILES ${PROJECT_SOURCE_DIR}/translations/quorvix.ts
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/quorvix/translations)
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/QuorvixConfig.cmake.in
     ${PROJECT_BINARY_DIR}/QuorvixConfig.cmake
