@@ -93,26 +93,11 @@ FocusScope {
         }
     }
 
-    QXActivityView {
+    QXPresentations {
         presentationLayer: root.presentationLayer
-        shareItem: root.viewModel.shareItem
+        model: root.viewModel
+        alertTitle: qsTranslate("Quorvix", "Share Failed")
         safeAreaBottom: root.bottomInset
-        onDismissRequested: root.viewModel.shareItem = undefined
-    }
-
-    QXDecodedPayloadView {
-        presentationLayer: root.presentationLayer
-        payload: root.viewModel.decodedPayload
-        safeAreaBottom: root.bottomInset
-        onDismissRequested: root.viewModel.decodedPayload = undefined
-    }
-
-    QXAlert {
-        presentationLayer: root.presentationLayer
-        presented: root.viewModel.showAlert
-        title: qsTranslate("Quorvix", "Share Failed")
-        message: root.viewModel.alertMessage
-        onDismissRequested: root.viewModel.showAlert = false
     }
 
     function back() {

@@ -1,6 +1,7 @@
 #include "Quorvix/QXLogTreeViewModel.h"
 
 #include "Quorvix/QXExportError.h"
+#include "Quorvix/QXOptionalVariant.h"
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXSwiftName.h"
 
@@ -60,18 +61,6 @@ QString shownSummary(const QXApiTreeField &field)
     return cutShort(field.summary().value_or(QString()));
 }
 
-template<typename Record>
-QVariant variantOf(const std::optional<Record> &record)
-{
-    return record ? QVariant::fromValue(*record) : QVariant();
-}
-
-template<typename Record>
-std::optional<Record> recordIn(const QVariant &value)
-{
-    return value.canConvert<Record>() ? std::optional(value.value<Record>()) : std::nullopt;
-}
-
 /// The node that is shown next after @p node under @p top, or null.
 QXApiTreeField *next(QXApiTreeField *node, const QXApiTreeField *top)
 {
@@ -86,7 +75,7 @@ QXApiTreeField *next(QXApiTreeField *node, const QXApiTreeField *top)
 
 } // namespace
 
-QXLogTreeViewModel::QXLogTreeViewModel(const QString &json, QObject *parent) : QAbstractListModel(parent)
+QXLogTreeViewModel::QXLogTreeViewModel(const QString &json, QObject *parent) : QXPresentingModel(parent)
 {
     load(json);
 }
@@ -241,60 +230,21 @@ void QXLogTreeViewModel::decodeBase64(int row)
 {
     if (!hasRow(row) || field(row).kind() != QXApiValueKind::string)
         return;
-    m_decodedPayload = QXPayloadDecoder::decodePayload(field(row).textUtf8());
-    Q_EMIT decodedPayloadChanged();
+    presentDecodedPayload(QXPayloadDecoder::decodePayload(field(row).textUtf8()));
 }
 
 void QXLogTreeViewModel::shareSwiftModel(const QString &requestPath)
 {
     if (m_rootFields.isEmpty())
-        return fail(makeError(QXExportError::swiftModelNotGenerated).localizedDescription);
+        return presentAlert(makeError(QXExportError::swiftModelNotGenerated).localizedDescription);
     const QString name = QXSwiftName::rootTypeName(requestPath);
     const auto source = QXApiTreeParser::swiftModel(*m_rootFields.constFirst(), name);
     if (!source)
-        return fail(source.error().localizedDescription);
-    m_shareItem = QXShareItem(source.value());
-    Q_EMIT shareItemChanged();
+        return presentAlert(source.error().localizedDescription);
+    presentShareItem(QXShareItem(source.value()));
 }
 
 QVariant QXLogTreeViewModel::parseErrorValue() const
 {
-    return variantOf(m_parseError);
-}
-
-QVariant QXLogTreeViewModel::shareItemValue() const
-{
-    return variantOf(m_shareItem);
-}
-
-void QXLogTreeViewModel::setShareItemValue(const QVariant &value)
-{
-    m_shareItem = recordIn<QXShareItem>(value);
-    Q_EMIT shareItemChanged();
-}
-
-QVariant QXLogTreeViewModel::decodedPayloadValue() const
-{
-    return variantOf(m_decodedPayload);
-}
-
-void QXLogTreeViewModel::setDecodedPayloadValue(const QVariant &value)
-{
-    m_decodedPayload = recordIn<QXDecodedPayload>(value);
-    Q_EMIT decodedPayloadChanged();
-}
-
-void QXLogTreeViewModel::setShowAlert(bool show)
-{
-    if (m_showAlert == show)
-        return;
-    m_showAlert = show;
-    Q_EMIT showAlertChanged();
-}
-
-void QXLogTreeViewModel::fail(const QString &message)
-{
-    m_alertMessage = message;
-    Q_EMIT alertMessageChanged();
-    setShowAlert(true);
+    return asVariant(m_parseError);
 }

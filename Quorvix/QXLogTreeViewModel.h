@@ -1,11 +1,9 @@
 #pragma once
 
 #include "Quorvix/QXApiTreeParser.h"
-#include "Quorvix/QXDecodedPayload.h"
 #include "Quorvix/QXLogTreeRows.h"
-#include "Quorvix/QXShareItem.h"
+#include "Quorvix/QXPresentingModel.h"
 
-#include <QtCore/QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
 #include <optional>
@@ -16,21 +14,13 @@
 ///
 /// A toggle touches the row itself and those that it shows or hides, and costs what they cost. Which nodes
 /// are expanded is told by the nodes.
-class QXLogTreeViewModel : public QAbstractListModel
+class QXLogTreeViewModel : public QXPresentingModel
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made from a body")
     /// Why there is no tree, else undefined.
     Q_PROPERTY(QVariant parseError READ parseErrorValue NOTIFY parseErrorChanged)
-    /// A QXShareItem while the share sheet is to be shown, else undefined; assigning undefined clears it.
-    Q_PROPERTY(QVariant shareItem READ shareItemValue WRITE setShareItemValue NOTIFY shareItemChanged)
-    /// Empty while there is no message.
-    Q_PROPERTY(QString alertMessage READ alertMessageText NOTIFY alertMessageChanged)
-    Q_PROPERTY(bool showAlert READ showAlert WRITE setShowAlert NOTIFY showAlertChanged)
-    /// A QXDecodedPayload while it is to be shown, else undefined; assigning undefined clears it.
-    Q_PROPERTY(QVariant decodedPayload READ decodedPayloadValue WRITE setDecodedPayloadValue NOTIFY
-                   decodedPayloadChanged)
 
 public:
     using Fields = QXApiTreeParser::Fields;
@@ -59,14 +49,6 @@ public:
     [[nodiscard]] std::vector<const QXApiTreeField *> visibleFields() const;
 
     [[nodiscard]] const std::optional<QString> &parseError() const noexcept { return m_parseError; }
-    [[nodiscard]] const std::optional<QXShareItem> &shareItem() const noexcept { return m_shareItem; }
-    [[nodiscard]] const std::optional<QString> &alertMessage() const noexcept { return m_alertMessage; }
-    [[nodiscard]] bool showAlert() const noexcept { return m_showAlert; }
-    void setShowAlert(bool show);
-    [[nodiscard]] const std::optional<QXDecodedPayload> &decodedPayload() const noexcept
-    {
-        return m_decodedPayload;
-    }
 
     /// Shows the tree of another text. One that is not JSON sets the parse error and changes nothing else.
     void load(QStringView json);
@@ -97,29 +79,15 @@ public:
 
 Q_SIGNALS:
     void parseErrorChanged();
-    void shareItemChanged();
-    void alertMessageChanged();
-    void showAlertChanged();
-    void decodedPayloadChanged();
 
 private:
     [[nodiscard]] bool hasRow(int row) const { return row >= 0 && size_t(row) < m_rows.size(); }
     [[nodiscard]] QVariant parseErrorValue() const;
-    [[nodiscard]] QVariant shareItemValue() const;
-    void setShareItemValue(const QVariant &value);
-    [[nodiscard]] QString alertMessageText() const { return m_alertMessage.value_or(QString()); }
-    [[nodiscard]] QVariant decodedPayloadValue() const;
-    void setDecodedPayloadValue(const QVariant &value);
 
     void showBelow(int row);
     void hideBelow(int row);
-    void fail(const QString &message);
 
     Fields m_rootFields;
     QXLogTreeRows m_rows;
     std::optional<QString> m_parseError;
-    std::optional<QXShareItem> m_shareItem;
-    std::optional<QString> m_alertMessage;
-    bool m_showAlert = false;
-    std::optional<QXDecodedPayload> m_decodedPayload;
 };

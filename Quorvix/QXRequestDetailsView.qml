@@ -153,26 +153,11 @@ FocusScope {
         }
     }
 
-    QXActivityView {
+    QXPresentations {
         presentationLayer: root.presentationLayer
-        shareItem: root.viewModel._shareItem
+        model: root.viewModel
+        alertTitle: root.viewModel._alertTitle
         safeAreaBottom: root.bottomInset
-        onDismissRequested: root.viewModel._shareItem = undefined
-    }
-
-    QXDecodedPayloadView {
-        presentationLayer: root.presentationLayer
-        payload: root.viewModel._decodedPayload
-        safeAreaBottom: root.bottomInset
-        onDismissRequested: root.viewModel._decodedPayload = undefined
-    }
-
-    QXAlert {
-        presentationLayer: root.presentationLayer
-        presented: root.viewModel._showAlert
-        title: root.viewModel._alertTitle
-        message: root.viewModel._alertMessage
-        onDismissRequested: root.viewModel._showAlert = false
     }
 
     on_ShowLogTreeChanged: {

@@ -6,6 +6,7 @@
 #include "Quorvix/QXBreakpointStore.h"
 #include "Quorvix/QXCurlCommandBuilder.h"
 #include "Quorvix/QXLogTreeViewModel.h"
+#include "Quorvix/QXOptionalVariant.h"
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXRawDetails.h"
 #include "Quorvix/QXSwiftModelExport.h"
@@ -26,19 +27,6 @@ constexpr qsizetype largestBodyAtOnce = 131'072;
 /// In UTF-16 units. A text item takes a frame for a few thousand, and many seconds for a quarter of a
 /// million.
 constexpr qsizetype longestValueInOneItem = 3000;
-
-template<typename Value>
-QVariant asVariant(const std::optional<Value> &value)
-{
-    return value ? QVariant::fromValue(*value) : QVariant();
-}
-
-template<typename Value>
-std::optional<Value> fromVariant(const QVariant &value)
-{
-    return value.metaType() == QMetaType::fromType<Value>() ? std::optional(value.value<Value>())
-                                                            : std::nullopt;
-}
 
 QXRequestDetailsViewModel::Kind kindFor(QXRequestSection::Kind kind)
 {
@@ -66,7 +54,7 @@ QVariantList asVariants(const QList<QXRequestValue> &values)
 } // namespace
 
 QXRequestDetailsViewModel::QXRequestDetailsViewModel(const QXRequestTrace &request, QObject *parent)
-    : QAbstractListModel(parent), m_request(request), m_sections(requestSections(request)),
+    : QXPresentingModel(parent), m_request(request), m_sections(requestSections(request)),
       m_documents(m_sections.size()), m_decodable(m_sections.size()),
       m_alertTitle(QCoreApplication::translate("Quorvix", "Export Failed"))
 {
@@ -195,11 +183,8 @@ bool QXRequestDetailsViewModel::canDecodeValue(const QString &text) const
 
 void QXRequestDetailsViewModel::decodeValue(const QString &text)
 {
-    auto payload = QXPayloadDecoder::decodePayload(text);
-    if (!payload)
-        return;
-    m_decodedPayload = std::move(payload);
-    Q_EMIT _decodedPayloadChanged();
+    if (auto payload = QXPayloadDecoder::decodePayload(text))
+        presentDecodedPayload(std::move(payload));
 }
 
 QXTextDocument *QXRequestDetailsViewModel::document(int row) const
@@ -243,7 +228,7 @@ void QXRequestDetailsViewModel::shareCurl()
 void QXRequestDetailsViewModel::shareHarFile()
 {
     if (const auto file = QXArchiveWriter::exportTrace(m_request, std::chrono::system_clock::now()))
-        share(QXShareItem(file.value()));
+        presentShareItem(QXShareItem(file.value()));
     else
         alert(QCoreApplication::translate("Quorvix", "Export Failed"),
               QXArchiveWriter::failureMessage(file.error()));
@@ -261,7 +246,7 @@ void QXRequestDetailsViewModel::shareSwiftModel()
 
 void QXRequestDetailsViewModel::shareRawDetails()
 {
-    share(QXShareItem(rawDetails(m_request, [this](const QByteArray &body) {
+    presentShareItem(QXShareItem(rawDetails(m_request, [this](const QByteArray &body) {
         for (int row = 0; row < rowCount(); ++row) {
             if (document(row) && m_sections[std::size_t(row)].body.isSharedWith(body))
                 return bodyText(row);
@@ -274,54 +259,16 @@ template<typename Artefact>
 void QXRequestDetailsViewModel::share(const Result<Artefact> &artefact)
 {
     if (artefact)
-        share(QXShareItem(artefact.value()));
+        presentShareItem(QXShareItem(artefact.value()));
     else
         alert(QCoreApplication::translate("Quorvix", "Export Failed"), artefact.error().localizedDescription);
-}
-
-void QXRequestDetailsViewModel::share(const QXShareItem &item)
-{
-    m_shareItem = item;
-    Q_EMIT _shareItemChanged();
 }
 
 void QXRequestDetailsViewModel::alert(const QString &title, const QString &message)
 {
     m_alertTitle = title;
     Q_EMIT _alertTitleChanged();
-    m_alertMessage = message;
-    Q_EMIT _alertMessageChanged();
-    setShowAlert(true);
-}
-
-void QXRequestDetailsViewModel::setShowAlert(bool show)
-{
-    if (m_showAlert == show)
-        return;
-    m_showAlert = show;
-    Q_EMIT _showAlertChanged();
-}
-
-QVariant QXRequestDetailsViewModel::shareItemValue() const
-{
-    return asVariant(m_shareItem);
-}
-
-void QXRequestDetailsViewModel::setShareItemValue(const QVariant &value)
-{
-    m_shareItem = fromVariant<QXShareItem>(value);
-    Q_EMIT _shareItemChanged();
-}
-
-QVariant QXRequestDetailsViewModel::decodedPayloadValue() const
-{
-    return asVariant(m_decodedPayload);
-}
-
-void QXRequestDetailsViewModel::setDecodedPayloadValue(const QVariant &value)
-{
-    m_decodedPayload = fromVariant<QXDecodedPayload>(value);
-    Q_EMIT _decodedPayloadChanged();
+    presentAlert(message);
 }
 
 QVariant QXRequestDetailsViewModel::logTreeDestinationValue() const

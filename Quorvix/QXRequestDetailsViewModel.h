@@ -1,15 +1,13 @@
 #pragma once
 
-#include "Quorvix/QXDecodedPayload.h"
 #include "Quorvix/QXLogTreeDestination.h"
+#include "Quorvix/QXPresentingModel.h"
 #include "Quorvix/QXRequestSections.h"
-#include "Quorvix/QXShareItem.h"
 
 #include "Text/QXTextDocument.h"
 
 #include "Platform/Result.h"
 
-#include <QtCore/QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
 #include <memory>
@@ -21,21 +19,19 @@ class QXLogTreeViewModel;
 ///
 /// The trace is the one given, whatever the recorder makes of the exchange later. A large body is made
 /// readable on another thread; its section has no document until then.
-class QXRequestDetailsViewModel final : public QAbstractListModel
+class QXRequestDetailsViewModel final : public QXPresentingModel
 {
     Q_OBJECT
     Q_MOC_INCLUDE("Quorvix/QXLogTreeViewModel.h")
     QML_ELEMENT
     QML_UNCREATABLE("made by the request list")
-    /// A QXShareItem while the share sheet is to be shown, else undefined; assigning undefined clears it.
-    Q_PROPERTY(QVariant _shareItem READ shareItemValue WRITE setShareItemValue NOTIFY _shareItemChanged)
+    // What the screen presents, under the names of this model's fields.
+    Q_PROPERTY(QVariant _shareItem READ shareItemValue WRITE setShareItemValue NOTIFY shareItemChanged)
     Q_PROPERTY(QString _alertTitle READ alertTitle NOTIFY _alertTitleChanged)
-    /// Empty while there is no message.
-    Q_PROPERTY(QString _alertMessage READ alertMessageText NOTIFY _alertMessageChanged)
-    Q_PROPERTY(bool _showAlert READ showAlert WRITE setShowAlert NOTIFY _showAlertChanged)
-    /// A QXDecodedPayload while it is to be shown, else undefined; assigning undefined clears it.
+    Q_PROPERTY(QString _alertMessage READ alertMessageText NOTIFY alertMessageChanged)
+    Q_PROPERTY(bool _showAlert READ showAlert WRITE setShowAlert NOTIFY showAlertChanged)
     Q_PROPERTY(QVariant _decodedPayload READ decodedPayloadValue WRITE setDecodedPayloadValue NOTIFY
-                   _decodedPayloadChanged)
+                   decodedPayloadChanged)
     /// A QXLogTreeDestination while the tree is to be shown, else undefined; assigning undefined clears it.
     Q_PROPERTY(QVariant _logTreeDestination READ logTreeDestinationValue WRITE setLogTreeDestinationValue
                    NOTIFY _logTreeDestinationChanged)
@@ -57,15 +53,7 @@ public:
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     [[nodiscard]] const QXRequestTrace &request() const noexcept { return m_request; }
-    [[nodiscard]] const std::optional<QXShareItem> &shareItem() const noexcept { return m_shareItem; }
     [[nodiscard]] const QString &alertTitle() const noexcept { return m_alertTitle; }
-    [[nodiscard]] const std::optional<QString> &alertMessage() const noexcept { return m_alertMessage; }
-    [[nodiscard]] bool showAlert() const noexcept { return m_showAlert; }
-    void setShowAlert(bool show);
-    [[nodiscard]] const std::optional<QXDecodedPayload> &decodedPayload() const noexcept
-    {
-        return m_decodedPayload;
-    }
     [[nodiscard]] const std::optional<QXLogTreeDestination> &logTreeDestination() const noexcept
     {
         return m_logTreeDestination;
@@ -98,20 +86,11 @@ public:
     Q_INVOKABLE void shareRawDetails();
 
 Q_SIGNALS:
-    void _shareItemChanged();
     void _alertTitleChanged();
-    void _alertMessageChanged();
-    void _showAlertChanged();
-    void _decodedPayloadChanged();
     void _logTreeDestinationChanged();
     void breakpointEnabledChanged();
 
 private:
-    [[nodiscard]] QVariant shareItemValue() const;
-    void setShareItemValue(const QVariant &value);
-    [[nodiscard]] QString alertMessageText() const { return m_alertMessage.value_or(QString()); }
-    [[nodiscard]] QVariant decodedPayloadValue() const;
-    void setDecodedPayloadValue(const QVariant &value);
     [[nodiscard]] QVariant logTreeDestinationValue() const;
     void setLogTreeDestinationValue(const QVariant &value);
 
@@ -124,7 +103,6 @@ private:
     /// gone.
     template<typename Work, typename Finish>
     void inBackground(Work work, Finish finish);
-    void share(const QXShareItem &item);
     template<typename Artefact>
     void share(const Quorvix::Result<Artefact> &artefact);
     void alert(const QString &title, const QString &message);
@@ -135,11 +113,7 @@ private:
     std::vector<QXTextDocument *> m_documents;
     /// For each section: whether its body can be decoded, once that is known.
     std::vector<std::optional<bool>> m_decodable;
-    std::optional<QXShareItem> m_shareItem;
     QString m_alertTitle;
-    std::optional<QString> m_alertMessage;
-    bool m_showAlert = false;
-    std::optional<QXDecodedPayload> m_decodedPayload;
     std::optional<QXLogTreeDestination> m_logTreeDestination;
     /// Lives as long as the model, for those on other threads who work for it.
     std::shared_ptr<const bool> m_alive = std::make_shared<const bool>(true);

@@ -69,19 +69,11 @@ FocusScope {
         }
     }
 
-    QXActivityView {
+    QXPresentations {
         presentationLayer: root.presentationLayer
-        shareItem: root.viewModel._shareItem
+        model: root.viewModel
+        alertTitle: qsTranslate("Quorvix", "Export Failed")
         safeAreaBottom: root.safeAreaBottom
-        onDismissRequested: root.viewModel._shareItem = undefined
-    }
-
-    QXAlert {
-        presentationLayer: root.presentationLayer
-        presented: root.viewModel._showAlert
-        title: qsTranslate("Quorvix", "Export Failed")
-        message: root.viewModel._alertMessage
-        onDismissRequested: root.viewModel._showAlert = false
     }
 
     Component.onCompleted: {

@@ -105,7 +105,7 @@ ExportOutcome exportArchive(const std::vector<const QXRequestTrace *> &traces)
 } // namespace
 
 QXRequestListViewModel::QXRequestListViewModel(QObject *parent)
-    : QAbstractListModel(parent), m_requests(QXRequestRecorder::shared().requests()),
+    : QXPresentingModel(parent), m_requests(QXRequestRecorder::shared().requests()),
       m_observer(NSNotificationCenter::defaultCenter().addObserver(QuorvixRequestsChanged,
                                                                    [this] { scheduleRefresh(); }))
 {
@@ -282,11 +282,10 @@ void QXRequestListViewModel::exportAll()
 {
     const ExportOutcome outcome = exportArchive(filteredRequests());
     if (std::holds_alternative<QXArchiveError>(outcome))
-        return fail(QCoreApplication::translate("Quorvix", "No network requests to export."));
+        return presentAlert(QCoreApplication::translate("Quorvix", "No network requests to export."));
     if (const auto *error = std::get_if<NSError>(&outcome))
-        return fail(QXArchiveWriter::failureMessage(*error));
-    m_shareItem = QXShareItem(std::get<QUrl>(outcome));
-    Q_EMIT _shareItemChanged();
+        return presentAlert(QXArchiveWriter::failureMessage(*error));
+    presentShareItem(QXShareItem(std::get<QUrl>(outcome)));
 }
 
 QXRequestDetailsViewModel *QXRequestListViewModel::makeDetails(int row) const
@@ -297,33 +296,4 @@ QXRequestDetailsViewModel *QXRequestListViewModel::makeDetails(int row) const
 void QXRequestListViewModel::clear()
 {
     QXRequestRecorder::shared().clear();
-}
-
-QVariant QXRequestListViewModel::shareItemValue() const
-{
-    return m_shareItem ? QVariant::fromValue(*m_shareItem) : QVariant();
-}
-
-void QXRequestListViewModel::setShareItemValue(const QVariant &value)
-{
-    if (value.canConvert<QXShareItem>())
-        m_shareItem = value.value<QXShareItem>();
-    else
-        m_shareItem.reset();
-    Q_EMIT _shareItemChanged();
-}
-
-void QXRequestListViewModel::setShowAlert(bool show)
-{
-    if (m_showAlert == show)
-        return;
-    m_showAlert = show;
-    Q_EMIT _showAlertChanged();
-}
-
-void QXRequestListViewModel::fail(const QString &message)
-{
-    m_alertMessage = message;
-    Q_EMIT _alertMessageChanged();
-    setShowAlert(true);
 }

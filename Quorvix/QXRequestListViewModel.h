@@ -1,12 +1,11 @@
 #pragma once
 
+#include "Quorvix/QXPresentingModel.h"
 #include "Quorvix/QXRequestDetailsViewModel.h"
-#include "Quorvix/QXShareItem.h"
 #include "Quorvix/QXTraceList.h"
 
 #include "Platform/NSNotificationCenter.h"
 
-#include <QtCore/QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
 /// The request list: the recorder's traces, live, narrowed by a search text. Main thread only.
@@ -14,16 +13,15 @@
 /// A row is a trace that the search leaves visible, in the recorder's order. A change of the recorder reaches
 /// the model in a later turn of the event loop and touches only the rows that it concerns; the cost of a
 /// change does not grow with the number of traces.
-class QXRequestListViewModel : public QAbstractListModel
+class QXRequestListViewModel : public QXPresentingModel
 {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString _searchText READ searchText WRITE setSearchText NOTIFY _searchTextChanged)
-    /// A QXShareItem while the share sheet is to be shown, else undefined; assigning undefined clears it.
-    Q_PROPERTY(QVariant _shareItem READ shareItemValue WRITE setShareItemValue NOTIFY _shareItemChanged)
-    /// Empty while there is no message.
-    Q_PROPERTY(QString _alertMessage READ alertMessageText NOTIFY _alertMessageChanged)
-    Q_PROPERTY(bool _showAlert READ showAlert WRITE setShowAlert NOTIFY _showAlertChanged)
+    // What the screen presents, under the names of this model's fields.
+    Q_PROPERTY(QVariant _shareItem READ shareItemValue WRITE setShareItemValue NOTIFY shareItemChanged)
+    Q_PROPERTY(QString _alertMessage READ alertMessageText NOTIFY alertMessageChanged)
+    Q_PROPERTY(bool _showAlert READ showAlert WRITE setShowAlert NOTIFY showAlertChanged)
 
 public:
     enum Role {
@@ -52,11 +50,6 @@ public:
     /// The trace of a row, which must exist.
     [[nodiscard]] const QXRequestTrace &trace(int row) const { return cell(row)->trace; }
 
-    [[nodiscard]] const std::optional<QXShareItem> &shareItem() const noexcept { return m_shareItem; }
-    [[nodiscard]] const std::optional<QString> &alertMessage() const noexcept { return m_alertMessage; }
-    [[nodiscard]] bool showAlert() const noexcept { return m_showAlert; }
-    void setShowAlert(bool show);
-
     /// Writes the visible traces to a HAR file in the temporary folder and publishes it as the share item; a
     /// failure shows the alert instead.
     Q_INVOKABLE void exportAll();
@@ -67,32 +60,22 @@ public:
 
 Q_SIGNALS:
     void _searchTextChanged();
-    void _shareItemChanged();
-    void _alertMessageChanged();
-    void _showAlertChanged();
 
 private:
     [[nodiscard]] bool isFiltering() const { return !m_query.isEmpty(); }
     [[nodiscard]] const QXTraceList::CellPtr &cell(int row) const;
-    [[nodiscard]] QVariant shareItemValue() const;
-    void setShareItemValue(const QVariant &value);
-    [[nodiscard]] QString alertMessageText() const { return m_alertMessage.value_or(QString()); }
 
     void scheduleRefresh();
     void refresh();
     void resetTo(const QXTraceList &requests);
     void extendTo(const QXTraceList &requests);
     void updateMatch(qsizetype position);
-    void fail(const QString &message);
 
     QString m_searchText;
     QByteArray m_query;
     QXTraceList m_requests;
     /// While filtering: the places of the matches, counted from the oldest trace, ascending.
     std::vector<quint32> m_matches;
-    std::optional<QXShareItem> m_shareItem;
-    std::optional<QString> m_alertMessage;
-    bool m_showAlert = false;
     bool m_refreshScheduled = false;
     Quorvix::NSNotificationObserver m_observer;
 };

@@ -1,5 +1,6 @@
 #include "Tests/Exchanges.h"
 
+#include "Quorvix/QXLogTreeViewModel.h"
 #include "Quorvix/QXRequestListViewModel.h"
 #include "Quorvix/QXRequestRowViewModel.h"
 
@@ -51,6 +52,8 @@ private Q_SLOTS:
     void filterAgreesWithALookAtEveryTrace();
     void exportHoldsWhatIsVisible();
     void exportFailures();
+    void fieldsTellOfTheirChanges_data();
+    void fieldsTellOfTheirChanges();
 };
 
 void RequestListModelTest::init()
@@ -226,6 +229,28 @@ void RequestListModelTest::exportFailures()
     QVERIFY(!model.shareItem());
     QVERIFY(model.alertMessage()->startsWith(u"Failed to export HAR file: "_s));
     QVERIFY(model.alertMessage()->size() > 30);
+}
+
+void RequestListModelTest::fieldsTellOfTheirChanges_data()
+{
+    QTest::addColumn<const QMetaObject *>("model");
+    QTest::addColumn<QByteArrayList>("fields");
+    QTest::newRow("list") << &QXRequestListViewModel::staticMetaObject
+                          << QByteArrayList{"_searchText", "_shareItem", "_alertMessage", "_showAlert"};
+    QTest::newRow("details") << &QXRequestDetailsViewModel::staticMetaObject
+                             << QByteArrayList{"_shareItem", "_alertTitle", "_alertMessage", "_showAlert",
+                                               "_decodedPayload"};
+    QTest::newRow("tree") << &QXLogTreeViewModel::staticMetaObject
+                          << QByteArrayList{"parseError", "shareItem", "alertMessage", "showAlert",
+                                            "decodedPayload"};
+}
+
+void RequestListModelTest::fieldsTellOfTheirChanges()
+{
+    QFETCH(const QMetaObject *, model);
+    QFETCH(const QByteArrayList, fields);
+    for (const QByteArray &field : fields)
+        QVERIFY2(model->property(model->indexOfProperty(field)).notifySignal().isValid(), field.constData());
 }
 
 QTEST_GUILESS_MAIN(RequestListModelTest)

@@ -1,0 +1,35 @@
+import QtQuick
+import Quorvix.Controls
+import Quorvix
+
+/// What a model presents over its screen: the share sheet, a decoded payload, an alert.
+Item {
+    id: root
+
+    required property QXPresentationLayer presentationLayer
+    required property QXPresentingModel model
+    required property string alertTitle
+    property real safeAreaBottom: 0
+
+    QXActivityView {
+        presentationLayer: root.presentationLayer
+        shareItem: root.model.shareItem
+        safeAreaBottom: root.safeAreaBottom
+        onDismissRequested: root.model.shareItem = undefined
+    }
+
+    QXDecodedPayloadView {
+        presentationLayer: root.presentationLayer
+        payload: root.model.decodedPayload
+        safeAreaBottom: root.safeAreaBottom
+        onDismissRequested: root.model.decodedPayload = undefined
+    }
+
+    QXAlert {
+        presentationLayer: root.presentationLayer
+        presented: root.model.showAlert
+        title: root.alertTitle
+        message: root.model.alertMessage
+        onDismissRequested: root.model.showAlert = false
+    }
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Quorvix/QXDecodedPayload.h"
+#include "Quorvix/QXShareItem.h"
+
+#include <QtCore/QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
+
+#include <optional>
+
+/// The list behind a screen, with what it presents over that screen: the share sheet, a decoded payload, an
+/// alert. Main thread only.
+///
+/// QXPresentations shows it. A model whose fields have names of their own declares them as further properties
+/// over the same functions and signals.
+class QXPresentingModel : public QAbstractListModel
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("the base of models")
+    /// A QXShareItem while the share sheet is to be shown, else undefined; assigning undefined clears it.
+    Q_PROPERTY(QVariant shareItem READ shareItemValue WRITE setShareItemValue NOTIFY shareItemChanged)
+    /// Empty while there is no message.
+    Q_PROPERTY(QString alertMessage READ alertMessageText NOTIFY alertMessageChanged)
+    Q_PROPERTY(bool showAlert READ showAlert WRITE setShowAlert NOTIFY showAlertChanged)
+    /// A QXDecodedPayload while it is to be shown, else undefined; assigning undefined clears it.
+    Q_PROPERTY(QVariant decodedPayload READ decodedPayloadValue WRITE setDecodedPayloadValue NOTIFY
+                   decodedPayloadChanged)
+
+public:
+    [[nodiscard]] const std::optional<QXShareItem> &shareItem() const noexcept { return m_shareItem; }
+    [[nodiscard]] const std::optional<QString> &alertMessage() const noexcept { return m_alertMessage; }
+    [[nodiscard]] bool showAlert() const noexcept { return m_showAlert; }
+    void setShowAlert(bool show);
+    [[nodiscard]] const std::optional<QXDecodedPayload> &decodedPayload() const noexcept
+    {
+        return m_decodedPayload;
+    }
+
+Q_SIGNALS:
+    void shareItemChanged();
+    void alertMessageChanged();
+    void showAlertChanged();
+    void decodedPayloadChanged();
+
+protected:
+    explicit QXPresentingModel(QObject *parent);
+
+    void presentShareItem(const std::optional<QXShareItem> &item);
+    void presentDecodedPayload(std::optional<QXDecodedPayload> payload);
+    void presentAlert(const QString &message);
+
+    [[nodiscard]] QVariant shareItemValue() const;
+    void setShareItemValue(const QVariant &value);
+    [[nodiscard]] QString alertMessageText() const { return m_alertMessage.value_or(QString()); }
+    [[nodiscard]] QVariant decodedPayloadValue() const;
+    void setDecodedPayloadValue(const QVariant &value);
+
+private:
+    std::optional<QXShareItem> m_shareItem;
+    std::optional<QString> m_alertMessage;
+    bool m_showAlert = false;
+    std::optional<QXDecodedPayload> m_decodedPayload;
+};
