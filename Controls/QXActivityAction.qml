@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// One thing that can be done with what is shared.
-T.AbstractButton {
+QXPressable {
     id: root
 
     required property string symbol
@@ -14,18 +13,11 @@ T.AbstractButton {
     width: parent?.width ?? implicitWidth
     implicitWidth: 200
     implicitHeight: Math.max(52, label.implicitHeight + 2 * QXTheme.spacing)
-    focusPolicy: Qt.StrongFocus
-
-    Accessible.name: text
-    Accessible.role: Accessible.Button
 
     onVisualFocusChanged: {
         if (visualFocus)
             scrollArea?.reveal(root);
     }
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
         radius: QXTheme.cornerRadius

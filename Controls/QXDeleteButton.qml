@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// What a swipe uncovers.
-T.AbstractButton {
+QXPressable {
     id: root
 
     implicitWidth: Math.max(88, implicitContentWidth + leftPadding + rightPadding)
@@ -11,9 +10,6 @@ T.AbstractButton {
     horizontalPadding: QXTheme.margin
     focusPolicy: Qt.NoFocus
     text: qsTranslate("Quorvix", "Delete")
-
-    Accessible.name: text
-    Accessible.role: Accessible.Button
 
     background: Rectangle {
         color: QXTheme.destructive

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// The title of a group that is folded away until it is pressed.
-T.AbstractButton {
+QXPressable {
     id: root
 
     property bool expanded: false
@@ -12,14 +11,8 @@ T.AbstractButton {
     objectName: "QXDisclosureGroup"
     implicitWidth: 320
     implicitHeight: Math.max(QXTheme.touchTarget, label.implicitHeight + 2 * QXTheme.spacing)
-    focusPolicy: Qt.StrongFocus
 
-    Accessible.role: Accessible.Button
-    Accessible.name: text
     Accessible.description: expanded ? qsTranslate("Quorvix", "Expanded") : qsTranslate("Quorvix", "Collapsed")
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     background: Item {
         Rectangle {

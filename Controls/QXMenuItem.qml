@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// One thing to choose in a menu or a dialog, which closes before `triggered` is emitted.
-T.AbstractButton {
+QXPressable {
     id: root
 
     property string symbol
@@ -25,11 +24,7 @@ T.AbstractButton {
     hoverEnabled: true
     font: QXTheme.body
 
-    Accessible.name: text
     Accessible.role: Accessible.MenuItem
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
         radius: root.radius

@@ -3,7 +3,7 @@ import QtQuick.Window
 import Quorvix.Controls
 
 /// Something over a dimmed screen that has the keyboard until it is dismissed, and gives it back then.
-FocusScope {
+QXScreen {
     id: root
 
     required property QXPresentationLayer presentationLayer
@@ -25,9 +25,7 @@ FocusScope {
     visible: false
     enabled: presented && presentationLayer.topmost === root
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
-    Keys.onEscapePressed: root.dismissRequested()
-    Keys.onBackPressed: root.dismissRequested()
+    onLeaveRequested: root.dismissRequested()
 
     QXFocusFence {}
 

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// A symbol on a coloured disc.
-T.AbstractButton {
+QXFadingButton {
     id: root
 
     required property string symbol
@@ -11,8 +10,7 @@ T.AbstractButton {
 
     implicitWidth: QXTheme.touchTarget
     implicitHeight: QXTheme.touchTarget
-    focusPolicy: Qt.StrongFocus
-    opacity: enabled ? (pressed ? 0.6 : 1) : 0.35
+    pressedOpacity: 0.6
 
     contentItem: Item {
         QXIcon {
@@ -30,18 +28,6 @@ T.AbstractButton {
             anchors.margins: -3
             radius: width / 2
             visible: root.visualFocus
-        }
-    }
-
-    Accessible.name: text
-    Accessible.role: Accessible.Button
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
-
-    Behavior on opacity {
-        NumberAnimation {
-            duration: 120
         }
     }
 }

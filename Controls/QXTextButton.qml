@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// A word that does something: in a bar, beside a caption, or under an alert.
-T.AbstractButton {
+QXFadingButton {
     id: root
 
     property color color: QXTheme.link
@@ -11,9 +10,7 @@ T.AbstractButton {
     implicitWidth: Math.max(QXTheme.touchTarget, implicitContentWidth + leftPadding + rightPadding)
     implicitHeight: Math.max(QXTheme.touchTarget, implicitContentHeight + QXTheme.spacing)
     horizontalPadding: QXTheme.spacing
-    focusPolicy: Qt.StrongFocus
     font: QXTheme.body
-    opacity: enabled ? (pressed ? 0.4 : 1) : 0.35
 
     contentItem: QXText {
         text: root.text
@@ -23,20 +20,5 @@ T.AbstractButton {
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true
-    }
-    background: QXFocusRing {
-        visible: root.visualFocus
-    }
-
-    Accessible.name: text
-    Accessible.role: Accessible.Button
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
-
-    Behavior on opacity {
-        NumberAnimation {
-            duration: 120
-        }
     }
 }

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// A symbol in a navigation bar.
-T.AbstractButton {
+QXFadingButton {
     id: root
 
     required property string symbol
@@ -12,8 +11,6 @@ T.AbstractButton {
 
     implicitWidth: QXTheme.touchTarget
     implicitHeight: QXTheme.touchTarget
-    focusPolicy: Qt.StrongFocus
-    opacity: enabled ? (pressed ? 0.4 : 1) : 0.35
 
     contentItem: Item {
         QXIcon {
@@ -22,21 +19,6 @@ T.AbstractButton {
             color: root.color
             size: root.symbolSize
             mirror: root.mirrored && root.symbol.startsWith("chevron")
-        }
-    }
-    background: QXFocusRing {
-        visible: root.visualFocus
-    }
-
-    Accessible.name: text
-    Accessible.role: Accessible.Button
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
-
-    Behavior on opacity {
-        NumberAnimation {
-            duration: 120
         }
     }
 }

@@ -4,7 +4,9 @@ import Quorvix.Text
 import Quorvix
 
 /// The editor of a held response: its status code and its body, released unchanged or with the edits.
-FocusScope {
+///
+/// Only the two buttons release a response: nothing answers Esc and the Back key.
+QXScreen {
     id: root
 
     required property QXBreakpointEditorModel model
@@ -17,11 +19,6 @@ FocusScope {
 
     LayoutMirroring.enabled: QXTheme.isMirrored
     LayoutMirroring.childrenInherit: true
-
-    // Only the two buttons release a response, and nothing of the host's acts beneath the editor.
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
-    Keys.onEscapePressed: {}
-    Keys.onBackPressed: {}
 
     QXFocusFence {
         enabled: !presentations.isPresenting

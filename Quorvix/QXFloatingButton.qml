@@ -1,10 +1,9 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix
 
 /// The round button over the host's window: a tap opens or closes the request list, a drag moves it.
-T.AbstractButton {
+QXPressable {
     id: root
 
     required property QXOverlay overlay
@@ -21,8 +20,6 @@ T.AbstractButton {
     focusPolicy: Qt.TabFocus
     text: qsTranslate("Quorvix", "Network Trace")
 
-    Accessible.name: text
-    Accessible.role: Accessible.Button
     Accessible.description: overlay.badgeText
 
     Item {
@@ -144,8 +141,6 @@ T.AbstractButton {
         }
     }
 
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
     onClicked: overlay.handleFloatingButtonTap()
 
     DragHandler {

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// One node of a log tree: how deep it lies, whether it is open, its key, its value and its kind.
-T.AbstractButton {
+QXListRow {
     id: root
 
     required property string key
@@ -15,16 +14,12 @@ T.AbstractButton {
     required property bool hasChildren
     /// For each level.
     required property real indentationWidth
-    /// Whether the keyboard would act on this row.
-    property bool isCurrent: false
-    property real columnMargin: QXTheme.margin
 
     // From some depth on the level is told by its number, not by room: the key needs that.
     readonly property real fullIndentation: depth * indentationWidth
     readonly property real room: (width - 2 * columnMargin) * 0.4 / Math.max(1, QXTheme.scale)
     readonly property real largestIndentation: Math.floor(room / indentationWidth) * indentationWidth
     readonly property bool isDeep: fullIndentation > largestIndentation
-    readonly property real rowPadding: 6
 
     /// Asked for with a right click or a long press.
     signal menuRequested(point position)
@@ -33,7 +28,6 @@ T.AbstractButton {
     // Even, so that the place of a row far down a long list is exact in single precision.
     implicitHeight: Math.max(QXTheme.touchTarget,
                              2 * Math.ceil((Math.max(keyText.implicitHeight, badge.height) + 2 * rowPadding) / 2))
-    focusPolicy: Qt.NoFocus
 
     Accessible.role: Accessible.TreeItem
     Accessible.name: (key ? key + ", " : "") + (summary ? summary + ", " : "") + kindName
@@ -41,17 +35,6 @@ T.AbstractButton {
                           : isExpanded ? qsTranslate("Quorvix", "Expanded") : qsTranslate("Quorvix", "Collapsed")
 
     onPressAndHold: root.menuRequested(Qt.point(root.pressX, root.pressY))
-
-    background: Rectangle {
-        visible: root.pressed || root.isCurrent
-        color: QXTheme.pressedFill
-
-        QXFocusRing {
-            anchors.fill: parent
-            anchors.margins: 2
-            visible: root.isCurrent
-        }
-    }
 
     TapHandler {
         acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad

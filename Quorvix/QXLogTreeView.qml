@@ -1,54 +1,28 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix
 
 /// A JSON body as a tree whose nodes open and close.
-FocusScope {
+QXStackScreen {
     id: root
 
-    /// Where the sheets, alerts and menus of this screen lie.
-    required property QXPresentationLayer presentationLayer
     required property QXLogTreeViewModel viewModel
     required property string requestPath
-    property real bottomInset: 0
 
     readonly property bool hasFailed: viewModel.parseError !== undefined
 
     objectName: "QXLogTreeView"
-
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
-    Keys.onEscapePressed: root.back()
-    Keys.onBackPressed: root.back()
-
-    Rectangle {
-        anchors.fill: parent
-        color: QXTheme.background
-    }
-
-    QXNavigationBar {
-        id: navigationBar
-
-        width: root.width
-        title: root.requestPath
-
-        leading: QXToolButton {
-            objectName: "QXBackButton"
-            symbol: "chevron.left"
-            text: qsTranslate("Quorvix", "Back")
-            onClicked: root.back()
-        }
-        trailing: QXToolButton {
-            objectName: "QXShareModelButton"
-            symbol: "curlybraces"
-            text: qsTranslate("Quorvix", "Share Swift Model")
-            onClicked: root.viewModel.shareSwiftModel(root.requestPath)
-        }
+    title: requestPath
+    trailing: QXToolButton {
+        objectName: "QXShareModelButton"
+        symbol: "curlybraces"
+        text: qsTranslate("Quorvix", "Share Swift Model")
+        onClicked: root.viewModel.shareSwiftModel(root.requestPath)
     }
 
     QXLogTreeFailure {
         anchors.fill: parent
-        anchors.topMargin: navigationBar.height
+        anchors.topMargin: root.navigationBar.height
         anchors.bottomMargin: root.bottomInset
         visible: root.hasFailed
         message: root.viewModel.parseError ?? ""
@@ -57,7 +31,7 @@ FocusScope {
     QXLogTreeList {
         height: root.height - y
         visible: !root.hasFailed
-        bar: navigationBar
+        bar: root.navigationBar
         bottomInset: root.bottomInset
         viewModel: root.viewModel
         onMenuRequested: (row, item, position) => menu.openFor(row, item, position)
@@ -98,9 +72,5 @@ FocusScope {
         model: root.viewModel
         alertTitle: qsTranslate("Quorvix", "Share Failed")
         safeAreaBottom: root.bottomInset
-    }
-
-    function back() {
-        root.T.StackView.view.pop();
     }
 }

@@ -7,13 +7,10 @@ import Quorvix.Text
 import Quorvix
 
 /// Everything that is known about one exchange. Takes its model with it when it goes.
-FocusScope {
+QXStackScreen {
     id: root
 
-    /// Where the sheets, alerts and menus of this screen lie.
-    required property QXPresentationLayer presentationLayer
     required property QXRequestDetailsViewModel viewModel
-    property real bottomInset: 0
     property bool _showShareOptions: false
     property bool _showRequestCookies: false
     property bool _showResponseCookies: false
@@ -22,45 +19,23 @@ FocusScope {
     readonly property bool _showLogTree: viewModel._logTreeDestination !== undefined
 
     objectName: "QXRequestDetailsView"
-
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
-    Keys.onEscapePressed: root.back()
-    Keys.onBackPressed: root.back()
+    title: qsTranslate("Quorvix", "Request Details")
+    flickable: scroller
+    trailing: QXToolButton {
+        objectName: "QXShareButton"
+        symbol: "square.and.arrow.up"
+        text: qsTranslate("Quorvix", "Share Request")
+        onClicked: root._showShareOptions = true
+    }
 
     T.StackView.onActivated: root.viewModel._logTreeDestination = undefined
-
-    Rectangle {
-        anchors.fill: parent
-        color: QXTheme.background
-    }
-
-    QXNavigationBar {
-        id: navigationBar
-
-        width: root.width
-        title: qsTranslate("Quorvix", "Request Details")
-        flickable: scroller
-
-        leading: QXToolButton {
-            objectName: "QXBackButton"
-            symbol: "chevron.left"
-            text: qsTranslate("Quorvix", "Back")
-            onClicked: root.back()
-        }
-        trailing: QXToolButton {
-            objectName: "QXShareButton"
-            symbol: "square.and.arrow.up"
-            text: qsTranslate("Quorvix", "Share Request")
-            onClicked: root._showShareOptions = true
-        }
-    }
 
     QXPage {
         id: scroller
 
         objectName: "QXRequestDetailsPage"
         height: root.height - y
-        bar: navigationBar
+        bar: root.navigationBar
         bottomInset: root.bottomInset
 
         Repeater {
@@ -72,7 +47,7 @@ FocusScope {
                 width: scroller.width
                 viewModel: root.viewModel
                 page: scroller
-                columnMargin: navigationBar.columnMargin
+                columnMargin: root.navigationBar.columnMargin
                 expanded: flag.length > 0 && root[flag]
                 onToggled: root[flag] = !root[flag]
                 onMenuRequested: (item, position, text) => valueMenu.openFor(item, position, text)
@@ -175,9 +150,5 @@ FocusScope {
             bottomInset: Qt.binding(() => root.bottomInset)
         });
         page.Component.destruction.connect(() => tree.destroy());
-    }
-
-    function back() {
-        root.T.StackView.view.pop();
     }
 }

@@ -4,7 +4,7 @@ import Quorvix.Controls
 import Quorvix
 
 /// The inspector's own screens, from the request list on; covers the host's window.
-FocusScope {
+QXScreen {
     id: root
 
     /// Where the sheets and alerts of these screens lie.
@@ -22,9 +22,7 @@ FocusScope {
 
     objectName: "QXRequestListView"
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
-    Keys.onEscapePressed: root.close()
-    Keys.onBackPressed: root.close()
+    onLeaveRequested: root.close()
 
     QXFocusFence {
         enabled: !root.presentationLayer.isPresenting

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// One exchange in the request list.
-T.AbstractButton {
+QXListRow {
     id: root
 
     required property string title
@@ -11,39 +10,13 @@ T.AbstractButton {
     required property int statusColor
     required property bool hasError
     required property int tintColor
-    required property real tintOpacity
-    /// Whether the keyboard would open this row.
-    property bool isCurrent: false
-    property real columnMargin: QXTheme.margin
-
-    readonly property real rowPadding: 6
+    required tintOpacity
 
     objectName: "QXRequestRow"
     implicitHeight: Math.max(QXTheme.touchTarget, lines.implicitHeight + 2 * rowPadding)
-    focusPolicy: Qt.NoFocus
+    tint: QXTheme.systemColor(tintColor)
 
     Accessible.name: title + ", " + statusText
-    Accessible.role: Accessible.ListItem
-
-    background: Item {
-        Rectangle {
-            anchors.fill: parent
-            color: QXTheme.systemColor(root.tintColor)
-            opacity: root.tintOpacity
-        }
-
-        Rectangle {
-            anchors.fill: parent
-            visible: root.pressed || root.isCurrent
-            color: QXTheme.pressedFill
-        }
-
-        QXFocusRing {
-            anchors.fill: parent
-            anchors.margins: 2
-            visible: root.isCurrent
-        }
-    }
 
     Rectangle {
         id: swatch

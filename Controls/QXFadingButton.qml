@@ -1,0 +1,21 @@
+import QtQuick
+import Quorvix.Controls
+
+/// Something to press that fades while it is pressed or disabled.
+QXPressable {
+    id: root
+
+    property real pressedOpacity: 0.4
+
+    opacity: enabled ? (pressed ? pressedOpacity : 1) : 0.35
+
+    background: QXFocusRing {
+        visible: root.visualFocus
+    }
+
+    Behavior on opacity {
+        NumberAnimation {
+            duration: 120
+        }
+    }
+}

@@ -1,0 +1,43 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorvix.Controls
+
+/// A screen that has been pushed on a navigation stack: the button of its bar, Esc and the Back key take it away.
+QXScreen {
+    id: root
+
+    /// Where the sheets, alerts and menus of this screen lie.
+    required property QXPresentationLayer presentationLayer
+    required property string title
+    property real bottomInset: 0
+    /// What scrolls below the bar; without it the title stays small.
+    property alias flickable: bar.flickable
+    property alias trailing: bar.trailing
+
+    readonly property alias navigationBar: bar
+
+    onLeaveRequested: root.leave()
+
+    Rectangle {
+        anchors.fill: parent
+        color: QXTheme.background
+    }
+
+    QXNavigationBar {
+        id: bar
+
+        width: root.width
+        title: root.title
+
+        leading: QXToolButton {
+            objectName: "QXBackButton"
+            symbol: "chevron.left"
+            text: qsTranslate("Quorvix", "Back")
+            onClicked: root.leave()
+        }
+    }
+
+    function leave() {
+        root.T.StackView.view.pop();
+    }
+}
