@@ -7,11 +7,11 @@ QXModal {
     id: root
 
     property string title
-    property real safeAreaBottom: 0
     default property alias items: column.data
 
     readonly property bool isCard: width >= 640
     readonly property real edge: QXTheme.spacing
+    readonly property real bottomEdge: edge + presentationLayer.safeArea.bottom
 
     objectName: "QXConfirmationDialog"
 
@@ -26,13 +26,13 @@ QXModal {
 
         readonly property real hidden: (1 - root.progress) * (root.height - settled)
         readonly property real settled: root.isCard ? (root.height - height) / 2
-                                                    : root.height - height - root.edge - root.safeAreaBottom
+                                                    : root.height - height - root.bottomEdge
 
         x: (root.width - width) / 2
         y: settled + hidden
         width: Math.min(root.isCard ? 320 * Math.max(1, QXTheme.scale) : 480, root.width - 2 * root.edge)
         height: Math.min(choices.implicitHeight + root.edge + cancel.height,
-                         root.height - root.safeAreaBottom - 2 * root.edge - QXTheme.touchTarget)
+                         root.height - root.bottomEdge - root.edge - QXTheme.touchTarget)
 
         Rectangle {
             id: card

@@ -1,5 +1,7 @@
 #include "Controls/QXLayer.h"
 
+#include "Controls/QXSafeArea.h"
+
 #include <QtQuick/QQuickWindow>
 
 namespace {
@@ -9,12 +11,16 @@ constexpr qreal baseZ = 2'000'000;
 
 } // namespace
 
-QXLayer::QXLayer(int level)
+QXLayer::QXLayer(int level) : m_safeArea(new QXSafeArea(this))
 {
     setZ(baseZ + level);
 }
 
-QXLayer::~QXLayer() = default;
+QXLayer::~QXLayer()
+{
+    // What lies on the layer keeps to its safe area, which must not go first.
+    qDeleteAll(childItems());
+}
 
 void QXLayer::attach(QQuickWindow *window)
 {
@@ -27,6 +33,7 @@ void QXLayer::attach(QQuickWindow *window)
         if (!visible)
             Q_EMIT windowLost();
     });
+    connect(window, &QWindow::screenChanged, this, &QXLayer::fit);
     m_content = window->contentItem();
     setParentItem(m_content);
     connect(m_content, &QQuickItem::widthChanged, this, &QXLayer::fit);
@@ -37,8 +44,10 @@ void QXLayer::attach(QQuickWindow *window)
 
 void QXLayer::fit()
 {
-    if (m_content)
-        setSize(m_content->size());
+    if (!m_content || !m_window)
+        return;
+    m_safeArea->measure(*m_window);
+    setSize(m_content->size());
 }
 
 bool QXLayer::contains(const QPointF &point) const

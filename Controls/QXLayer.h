@@ -6,6 +6,7 @@
 #include <functional>
 
 class QQuickWindow;
+class QXSafeArea;
 
 /// An item over the whole content of a window, above its popups and dialogs. Main thread only.
 ///
@@ -28,6 +29,9 @@ public:
     /// Which points, in its own coordinates, are the layer's. Without a rule it claims them all.
     void setClaims(Claims claims) { m_claims = std::move(claims); }
 
+    /// That of the window, brought up to date before the layer takes another size.
+    [[nodiscard]] QXSafeArea *safeArea() const { return m_safeArea; }
+
     [[nodiscard]] bool contains(const QPointF &point) const override;
 
 Q_SIGNALS:
@@ -38,6 +42,7 @@ private:
     void fit();
 
     Claims m_claims;
+    QXSafeArea *const m_safeArea;
     QPointer<QQuickWindow> m_window;
     QPointer<QQuickItem> m_content;
 };

@@ -10,7 +10,6 @@ QXModal {
     property string title
     /// As high as its content would like to be, without the header.
     property real contentHeight: 400
-    property real safeAreaBottom: 0
     property string doneName: "QXSheetDone"
     property alias doneText: done.text
     property alias trailing: trailingItems.data
@@ -30,7 +29,8 @@ QXModal {
     Rectangle {
         id: card
 
-        readonly property real bottomInset: Math.max(root.isCard ? 0 : root.safeAreaBottom, root.keyboardHeight)
+        readonly property real safeInset: root.isCard ? 0 : root.presentationLayer.safeArea.bottom
+        readonly property real bottomInset: Math.max(safeInset, root.keyboardHeight)
         readonly property real roomAbove: root.isCard ? root.height * 0.08 : QXTheme.touchTarget
 
         width: root.isCard ? Math.min(560, root.width - 2 * QXTheme.margin) : root.width

@@ -9,12 +9,12 @@ QXScreen {
     /// Where the sheets, alerts and menus of this screen lie.
     required property QXPresentationLayer presentationLayer
     required property string title
-    property real bottomInset: 0
     /// What scrolls below the bar; without it the title stays small.
     property alias flickable: bar.flickable
     property alias trailing: bar.trailing
 
     readonly property alias navigationBar: bar
+    readonly property real bottomInset: presentationLayer.safeArea.bottom
 
     onLeaveRequested: root.leave()
 

@@ -10,10 +10,7 @@ QXScreen {
     id: root
 
     required property QXBreakpointEditorModel model
-    property real safeAreaTop: 0
-    property real safeAreaLeft: 0
-    property real safeAreaRight: 0
-    property real safeAreaBottom: 0
+    required property QXSafeArea safeArea
 
     objectName: "QXBreakpointEditorView"
 
@@ -36,9 +33,9 @@ QXScreen {
     QXNavigationBar {
         id: bar
 
-        x: root.safeAreaLeft
-        y: root.safeAreaTop
-        width: parent.width - root.safeAreaLeft - root.safeAreaRight
+        x: root.safeArea.left
+        y: root.safeArea.top
+        width: parent.width - root.safeArea.left - root.safeArea.right
         title: qsTranslate("Quorvix", "Breakpoint")
         enabled: !presentations.isPresenting
 
@@ -61,7 +58,7 @@ QXScreen {
 
         anchors.top: bar.bottom
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: Math.max(root.safeAreaBottom, keyboardHeight)
+        anchors.bottomMargin: Math.max(root.safeArea.bottom, keyboardHeight)
         x: bar.x
         width: bar.width
         enabled: !presentations.isPresenting
@@ -75,6 +72,7 @@ QXScreen {
         id: presentations
 
         anchors.fill: parent
+        safeArea: root.safeArea
     }
 
     QXEditMenu {

@@ -5,6 +5,7 @@
 #include "Quorvix/QXQmlView.h"
 
 #include "Controls/QXLayer.h"
+#include "Controls/QXSafeArea.h"
 
 #include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickWindow>
@@ -21,22 +22,6 @@ QQuickItem *focusItem(const QQuickWindow &window)
     while (item->isFocusScope() && item->scopedFocusItem())
         item = item->scopedFocusItem();
     return item == window.contentItem() ? nullptr : item;
-}
-
-QVariantMap safeAreaProperties(const QXLayer &layer)
-{
-    const QMarginsF margins = layer.window() ? QXHostWindow::safeAreaMargins(*layer.window()) : QMarginsF();
-    return {{QStringLiteral("safeAreaTop"), margins.top()},
-            {QStringLiteral("safeAreaLeft"), margins.left()},
-            {QStringLiteral("safeAreaRight"), margins.right()},
-            {QStringLiteral("safeAreaBottom"), margins.bottom()}};
-}
-
-void updateSafeArea(QQuickItem &editor, const QXLayer &layer)
-{
-    const QVariantMap properties = safeAreaProperties(layer);
-    for (auto property = properties.begin(); property != properties.end(); ++property)
-        editor.setProperty(property.key().toLatin1().constData(), property.value());
 }
 
 } // namespace
@@ -65,17 +50,12 @@ void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
         m_editor->deleteLater();
     }
     auto model = std::make_unique<QXBreakpointEditorModel>(item);
-    QVariantMap properties = safeAreaProperties(*m_layer);
-    properties.insert(QStringLiteral("model"), QVariant::fromValue(model.get()));
+    const QVariantMap properties{{QStringLiteral("model"), QVariant::fromValue(model.get())},
+                                 {QStringLiteral("safeArea"), QVariant::fromValue(m_layer->safeArea())}};
     m_editor = QXQmlView::make(m_engine, QStringLiteral("QXBreakpointEditorView"), properties, *m_layer);
     if (!m_editor)
         return;
     model.release()->setParent(m_editor);
-    const auto fit = [editor = m_editor.data(), layer = m_layer] {
-        updateSafeArea(*editor, *layer);
-    };
-    QObject::connect(m_layer, &QQuickItem::widthChanged, m_editor, fit);
-    QObject::connect(m_layer, &QQuickItem::heightChanged, m_editor, fit);
     takeFocus();
     activate();
 }
@@ -87,10 +67,8 @@ void QXBreakpointWindow::attach(QQuickWindow *window)
     returnFocus();
     m_previousFocus = focusItem(*window);
     m_layer->attach(window);
-    if (!m_editor)
-        return;
-    updateSafeArea(*m_editor, *m_layer); // it may have the size of the other
-    takeFocus();
+    if (m_editor)
+        takeFocus();
 }
 
 void QXBreakpointWindow::setPreviousFocus(QQuickItem *item)

@@ -31,7 +31,7 @@ QXSheet {
 
     Rectangle {
         anchors.fill: parent
-        anchors.bottomMargin: -root.safeAreaBottom
+        anchors.bottomMargin: -root.presentationLayer.safeArea.bottom
         color: QXTheme.background
 
         QXSeparator {

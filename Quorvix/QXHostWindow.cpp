@@ -4,8 +4,6 @@
 #include <QtGui/QScreen>
 #include <QtQuick/QQuickWindow>
 
-#include <algorithm>
-
 namespace {
 
 constexpr char fallbackProperty[] = "quorvixFallbackWindow";
@@ -61,18 +59,4 @@ void QXHostWindow::followFocus(QQuickWindow &fallback)
     QWindow *const focused = QGuiApplication::focusWindow();
     if (focused && focused != &fallback && !fallback.transientParent())
         fallback.setTransientParent(focused);
-}
-
-QMarginsF QXHostWindow::safeAreaMargins(const QQuickWindow &window)
-{
-    // A window among others keeps clear of the bars by itself; one that fills the screen does not.
-    const QScreen *const screen = window.screen();
-    if (!screen || window.size() != screen->size())
-        return {};
-    const QRect whole = screen->geometry();
-    const QRect available = screen->availableGeometry();
-    return {std::max(0.0, qreal(available.left() - whole.left())),
-            std::max(0.0, qreal(available.top() - whole.top())),
-            std::max(0.0, qreal(whole.right() - available.right())),
-            std::max(0.0, qreal(whole.bottom() - available.bottom()))};
 }

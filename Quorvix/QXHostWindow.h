@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QtCore/QMarginsF>
-
 #include <memory>
 
 class QQuickWindow;
@@ -25,8 +23,5 @@ namespace QXHostWindow {
 /// Makes a fallback window part of the window that the host shows now, so that it ends with the host's
 /// windows and never keeps the application from ending.
 void followFocus(QQuickWindow &fallback);
-
-/// What bars and notches cover at the edges of @p window, in points.
-[[nodiscard]] QMarginsF safeAreaMargins(const QQuickWindow &window);
 
 } // namespace QXHostWindow

@@ -71,6 +71,5 @@ QXStackScreen {
         presentationLayer: root.presentationLayer
         model: root.viewModel
         alertTitle: qsTranslate("Quorvix", "Share Failed")
-        safeAreaBottom: root.bottomInset
     }
 }

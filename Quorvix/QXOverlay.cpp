@@ -8,6 +8,7 @@
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Controls/QXLayer.h"
+#include "Controls/QXSafeArea.h"
 
 #include <QtCore/QSettings>
 #include <QtGui/QGuiApplication>
@@ -46,12 +47,12 @@ QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine()), m_layer(std::make_un
     m_constraint = QXOverlayPoint::decoded(QSettings().value(dragPositionKey).toByteArray());
     m_layer->setClaims([this](const QPointF &point) { return hitTest(point); });
     const auto moved = [this] {
-        Q_EMIT geometryChanged();
         Q_EMIT buttonMoved();
         updateMask();
     };
     connect(m_layer.get(), &QQuickItem::widthChanged, this, moved);
     connect(m_layer.get(), &QQuickItem::heightChanged, this, moved);
+    connect(safeArea(), &QXSafeArea::marginsChanged, this, moved);
     // Later: it may be Qt that tells of a window in the middle of its work with it.
     connect(m_layer.get(), &QXLayer::windowLost, this, &QXOverlay::settle, Qt::QueuedConnection);
     connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXOverlay::settle, Qt::QueuedConnection);
@@ -128,20 +129,19 @@ void QXOverlay::settle()
     if (m_breakpointWindow)
         m_breakpointWindow->attach(host);
     m_fallbackWindow.reset();
-    Q_EMIT geometryChanged();
     Q_EMIT buttonMoved();
 }
 
 // The button's place
 
-QMarginsF QXOverlay::safeAreaMargins() const
+QXSafeArea *QXOverlay::safeArea() const
 {
-    return window() ? QXHostWindow::safeAreaMargins(*window()) : QMarginsF();
+    return m_layer->safeArea();
 }
 
-QRectF QXOverlay::safeArea() const
+QRectF QXOverlay::safeRect() const
 {
-    return m_layer->boundingRect().marginsRemoved(safeAreaMargins());
+    return m_layer->boundingRect().marginsRemoved(safeArea()->margins());
 }
 
 QXOverlayPoint QXOverlay::constraint() const
@@ -154,7 +154,7 @@ QXOverlayPoint QXOverlay::constraint() const
 QPointF QXOverlay::buttonCenter() const
 {
     // A place that was chosen in a larger window is brought into this one, and kept for when it grows again.
-    const QRectF area = safeArea();
+    const QRectF area = safeRect();
     const QXOverlayPoint offset = constraint();
     return area.center() + QPointF(clampOffset(offset.x, area.width()), clampOffset(offset.y, area.height()));
 }
@@ -166,7 +166,7 @@ QRectF QXOverlay::buttonFrame() const
 
 void QXOverlay::handleButtonPan(const QPointF &translation)
 {
-    const QRectF area = safeArea();
+    const QRectF area = safeRect();
     const QPointF offset = buttonCenter() - area.center() + translation;
     m_constraint =
         QXOverlayPoint{clampOffset(offset.x(), area.width()), clampOffset(offset.y(), area.height())};

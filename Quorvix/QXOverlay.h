@@ -4,7 +4,6 @@
 
 #include "Platform/NSNotificationCenter.h"
 
-#include <QtCore/QMarginsF>
 #include <QtCore/QObject>
 #include <QtCore/QPointF>
 #include <QtCore/QPointer>
@@ -20,6 +19,7 @@ class QQuickItem;
 class QQuickWindow;
 class QXBreakpointWindow;
 class QXLayer;
+class QXSafeArea;
 
 /// The floating button over the host's window, with the request list that it opens. Main thread only.
 ///
@@ -28,6 +28,7 @@ class QXLayer;
 class QXOverlay : public QObject
 {
     Q_OBJECT
+    Q_MOC_INCLUDE("Controls/QXSafeArea.h")
     QML_ELEMENT
     QML_UNCREATABLE("made by the client")
     /// The centre of the button in the layer's coordinates, in points.
@@ -38,11 +39,7 @@ class QXOverlay : public QObject
     /// isShowingRequestList true: that is its way out.
     Q_PROPERTY(bool presentsRequestList READ presentsRequestList NOTIFY presentationChanged)
     Q_PROPERTY(bool isShowingRequestList READ isShowingRequestList NOTIFY presentationChanged)
-    /// What bars and notches cover at the edges, in points.
-    Q_PROPERTY(qreal safeAreaTop READ safeAreaTop NOTIFY geometryChanged)
-    Q_PROPERTY(qreal safeAreaLeft READ safeAreaLeft NOTIFY geometryChanged)
-    Q_PROPERTY(qreal safeAreaRight READ safeAreaRight NOTIFY geometryChanged)
-    Q_PROPERTY(qreal safeAreaBottom READ safeAreaBottom NOTIFY geometryChanged)
+    Q_PROPERTY(QXSafeArea *safeArea READ safeArea CONSTANT)
 
 public:
     static constexpr QLatin1StringView dragPositionKey{"QXOverlayButtonPosition"};
@@ -60,11 +57,8 @@ public:
     [[nodiscard]] const QString &badgeText() const noexcept { return m_badgeText; }
     [[nodiscard]] bool presentsRequestList() const noexcept { return m_presentsRequestList; }
     [[nodiscard]] bool isShowingRequestList() const noexcept { return m_isShowingRequestList; }
-    [[nodiscard]] QMarginsF safeAreaMargins() const;
-    [[nodiscard]] qreal safeAreaTop() const { return safeAreaMargins().top(); }
-    [[nodiscard]] qreal safeAreaLeft() const { return safeAreaMargins().left(); }
-    [[nodiscard]] qreal safeAreaRight() const { return safeAreaMargins().right(); }
-    [[nodiscard]] qreal safeAreaBottom() const { return safeAreaMargins().bottom(); }
+    /// That of the window that the overlay lies over.
+    [[nodiscard]] QXSafeArea *safeArea() const;
 
     /// Whether a touch at @p point, in the layer's coordinates, is for the overlay and not for the host.
     [[nodiscard]] bool hitTest(const QPointF &point) const;
@@ -88,7 +82,6 @@ Q_SIGNALS:
     void buttonMoved();
     void badgeChanged();
     void presentationChanged();
-    void geometryChanged();
 
 private:
     void handleRequestsChanged();
@@ -96,7 +89,7 @@ private:
     void settle();
     void updateBadge();
     void updateMask();
-    [[nodiscard]] QRectF safeArea() const;
+    [[nodiscard]] QRectF safeRect() const;
     [[nodiscard]] QXOverlayPoint constraint() const;
 
     std::unique_ptr<QQmlEngine> m_engine;

@@ -29,10 +29,6 @@ FocusScope {
             width: root.width
             height: root.height
             focus: true
-            safeAreaTop: root.overlay.safeAreaTop
-            safeAreaLeft: root.overlay.safeAreaLeft
-            safeAreaRight: root.overlay.safeAreaRight
-            safeAreaBottom: root.overlay.safeAreaBottom
             presentationLayer: presentations
             onClose: root.overlay.dismissRequestList()
             Component.onCompleted: forceActiveFocus()
@@ -48,6 +44,7 @@ FocusScope {
         id: presentations
 
         anchors.fill: parent
+        safeArea: root.overlay.safeArea
         visible: root.overlay.presentsRequestList
     }
 

@@ -9,19 +9,16 @@ Item {
     required property QXPresentationLayer presentationLayer
     required property QXPresentingModel model
     required property string alertTitle
-    property real safeAreaBottom: 0
 
     QXActivityView {
         presentationLayer: root.presentationLayer
         shareItem: root.model.shareItem
-        safeAreaBottom: root.safeAreaBottom
         onDismissRequested: root.model.shareItem = undefined
     }
 
     QXDecodedPayloadView {
         presentationLayer: root.presentationLayer
         payload: root.model.decodedPayload
-        safeAreaBottom: root.safeAreaBottom
         onDismissRequested: root.model.decodedPayload = undefined
     }
 

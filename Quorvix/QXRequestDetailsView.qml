@@ -94,7 +94,6 @@ QXStackScreen {
         presentationLayer: root.presentationLayer
         presented: root._showShareOptions
         title: qsTranslate("Quorvix", "Share Request")
-        safeAreaBottom: root.bottomInset
         onDismissRequested: root._showShareOptions = false
 
         QXConfirmationAction {
@@ -132,7 +131,6 @@ QXStackScreen {
         presentationLayer: root.presentationLayer
         model: root.viewModel
         alertTitle: root.viewModel._alertTitle
-        safeAreaBottom: root.bottomInset
     }
 
     on_ShowLogTreeChanged: {
@@ -146,8 +144,7 @@ QXStackScreen {
         const page = root.T.StackView.view.push(Qt.resolvedUrl("QXLogTreeView.qml"), {
             presentationLayer: root.presentationLayer,
             viewModel: tree,
-            requestPath: root.viewModel._logTreeDestination.requestPath,
-            bottomInset: Qt.binding(() => root.bottomInset)
+            requestPath: root.viewModel._logTreeDestination.requestPath
         });
         page.Component.destruction.connect(() => tree.destroy());
     }

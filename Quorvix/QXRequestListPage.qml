@@ -9,7 +9,7 @@ FocusScope {
     id: root
 
     required property QXRequestListViewModel viewModel
-    property real bottomInset: 0
+    required property QXSafeArea safeArea
 
     signal close
     signal breakpointsRequested
@@ -83,7 +83,7 @@ FocusScope {
         objectName: "QXRequestList"
         height: root.height - y
         bar: navigationBar
-        bottomInset: root.bottomInset
+        bottomInset: root.safeArea.bottom
         model: root.viewModel
         KeyNavigation.up: search
 

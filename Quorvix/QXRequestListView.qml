@@ -9,13 +9,10 @@ QXScreen {
 
     /// Where the sheets and alerts of these screens lie.
     required property QXPresentationLayer presentationLayer
-    property real safeAreaTop: 0
-    property real safeAreaLeft: 0
-    property real safeAreaRight: 0
-    property real safeAreaBottom: 0
     property bool showBreakpoints: false
 
     readonly property QXRequestListViewModel viewModel: QXRequestListViewModel {}
+    readonly property QXSafeArea safeArea: presentationLayer.safeArea
 
     /// The user is done here.
     signal close
@@ -37,9 +34,9 @@ QXScreen {
         id: stack
 
         anchors.fill: parent
-        anchors.topMargin: root.safeAreaTop
-        anchors.leftMargin: root.safeAreaLeft
-        anchors.rightMargin: root.safeAreaRight
+        anchors.topMargin: root.safeArea.top
+        anchors.leftMargin: root.safeArea.left
+        anchors.rightMargin: root.safeArea.right
         focus: true
         enabled: !root.presentationLayer.isPresenting
     }
@@ -48,7 +45,6 @@ QXScreen {
         presentationLayer: root.presentationLayer
         presented: root.showBreakpoints
         title: qsTranslate("Quorvix", "Breakpoints")
-        safeAreaBottom: root.safeAreaBottom
         contentHeight: root.height * 0.6
         trailing: QXTextButton {
             objectName: "QXBreakpointsEditButton"
@@ -71,13 +67,12 @@ QXScreen {
         presentationLayer: root.presentationLayer
         model: root.viewModel
         alertTitle: qsTranslate("Quorvix", "Export Failed")
-        safeAreaBottom: root.safeAreaBottom
     }
 
     Component.onCompleted: {
         const page = stack.push(Qt.resolvedUrl("QXRequestListPage.qml"), {
             viewModel: root.viewModel,
-            bottomInset: Qt.binding(() => root.safeAreaBottom)
+            safeArea: root.safeArea
         }, T.StackView.Immediate) as QXRequestListPage;
         page.close.connect(root.close);
         page.breakpointsRequested.connect(() => root.showBreakpoints = true);
@@ -87,8 +82,7 @@ QXScreen {
     function openDetails(row: int) {
         stack.push(Qt.resolvedUrl("QXRequestDetailsView.qml"), {
             presentationLayer: root.presentationLayer,
-            viewModel: root.viewModel.makeDetails(row),
-            bottomInset: Qt.binding(() => root.safeAreaBottom)
+            viewModel: root.viewModel.makeDetails(row)
         });
     }
 }

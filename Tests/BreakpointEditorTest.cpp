@@ -5,6 +5,8 @@
 
 #include "Text/QXTextEditor.h"
 
+#include "Controls/QXSafeArea.h"
+
 #include <QtTest/QSignalSpy>
 
 #include <functional>
@@ -213,19 +215,24 @@ void BreakpointEditorTest::movesToAnotherWindow()
 {
     hold("body");
     QTRY_VERIFY(hasFocus("QXStatusCodeField"));
-    QQuickItem *const view = find("QXBreakpointEditorView");
-    view->setProperty("safeAreaLeft", 30);
+    auto *const safeArea = find("QXBreakpointEditorView")->property("safeArea").value<QXSafeArea *>();
+    const auto fieldStart = [this] {
+        return sceneRect(*find("QXStatusCodeField")).left();
+    };
+    const qreal start = fieldStart();
+    safeArea->setMargins({30, 0, 0, 0});
+    QVERIFY(fieldStart() > start);
     m_window->resize(800, 600);
-    QTRY_COMPARE(view->property("safeAreaLeft").toReal(), 0);
+    QTRY_VERIFY(safeArea->margins().isNull());
 
-    view->setProperty("safeAreaLeft", 30);
+    safeArea->setMargins({30, 0, 0, 0});
     auto next = makeWindow(m_engine, hostQml);
     next->resize(800, 600);
     QTRY_COMPARE(next->contentItem()->size(), QSizeF(800, 600));
     m_window->hide();
     m_window.swap(next);
     QTRY_VERIFY(hasFocus("QXStatusCodeField"));
-    QCOMPARE(view->property("safeAreaLeft").toReal(), 0);
+    QVERIFY(safeArea->margins().isNull());
     click("QXContinueButton");
     QTRY_VERIFY(hasFocus("field"));
     QVERIFY(ScreenDriver::find(*next, "field")->hasFocus());
