@@ -12,10 +12,11 @@ QXStackScreen {
 
     required property QXRequestDetailsViewModel viewModel
     property bool _showShareOptions: false
-    property bool _showRequestCookies: false
-    property bool _showResponseCookies: false
-    property bool _showResponseCache: false
 
+    // Which groups are unfolded.
+    readonly property bool _showRequestCookies: viewModel._showRequestCookies
+    readonly property bool _showResponseCookies: viewModel._showResponseCookies
+    readonly property bool _showResponseCache: viewModel._showResponseCache
     readonly property bool _showLogTree: viewModel._logTreeDestination !== undefined
 
     objectName: "QXRequestDetailsView"
@@ -42,14 +43,10 @@ QXStackScreen {
             model: root.viewModel
 
             delegate: QXRequestSectionView {
-                required property string flag
-
                 width: scroller.width
                 viewModel: root.viewModel
                 page: scroller
                 columnMargin: root.navigationBar.columnMargin
-                expanded: flag.length > 0 && root[flag]
-                onToggled: root[flag] = !root[flag]
                 onMenuRequested: (item, position, text) => valueMenu.openFor(item, position, text)
                 onBodyMenuRequested: (block, position) => bodyMenu.openFor(block, position, index)
             }

@@ -129,8 +129,8 @@ QVariant QXRequestDetailsViewModel::data(const QModelIndex &index, int role) con
         return section.title;
     case ValuesRole:
         return asVariants(section.values);
-    case FlagRole:
-        return QString(section.flag);
+    case ExpandedRole:
+        return section.group && shows(*section.group);
     case DocumentRole:
         return QVariant::fromValue(m_documents[std::size_t(index.row())]);
     default:
@@ -143,7 +143,7 @@ QHash<int, QByteArray> QXRequestDetailsViewModel::roleNames() const
     return {{KindRole, "kind"},
             {TitleRole, "title"},
             {ValuesRole, "values"},
-            {FlagRole, "flag"},
+            {ExpandedRole, "expanded"},
             {DocumentRole, "document"}};
 }
 
@@ -162,6 +162,17 @@ void QXRequestDetailsViewModel::setBreakpointEnabled(bool enabled)
         QXBreakpointStore::shared().insert(*key);
     else
         QXBreakpointStore::shared().remove(*key);
+}
+
+void QXRequestDetailsViewModel::toggleGroup(int row)
+{
+    if (row < 0 || row >= rowCount() || !m_sections[std::size_t(row)].group)
+        return;
+    const Group group = *m_sections[std::size_t(row)].group;
+    if (!m_unfolded.remove(group))
+        m_unfolded.insert(group);
+    Q_EMIT groupsChanged();
+    Q_EMIT dataChanged(index(row), index(row), {ExpandedRole});
 }
 
 QXTextDocument *QXRequestDetailsViewModel::documentForValue(const QString &text)

@@ -8,6 +8,7 @@
 
 #include "Platform/Result.h"
 
+#include <QtCore/QSet>
 #include <QtQml/qqmlregistration.h>
 
 #include <memory>
@@ -35,15 +36,21 @@ class QXRequestDetailsViewModel final : public QXPresentingModel
     /// A QXLogTreeDestination while the tree is to be shown, else undefined; assigning undefined clears it.
     Q_PROPERTY(QVariant _logTreeDestination READ logTreeDestinationValue WRITE setLogTreeDestinationValue
                    NOTIFY _logTreeDestinationChanged)
+    // Which groups are unfolded.
+    Q_PROPERTY(bool _showRequestCookies READ showsRequestCookies NOTIFY groupsChanged)
+    Q_PROPERTY(bool _showResponseCookies READ showsResponseCookies NOTIFY groupsChanged)
+    Q_PROPERTY(bool _showResponseCache READ showsResponseCache NOTIFY groupsChanged)
     /// Whether responses to requests like this one are held. Stays off without a URL.
     Q_PROPERTY(bool breakpointEnabled READ breakpointEnabled WRITE setBreakpointEnabled NOTIFY
                    breakpointEnabledChanged)
 
 public:
-    enum Role { KindRole = Qt::UserRole, TitleRole, ValuesRole, FlagRole, DocumentRole };
+    enum Role { KindRole = Qt::UserRole, TitleRole, ValuesRole, ExpandedRole, DocumentRole };
 
     enum Kind { ValueSection, BreakpointSection, GroupSection, BodySection };
     Q_ENUM(Kind)
+
+    using Group = QXRequestSection::Group;
 
     explicit QXRequestDetailsViewModel(const QXRequestTrace &request, QObject *parent = nullptr);
     ~QXRequestDetailsViewModel() override;
@@ -58,9 +65,12 @@ public:
     {
         return m_logTreeDestination;
     }
+    [[nodiscard]] bool shows(Group group) const { return m_unfolded.contains(group); }
     [[nodiscard]] bool breakpointEnabled() const;
     void setBreakpointEnabled(bool enabled);
 
+    /// Unfolds the group of a section, or folds it; passes over a section that is none.
+    Q_INVOKABLE void toggleGroup(int row);
     /// What shows a value that no single text item could lay out in time, a child of the model; null for
     /// others.
     Q_INVOKABLE QXTextDocument *documentForValue(const QString &text);
@@ -88,9 +98,13 @@ public:
 Q_SIGNALS:
     void _alertTitleChanged();
     void _logTreeDestinationChanged();
+    void groupsChanged();
     void breakpointEnabledChanged();
 
 private:
+    [[nodiscard]] bool showsRequestCookies() const { return shows(Group::RequestCookies); }
+    [[nodiscard]] bool showsResponseCookies() const { return shows(Group::ResponseCookies); }
+    [[nodiscard]] bool showsResponseCache() const { return shows(Group::ResponseCache); }
     [[nodiscard]] QVariant logTreeDestinationValue() const;
     void setLogTreeDestinationValue(const QVariant &value);
 
@@ -113,6 +127,7 @@ private:
     std::vector<QXTextDocument *> m_documents;
     /// For each section: whether its body can be decoded, once that is known.
     std::vector<std::optional<bool>> m_decodable;
+    QSet<Group> m_unfolded;
     QString m_alertTitle;
     std::optional<QXLogTreeDestination> m_logTreeDestination;
     /// Lives as long as the model, for those on other threads who work for it.

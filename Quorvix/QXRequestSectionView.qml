@@ -13,17 +13,16 @@ Column {
     required property int kind
     required property string title
     required property var values
+    required property bool expanded
     required property QXTextDocument document
     required property QXRequestDetailsViewModel viewModel
     required property QXPage page
     property real columnMargin: QXTheme.margin
-    property bool expanded: false
 
     readonly property bool isBody: kind === QXRequestDetailsViewModel.BodySection
     readonly property bool isGroup: kind === QXRequestDetailsViewModel.GroupSection
     readonly property real columnWidth: width - 2 * columnMargin
 
-    signal toggled
     /// A menu for a value, at a point of an item.
     signal menuRequested(Item item, point position, string text)
     /// A menu for the body of this section, at a point of the block that shows it.
@@ -67,7 +66,7 @@ Column {
             columnMargin: root.columnMargin
             text: root.title
             expanded: root.expanded
-            onClicked: root.toggled()
+            onClicked: root.viewModel.toggleGroup(root.index)
             onVisualFocusChanged: root.page.revealFocused(group)
         }
     }

@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+using Group = QXRequestSection::Group;
 using Kind = QXRequestSection::Kind;
 using Sections = std::vector<QXRequestSection>;
 using Values = QList<QXRequestValue>;
@@ -24,15 +25,15 @@ struct Side
     const char *headersTitle = nullptr;
     const char *cookiesTitle = nullptr;
     const char *bodyTitle = nullptr;
-    QLatin1StringView cookiesFlag;
+    Group cookies = Group::RequestCookies;
 };
 
 constexpr Side requestSide{QT_TRANSLATE_NOOP("Quorvix", "REQUEST HEADERS"),
                            QT_TRANSLATE_NOOP("Quorvix", "REQUEST COOKIES"),
-                           QT_TRANSLATE_NOOP("Quorvix", "REQUEST BODY"), "_showRequestCookies"_L1};
+                           QT_TRANSLATE_NOOP("Quorvix", "REQUEST BODY"), Group::RequestCookies};
 constexpr Side responseSide{QT_TRANSLATE_NOOP("Quorvix", "RESPONSE HEADERS"),
                             QT_TRANSLATE_NOOP("Quorvix", "RESPONSE COOKIES"),
-                            QT_TRANSLATE_NOOP("Quorvix", "RESPONSE BODY"), "_showResponseCookies"_L1};
+                            QT_TRANSLATE_NOOP("Quorvix", "RESPONSE BODY"), Group::ResponseCookies};
 
 /// Not the rule of the list: there is no yellow here.
 QXSystemColor::Value colorForStatusCode(qint64 code)
@@ -48,10 +49,10 @@ void addValues(Sections &sections, const char *title, Values values)
         sections.push_back({Kind::Values, localized(title), std::move(values), {}, {}});
 }
 
-void addGroup(Sections &sections, const char *title, QLatin1StringView flag, Values values)
+void addGroup(Sections &sections, const char *title, Group group, Values values)
 {
     if (!values.isEmpty())
-        sections.push_back({Kind::Group, localized(title), std::move(values), flag, {}});
+        sections.push_back({Kind::Group, localized(title), std::move(values), group, {}});
 }
 
 void addHeaders(Sections &sections, const Side &side, const std::optional<HTTPHeaderFields> &headers)
@@ -69,7 +70,7 @@ void addCookies(Sections &sections, const Side &side, const QXRequestTrace &requ
     Values values;
     for (const QNetworkCookie &cookie : sharedCookies(request))
         values.append({QString::fromUtf8(cookie.name()), QString::fromUtf8(cookie.value())});
-    addGroup(sections, side.cookiesTitle, side.cookiesFlag, std::move(values));
+    addGroup(sections, side.cookiesTitle, side.cookies, std::move(values));
 }
 
 void addCache(Sections &sections, const QXRequestTrace &request)
@@ -77,7 +78,7 @@ void addCache(Sections &sections, const QXRequestTrace &request)
     Values values;
     for (const QXCacheSection &entry : cacheSummary(request.response))
         values.append({entry.title, entry.text});
-    addGroup(sections, QT_TRANSLATE_NOOP("Quorvix", "RESPONSE CACHE"), "_showResponseCache"_L1,
+    addGroup(sections, QT_TRANSLATE_NOOP("Quorvix", "RESPONSE CACHE"), Group::ResponseCache,
              std::move(values));
 }
 

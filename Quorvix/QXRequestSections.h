@@ -4,6 +4,7 @@
 
 #include "Controls/QXSystemColor.h"
 
+#include <optional>
 #include <vector>
 
 /// A label and what it labels. A value.
@@ -27,12 +28,14 @@ public:
 struct QXRequestSection
 {
     enum class Kind { Values, Breakpoint, Group, Body };
+    /// A group that is folded away until it is asked for.
+    enum class Group { RequestCookies, ResponseCookies, ResponseCache };
 
     Kind kind = Kind::Values;
     QString title;
     QList<QXRequestValue> values;
-    /// Of a group: the name of the screen's flag that tells whether it is unfolded.
-    QLatin1StringView flag;
+    /// Of a group: which it is.
+    std::optional<Group> group;
     /// Of a body: shared with the trace.
     QByteArray body;
 };

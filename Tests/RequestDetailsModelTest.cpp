@@ -72,6 +72,7 @@ private Q_SLOTS:
     void initTestCase();
     void init();
     void sectionsOfACompletedExchange();
+    void groupsUnfoldEachByItself();
     void sectionsOfWhatIsMissing();
     void statusColors();
     void bodyTexts_data();
@@ -131,8 +132,33 @@ void RequestDetailsModelTest::sectionsOfACompletedExchange()
     QCOMPARE(document(model, u"RESPONSE BODY"_s)->text(), u"oops"_s);
     QCOMPARE(values(model, u"ERROR"_s),
              QStringList({u"Description=It failed."_s, u"Domain=D"_s, u"Code=-7"_s}));
-    QCOMPARE(sectionData(model, u"RESPONSE CACHE"_s, QXRequestDetailsViewModel::FlagRole).toString(),
-             u"_showResponseCache"_s);
+}
+
+void RequestDetailsModelTest::groupsUnfoldEachByItself()
+{
+    using Group = QXRequestSection::Group;
+    auto trace = makeTrace();
+    HTTPCookieStorage::shared().setCookies({QNetworkCookie("sid", "a1")}, *trace.url);
+    trace.response = makeResponse(200, {}, {{u"ETag"_s, u"x"_s}});
+    QXRequestDetailsViewModel model(trace);
+    const auto isExpanded = [&](const QString &title) {
+        return sectionData(model, title, QXRequestDetailsViewModel::ExpandedRole).toBool();
+    };
+    const auto toggle = [&](const QString &title) {
+        model.toggleGroup(int(titles(model).indexOf(title)));
+    };
+    toggle(u"RESPONSE CACHE"_s);
+    QVERIFY(isExpanded(u"RESPONSE CACHE"_s) && !isExpanded(u"RESPONSE COOKIES"_s));
+    QVERIFY(model.shows(Group::ResponseCache) && model.property("_showResponseCache").toBool());
+    toggle(u"REQUEST COOKIES"_s);
+    toggle(u"RESPONSE CACHE"_s);
+    QVERIFY(isExpanded(u"REQUEST COOKIES"_s) && !isExpanded(u"RESPONSE CACHE"_s));
+    QVERIFY(model.shows(Group::RequestCookies) && !model.shows(Group::ResponseCookies));
+
+    const QSignalSpy changed(&model, &QXRequestDetailsViewModel::groupsChanged);
+    toggle(u"REQUEST"_s);
+    toggle(u"no such section"_s);
+    QCOMPARE(changed.size(), 0);
 }
 
 void RequestDetailsModelTest::sectionsOfWhatIsMissing()
