@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// A text as it stands: what came from the network is never taken for markup.
+/// A text as it stands: what came from elsewhere is never taken for markup.
 Text {
     color: QXTheme.label
     font: QXTheme.body

@@ -22,7 +22,7 @@ QtObject {
     /// What lies on the secondary background, or over everything else.
     readonly property color elevatedBackground: isDark ? "#2c2c2e" : "#ffffff"
     /// The secondary label's colour at 8 %, on the background and on a sheet's in dark.
-    readonly property color payloadFill: isDark ? "#2d2d2f" : "#efeff0"
+    readonly property color faintFill: isDark ? "#2d2d2f" : "#efeff0"
     readonly property color fill: isDark ? "#3d767680" : "#1f767680"
     readonly property color pressedFill: isDark ? "#5c767680" : "#33767680"
     readonly property color scrim: isDark ? "#80000000" : "#66000000"
@@ -50,8 +50,13 @@ QtObject {
     readonly property color selection: "#0062cc"
     readonly property color destructive: "#d70015"
     readonly property color onColor: "#ffffff"
-    /// By the kinds of QXApiValueKind, in light and dark: small white text has to read well on them.
-    readonly property var kindColors: ["#5856d6", "#0b7a84", "#217d38", "#0a66d6", "#b85600", "#6c6c70"]
+    /// Behind small white words that tell categories apart, in light and dark.
+    readonly property color indigoFill: "#5856d6"
+    readonly property color tealFill: "#0b7a84"
+    readonly property color greenFill: "#217d38"
+    readonly property color blueFill: "#0a66d6"
+    readonly property color orangeFill: "#b85600"
+    readonly property color grayFill: "#6c6c70"
     readonly property color shadow: "#26000000"
 
     /// In a bar text grows only so far: its room does not.
@@ -103,10 +108,6 @@ QtObject {
     /// The margin at either side of a column in a view of this width.
     function columnMargin(width: real): real {
         return Math.max(root.margin, (width - root.readableWidth) / 2);
-    }
-
-    function kindColor(kind: int): color {
-        return root.kindColors[kind];
     }
 
     /// The colour of words that are said to have that colour.

@@ -32,7 +32,7 @@ QString leadingText(const QByteArray &bytes)
     return decoder.hasError() || text.contains(QChar::Null) ? QString() : text;
 }
 
-/// The URL of an item that is one. Text that looks like a URL, as what came over the network may, stays text.
+/// The URL of an item that is one. Text that looks like a URL stays text.
 QUrl fileUrl(const QVariant &item)
 {
     return item.typeId() == QMetaType::QUrl ? item.toUrl() : QUrl();

@@ -83,7 +83,7 @@ QXSheet {
                         width: parent.width
                         page: page
                         document: section.document
-                        color: QXTheme.payloadFill
+                        color: QXTheme.faintFill
                         view.font: Qt.font({
                             family: QXTheme.appearance.monospacedFamily,
                             pixelSize: Math.round(12 * QXTheme.scale)

@@ -1,5 +1,6 @@
 import QtQuick
 import Quorvix.Controls
+import Quorvix
 
 /// One node of a log tree: how deep it lies, whether it is open, its key, its value and its kind.
 QXListRow {
@@ -114,27 +115,14 @@ QXListRow {
         }
     }
 
-    Rectangle {
+    QXKindBadge {
         id: badge
 
-        objectName: "QXLogTreeBadge"
         anchors.right: parent.right
         anchors.rightMargin: root.columnMargin
         anchors.verticalCenter: parent.verticalCenter
-        width: kindText.implicitWidth
-        height: kindText.implicitHeight
-        radius: 5
-        color: QXTheme.kindColor(root.kind)
-
-        QXText {
-            id: kindText
-
-            padding: 3
-            text: root.kindName
-            font: QXTheme.text(11, Font.DemiBold)
-            color: QXTheme.onColor
-            Accessible.ignored: true
-        }
+        kind: root.kind
+        name: root.kindName
     }
 
     QXSeparator {

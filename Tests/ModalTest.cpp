@@ -279,7 +279,7 @@ void ModalTest::colorsContrast_data()
     for (const char *const words : {"label", "secondaryLabel", "link", "redText", "orangeText", "greenText"})
         QTest::newRow(words) << QString::fromLatin1(words) << pages << 4.5;
     QTest::newRow("white words") << u"onColor"_s << QStringList{u"selection"_s, u"destructive"_s} << 4.5;
-    QTest::newRow("payload") << u"label"_s << QStringList{u"payloadFill"_s} << 4.5;
+    QTest::newRow("payload") << u"label"_s << QStringList{u"faintFill"_s} << 4.5;
     for (const char *const sign : {"outline", "blue"})
         QTest::newRow(sign) << QString::fromLatin1(sign) << QStringList{u"background"_s} << 3.0;
     QTest::newRow("switch's knob") << u"onColor"_s << QStringList{u"outline"_s, u"blue"_s} << 3.0;

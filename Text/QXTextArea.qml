@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix.Text
 
-/// Many lines to type in, with a rounded border; a body of any size. The type is the system's monospaced one,
+/// Many lines to type in, with a rounded border; a text of any size. The type is the system's monospaced one,
 /// of regular weight.
 FocusScope {
     id: root

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// In UTF-16 units: a body of ten megabytes can be replaced a few times.
+/// In UTF-16 units: a text of ten megabytes can be replaced a few times.
 constexpr qsizetype mostKept = 64'000'000;
 
 /// Whether @p next begins a word, or a line, after @p last.

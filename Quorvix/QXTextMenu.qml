@@ -1,5 +1,6 @@
 import QtQuick
 import Quorvix.Controls
+import Quorvix.Text
 
 /// The menu of a text that is read only: copies all of it or what is selected, and decodes it.
 QXContextMenu {
