@@ -7,8 +7,6 @@ QXSheet {
 
     /// A QXShareItem, or undefined while there is nothing to share.
     required property var shareItem
-    property bool isSaving: false
-    property bool couldNotOpen: false
 
     objectName: "QXActivitySheet"
     doneName: "QXActivityDone"
@@ -24,20 +22,12 @@ QXSheet {
         if (root.shareItem === undefined)
             return;
         activity.activityItems = root.shareItem.activityItems;
-        root.isSaving = false;
-        root.couldNotOpen = false;
-        copied.stop();
+        actions.begin();
         page.contentY = 0;
     }
 
     UIActivityViewController {
         id: activity
-    }
-
-    Timer {
-        id: copied
-
-        interval: 2000
     }
 
     QXScrollArea {
@@ -61,104 +51,23 @@ QXSheet {
                 subtitle: activity.subtitle
             }
 
-            Rectangle {
+            QXActivityPreview {
                 width: parent.width
-                height: Math.min(preview.implicitHeight, 8 * previewMetrics.height + 24)
-                visible: activity.previewText.length > 0
-                radius: QXTheme.cornerRadius
-                color: QXTheme.elevatedBackground
-                clip: true
-
-                FontMetrics {
-                    id: previewMetrics
-
-                    font: preview.font
-                }
-
-                QXText {
-                    id: preview
-
-                    objectName: "QXActivityPreview"
-                    // Code reads from left to right everywhere.
-                    LayoutMirroring.enabled: false
-                    width: parent.width
-                    padding: 12
-                    text: activity.previewText
-                    font: QXTheme.monospaced
-                    wrapMode: Text.WrapAnywhere
-                    maximumLineCount: 8
-                    elide: Text.ElideRight
-                }
+                visible: text.length > 0
+                text: activity.previewText
             }
 
-            Rectangle {
+            QXActivityActions {
+                id: actions
+
                 width: parent.width
-                height: actions.implicitHeight
-                radius: QXTheme.cornerRadius
-                color: QXTheme.elevatedBackground
-
-                Column {
-                    id: actions
-
-                    width: parent.width
-
-                    QXActivityAction {
-                        objectName: "QXActivityCopy"
-                        scrollArea: page
-                        symbol: copied.running ? "checkmark" : "doc.on.doc"
-                        text: copied.running ? qsTranslate("Quorvix", "Copied") : qsTranslate("Quorvix", "Copy")
-                        onClicked: {
-                            activity.copy();
-                            copied.restart();
-                        }
-                    }
-
-                    QXActivityAction {
-                        objectName: "QXActivitySaveAs"
-                        scrollArea: page
-                        symbol: "square.and.arrow.down"
-                        text: qsTranslate("Quorvix", "Save As")
-                        isLast: !activity.isFile || root.isSaving
-                        onClicked: {
-                            root.isSaving = !root.isSaving;
-                            if (root.isSaving)
-                                saveField.begin();
-                            page.reveal(saveField);
-                        }
-                    }
-
-                    QXSaveField {
-                        id: saveField
-
-                        width: parent.width
-                        visible: root.isSaving
-                        controller: activity
-                    }
-
-                    QXActivityAction {
-                        objectName: "QXActivityOpen"
-                        scrollArea: page
-                        visible: activity.isFile
-                        symbol: "arrow.up.forward.app"
-                        text: qsTranslate("Quorvix", "Open")
-                        onClicked: root.couldNotOpen = !activity.open()
-                    }
-
-                    QXActivityAction {
-                        objectName: "QXActivityShowInFolder"
-                        scrollArea: page
-                        visible: activity.isFile
-                        symbol: "folder"
-                        text: qsTranslate("Quorvix", "Show in Folder")
-                        isLast: true
-                        onClicked: root.couldNotOpen = !activity.showInFolder()
-                    }
-                }
+                controller: activity
+                scrollArea: page
             }
 
             QXText {
                 width: parent.width
-                visible: root.couldNotOpen
+                visible: actions.couldNotOpen
                 text: qsTranslate("Quorvix", "No application could be found to open it.")
                 font: QXTheme.footnote
                 color: QXTheme.redText

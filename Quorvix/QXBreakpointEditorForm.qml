@@ -43,94 +43,22 @@ Flickable {
         focus: true
         onHeightChanged: root.showFocus()
 
-        Column {
+        QXBreakpointEditorHead {
             id: head
 
             y: QXTheme.margin
             width: parent.width
-            spacing: 4
-
-            QXText {
-                objectName: "QXBreakpointTitle"
-                width: parent.width
-                text: root.model.displayTitle
-                font: QXTheme.subheadline
-                wrapMode: Text.WrapAnywhere
-                maximumLineCount: 3
-                elide: Text.ElideRight
-            }
-
-            QXText {
-                width: parent.width
-                text: qsTranslate("Quorvix", "Edit response and continue.")
-                font: QXTheme.footnote
-                color: QXTheme.secondaryLabel
-                wrapMode: Text.Wrap
-            }
-
-            QXText {
-                width: parent.width
-                topPadding: 12
-                text: qsTranslate("Quorvix", "Status Code")
-                font: QXTheme.caption
-                color: QXTheme.secondaryLabel
-                Accessible.ignored: true
-            }
-
-            QXTextField {
-                objectName: "QXStatusCodeField"
-                width: parent.width
-                focus: true
-                text: root.model.statusCodeText
-                inputMethodHints: Qt.ImhDigitsOnly | Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
-                Accessible.name: qsTranslate("Quorvix", "Status Code")
-                onTextChanged: root.model.statusCodeText = text
-            }
+            model: root.model
         }
 
-        Item {
+        QXBreakpointEditorCaption {
             id: caption
 
             anchors.top: head.bottom
             anchors.topMargin: QXTheme.spacing
             width: parent.width
-            height: QXTheme.touchTarget
-
-            QXText {
-                objectName: "QXBodyCaption"
-                anchors.left: parent.left
-                anchors.right: bodyActions.left
-                anchors.verticalCenter: parent.verticalCenter
-                text: qsTranslate("Quorvix", "RESPONSE BODY")
-                font: QXTheme.caption
-                color: QXTheme.secondaryLabel
-                fontSizeMode: Text.HorizontalFit
-                minimumPixelSize: QXTheme.caption.pixelSize / 2
-                elide: Text.ElideRight
-                Accessible.ignored: true
-            }
-
-            Row {
-                id: bodyActions
-
-                anchors.right: parent.right
-                anchors.rightMargin: -QXTheme.spacing
-                anchors.verticalCenter: parent.verticalCenter
-
-                QXTextButton {
-                    objectName: "QXCopyBodyButton"
-                    text: qsTranslate("Quorvix", "Copy")
-                    font: QXTheme.caption
-                    onClicked: root.model.copyBody()
-                }
-
-                QXTextButton {
-                    objectName: "QXDeleteBodyButton"
-                    text: qsTranslate("Quorvix", "Delete")
-                    font: QXTheme.caption
-                    onClicked: body.editor.clear()
-                }
-            }
+            onCopyRequested: root.model.copyBody()
+            onDeleteRequested: body.editor.clear()
         }
 
         QXTextArea {

@@ -99,32 +99,12 @@ QXPressable {
             }
         }
 
-        Rectangle {
-            objectName: "QXBadge"
+        QXCountBadge {
             anchors.top: parent.top
             anchors.topMargin: -4
             anchors.right: parent.right
             anchors.rightMargin: -4
-            width: Math.max(height, badgeLabel.implicitWidth + 12)
-            height: badgeLabel.implicitHeight + 4
-            radius: Math.min(10, height / 2)
-            visible: root.overlay.badgeText.length > 0
-            color: QXTheme.red
-
-            QXText {
-                id: badgeLabel
-
-                objectName: "QXBadgeLabel"
-                anchors.centerIn: parent
-                text: root.overlay.badgeText
-                font: Qt.font({
-                    family: QXTheme.captionBold.family,
-                    pixelSize: 12,
-                    weight: Font.Bold
-                })
-                color: QXTheme.onColor
-                Accessible.ignored: true
-            }
+            text: root.overlay.badgeText
         }
 
         QXFocusRing {

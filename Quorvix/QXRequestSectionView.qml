@@ -95,32 +95,13 @@ Column {
     Repeater {
         model: root.isBody ? 1 : 0
 
-        delegate: Item {
+        delegate: QXBodyTitle {
             x: root.columnMargin
             width: root.columnWidth
-            height: Math.max(treeButton.height, bodyTitle.height) + QXTheme.spacing
-
-            QXSectionTitle {
-                id: bodyTitle
-
-                anchors.left: parent.left
-                anchors.right: treeButton.left
-                anchors.rightMargin: QXTheme.spacing
-                anchors.verticalCenter: treeButton.verticalCenter
-                text: root.title
-            }
-
-            QXRoundButton {
-                id: treeButton
-
-                objectName: "QXLogTreeButton"
-                anchors.right: parent.right
-                symbol: "flowchart"
-                text: qsTranslate("Quorvix", "Show as tree")
-                enabled: root.document !== null
-                onClicked: root.viewModel.openLogTree(root.index)
-                onVisualFocusChanged: root.page.revealFocused(treeButton)
-            }
+            text: root.title
+            page: root.page
+            canOpen: root.document !== null
+            onTreeRequested: root.viewModel.openLogTree(root.index)
         }
     }
 

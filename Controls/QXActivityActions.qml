@@ -1,0 +1,88 @@
+import QtQuick
+import Quorvix.Controls
+
+/// What can be done with what is shared.
+Rectangle {
+    id: root
+
+    required property UIActivityViewController controller
+    /// Brings an action into view when the keyboard comes to it.
+    required property QXScrollArea scrollArea
+    property bool isSaving: false
+    property bool couldNotOpen: false
+
+    implicitHeight: column.implicitHeight
+    radius: QXTheme.cornerRadius
+    color: QXTheme.elevatedBackground
+
+    Timer {
+        id: copied
+
+        interval: 2000
+    }
+
+    Column {
+        id: column
+
+        width: parent.width
+
+        QXActivityAction {
+            objectName: "QXActivityCopy"
+            scrollArea: root.scrollArea
+            symbol: copied.running ? "checkmark" : "doc.on.doc"
+            text: copied.running ? qsTranslate("Quorvix", "Copied") : qsTranslate("Quorvix", "Copy")
+            onClicked: {
+                root.controller.copy();
+                copied.restart();
+            }
+        }
+
+        QXActivityAction {
+            objectName: "QXActivitySaveAs"
+            scrollArea: root.scrollArea
+            symbol: "square.and.arrow.down"
+            text: qsTranslate("Quorvix", "Save As")
+            isLast: !root.controller.isFile || root.isSaving
+            onClicked: {
+                root.isSaving = !root.isSaving;
+                if (root.isSaving)
+                    saveField.begin();
+                root.scrollArea.reveal(saveField);
+            }
+        }
+
+        QXSaveField {
+            id: saveField
+
+            width: parent.width
+            visible: root.isSaving
+            controller: root.controller
+        }
+
+        QXActivityAction {
+            objectName: "QXActivityOpen"
+            scrollArea: root.scrollArea
+            visible: root.controller.isFile
+            symbol: "arrow.up.forward.app"
+            text: qsTranslate("Quorvix", "Open")
+            onClicked: root.couldNotOpen = !root.controller.open()
+        }
+
+        QXActivityAction {
+            objectName: "QXActivityShowInFolder"
+            scrollArea: root.scrollArea
+            visible: root.controller.isFile
+            symbol: "folder"
+            text: qsTranslate("Quorvix", "Show in Folder")
+            isLast: true
+            onClicked: root.couldNotOpen = !root.controller.showInFolder()
+        }
+    }
+
+    /// Forgets what was done with something else.
+    function begin() {
+        root.isSaving = false;
+        root.couldNotOpen = false;
+        copied.stop();
+    }
+}

@@ -1,0 +1,49 @@
+import QtQuick
+import Quorvix.Controls
+import Quorvix
+
+/// Which response is held, and its status code to be edited.
+Column {
+    id: root
+
+    required property QXBreakpointEditorModel model
+
+    spacing: 4
+
+    QXText {
+        objectName: "QXBreakpointTitle"
+        width: parent.width
+        text: root.model.displayTitle
+        font: QXTheme.subheadline
+        wrapMode: Text.WrapAnywhere
+        maximumLineCount: 3
+        elide: Text.ElideRight
+    }
+
+    QXText {
+        width: parent.width
+        text: qsTranslate("Quorvix", "Edit response and continue.")
+        font: QXTheme.footnote
+        color: QXTheme.secondaryLabel
+        wrapMode: Text.Wrap
+    }
+
+    QXText {
+        width: parent.width
+        topPadding: 12
+        text: qsTranslate("Quorvix", "Status Code")
+        font: QXTheme.caption
+        color: QXTheme.secondaryLabel
+        Accessible.ignored: true
+    }
+
+    QXTextField {
+        objectName: "QXStatusCodeField"
+        width: parent.width
+        focus: true
+        text: root.model.statusCodeText
+        inputMethodHints: Qt.ImhDigitsOnly | Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
+        Accessible.name: qsTranslate("Quorvix", "Status Code")
+        onTextChanged: root.model.statusCodeText = text
+    }
+}
