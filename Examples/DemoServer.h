@@ -6,30 +6,32 @@
 
 /// The store's HTTP server: it listens on the loopback interface, on a port that the system chooses.
 ///
-/// | Method and path                        | Answer |
-/// |----------------------------------------|---------------------------------------------------------------------|
-/// | GET /api/v1/products?q=&page=&pageSize=| 200 a page of the catalogue with an ETag; 304 on If-None-Match
-/// | | GET /api/v1/products/{id}              | 200 one product; 404 | | GET /images/{name}.png | 200 a
-/// product's picture, cacheable; 404                             | | POST /api/v1/session                   |
-/// form email, password: 200 a signed token and two cookies; 401       | | DELETE /api/v1/session | 204, and
-/// the cookies expire                                         | | GET /api/v1/profile                    |
-/// 200 with the token as Bearer; 401                                   | | GET, POST, DELETE
-/// /api/v1/cart[/{id}]  | 200 the cart; 201 after adding {"productId":}; 204; 404, 400        | | GET
-/// /api/v1/articles                   | 200 JSON compressed with gzip                                       |
-/// | GET /api/v1/export                     | 200 JSON of 10 MB | | GET /binary?size=                      |
-/// 200 that many bytes, no two runs of which are alike                 | | GET /redirect/{n} | n times 302,
-/// then 200                                               | | GET /redirect-loop                     | 302 to
-/// itself                                                       | | any /moved/{301, 302, 303, 307, 308}   |
-/// that status, to /echo                                               | | any /status/{code} | that status,
-/// with a problem report from 400 on (RFC 9457)           | | GET /slow?ms=                          | 200
-/// after that long                                                 | | GET /drop | the connection closes
-/// before a response                             | | GET /drop-midway                       | the connection
-/// closes in the middle of the body                     | | GET /set-cookies                       | 200 with
-/// two Set-Cookie headers                                     | | any /echo                              |
-/// 200 JSON: what arrived, as method, path, headers, body (Base64)     |
+/// | Method | Path                                | Answer                                               |
+/// |--------|-------------------------------------|------------------------------------------------------|
+/// | GET    | /api/v1/products?q=&page=&pageSize= | 200 a page of the catalogue, with an ETag; 304       |
+/// | GET    | /api/v1/products/{id}               | 200 one product; 404                                 |
+/// | GET    | /images/{id}.png                    | 200 a product's picture, cacheable; 304; 404         |
+/// | POST   | /api/v1/session                     | 200 a signed token and two cookies; 401              |
+/// | DELETE | /api/v1/session                     | 204, and the session's cookie expires                |
+/// | GET    | /api/v1/profile                     | 200 with the token as Bearer; 401                    |
+/// | GET    | /api/v1/cart                        | 200 the cart                                         |
+/// | POST   | /api/v1/cart                        | 201 the cart with {"productId":} added; 400; 404     |
+/// | DELETE | /api/v1/cart/{id}                   | 204; 404                                             |
+/// | GET    | /api/v1/articles                    | 200 JSON compressed with gzip                        |
+/// | GET    | /api/v1/export                      | 200 JSON of 10 MB                                    |
+/// | GET    | /binary?size=                       | 200 that many random bytes, 64 MB at most            |
+/// | GET    | /set-cookies                        | 200 with two Set-Cookie headers                      |
+/// | GET    | /redirect/{n}                       | 302 n times, then 200                                |
+/// | GET    | /redirect-loop                      | 302 to itself                                        |
+/// | any    | /moved/{301, 302, 303, 307, 308}    | that status, to /echo                                |
+/// | any    | /status/{200 to 599}                | that status; a problem report (RFC 9457) from 400 on |
+/// | GET    | /slow?ms=                           | 200 after that long, 15 s at most                    |
+/// | GET    | /drop                               | no response: the connection closes                   |
+/// | GET    | /drop-midway                        | 200, and the connection closes within the body       |
+/// | any    | /echo                               | 200 what arrived, as JSON; the body in Base64        |
 ///
-/// Whatever else is asked for answers 404. The password that opens a session is "open sesame", for any
-/// address.
+/// The session takes a form with an email address and a password, which is "open sesame" for any address.
+/// "any" is GET, POST, PUT, PATCH, DELETE and OPTIONS. Whatever else is asked for answers 404.
 class DemoServer final
 {
 public:

@@ -5,6 +5,7 @@
 #include <QtCore/QByteArray>
 
 /// The odd ends of the demo server: every status, redirects, codings, sizes, slowness and broken connections.
+/// The table of DemoServer has their answers.
 class DiagnosticRoutes final
 {
 public:

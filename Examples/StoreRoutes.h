@@ -6,7 +6,8 @@
 
 #include <mutex>
 
-/// The store behind /api/v1 and /images: catalogue, session, profile, cart.
+/// The store behind /api/v1 and /images: catalogue, session, profile, cart. The table of DemoServer has their
+/// answers.
 class StoreRoutes final
 {
 public:
