@@ -137,9 +137,9 @@ void RequestDetailsModelTest::sectionsOfACompletedExchange()
 void RequestDetailsModelTest::groupsUnfoldEachByItself()
 {
     using Group = QXRequestSection::Group;
-    auto trace = makeTrace();
+    auto trace = makeTrace(u"https://shop.test/v1/users/42?q=1"_s);
     HTTPCookieStorage::shared().setCookies({QNetworkCookie("sid", "a1")}, *trace.url);
-    trace.response = makeResponse(200, {}, {{u"ETag"_s, u"x"_s}});
+    trace.response = makeResponseTrace(200, {}, {{u"ETag"_s, u"x"_s}});
     QXRequestDetailsViewModel model(trace);
     const auto isExpanded = [&](const QString &title) {
         return sectionData(model, title, QXRequestDetailsViewModel::ExpandedRole).toBool();
