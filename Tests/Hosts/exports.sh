@@ -13,8 +13,9 @@ names() {
 # The outermost class, or namespace below the project's own, that a name belongs to; of a function the name.
 owners() { sed -E 's/^Quorvix:://; s/::.*//' | sort -u; }
 
+public=$(find -L "$headers" -name '*.h' -exec cat {} + | tr '\n' ' ')
 is_public() {
-    grep -RqE "(class|struct|namespace) (QUORVIX_(CORE_)?EXPORT )?$1\b|EXPORT .*\b$1\(" "$headers/"
+    grep -qE "(class|struct|namespace) (QUORVIX_(CORE_)?EXPORT )?$1\b|EXPORT [^;{]*\b$1\(" <<<"$public"
 }
 
 called=$(nm -DC --undefined-only "$screens" | names | owners)
