@@ -23,7 +23,7 @@ DemoServer::~DemoServer()
 
 bool DemoServer::start()
 {
-    const int port = m_private->http.bind_to_any_port("127.0.0.1");
+    const int port = m_private->http.openPort();
     if (port <= 0)
         return false;
     m_port = static_cast<quint16>(port);

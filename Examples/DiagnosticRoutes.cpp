@@ -201,14 +201,16 @@ void DiagnosticRoutes::addTrouble()
         m_server.pause(std::chrono::milliseconds(pause));
         HttpAnswer::json(response, QJsonDocument(QJsonObject{{QStringLiteral("waitedMs"), pause}}));
     });
-    m_server.Get("/drop", [](const Request &, Response &) { BreakableServer::dropConnection(); });
-    m_server.Get("/drop-midway", [](const Request &, Response &response) {
+    m_server.Get("/drop",
+                 [](const Request &request, Response &) { BreakableServer::dropConnection(request); });
+    m_server.Get("/drop-midway", [](const Request &request, Response &response) {
         constexpr size_t promised = size_t{64} * 1024;
         response.set_content_provider(promised, "application/octet-stream",
-                                      [](size_t, size_t, httplib::DataSink &sink) {
+                                      // The body is sent while the request still exists.
+                                      [&request](size_t, size_t, httplib::DataSink &sink) {
                                           const std::string begin(promised / 4, 'x');
                                           sink.write(begin.data(), begin.size());
-                                          BreakableServer::dropConnection();
+                                          BreakableServer::dropConnection(request);
                                           return false;
                                       });
     });
