@@ -32,7 +32,7 @@ QImage QXSymbolProvider::requestImage(const QString &id, QSize *size, const QSiz
     if (!renderer.isValid())
         return {};
 
-    const QColor color = QColor::isValidColor(colorText) ? QColor(colorText) : QColor(Qt::black);
+    const QColor color = QColor::isValidColorName(colorText) ? QColor(colorText) : QColor(Qt::black);
     QImage image(pixelSize(requestedSize, renderer.defaultSize()), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
