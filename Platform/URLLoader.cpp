@@ -1,5 +1,6 @@
 #include "Platform/URLLoader.h"
 
+#include "Platform/HTTPHeaderName.h"
 #include "Platform/HTTPRedirect.h"
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/UTF8Text.h"
@@ -101,23 +102,6 @@ QString decodeField(const QByteArray &bytes)
     return text ? *text : QString::fromLatin1(bytes);
 }
 
-/// HTTP/2 sends header names in lower case; they are reported in the spelling that HTTP/1.1 made usual.
-QByteArray usualSpelling(const QByteArray &lowerCaseName)
-{
-    if (lowerCaseName == "etag")
-        return "ETag";
-    if (lowerCaseName == "www-authenticate")
-        return "WWW-Authenticate";
-    QByteArray name = lowerCaseName;
-    bool wordStarts = true;
-    for (char &c : name) {
-        if (wordStarts && c >= 'a' && c <= 'z')
-            c = static_cast<char>(c - 'a' + 'A');
-        wordStarts = c == '-';
-    }
-    return name;
-}
-
 NSURLResponsePtr makeResponse(const QNetworkReply &reply)
 {
     const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
@@ -127,7 +111,7 @@ NSURLResponsePtr makeResponse(const QNetworkReply &reply)
     const bool http2 = reply.attribute(QNetworkRequest::Http2WasUsedAttribute).toBool();
     NSHeaderFields fields;
     for (const auto &[name, value] : reply.rawHeaderPairs())
-        fields.insert_or_assign(decodeField(http2 ? usualSpelling(name) : name), decodeField(value));
+        fields.insert_or_assign(decodeField(HTTPHeaderName::usualSpelling(name)), decodeField(value));
     return std::make_shared<const NSHTTPURLResponse>(
         reply.url(), status.toLongLong(), http2 ? QStringLiteral("HTTP/2.0") : QStringLiteral("HTTP/1.1"),
         std::move(fields));

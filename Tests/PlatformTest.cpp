@@ -1,3 +1,4 @@
+#include "Platform/HTTPHeaderName.h"
 #include "Platform/MainActor.h"
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/NSNotificationCenter.h"
@@ -44,6 +45,8 @@ private Q_SLOTS:
     void headerNamesIgnoreCaseInRequests();
     void textIsLostNowhere_data();
     void textIsLostNowhere();
+    void headerNamesHaveTheirUsualSpelling_data();
+    void headerNamesHaveTheirUsualSpelling();
     void statusText();
 };
 
@@ -186,6 +189,37 @@ void PlatformTest::textIsLostNowhere()
     QCOMPARE(UTF8Text::exact(bytes), isExact ? std::optional(text) : std::nullopt);
     const QString encoded = QString::fromLatin1(bytes.toPercentEncoding());
     QCOMPARE(percentDecoded(encoded), isExact ? text : encoded);
+}
+
+void PlatformTest::headerNamesHaveTheirUsualSpelling_data()
+{
+    QTest::addColumn<QByteArray>("received");
+    QTest::addColumn<QByteArray>("spelled");
+
+    const auto row = [](const char *name, const char *received, const char *spelled) {
+        QTest::newRow(name) << QByteArray(received) << QByteArray(spelled);
+    };
+
+    row("one word", "age", "Age");
+    row("words", "content-type", "Content-Type");
+    row("a name that cookies are found by", "set-cookie", "Set-Cookie");
+    row("an unknown name", "x-shop-2nd-basket", "X-Shop-2nd-Basket");
+    row("the sender's spelling", "X-shopBasket", "X-shopBasket");
+    row("the sender's capitals", "CONTENT-TYPE", "CONTENT-TYPE");
+    row("odd hyphens", "-x--y-", "-X--Y-");
+    row("nothing", "", "");
+    row("the beginning of a registered name", "te-x", "Te-X");
+    for (const char *name : {"A-IM", "Content-MD5", "DNT", "ETag", "SourceMap", "TE", "WWW-Authenticate",
+                             "X-Request-ID", "X-XSS-Protection", "Sec-WebSocket-Accept"}) {
+        QTest::newRow(name) << QByteArray(name).toLower() << QByteArray(name);
+        QTest::addRow("%s, shouted", name) << QByteArray(name).toUpper() << QByteArray(name);
+    }
+}
+
+void PlatformTest::headerNamesHaveTheirUsualSpelling()
+{
+    QFETCH(const QByteArray, received);
+    QTEST(HTTPHeaderName::usualSpelling(received), "spelled");
 }
 
 void PlatformTest::statusText()

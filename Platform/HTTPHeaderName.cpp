@@ -1,0 +1,151 @@
+#include "Platform/HTTPHeaderName.h"
+
+#include <QtCore/QByteArrayView>
+
+#include <algorithm>
+#include <array>
+
+namespace Quorvix {
+
+namespace {
+
+/// Names in use whose usual spelling is not that of each word with a capital letter.
+constexpr std::array unusualNames{
+    "A-IM",
+    "Accept-CH",
+    "ALPN",
+    "AMP-Cache-Transform",
+    "C-PEP",
+    "C-PEP-Info",
+    "Cal-Managed-ID",
+    "CalDAV-Timezones",
+    "CDN-Cache-Control",
+    "CDN-Loop",
+    "CMCD-Object",
+    "CMCD-Request",
+    "CMCD-Session",
+    "CMCD-Status",
+    "CMSD-Dynamic",
+    "CMSD-Static",
+    "Content-DPR",
+    "Content-ID",
+    "Content-MD5",
+    "CTA-Common-Access-Token",
+    "DASL",
+    "DAV",
+    "Differential-ID",
+    "DNT",
+    "DPoP",
+    "DPoP-Nonce",
+    "DPR",
+    "ECT",
+    "EDIINT-Features",
+    "ETag",
+    "Expect-CT",
+    "GetProfile",
+    "HTTP2-Settings",
+    "IM",
+    "Include-Referred-Token-Binding-ID",
+    "Last-Event-ID",
+    "MIME-Version",
+    "NEL",
+    "OData-EntityId",
+    "OData-Isolation",
+    "OData-MaxVersion",
+    "OData-Version",
+    "Optional-WWW-Authenticate",
+    "OSCORE",
+    "OSLC-Core-Version",
+    "P3P",
+    "PEP",
+    "PICS-Label",
+    "ProfileObject",
+    "RateLimit",
+    "RateLimit-Limit",
+    "RateLimit-Policy",
+    "RateLimit-Remaining",
+    "RateLimit-Reset",
+    "Repeatability-Client-ID",
+    "Repeatability-Request-ID",
+    "RTT",
+    "Sec-CH-Prefers-Color-Scheme",
+    "Sec-CH-Prefers-Reduced-Motion",
+    "Sec-CH-Prefers-Reduced-Transparency",
+    "Sec-CH-UA",
+    "Sec-CH-UA-Arch",
+    "Sec-CH-UA-Bitness",
+    "Sec-CH-UA-Form-Factors",
+    "Sec-CH-UA-Full-Version",
+    "Sec-CH-UA-Full-Version-List",
+    "Sec-CH-UA-Mobile",
+    "Sec-CH-UA-Model",
+    "Sec-CH-UA-Platform",
+    "Sec-CH-UA-Platform-Version",
+    "Sec-CH-UA-WoW64",
+    "Sec-GPC",
+    "Sec-WebSocket-Accept",
+    "Sec-WebSocket-Extensions",
+    "Sec-WebSocket-Key",
+    "Sec-WebSocket-Protocol",
+    "Sec-WebSocket-Version",
+    "SetProfile",
+    "SLUG",
+    "SOAPAction",
+    "SourceMap",
+    "Status-URI",
+    "TCN",
+    "TE",
+    "TTL",
+    "UA-Color",
+    "UA-Media",
+    "UA-Pixels",
+    "UA-Resolution",
+    "UA-Windowpixels",
+    "URI",
+    "WWW-Authenticate",
+    "X-API-Key",
+    "X-Client-IP",
+    "X-Correlation-ID",
+    "X-CSRF-Token",
+    "X-DNS-Prefetch-Control",
+    "X-HTTP-Method-Override",
+    "X-RateLimit-Limit",
+    "X-RateLimit-Remaining",
+    "X-RateLimit-Reset",
+    "X-Real-IP",
+    "X-Request-ID",
+    "X-Trace-ID",
+    "X-UA-Compatible",
+    "X-XSRF-Token",
+    "X-XSS-Protection",
+};
+
+bool hasCapital(QByteArrayView name)
+{
+    return std::any_of(name.begin(), name.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
+QByteArray capitalized(QByteArray name)
+{
+    bool wordStarts = true;
+    for (char &c : name) {
+        if (wordStarts && c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - 'a' + 'A');
+        wordStarts = c == '-';
+    }
+    return name;
+}
+
+} // namespace
+
+QByteArray HTTPHeaderName::usualSpelling(const QByteArray &name)
+{
+    const auto found = std::find_if(unusualNames.begin(), unusualNames.end(), [&](const char *unusual) {
+        return qstricmp(unusual, name.constData()) == 0;
+    });
+    if (found != unusualNames.end())
+        return *found;
+    return hasCapital(name) ? name : capitalized(name);
+}
+
+} // namespace Quorvix
