@@ -24,7 +24,7 @@ constexpr int dragSteps = 12;
 constexpr int frame = 16;
 /// What a click of a mouse wheel reports, in eighths of a degree.
 constexpr int notch = 120;
-/// About as far as a few turns of the wheel take a page after they have ended, in pixels.
+/// Farther than what a page still glides after fast turns of the wheel, in pixels.
 constexpr double glide = 500;
 constexpr auto restLimit = 3s;
 
@@ -49,6 +49,17 @@ QQuickItem *scroller(const QQuickItem *item)
             return parent;
     }
     return nullptr;
+}
+
+/// Where the visible pages stand that say that they move.
+QList<QPointF> movingPositions(QQuickItem *content)
+{
+    QList<QPointF> positions;
+    visitVisible(content, [&](const QQuickItem *item) {
+        if (item->inherits("QQuickFlickable") && item->property("moving").toBool())
+            positions += {item->property("contentX").toDouble(), item->property("contentY").toDouble()};
+    });
+    return positions;
 }
 
 /// Whether an item takes clicks: it is enabled, and no stack of pages is changing pages around it.
@@ -193,8 +204,12 @@ bool TourRobot::scroll(const QString &name, int turn)
     if (!waitFor(name))
         return false;
     const QPoint at = middle(*find(name));
-    for (int left = std::abs(turn); left > 0; left -= notch)
+    for (int left = std::abs(turn); left > 0; left -= notch) {
         turnWheel(at, turn < 0 ? -std::min(left, notch) : std::min(left, notch));
+        // How far fast turns go differs from release to release; one after the other goes as far in each.
+        if (!waitUntil([this] { return isAtRest(); }, name + QStringLiteral(" does not come to rest")))
+            return false;
+    }
     return true;
 }
 
@@ -250,14 +265,15 @@ bool TourRobot::bringIntoView(const QString &name)
 {
     return waitUntil(
         [&] {
+            // Close by, what still glides would be missed, and pushed past it each time.
+            if (std::abs(distanceFromView(find(name))) < glide && !isAtRest())
+                return false;
             const QQuickItem *const item = find(name);
             const double by = distanceFromView(item);
-            // Close by, what still glides would be missed, and pushed past it each time.
-            if (std::abs(by) < glide && item && scroller(item) && scroller(item)->property("moving").toBool())
-                return false;
             if (by == 0)
                 return true;
-            turnWheel(middle(*scroller(item)), std::clamp(static_cast<int>(by), -notch, notch));
+            // Less than a notch is no turn of a mouse's wheel, and scrolls by less than a pixel in the end.
+            turnWheel(middle(*scroller(item)), by < 0 ? -notch : notch);
             return false;
         },
         QStringLiteral("cannot scroll to ") + name);
@@ -270,6 +286,15 @@ void TourRobot::turnWheel(QPoint at, int turn)
     wheel.setTimestamp(static_cast<quint64>(QDateTime::currentMSecsSinceEpoch()));
     QCoreApplication::sendEvent(&m_window, &wheel);
     QTest::qWait(frame);
+}
+
+bool TourRobot::isAtRest() const
+{
+    const QList<QPointF> positions = movingPositions(m_window.contentItem());
+    if (positions.isEmpty())
+        return true;
+    QTest::qWait(4 * frame);
+    return movingPositions(m_window.contentItem()) == positions;
 }
 
 bool TourRobot::waitUntilStill(const QString &name)

@@ -69,6 +69,8 @@ private:
     /// How far an item lies below where its scroller shows it freely, or above when negative.
     [[nodiscard]] double distanceFromView(const QQuickItem *item) const;
     bool bringIntoView(const QString &name);
+    /// Whether no page scrolls. One whose content changed while it moved may go on saying that it does.
+    [[nodiscard]] bool isAtRest() const;
     /// What moves, or is disabled while it does, cannot be clicked reliably.
     bool waitUntilStill(const QString &name);
     void turnWheel(QPoint at, int turn);
