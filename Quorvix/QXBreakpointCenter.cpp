@@ -162,7 +162,7 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
 
     m_activeBreakpoint.reset();
     if (!m_queue.empty()) {
-        m_activeBreakpoint = std::move(m_queue.front());
+        m_activeBreakpoint.emplace(std::move(m_queue.front()));
         m_queue.pop_front();
     }
     QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] resolved next=%1 queue=%2")
