@@ -8,6 +8,8 @@
 #include <QtCore/QStandardPaths>
 #include <QtTest/QTest>
 
+#include <filesystem>
+#include <fstream>
 #include <numeric>
 
 using namespace Quorvix;
@@ -198,7 +200,16 @@ void CurlCommandTest::repeatsTheRequest()
     QFETCH(const QByteArrayList, arrivingHeaders);
     QXRequestTrace trace = makeTrace(m_runner.url(path), headers, body);
     trace.method = body ? u"PATCH"_s : u"DELETE"_s;
+    // Newer curl sends nothing when a file is missing, older curl an empty body. No name of Qt's has all
+    // bytes.
+    std::filesystem::path file;
+    if (body == "@\xFF"_ba) {
+        file = m_runner.home().path().toStdString() + '/' + body->sliced(1).toStdString();
+        std::ofstream make(file);
+    }
     const QList<Arrival> arrivals = m_runner.run(shell, commandFor(trace));
+    if (!file.empty())
+        std::filesystem::remove(file);
     QVERIFY2(m_runner.exitCode() == 0, m_runner.complaints());
     QCOMPARE(arrivals.size(), 1);
     QCOMPARE(arrivals[0].method, trace.method->toUtf8());
