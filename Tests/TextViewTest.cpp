@@ -10,6 +10,7 @@
 #include <QtGui/QPainter>
 #include <QtTest/QSignalSpy>
 
+#include <algorithm>
 #include <chrono>
 
 using namespace Qt::StringLiterals;
@@ -206,8 +207,12 @@ void TextViewTest::showsALineWithoutEnd()
         QPainter painter(&image);
         return secondsFor([&] { view()->paint(&painter); });
     };
-    const double little = painting(50'000);
-    QVERIFY(painting(5'000'000) < 10 * little);
+    // The fastest of three: a machine that has much to do pauses a program anywhere.
+    const auto fastest = [&](int size) {
+        return std::min({painting(size), painting(size), painting(size)});
+    };
+    const double little = fastest(50'000);
+    QVERIFY(fastest(5'000'000) < 10 * little);
     QVERIFY(view()->rowTextAt(view()->height() - 1).endsWith(u"xend"_s));
     QCOMPARE(view()->rows().end(view()->rows().count() - 1), 5'000'003);
 }
