@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Platform/PlatformGlobal.h"
-
 #include <QtCore/QByteArray>
 
 namespace Quorvix {
@@ -14,7 +12,7 @@ namespace HTTPHeaderName {
 /// registered spelling, as in "ETag" and "WWW-Authenticate". Another name stays as it is when it has a
 /// capital letter, which is then the sender's; else each of its words begins with one, as in "Content-Type".
 /// Any thread.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT QByteArray usualSpelling(const QByteArray &name);
+[[nodiscard]] QByteArray usualSpelling(const QByteArray &name);
 
 } // namespace HTTPHeaderName
 
