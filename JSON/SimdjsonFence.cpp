@@ -3,6 +3,8 @@
 #include "JSON/JSONDocument.h"
 #include "JSON/JSONWideNumbers.h"
 
+#include "Platform/UTF8Text.h"
+
 #include <QtCore/QByteArray>
 
 // Takes every function that throws out of the header, so that none is called by mistake.
@@ -136,7 +138,7 @@ simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text)
     if (size_t(text.size()) > simdjson::SIMDJSON_MAXSIZE_BYTES)
         return simdjson::CAPACITY;
     // Newer releases pass over the mark, 3.0 refuses it.
-    if (text.startsWith("\xEF\xBB\xBF"))
+    if (text.startsWith(UTF8Text::byteOrderMark))
         return simdjson::TAPE_ERROR;
     // It reads beyond the end of a text, so it takes a copy with padding.
     constexpr bool copies = true;

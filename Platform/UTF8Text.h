@@ -15,10 +15,11 @@ namespace Quorvix {
 /// known to have neither. Bytes that are only to be checked are cheaper to check with isValidUtf8().
 namespace UTF8Text {
 
+inline constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
+
 [[nodiscard]] inline QByteArrayView withoutByteOrderMark(QByteArrayView utf8) noexcept
 {
-    constexpr QByteArrayView mark("\xEF\xBB\xBF");
-    return utf8.startsWith(mark) ? utf8.sliced(mark.size()) : utf8;
+    return utf8.startsWith(byteOrderMark) ? utf8.sliced(byteOrderMark.size()) : utf8;
 }
 
 /// The text, a byte order mark included. What is not UTF-8 becomes U+FFFD.
