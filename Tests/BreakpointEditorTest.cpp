@@ -363,4 +363,3 @@ void BreakpointEditorTest::menuEdits()
 
 QTEST_MAIN(BreakpointEditorTest)
 #include "BreakpointEditorTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

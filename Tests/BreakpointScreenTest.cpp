@@ -203,4 +203,3 @@ void BreakpointScreenTest::listFollowsTheStore()
 
 QTEST_MAIN(BreakpointScreenTest)
 #include "BreakpointScreenTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

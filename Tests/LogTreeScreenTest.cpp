@@ -340,4 +340,3 @@ void LogTreeScreenTest::controlsAreNamed()
 
 QTEST_MAIN(LogTreeScreenTest)
 #include "LogTreeScreenTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

@@ -313,4 +313,3 @@ void ModalTest::colorsContrast()
 
 QTEST_MAIN(ModalTest)
 #include "ModalTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

@@ -309,4 +309,3 @@ void OverlayTest::hideDuringAReleaseIsSafe()
 
 QTEST_MAIN(OverlayTest)
 #include "OverlayTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

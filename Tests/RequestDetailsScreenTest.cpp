@@ -265,4 +265,3 @@ void RequestDetailsScreenTest::largeTextsAreShownWhole()
 
 QTEST_MAIN(RequestDetailsScreenTest)
 #include "RequestDetailsScreenTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

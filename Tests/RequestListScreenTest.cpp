@@ -230,4 +230,3 @@ void RequestListScreenTest::appearanceFollowsThePalette()
 
 QTEST_MAIN(RequestListScreenTest)
 #include "RequestListScreenTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

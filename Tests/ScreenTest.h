@@ -23,80 +23,27 @@
 #include <memory>
 
 /// A test that acts on a window: that of a host, with the inspector over it, unless a test makes another.
-///
-/// Whoever includes this includes "moc_ScreenTest.cpp" too.
 class ScreenTest : public QObject
 {
     Q_OBJECT
 
 protected Q_SLOTS:
-    virtual void init()
-    {
-        startAnew();
-        m_window = makeWindow();
-        QuorvixClient::shared().show();
-    }
+    virtual void init();
 
-    virtual void cleanup()
-    {
-        while (QXBreakpointCenter::shared().activeBreakpoint())
-            QXBreakpointCenter::shared().continueActive();
-        QuorvixClient::shared().hide();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        m_window.reset();
-    }
+    virtual void cleanup();
 
 protected:
     /// Forgets what earlier tests left; from here on whatever Qt or a screen complains of fails the test.
-    static void startAnew()
-    {
-        static QtMessageHandler testHandler = nullptr;
-        if (!testHandler) {
-            testHandler = qInstallMessageHandler([](auto type, const auto &context, const auto &message) {
-                // Screens complain in critical lines of the log, and only warnings can fail a test.
-                testHandler(type == QtCriticalMsg ? QtWarningMsg : type, context, message);
-            });
-            // Every look at the clock is past the last cooldown.
-            QXBreakpointCenter::shared().setClock(
-                [now = QXBreakpointCenter::TimePoint()]() mutable { return now += std::chrono::seconds(1); });
-            QStandardPaths::setTestModeEnabled(true);
-        }
-        QuorvixClient::shared().setLogLevel(QXLogLevel::error);
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        QSettings().clear();
-        QXRequestRecorder::shared().clear();
-        QXBreakpointStore::shared().setRules({});
-        Quorvix::HTTPCookieStorage::shared().removeAllCookies();
-    }
+    static void startAnew();
 
     /// The window of a host that shows nothing, of the size of a phone.
-    [[nodiscard]] static std::unique_ptr<QQuickWindow> makeWindow()
-    {
-        auto window = std::make_unique<QQuickWindow>();
-        window->resize(390, 844);
-        window->show();
-        return QTest::qWaitForWindowActive(window.get()) ? std::move(window) : nullptr;
-    }
+    [[nodiscard]] static std::unique_ptr<QQuickWindow> makeWindow();
 
     /// The window that @p qml describes.
-    [[nodiscard]] static std::unique_ptr<QQuickWindow> makeWindow(QQmlEngine &engine, const char *qml)
-    {
-        QQmlComponent component(&engine);
-        component.setData(qml, QUrl());
-        std::unique_ptr<QQuickWindow> window(qobject_cast<QQuickWindow *>(component.create()));
-        if (!window || !QTest::qWaitForWindowActive(window.get()))
-            qFatal("no window: %s", qPrintable(component.errorString()));
-        return window;
-    }
+    [[nodiscard]] static std::unique_ptr<QQuickWindow> makeWindow(QQmlEngine &engine, const char *qml);
 
     /// Adds a rule for a response and holds it by that.
-    [[nodiscard]] static bool hold(const QByteArray &body, const Quorvix::DataTaskCompletionHandler &release)
-    {
-        const QUrl url(QStringLiteral("http://host/held"));
-        QXBreakpointStore::shared().insert(*QXBreakpointKey::make(url, {}));
-        return QXBreakpointCenter::shared().check(Quorvix::URLRequest(url), QStringLiteral("held"), body,
-                                                  Exchanges::makeResponse(200), {}, release);
-    }
+    [[nodiscard]] static bool hold(const QByteArray &body, const Quorvix::DataTaskCompletionHandler &release);
 
     [[nodiscard]] QQuickItem *find(const char *name) { return ScreenDriver::find(*m_window, name); }
     [[nodiscard]] auto findAll(const char *name) { return ScreenDriver::findAll(*m_window, name); }

@@ -283,4 +283,3 @@ void TextEditorTest::keystrokesDoNotBreakAllOfIt()
 
 QTEST_MAIN(TextEditorTest)
 #include "TextEditorTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

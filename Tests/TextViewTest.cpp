@@ -404,4 +404,3 @@ void TextViewTest::fitsForeignLetters()
 
 QTEST_MAIN(TextViewTest)
 #include "TextViewTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)

@@ -245,4 +245,3 @@ void TranslationTest::screensOfBreakpoints()
 
 QTEST_MAIN(TranslationTest)
 #include "TranslationTest.moc"
-#include "moc_ScreenTest.cpp" // NOLINT(bugprone-suspicious-include)
