@@ -29,7 +29,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int exchangeCount = 1000;
-constexpr qsizetype bodySize = 100 * 1000;
+constexpr qsizetype bodySize = 100'000;
 
 QByteArray jsonLikeBody()
 {
