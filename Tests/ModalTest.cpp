@@ -168,9 +168,14 @@ void ModalTest::isFencedAndLeft()
     const bool isClosed = name == "QXRequestListView";
     QTRY_VERIFY(isClosed == m_hostField->hasActiveFocus());
     // The way back goes on until nothing of the inspector is left.
+    const auto depth = [this] {
+        return findAll("QXRequestListView").size() + findAll("QXRequestDetailsView").size() +
+               findAll("QXConfirmationDialog").size() + findAll("QXContextMenu").size();
+    };
     for (int i = 0; i < 5 && find("QXRequestListView"); ++i) {
+        const auto before = depth();
         press(Qt::Key_Escape);
-        QTest::qWait(400);
+        QTRY_VERIFY(depth() < before);
     }
     QTRY_VERIFY(m_hostField->hasActiveFocus());
 }
@@ -189,7 +194,8 @@ void ModalTest::growsWithText()
         });
         if (direction == Qt::LeftToRight)
             open();
-        QTest::qWait(100);
+        QFETCH(const QString, opened);
+        QVERIFY(waitFor(opened.toLatin1()));
         visitVisible(m_window->contentItem(), [&](const QQuickItem *item) {
             if (!item->inherits("QQuickText") || item->property("text").toString().isEmpty())
                 return;
@@ -230,8 +236,6 @@ void ModalTest::secondTapIsIgnored()
     click(at);
     click(QPoint(at.x(), 60));
     QVERIFY(waitFor("QXActivitySheet"));
-    QTest::qWait(400);
-    QVERIFY(find("QXActivitySheet"));
 }
 
 void ModalTest::fingerSwipesBack()
@@ -248,9 +252,9 @@ void ModalTest::fingerSwipesBack()
         lift({4 + distance, 400});
     };
     swipe(80);
-    QTest::qWait(400);
+    QTRY_VERIFY(!find("QXRequestRow"));
     const QQuickItem *const details = find("QXRequestDetailsView");
-    QVERIFY(details && details->x() == 0 && !find("QXRequestRow"));
+    QVERIFY(details && details->x() == 0);
     swipe(300);
     QTRY_VERIFY(!find("QXRequestDetailsView"));
     QTRY_VERIFY(find("QXRequestRow"));

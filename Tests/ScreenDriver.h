@@ -48,8 +48,7 @@ inline QPoint middle(const QQuickItem &item)
         const QPointF now = item ? item->mapToScene({}) : QPointF();
         still = item && now == before ? still + 1 : 0;
         before = now;
-        QTest::qWait(16); // a frame
-        return still > 4;
+        return still > 4; // looks that are some frames apart
     });
 }
 

@@ -4,7 +4,6 @@
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/NSURLSession.h"
 
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QSemaphore>
@@ -52,7 +51,7 @@ Outcome load(NSURLSession &session, const URLRequest &request,
     task->resume();
     if (afterwards)
         afterwards(*task);
-    if (!done.tryAcquire(1, 20'000))
+    if (!done.tryAcquire(1, 10'000))
         qFatal("no completion");
     return outcome;
 }
@@ -219,11 +218,9 @@ void SessionTest::cancelling()
         task.cancel();
         task.cancel();
     };
-    QElapsedTimer timer;
-    timer.start();
-    const Outcome running = load(m_session, request(u"/slow?ms=10000"_s), cancel);
+    // load() does not wait for as long as the server does.
+    const Outcome running = load(m_session, request(u"/slow?ms=15000"_s), cancel);
     QCOMPARE(running.error->code, qint64(NSURLErrorCancelled));
-    QVERIFY(timer.elapsed() < 5000);
 
     QSemaphore done;
     const auto suspended = m_session.dataTaskWithRequest(request(u"/echo"_s), [&](auto, auto, auto error) {
