@@ -35,8 +35,10 @@ function(quorvix_precompile target kind)
         list(TRANSFORM ARGN REPLACE "(.+)" "<\\1>")
         target_precompile_headers(${target} PRIVATE ${ARGN})
     endif()
-    # For ccache, which looks at the units preprocessed.
-    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+    # For ccache, which looks at the units preprocessed, and finds nothing again that bears a time.
+    target_compile_options(${target} PRIVATE
+        $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
+        "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
 endfunction()
 
 # What stands without windows.
