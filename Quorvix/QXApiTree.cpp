@@ -8,7 +8,8 @@
 
 using namespace Quorvix;
 
-/// Works through the containers one after the other, not into one another: no nesting overflows the stack.
+/// Builds the tree with an explicit stack instead of recursion, so that deep nesting cannot overflow the
+/// call stack.
 class QXApiTree::Builder final
 {
 public:
@@ -54,7 +55,7 @@ private:
             break;
         case JSONValue::Kind::String:
             node.m_form = Form::String;
-            node.m_text = keep(value.utf8(), node.m_size);
+            node.m_text = storeText(value.utf8(), node.m_size);
             break;
         case JSONValue::Kind::Number:
             setNumber(node, value);
@@ -72,7 +73,7 @@ private:
     {
         if (const QByteArrayView digits = value.wideNumber(); !digits.isEmpty()) {
             node.m_form = Form::WideNumber;
-            node.m_text = keep(digits, node.m_size);
+            node.m_text = storeText(digits, node.m_size);
             return;
         }
         switch (value.numberKind()) {
@@ -103,12 +104,12 @@ private:
         readMembers(object);
         QXApiTreeField *child = addChildren(node, m_members.size());
         for (const Member &member : m_members) {
-            child->m_name = keep({member.name.data(), qsizetype(member.name.size())}, child->m_nameSize);
+            child->m_name = storeText({member.name.data(), qsizetype(member.name.size())}, child->m_nameSize);
             setValue(*child++, member.value);
         }
     }
 
-    /// Puts the members into order, the last of those with one name standing for them all.
+    /// Sorts the members by name. If several members have the same name, only the last one is kept.
     void readMembers(const JSONValue &object)
     {
         m_members.clear();
@@ -120,7 +121,7 @@ private:
         };
         if (std::adjacent_find(m_members.cbegin(), m_members.cend(), isNotBefore) == m_members.cend())
             return;
-        // From the last one of a name to the first, as std::unique keeps what it meets first.
+        // The reversed order puts the last member of each name first; std::unique keeps the first one.
         std::reverse(m_members.begin(), m_members.end());
         std::stable_sort(m_members.begin(), m_members.end(),
                          [](const Member &a, const Member &b) { return a.name < b.name; });
@@ -134,7 +135,7 @@ private:
         node.m_size = quint32(count);
         if (count == 0)
             return nullptr;
-        node.m_children = m_tree.m_nodes.take(count);
+        node.m_children = m_tree.m_nodes.allocate(count);
         for (QXApiTreeField &child : node.children()) {
             child.m_parent = &node;
             child.m_depth = quint16(node.m_depth + 1);
@@ -142,20 +143,20 @@ private:
         return node.m_children;
     }
 
-    const char *keep(QByteArrayView text, quint32 &size)
+    const char *storeText(QByteArrayView text, quint32 &size)
     {
-        // No text of 4 GB or more is ever parsed.
+        // The parser accepts no text of 4 GB or more, so the size fits.
         size = quint32(text.size());
         if (text.isEmpty())
             return nullptr;
-        char *kept = m_tree.m_texts.take(size_t(text.size()));
-        std::memcpy(kept, text.data(), size_t(text.size()));
-        return kept;
+        char *stored = m_tree.m_texts.allocate(size_t(text.size()));
+        std::memcpy(stored, text.data(), size_t(text.size()));
+        return stored;
     }
 
     QXApiTree &m_tree;
     std::vector<Container> m_pending;
-    /// Of one object at a time; kept for its memory.
+    /// The members of the object that is being read. It is a data member so that its memory is reused.
     std::vector<Member> m_members;
 };
 

@@ -11,14 +11,15 @@ namespace Quorvix {
 class JSONValue;
 } // namespace Quorvix
 
-/// The nodes of one parsed text, and their texts. Lives as long as anybody holds one of the nodes.
+/// Owns the nodes of one parsed text and their texts. It lives as long as a shared pointer to one of its
+/// nodes exists.
 ///
-/// The children of a node lie side by side, nothing that was handed out moves, and nothing refers to the text
-/// that was parsed.
+/// The children of a node are contiguous in memory. Nodes and texts never move, and they do not refer to the
+/// parsed text.
 class QXApiTree final : public QXApiTreeField::Owner
 {
 public:
-    /// Copies what stands under @p root, and returns the node that stands for it.
+    /// Copies the value @p root with everything in it, and returns the node for @p root.
     static std::shared_ptr<QXApiTreeField> make(const Quorvix::JSONValue &root);
 
     Q_DISABLE_COPY_MOVE(QXApiTree)
@@ -28,14 +29,15 @@ private:
     friend class QXApiTreeField;
     class Builder;
 
-    /// Hands out runs of objects that live as long as it does. Few allocations, and little left unused.
+    /// Allocates arrays of objects that live as long as the arena. It needs few allocations and leaves
+    /// little memory unused.
     template<typename T>
     class Arena
     {
     public:
-        T *take(size_t count)
+        T *allocate(size_t count)
         {
-            // A large run gets a chunk of its own, so that the rest of the current one is not lost.
+            // A large array gets a chunk of its own, so that the rest of the current chunk is not lost.
             if (count > m_chunkSize / 4)
                 return m_chunks.emplace_back(new T[count]).get();
             if (count > m_left) {
@@ -50,7 +52,7 @@ private:
     private:
         static constexpr size_t largestChunk = 16384;
 
-        // The nodes can only be made by those that know them: no std::make_unique here.
+        // std::make_unique cannot call the private constructor of QXApiTreeField.
         std::vector<std::unique_ptr<T[]>> m_chunks;
         T *m_next = nullptr;
         size_t m_left = 0;

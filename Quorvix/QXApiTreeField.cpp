@@ -14,13 +14,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// "3 items", and as it goes for one.
+/// A count with its noun: "1 item", "3 items".
 QString counted(quint32 count, const char *one, const char *many)
 {
     return QString::number(count) + u' ' + localized(count == 1 ? one : many);
 }
 
-/// The path of a node under @p parent, which is empty where it has none.
+/// The path of the node @p key below the path @p parent. Empty if the node has no path.
 QString joined(const QString &parent, const QString &key)
 {
     if (key.isEmpty())
@@ -43,12 +43,12 @@ std::optional<QString> QXApiTreeField::key() const
 
 std::optional<QString> QXApiTreeField::keyPath() const
 {
-    std::vector<const QXApiTreeField *> way;
+    std::vector<const QXApiTreeField *> nodes;
     for (const QXApiTreeField *node = this; node->m_parent; node = node->m_parent)
-        way.push_back(node);
+        nodes.push_back(node);
     QString path;
-    std::reverse(way.begin(), way.end());
-    for (const QXApiTreeField *node : way)
+    std::reverse(nodes.begin(), nodes.end());
+    for (const QXApiTreeField *node : nodes)
         path = joined(path, *node->key());
     return path.isEmpty() ? std::nullopt : std::optional(path);
 }

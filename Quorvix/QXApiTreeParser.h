@@ -19,17 +19,19 @@ public:
 
     /// Parses a text.
     ///
-    /// An object's members are sorted by the code points of their names; of several with one name the last
-    /// counts. Fails with the domain "LogTreeParser" and code -1 when the text has a lone surrogate, and with
-    /// the error of JSONReader when it is not JSON or nested deeper than JSONReader::maximumDepth.
+    /// The members of an object are sorted by the code points of their names. If several members have the
+    /// same name, the last one is used. Fails with the domain "LogTreeParser" and code -1 if the text has a
+    /// lone surrogate. Fails with the error of JSONReader if the text is not JSON or is nested deeper than
+    /// JSONReader::maximumDepth.
     static Quorvix::Result<Fields> parse(QStringView text);
-    /// Parses the bytes of a text, which spares the detour over UTF-16. Bytes that are not UTF-8 are the
+    /// Parses the bytes of a text without a conversion to UTF-16. Bytes that are not UTF-8 give the
     /// "LogTreeParser" error.
     static Quorvix::Result<Fields> parse(QByteArrayView utf8);
 
-    /// The source of Swift types that decode what the tree was made from; the outermost is @p rootName.
+    /// Returns the source of Swift types that decode the JSON text of this tree. The outermost type has the
+    /// name @p rootName.
     ///
-    /// Types and properties are named after the keys; a key cannot bring source of its own along. Fails with
-    /// QXExportError::swiftModelNotGenerated when there are more types of one name than names can be made.
+    /// Types and properties are named after the keys; a key cannot inject code into the source. Fails with
+    /// QXExportError::swiftModelNotGenerated if too many types need the same name.
     static Quorvix::Result<QString> swiftModel(const QXApiTreeField &root, const QString &rootName);
 };

@@ -4,8 +4,8 @@
 
 #include <QtCore/QString>
 
-/// What a value of a JSON text is.
+/// The kind of a JSON value.
 enum class QXApiValueKind { object, array, string, number, boolean, null };
 
-/// What the user calls the kind. Any thread.
+/// The localised name of the kind, for display. Any thread.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString displayName(QXApiValueKind kind);

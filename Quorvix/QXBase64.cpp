@@ -14,7 +14,8 @@ constexpr int bytesPerGroup = 3;
 
 constexpr std::string_view alphabet("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/");
 
-/// The value of each character, moved to its place in a group; negative for one that has none.
+/// The value of each character, shifted to its position in a group; negative for a character that is not
+/// Base64.
 template<int shift>
 constexpr std::array<qint32, 256> values = [] {
     std::array<qint32, 256> table{};
@@ -31,13 +32,13 @@ qint32 valueOf(char c) noexcept
     return values<0>[uchar(c)];
 }
 
-/// Negative when one of the four characters has no value.
+/// Decodes four characters. Negative if one of them is not Base64.
 qint32 groupAt(const char *at) noexcept
 {
     return values<18>[uchar(at[0])] | values<12>[uchar(at[1])] | values<6>[uchar(at[2])] | valueOf(at[3]);
 }
 
-/// Where decoded bytes go. One byte more than belongs to a group is written with it.
+/// Writes decoded bytes. put() always writes four bytes, so the buffer needs one byte more than the result.
 class ByteSink
 {
 public:
@@ -53,7 +54,7 @@ private:
     char *m_to;
 };
 
-/// For a text that is only looked at.
+/// Discards the bytes when a text is only checked.
 struct NoSink
 {
     void put(qint32, int = bytesPerGroup) noexcept {}
@@ -64,22 +65,22 @@ class Decoder
 {
 public:
     Decoder(QByteArrayView text, QXBase64::WhiteSpace whiteSpace, Sink &sink) noexcept
-        : m_at(text.begin()), m_end(text.end()), m_skips(whiteSpace == QXBase64::WhiteSpace::Skipped),
-          m_sink(sink)
+        : m_at(text.begin()), m_end(text.end()),
+          m_skipsWhiteSpace(whiteSpace == QXBase64::WhiteSpace::Skipped), m_sink(sink)
     {
     }
 
     bool decode() noexcept
     {
         do {
-            takeWholeGroups();
-        } while (takeGroup());
-        return takeEnd();
+            decodeGroupPairs();
+        } while (decodeGroup());
+        return decodeEnd();
     }
 
 private:
-    /// Pairs of groups, for speed; a single one that remains is left to takeGroup().
-    void takeWholeGroups() noexcept
+    /// Decodes pairs of groups, for speed. decodeGroup() handles a single group that remains.
+    void decodeGroupPairs() noexcept
     {
         for (; m_end - m_at >= groupSize + groupSize; m_at += groupSize + groupSize) {
             const qint32 first = groupAt(m_at);
@@ -91,8 +92,8 @@ private:
         }
     }
 
-    /// Takes one group character by character; false when it is not complete.
-    bool takeGroup() noexcept
+    /// Decodes one group character by character; false if the group is not complete.
+    bool decodeGroup() noexcept
     {
         m_group = 0;
         for (m_count = 0; m_count < groupSize; ++m_count) {
@@ -107,14 +108,14 @@ private:
         return true;
     }
 
-    /// Takes what remains after the last complete group.
-    bool takeEnd() noexcept
+    /// Decodes the characters and the padding after the last complete group.
+    bool decodeEnd() noexcept
     {
         if (m_count == 1)
             return false;
-        int room = m_count == 0 ? 0 : groupSize - m_count;
+        int allowedPadding = m_count == 0 ? 0 : groupSize - m_count;
         for (skipWhiteSpace(); m_at != m_end; skipWhiteSpace()) {
-            if (*m_at != '=' || --room < 0)
+            if (*m_at != '=' || --allowedPadding < 0)
                 return false;
             ++m_at;
         }
@@ -125,7 +126,7 @@ private:
 
     void skipWhiteSpace() noexcept
     {
-        while (m_skips) {
+        while (m_skipsWhiteSpace) {
             const qsizetype size = QXWhiteSpace::sizeAtStart({m_at, m_end});
             if (size == 0)
                 return;
@@ -135,9 +136,9 @@ private:
 
     const char *m_at;
     const char *const m_end;
-    const bool m_skips;
+    const bool m_skipsWhiteSpace;
     Sink &m_sink;
-    /// The group that is not complete, and how many characters of it there are.
+    /// The incomplete group and the number of its characters.
     qint32 m_group = 0;
     int m_count = 0;
 };

@@ -7,14 +7,16 @@
 
 #include <optional>
 
-/// A body as people read it. Stateless; any thread.
+/// Converts a body to text for display. Stateless; any thread.
 class QUORVIX_INTERNAL_EXPORT QXBodyText
 {
 public:
-    /// JSON whose top level is an object or an array, laid out anew with its keys sorted; else the text as it
-    /// stands, a byte order mark included; nothing for bytes that are not UTF-8 (RFC 3629).
+    /// If the body is JSON with an object or an array at the top level, returns it pretty-printed with
+    /// sorted keys. Otherwise returns the text unchanged, including a byte order mark. Absent if the bytes
+    /// are not UTF-8 (RFC 3629).
     [[nodiscard]] static std::optional<QString> readable(const QByteArray &body);
 
-    /// The same, with bytes that are not UTF-8 as two lower-case hexadecimal digits each and a space between.
+    /// Like readable(), but bytes that are not UTF-8 are shown as two lower-case hexadecimal digits each,
+    /// separated by spaces.
     [[nodiscard]] static QString text(const QByteArray &body);
 };

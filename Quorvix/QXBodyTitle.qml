@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// What stands over a body: the section's title, and the button that shows the body as a tree.
+/// The heading above a body: the section's title, and the button that shows the body as a tree.
 Item {
     id: root
 

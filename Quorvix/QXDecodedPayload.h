@@ -9,7 +9,7 @@
 
 #include <utility>
 
-/// One titled block of readable text, under a fresh identity. A value.
+/// One block of readable text with a title and a new identifier. A value.
 struct QXDecodedSection
 {
     Q_GADGET
@@ -31,7 +31,7 @@ public:
     bool operator==(const QXDecodedSection &) const = default;
 };
 
-/// What an encoded text turned out to hold, under a fresh identity. A value.
+/// The decoded content of an encoded text, with a new identifier. A value.
 struct QUORVIX_INTERNAL_EXPORT QXDecodedPayload
 {
     Q_GADGET

@@ -32,7 +32,7 @@ void QXDecodedPayloadModel::setPayload(const QVariant &value)
     if (!value.canConvert<QXDecodedPayload>())
         return;
     beginResetModel();
-    // Those that are on show outlive their delegates.
+    // The old documents must outlive their delegates, which endResetModel() removes.
     const auto shown = std::move(m_documents);
     m_documents.clear();
     m_payload = value.value<QXDecodedPayload>();

@@ -15,7 +15,8 @@ class QXDecodedPayloadModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
-    /// A QXDecodedPayload. Undefined leaves the last one in place, for a screen that is on its way out.
+    /// A QXDecodedPayload. Assigning undefined keeps the last payload, so that a screen that is closing
+    /// still shows it.
     Q_PROPERTY(QVariant payload READ payload WRITE setPayload NOTIFY payloadChanged)
     Q_PROPERTY(QString title READ title NOTIFY payloadChanged)
 
@@ -38,6 +39,6 @@ private:
     void setPayload(const QVariant &value);
 
     QXDecodedPayload m_payload;
-    /// One for each section.
+    /// The document of each section.
     std::vector<std::unique_ptr<QXTextDocument>> m_documents;
 };

@@ -5,11 +5,11 @@ import Quorvix.Controls
 import Quorvix.Text
 import Quorvix
 
-/// The decoded payload screen: what was found in an encoded text, one block for each of its parts.
+/// The decoded payload screen: the content of an encoded text, with one block for each section.
 QXSheet {
     id: root
 
-    /// A QXDecodedPayload, or undefined while there is nothing to show.
+    /// A QXDecodedPayload, or undefined to close the screen.
     property var payload: undefined
 
     objectName: "QXDecodedPayloadSheet"

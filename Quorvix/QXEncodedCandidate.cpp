@@ -22,15 +22,15 @@ using Kind = QXEncodedCandidate::Kind;
 using Found = std::optional<QXEncodedCandidate>;
 using enum QXBase64::WhiteSpace;
 
-/// What is shorter is never taken for encoded.
+/// A shorter text never counts as encoded.
 constexpr int minimumLength = 12;
 
 enum CharacterSet : quint8 {
     ParameterName = 1,
-    JWT = 2, // the pieces and the dots between them
+    JWT = 2, // the characters of the pieces, and the dots between them
     Wrapper = 4,
     Separator = 8,      // white space, "," and ";"
-    MaybeSeparator = 16 // may begin white space beyond ASCII
+    MaybeSeparator = 16 // first byte of white space beyond ASCII
 };
 
 constexpr std::array<quint8, 256> sets = [] {
@@ -66,8 +66,9 @@ QByteArrayView withoutWrappers(QByteArrayView text) noexcept
     return text;
 }
 
-/// Lengths are meant in characters as a person counts them, white space not included. Bytes will do: only
-/// ASCII decodes, and of its letters, digits and signs no two ever join into one character (UAX #29).
+/// The length counts characters as a person sees them, without white space. Counting bytes gives the same
+/// result: only ASCII can be decoded, and no two ASCII letters, digits or signs combine to one character
+/// (UAX #29).
 bool isLongEnough(QByteArrayView text) noexcept
 {
     int length = 0;
@@ -79,7 +80,7 @@ bool isLongEnough(QByteArrayView text) noexcept
     return length == minimumLength;
 }
 
-/// Whether a text that is Base64 may as well be a media type (RFC 6838): two names with a slash between.
+/// Whether a Base64 text can also be a media type (RFC 6838): two names with a slash between them.
 bool isMediaType(QByteArrayView base64) noexcept
 {
     const qsizetype slash = base64.indexOf('/');
@@ -87,7 +88,7 @@ bool isMediaType(QByteArrayView base64) noexcept
            !base64.contains('=') && !base64.contains('_');
 }
 
-/// For a text with no white space around it.
+/// Whether the text is a JSON Web Token. The caller has removed white space at both ends.
 bool isJWT(QByteArrayView text)
 {
     for (qsizetype i = 0; i < text.size();) {
@@ -103,8 +104,8 @@ bool isJWT(QByteArrayView text)
     return QXBase64::decode(pieces->header, Skipped) && QXBase64::decode(pieces->body, Skipped);
 }
 
-/// "Bearer" and a token, closed up, often are a token with a header of nonsense. A header that white space
-/// runs through has to prove that it is one: by being JSON (RFC 7519, section 7.2).
+/// After the white space in "Bearer <token>" is removed, the text often looks like a token with a
+/// meaningless header. So a header that contains white space must also be JSON (RFC 7519, section 7.2).
 bool hasMangledHeader(QByteArrayView jwt)
 {
     const QByteArrayView header = QXWhiteSpace::trimmed(jwt.first(jwt.indexOf('.')));
@@ -126,7 +127,8 @@ qsizetype separatorSize(QByteArrayView text, LineBreaks lineBreaks) noexcept
     return QXWhiteSpace::sizeAtStart(text);
 }
 
-/// Takes the first piece off @p rest, and the separators before it. Empty at the end.
+/// Removes the first piece and the separators before it from @p rest, and returns the piece. Empty at the
+/// end.
 QByteArrayView takePiece(QByteArrayView &rest, LineBreaks lineBreaks) noexcept
 {
     qsizetype start = 0;
@@ -145,7 +147,7 @@ QByteArrayView takePiece(QByteArrayView &rest, LineBreaks lineBreaks) noexcept
     return piece;
 }
 
-/// What follows the first "base64,"; empty when there is none.
+/// The text after the first "base64,"; empty if there is none.
 QByteArrayView afterDataMarker(QByteArrayView text) noexcept
 {
     const std::string_view view(text.data(), size_t(text.size()));
@@ -163,38 +165,39 @@ class Search
 public:
     explicit Search(QByteArray *decoded) : m_decoded(decoded) {}
 
-    Found wholeText(QByteArrayView text)
+    Found findInWholeText(QByteArrayView text)
     {
         const Found found = candidate(text);
         return found && found->kind == Kind::JWT && hasMangledHeader(found->text) ? Found() : found;
     }
 
-    /// A line break does not end the content of a data URL, which mail programs wrap.
-    Found dataUrl(QByteArrayView text)
+    /// The content of the first data URL. A line break does not end it, because mail programs wrap data
+    /// URLs.
+    Found findInDataUrl(QByteArrayView text)
     {
         QByteArrayView content = afterDataMarker(text);
         return candidate(takePiece(content, LineBreaks::Join));
     }
 
-    Found words(QByteArrayView text)
+    Found findInWords(QByteArrayView text)
     {
         while (!text.isEmpty()) {
             const QByteArrayView word = takePiece(text, LineBreaks::Separate);
-            if (const Found found = word.size() < minimumLength ? Found() : inWord(withoutWrappers(word)))
+            if (const Found found = word.size() < minimumLength ? Found() : findInWord(withoutWrappers(word)))
                 return found;
         }
         return std::nullopt;
     }
 
 private:
-    /// What may have white space anywhere.
+    /// Checks a piece that may contain white space anywhere.
     Found candidate(QByteArrayView piece)
     {
         const QByteArrayView text = QXWhiteSpace::trimmed(piece);
         return isLongEnough(text) ? encoded(text) : std::nullopt;
     }
 
-    Found inWord(QByteArrayView word)
+    Found findInWord(QByteArrayView word)
     {
         if (const Found found = word.size() < minimumLength ? Found() : encoded(word))
             return found;
@@ -204,8 +207,8 @@ private:
                                                                          : std::nullopt;
     }
 
-    /// What is encoded has a dot or is Base64, so at most one of the two applies, and neither is ever tried
-    /// in place of the other.
+    /// A token contains dots, which Base64 never does. So at most one of the two formats matches, and their
+    /// order does not matter.
     Found encoded(QByteArrayView text)
     {
         if (QXBase64::decode(text, Skipped, m_decoded))
@@ -224,9 +227,9 @@ std::optional<QXEncodedCandidate> QXEncodedCandidate::find(QByteArrayView utf8, 
     if (text.size() < minimumLength)
         return std::nullopt;
     Search search(decoded);
-    if (const Found found = search.wholeText(text))
+    if (const Found found = search.findInWholeText(text))
         return found;
-    if (const Found found = search.dataUrl(text))
+    if (const Found found = search.findInDataUrl(text))
         return found;
-    return search.words(text);
+    return search.findInWords(text);
 }

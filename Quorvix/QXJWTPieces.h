@@ -4,8 +4,8 @@
 
 #include <optional>
 
-/// The three pieces of a JSON Web Token's compact form (RFC 7515, section 7.1), as they are written. None of
-/// them is checked; each may be empty. A view, of bytes or of UTF-16.
+/// The three pieces of a JSON Web Token's compact form (RFC 7515, section 7.1), still encoded. They are not
+/// validated, and each may be empty. A view of bytes or of UTF-16.
 template<typename View>
 struct QXJWTPieces
 {
@@ -13,7 +13,7 @@ struct QXJWTPieces
     View body;
     View signature;
 
-    /// Nothing unless there are exactly two dots.
+    /// Splits a token at its dots. Absent unless there are exactly two dots.
     [[nodiscard]] static std::optional<QXJWTPieces> split(View token) noexcept
     {
         constexpr typename View::storage_type dot = '.';

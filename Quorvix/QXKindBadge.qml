@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// What kind of value a node of a log tree is: a word on a colour of its own.
+/// The kind of a log tree node's value: a word on a background colour.
 Rectangle {
     id: root
 

@@ -7,7 +7,7 @@
 
 #include <utility>
 
-/// A body to be browsed as a tree, under a fresh identity. A value.
+/// A body that is shown as a tree, with a new identifier. A value.
 struct QXLogTreeDestination
 {
     Q_GADGET
@@ -23,7 +23,7 @@ public:
     }
 
     QUuid id;
-    /// The path of the request that the body belongs to.
+    /// The path of the request that has this body.
     QString requestPath;
     QString jsonString;
 

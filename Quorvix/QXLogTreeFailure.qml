@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// Why there is no log tree.
+/// Shows the reason why there is no log tree.
 QXScrollArea {
     id: root
 
@@ -15,7 +15,7 @@ QXScrollArea {
         id: column
 
         anchors.horizontalCenter: parent.horizontalCenter
-        // Where the eye expects the middle, which is a little above it.
+        // The content is a little above the exact middle, where it looks centred.
         y: Math.max(0, (root.height - height) * 0.45)
         width: root.width - 2 * QXTheme.columnMargin(root.width)
         topPadding: QXTheme.margin

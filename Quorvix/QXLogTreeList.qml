@@ -9,12 +9,13 @@ QXPageList {
     id: root
 
     required property QXLogTreeViewModel viewModel
-    /// A row that has been tapped stands out no longer than it is pressed.
-    property bool followsKeyboard: false
+    /// Whether the current row is highlighted. A key press sets it; a tap clears it, because a tapped row is
+    /// highlighted only while it is pressed.
+    property bool highlightsCurrentRow: false
 
     readonly property int pageRows: Math.max(1, Math.floor(height / (currentItem?.height ?? QXTheme.touchTarget)) - 1)
 
-    /// The menu of a row is asked for, at a point of its item.
+    /// Requests the menu of a row; @p position is in the coordinates of @p item.
     signal menuRequested(int row, Item item, point position)
 
     objectName: "QXLogTreeList"
@@ -24,12 +25,12 @@ QXPageList {
     Accessible.role: Accessible.Tree
 
     Keys.onPressed: event => {
-        root.followsKeyboard = true;
+        root.highlightsCurrentRow = true;
         event.accepted = true;
         if (event.matches(StandardKey.Copy))
             root.viewModel.copy(root.currentIndex);
         else
-            event.accepted = root.actOn(event.key, event.modifiers);
+            event.accepted = root.handleKey(event.key, event.modifiers);
     }
 
     delegate: QXLogTreeRow {
@@ -40,25 +41,25 @@ QXPageList {
         width: ListView.view.width
         columnMargin: root.bar.columnMargin
         indentationWidth: 20
-        isCurrent: ListView.isCurrentItem && root.followsKeyboard && root.activeFocus
+        isCurrent: ListView.isCurrentItem && root.highlightsCurrentRow && root.activeFocus
         onClicked: {
-            root.take(index);
+            root.selectRow(index);
             root.viewModel.toggle(index);
         }
         onMenuRequested: position => {
-            root.take(index);
+            root.selectRow(index);
             root.menuRequested(index, row, position);
         }
     }
 
-    /// What the pointer acts on is where the keyboard goes on.
-    function take(row: int) {
-        root.followsKeyboard = false;
+    /// Moves the current row and keyboard focus to the row that the user clicked or tapped.
+    function selectRow(row: int) {
+        root.highlightsCurrentRow = false;
         root.currentIndex = row;
         root.forceActiveFocus();
     }
 
-    function goTo(row: int) {
+    function setCurrentRow(row: int) {
         root.currentIndex = Math.max(0, Math.min(row, root.count - 1));
     }
 
@@ -67,7 +68,7 @@ QXPageList {
             root.menuRequested(root.currentIndex, root.currentItem, Qt.point(root.width / 2, root.currentItem.height));
     }
 
-    function actOn(key: int, modifiers: int): bool {
+    function handleKey(key: int, modifiers: int): bool {
         switch (key) {
         case Qt.Key_Return:
         case Qt.Key_Enter:
@@ -75,22 +76,22 @@ QXPageList {
             root.viewModel.toggle(root.currentIndex);
             return true;
         case QXTheme.isMirrored ? Qt.Key_Left : Qt.Key_Right:
-            root.goTo(root.viewModel.expand(root.currentIndex));
+            root.setCurrentRow(root.viewModel.expand(root.currentIndex));
             return true;
         case QXTheme.isMirrored ? Qt.Key_Right : Qt.Key_Left:
-            root.goTo(root.viewModel.collapse(root.currentIndex));
+            root.setCurrentRow(root.viewModel.collapse(root.currentIndex));
             return true;
         case Qt.Key_Home:
-            root.goTo(0);
+            root.setCurrentRow(0);
             return true;
         case Qt.Key_End:
-            root.goTo(root.count - 1);
+            root.setCurrentRow(root.count - 1);
             return true;
         case Qt.Key_PageUp:
-            root.goTo(root.currentIndex - root.pageRows);
+            root.setCurrentRow(root.currentIndex - root.pageRows);
             return true;
         case Qt.Key_PageDown:
-            root.goTo(root.currentIndex + root.pageRows);
+            root.setCurrentRow(root.currentIndex + root.pageRows);
             return true;
         case Qt.Key_Menu:
             root.requestMenu();

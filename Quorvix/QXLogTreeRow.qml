@@ -2,7 +2,7 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix
 
-/// One node of a log tree: how deep it lies, whether it is open, its key, its value and its kind.
+/// One node of a log tree: its depth, whether it is expanded, its key, its value and its kind.
 QXListRow {
     id: root
 
@@ -13,20 +13,20 @@ QXListRow {
     required property int depth
     required property bool isExpanded
     required property bool hasChildren
-    /// For each level.
+    /// The indentation of one level.
     required property real indentationWidth
 
-    // From some depth on the level is told by its number, not by room: the key needs that.
+    // Deep rows show their level as a number instead of more indentation, so that the key has enough width.
     readonly property real fullIndentation: depth * indentationWidth
-    readonly property real room: (width - 2 * columnMargin) * 0.4 / Math.max(1, QXTheme.scale)
-    readonly property real largestIndentation: Math.floor(room / indentationWidth) * indentationWidth
+    readonly property real indentSpace: (width - 2 * columnMargin) * 0.4 / Math.max(1, QXTheme.scale)
+    readonly property real largestIndentation: Math.floor(indentSpace / indentationWidth) * indentationWidth
     readonly property bool isDeep: fullIndentation > largestIndentation
 
-    /// Asked for with a right click or a long press.
+    /// The user requests the menu with a right click or a long press.
     signal menuRequested(point position)
 
     objectName: "QXLogTreeRow"
-    // Even, so that the place of a row far down a long list is exact in single precision.
+    // An even height keeps the position of a row far down a long list exact in single precision.
     implicitHeight: Math.max(QXTheme.touchTarget,
                              2 * Math.ceil((Math.max(keyText.implicitHeight, badge.height) + 2 * rowPadding) / 2))
 
@@ -71,7 +71,7 @@ QXListRow {
         id: texts
 
         readonly property real spacing: keyText.visible && valueText.visible ? QXTheme.spacing : 0
-        readonly property real room: Math.max(0, width - spacing)
+        readonly property real availableWidth: Math.max(0, width - spacing)
 
         anchors.left: chevron.right
         anchors.leftMargin: QXTheme.spacing
@@ -85,8 +85,9 @@ QXListRow {
             objectName: "QXLogTreeKey"
             anchors.left: parent.left
             anchors.verticalCenter: parent.verticalCenter
-            // A long key leaves a good part of the room to the value.
-            width: Math.min(implicitWidth, Math.max(texts.room * 0.6, texts.room - valueText.implicitWidth))
+            // The key never uses all of the width: the value keeps a part of it.
+            width: Math.min(implicitWidth, Math.max(texts.availableWidth * 0.6,
+                                                    texts.availableWidth - valueText.implicitWidth))
             visible: root.key.length > 0
             text: root.key
             font: Qt.font({

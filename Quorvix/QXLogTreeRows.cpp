@@ -40,10 +40,10 @@ size_t QXLogTreeRows::rowBefore(size_t row, const QXApiTreeField *node) const
     }
 }
 
-size_t QXLogTreeRows::countBelow(size_t row) const
+size_t QXLogTreeRows::countDescendants(size_t row) const
 {
     const int depth = at(row)->depth();
-    const auto isBeside = [depth](const QXApiTreeField *node) {
+    const auto isNotDescendant = [depth](const QXApiTreeField *node) {
         return node->depth() <= depth;
     };
     const Place place = placeOf(row + 1);
@@ -51,7 +51,7 @@ size_t QXLogTreeRows::countBelow(size_t row) const
     auto block = iteratorAt(m_blocks, place.block);
     auto start = iteratorAt(*block, place.offset);
     for (;;) {
-        const auto end = std::find_if(start, block->end(), isBeside);
+        const auto end = std::find_if(start, block->end(), isNotDescendant);
         count += size_t(end - start);
         if (end != block->end() || ++block == m_blocks.end())
             return count;
@@ -65,7 +65,7 @@ void QXLogTreeRows::clear()
     m_size = 0;
 }
 
-/// The end of a block is the beginning of the next, but for the last one.
+/// The end of a block counts as the beginning of the next one; only the last block has an end position.
 QXLogTreeRows::Place QXLogTreeRows::placeOf(size_t row) const
 {
     size_t block = 0;
@@ -89,7 +89,7 @@ void QXLogTreeRows::insert(size_t row, std::span<QXApiTreeField *const> nodes)
     m_size += nodes.size();
 }
 
-/// Parts the block at the place, and puts blocks in between.
+/// Splits the block at @p place and inserts the nodes between the two parts as new blocks.
 void QXLogTreeRows::insertBlocks(Place place, std::span<QXApiTreeField *const> nodes)
 {
     std::vector<Block> added;
@@ -133,7 +133,7 @@ void QXLogTreeRows::remove(size_t row, size_t count)
     mergeAround(place.block);
 }
 
-/// Joins a block with its neighbours while they fit into one, so that blocks do not become many and small.
+/// Joins a block with a neighbour if both fit into one block, so that there are never many small blocks.
 void QXLogTreeRows::mergeAround(size_t block)
 {
     const auto fits = [this](size_t left) {

@@ -6,24 +6,25 @@
 
 class QXApiTreeField;
 
-/// The nodes of a tree that are on show, in order, in blocks: putting a run in or taking one out costs what
-/// the run costs, however many there are around it. Holds none of them.
+/// The visible nodes of a tree in order, stored in blocks. The cost of inserting or removing rows depends on
+/// their number, not on the number of other rows. Does not own the nodes.
 class QXLogTreeRows final
 {
 public:
     [[nodiscard]] size_t size() const noexcept { return m_size; }
     /// The node of a row, which must exist.
     [[nodiscard]] QXApiTreeField *at(size_t row) const;
-    /// The row of a node that stands somewhere before @p row. Linear, but a comparison is all that a row
-    /// costs.
+    /// Returns the row of a node that is somewhere before @p row. Linear, but each row costs only one
+    /// comparison.
     [[nodiscard]] size_t rowBefore(size_t row, const QXApiTreeField *node) const;
-    /// How many rows on from the next one lie deeper in the tree than this one.
-    [[nodiscard]] size_t countBelow(size_t row) const;
+    /// Returns the number of rows directly after @p row that are deeper in the tree: the visible
+    /// descendants.
+    [[nodiscard]] size_t countDescendants(size_t row) const;
 
     void clear();
-    /// Puts nodes in before @p row, or at the end when it is size().
+    /// Inserts nodes before @p row, or at the end if @p row is size().
     void insert(size_t row, std::span<QXApiTreeField *const> nodes);
-    /// Takes out @p count rows from @p row on; they must exist.
+    /// Removes @p count rows, starting with @p row; they must exist.
     void remove(size_t row, size_t count);
 
 private:
@@ -38,7 +39,7 @@ private:
     void insertBlocks(Place place, std::span<QXApiTreeField *const> nodes);
     void mergeAround(size_t block);
 
-    /// None is empty, and none would fit into one with the next.
+    /// No block is empty, and no two neighbours would fit into one block.
     std::vector<Block> m_blocks;
     size_t m_size = 0;
 };

@@ -12,8 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// More than a line of any window shows, in UTF-16 units.
-constexpr qsizetype longestShown = 300;
+/// The maximum length of a shown text in UTF-16 code units. A line in a window is always shorter.
+constexpr qsizetype maximumShownLength = 300;
 
 bool breaksLine(QChar unit)
 {
@@ -27,11 +27,12 @@ bool breaksLine(QChar unit)
     }
 }
 
-/// The beginning of a text, on one line.
-QString cutShort(QString text)
+/// Returns the beginning of a text on one line.
+QString shortened(QString text)
 {
-    if (text.size() > longestShown) {
-        text.truncate(text[longestShown - 1].isHighSurrogate() ? longestShown - 1 : longestShown);
+    if (text.size() > maximumShownLength) {
+        text.truncate(text[maximumShownLength - 1].isHighSurrogate() ? maximumShownLength - 1
+                                                                     : maximumShownLength);
         text += u'…';
     }
     for (QChar &unit : text) {
@@ -41,27 +42,28 @@ QString cutShort(QString text)
     return text;
 }
 
-/// Converts no more than is needed.
-QString cutShort(QByteArrayView utf8)
+/// Converts only the bytes that are needed.
+QString shortened(QByteArrayView utf8)
 {
     constexpr qsizetype bytesPerCharacter = 4;
-    return cutShort(QString::fromUtf8(utf8.first(qMin(utf8.size(), (longestShown + 2) * bytesPerCharacter))));
+    return shortened(
+        QString::fromUtf8(utf8.first(qMin(utf8.size(), (maximumShownLength + 2) * bytesPerCharacter))));
 }
 
 QString shownKey(const QXApiTreeField &field)
 {
     const QByteArrayView name = field.nameUtf8();
-    return name.isEmpty() ? field.key().value_or(QString()) : cutShort(name);
+    return name.isEmpty() ? field.key().value_or(QString()) : shortened(name);
 }
 
 QString shownSummary(const QXApiTreeField &field)
 {
     if (field.kind() == QXApiValueKind::string)
-        return u'"' + cutShort(field.textUtf8()) + u'"';
-    return cutShort(field.summary().value_or(QString()));
+        return u'"' + shortened(field.textUtf8()) + u'"';
+    return shortened(field.summary().value_or(QString()));
 }
 
-/// The node that is shown next after @p node under @p top, or null.
+/// The next visible node after @p node within the subtree @p top, or null.
 QXApiTreeField *next(QXApiTreeField *node, const QXApiTreeField *top)
 {
     if (node->isExpanded() && !node->children().empty())
@@ -153,11 +155,11 @@ void QXLogTreeViewModel::toggle(int row)
 {
     if (!hasRow(row) || field(row).children().empty())
         return;
-    field(row).isExpanded() ? hideBelow(row) : showBelow(row);
+    field(row).isExpanded() ? removeDescendants(row) : insertDescendants(row);
     Q_EMIT dataChanged(index(row), index(row), {IsExpandedRole});
 }
 
-void QXLogTreeViewModel::showBelow(int row)
+void QXLogTreeViewModel::insertDescendants(int row)
 {
     QXApiTreeField &top = field(row);
     top.setExpanded(true);
@@ -169,11 +171,12 @@ void QXLogTreeViewModel::showBelow(int row)
     endInsertRows();
 }
 
-void QXLogTreeViewModel::hideBelow(int row)
+void QXLogTreeViewModel::removeDescendants(int row)
 {
     field(row).setExpanded(false);
-    // Not by the flags of the nodes, which others hold as well.
-    const size_t count = m_rows.countBelow(size_t(row));
+    // Counts the rows instead of reading the isExpanded() flags: other owners of the nodes can change the
+    // flags.
+    const size_t count = m_rows.countDescendants(size_t(row));
     if (count == 0)
         return;
     beginRemoveRows({}, row + 1, row + int(count));

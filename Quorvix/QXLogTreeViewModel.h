@@ -9,23 +9,23 @@
 #include <optional>
 #include <vector>
 
-/// One JSON body as a tree to be walked through: the rows are the nodes that no collapsed one hides, each
-/// before its children. Main thread only; parsing blocks it.
+/// One JSON body as a tree. The rows are the visible nodes, that is, those without a collapsed ancestor.
+/// Each row comes before the rows of its children. Main thread only; parsing blocks it.
 ///
-/// A toggle touches the row itself and those that it shows or hides, and costs what they cost. Which nodes
-/// are expanded is told by the nodes.
+/// toggle() changes only the row itself and the rows that it shows or hides, and its cost depends on their
+/// number. The nodes store whether they are expanded.
 class QXLogTreeViewModel : public QXPresentingModel
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made from a body")
-    /// Why there is no tree, else undefined.
+    /// The reason why there is no tree; undefined if there is one.
     Q_PROPERTY(QVariant parseError READ parseErrorValue NOTIFY parseErrorChanged)
 
 public:
     using Fields = QXApiTreeParser::Fields;
 
-    /// Keys and summaries are cut to what a line can show.
+    /// Keys and summaries are shortened to the length of a line.
     enum Role {
         KeyRole = Qt::UserRole,
         SummaryRole,
@@ -50,31 +50,34 @@ public:
 
     [[nodiscard]] const std::optional<QString> &parseError() const noexcept { return m_parseError; }
 
-    /// Shows the tree of another text. One that is not JSON sets the parse error and changes nothing else.
+    /// Shows the tree of another text. If the text is not JSON, sets the parse error and changes nothing
+    /// else.
     void load(QStringView json);
 
-    /// Expands or collapses a row; does nothing where there are no children. Here and below, a row that does
-    /// not exist is passed over.
+    /// Expands or collapses a row; does nothing if it has no children. This function and the functions below
+    /// ignore a row that does not exist.
     Q_INVOKABLE void toggle(int row);
-    /// Expands a row, or goes to its first child when it is expanded. The row that has the keyboard then.
+    /// Expands a row, or selects its first child if it is already expanded. Returns the row that gets
+    /// keyboard focus.
     Q_INVOKABLE int expand(int row);
-    /// Collapses a row, or goes to its parent when there is nothing to collapse. The row that has the
-    /// keyboard then.
+    /// Collapses a row, or selects its parent if there is nothing to collapse. Returns the row that gets
+    /// keyboard focus.
     Q_INVOKABLE int collapse(int row);
 
-    /// What the clipboard gets of a row: "key: value", or the value alone where there is no key. Whole,
-    /// however little of it is shown.
+    /// The text of a row for the clipboard: "key: value", or only the value if there is no key. It is never
+    /// shortened.
     [[nodiscard]] QString copyText(int row) const;
-    /// Puts the text of a row on the clipboard, unless it is empty.
+    /// Copies the text of a row to the clipboard, unless the text is empty.
     Q_INVOKABLE void copy(int row) const;
 
-    /// Whether a row is a string with something in it to decode. Linear in its length.
+    /// Whether a row is a string that contains encoded text. Linear in the length of the string.
     [[nodiscard]] Q_INVOKABLE bool canDecodeBase64(int row) const;
-    /// Publishes what the string of a row decodes to; nothing when it does not. Other kinds change nothing.
+    /// Sets decodedPayload to the decoded string of a row; absent if there is nothing to decode. Does
+    /// nothing for rows of another kind.
     Q_INVOKABLE void decodeBase64(int row);
 
-    /// Publishes source code that decodes such a body, with its types named after a request path; shows the
-    /// alert when there is no tree.
+    /// Sets shareItem to Swift source code that decodes this body, with types named after the request path.
+    /// Shows the alert if there is no tree or the source cannot be generated.
     Q_INVOKABLE void shareSwiftModel(const QString &requestPath);
 
 Q_SIGNALS:
@@ -84,8 +87,8 @@ private:
     [[nodiscard]] bool hasRow(int row) const { return row >= 0 && size_t(row) < m_rows.size(); }
     [[nodiscard]] QVariant parseErrorValue() const;
 
-    void showBelow(int row);
-    void hideBelow(int row);
+    void insertDescendants(int row);
+    void removeDescendants(int row);
 
     Fields m_rootFields;
     QXLogTreeRows m_rows;

@@ -4,14 +4,14 @@
 
 #include <optional>
 
-/// An optional record as QML sees it: undefined while it is absent.
+/// Converts an optional record for QML: an absent record becomes undefined.
 template<typename Record>
 [[nodiscard]] QVariant asVariant(const std::optional<Record> &record)
 {
     return record ? QVariant::fromValue(*record) : QVariant();
 }
 
-/// The record that QML assigns; absent for undefined, and for whatever is no such record.
+/// Converts a value from QML to a record; absent for undefined and for values of another type.
 template<typename Record>
 [[nodiscard]] std::optional<Record> fromVariant(const QVariant &value)
 {

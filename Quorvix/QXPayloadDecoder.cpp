@@ -59,7 +59,8 @@ std::optional<QXDecodedPayload> decodedJWT(View token)
          QXDecodedSection(QCoreApplication::translate("Quorvix", "Signature"), asText(pieces->signature))});
 }
 
-/// Spares most of what is not JSON a whole pass of the reader, which tells a wrong beginning only at the end.
+/// A fast check that rejects most texts that are not JSON. The reader reports a wrong beginning only after
+/// it has read the whole text.
 bool beginsLikeContainer(QByteArrayView bytes) noexcept
 {
     for (const char c : UTF8Text::withoutByteOrderMark(bytes)) {
@@ -69,7 +70,7 @@ bool beginsLikeContainer(QByteArrayView bytes) noexcept
     return false;
 }
 
-/// The two digits of every byte.
+/// The two hexadecimal digits of every byte.
 constexpr auto hexDigits = [] {
     std::array<std::array<char16_t, 2>, 256> table{};
     for (unsigned byte = 0; byte < table.size(); ++byte)
@@ -134,7 +135,7 @@ QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::
     };
     if (auto json = prettyPrintedJSON(bytes))
         return section(QT_TRANSLATE_NOOP("Quorvix", "JSON"), std::move(*json));
-    // A byte order mark alone is no text either: it is dropped, and nothing would be left to see.
+    // A byte order mark alone does not count as text: fromUtf8() removes it, and the result is empty.
     if (QString text = isValidUtf8(bytes) ? QString::fromUtf8(bytes) : QString(); !text.isEmpty())
         return section(QT_TRANSLATE_NOOP("Quorvix", "Text"), std::move(text));
     return section(QT_TRANSLATE_NOOP("Quorvix", "Bytes"), hexString(bytes));

@@ -9,38 +9,39 @@
 #include <optional>
 
 /// Finds Base64 (RFC 4648), JSON Web Tokens (RFC 7519) and data URLs (RFC 2397) in captured texts, and makes
-/// what they hold readable.
+/// their content readable.
 ///
-/// Texts come as UTF-8 or as UTF-16, which is converted once. Bytes that are not UTF-8 make nothing fail:
-/// they count as characters that belong to nothing that is encoded. Each takes time that grows with the
-/// length of the text and no faster. Stateless; any thread.
+/// Texts are UTF-8 or UTF-16; UTF-16 is converted once. Bytes that are not UTF-8 never cause an error: they
+/// count as characters that are not part of encoded text. Every function takes time that is linear in the
+/// length of the text. Stateless; any thread.
 class QUORVIX_INTERNAL_EXPORT QXPayloadDecoder
 {
 public:
-    /// Decodes the first thing in the text that can be; nothing when there is none.
+    /// Decodes the first encoded part of the text; absent if there is none.
     [[nodiscard]] static std::optional<QXDecodedPayload> decodePayload(QByteArrayView utf8);
     [[nodiscard]] static std::optional<QXDecodedPayload> decodePayload(QStringView text);
 
-    /// The part of the text that decodePayload() decodes, without its white space; ASCII.
+    /// Returns the part of the text that decodePayload() decodes, without its white space; ASCII.
     [[nodiscard]] static std::optional<QByteArray> findEncodedCandidate(QByteArrayView utf8);
     [[nodiscard]] static std::optional<QString> findEncodedCandidate(QStringView text);
-    /// Whether there is something to decode. Copies nothing of UTF-8.
+    /// Whether decodePayload() finds something to decode. The UTF-8 overload copies nothing.
     [[nodiscard]] static bool hasEncodedCandidate(QByteArrayView utf8);
     [[nodiscard]] static bool hasEncodedCandidate(QStringView text);
 
-    /// Decodes a token in compact form, as it stands. The signature is neither decoded nor verified.
+    /// Decodes a token in compact form that must be the whole text. The signature is neither decoded nor
+    /// verified.
     [[nodiscard]] static std::optional<QXDecodedPayload> decodeJWT(QByteArrayView utf8);
     [[nodiscard]] static std::optional<QXDecodedPayload> decodeJWT(QStringView text);
 
-    /// Shows bytes as pretty JSON, else as text if they are UTF-8 and not empty, else in hexadecimal. The
-    /// title is that of the rendering unless one is given.
+    /// Makes a section that shows bytes as pretty-printed JSON, or as text if they are UTF-8 and not empty,
+    /// or else in hexadecimal. Without @p title, the title names the format.
     [[nodiscard]] static QXDecodedSection makeSection(QByteArrayView bytes,
                                                       const std::optional<QString> &title = std::nullopt);
 
-    /// A JSON object or array, laid out anew; nothing for other values and for what is not JSON.
+    /// Pretty-prints a JSON object or array; absent for other values and for text that is not JSON.
     ///
-    /// Members keep their order, and all of one name are shown.
+    /// Members keep their order, and members with the same name are all shown.
     [[nodiscard]] static std::optional<QString> prettyPrintedJSON(QByteArrayView bytes);
-    /// Two lower-case digits for each byte, with nothing between them.
+    /// Returns two lower-case hexadecimal digits for each byte, without separators.
     [[nodiscard]] static QString hexString(QByteArrayView bytes);
 };

@@ -2,7 +2,7 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix.Text
 
-/// The menu of a text that is read only: copies all of it or what is selected, and decodes it.
+/// The menu of a read-only text: copies the whole text or the selection, and decodes the text.
 QXContextMenu {
     id: root
 

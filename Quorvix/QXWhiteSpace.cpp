@@ -69,7 +69,7 @@ qsizetype QXWhiteSpace::sizeAtEnd(QByteArrayView text) noexcept
         return 0;
     if (isAscii(text.back()))
         return isAsciiSpace(text.back()) ? 1 : 0;
-    // The first byte of each is never one of the later bytes of another character.
+    // The first byte of a character is never a continuation byte of another one, so only one size can match.
     for (qsizetype size = 2; size <= std::min(longestCharacter, text.size()); ++size) {
         if (wideSizeAtStart(text.last(size)) == size)
             return size;

@@ -3,21 +3,21 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 
-/// White space in UTF-8: the characters with Unicode's White_Space property, line breaks among them.
+/// White space in UTF-8: the characters with Unicode's White_Space property, including line breaks.
 ///
-/// Bytes that are not UTF-8 are no white space, and what follows them is read like a text of its own: the
-/// same as if each of them were U+FFFD. Stateless; any thread.
+/// Bytes that are not UTF-8 are not white space. The text after such a byte is read as if the byte were
+/// U+FFFD. Stateless; any thread.
 class QXWhiteSpace
 {
 public:
-    /// How many bytes the white space character takes that @p text begins with; 0 when it begins with none.
+    /// The number of bytes of the white space character at the start of @p text; 0 if there is none.
     [[nodiscard]] static qsizetype sizeAtStart(QByteArrayView text) noexcept
     {
         if (text.isEmpty())
             return 0;
         return isAscii(text.front()) ? qsizetype(isAsciiSpace(text.front())) : wideSizeAtStart(text);
     }
-    /// Likewise for a line break alone: U+000A to U+000D, U+0085, U+2028 and U+2029.
+    /// Like sizeAtStart(), but only for line breaks: U+000A to U+000D, U+0085, U+2028 and U+2029.
     [[nodiscard]] static qsizetype lineBreakSizeAtStart(QByteArrayView text) noexcept;
 
     [[nodiscard]] static QByteArrayView trimmed(QByteArrayView text) noexcept;
