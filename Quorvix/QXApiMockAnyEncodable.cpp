@@ -15,13 +15,13 @@ struct Member
     JSONValue value;
 };
 
-/// Writes values; the members of all objects under way lie in one stack.
+/// Writes JSON values. One stack holds the members of all objects that are currently being written.
 class Encoder
 {
 public:
     explicit Encoder(JSONWriter &writer) : m_writer(writer) {}
 
-    // The depth is bounded by JSONReader::maximumDepth.
+    // JSONReader::maximumDepth limits the recursion.
     void encode(const JSONValue &value) // NOLINT(misc-no-recursion)
     {
         switch (value.kind()) {
@@ -54,14 +54,14 @@ private:
         const size_t first = m_members.size();
         for (const auto &[name, value] : object.members())
             m_members.push_back({DynamicCodingKey(name), value});
-        // The order of UTF-8 bytes is the order of code points.
+        // Comparing UTF-8 bytes gives the order of the code points.
         std::stable_sort(
             m_members.begin() + std::ptrdiff_t(first), m_members.end(),
             [](const Member &a, const Member &b) { return a.key.stringValue < b.key.stringValue; });
         const size_t last = m_members.size();
         m_writer.beginObject();
         for (size_t i = first; i < last; ++i) {
-            // A copy: the stack moves while the member is encoded.
+            // A copy is needed: encode() can reallocate m_members.
             const Member member = m_members[i];
             if (i + 1 < last && m_members[i + 1].key.stringValue == member.key.stringValue)
                 continue;

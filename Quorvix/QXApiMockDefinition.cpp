@@ -43,7 +43,7 @@ void encode(JSONWriter &writer, const QXApiMockResponse &response)
     writer.endObject();
 }
 
-/// The members of an object that is to have these keys, each of one kind, and no others.
+/// Reads an object that must have exactly the given keys, each with the given kind of value.
 class Record
 {
 public:
@@ -71,7 +71,7 @@ public:
         });
     }
 
-    /// Of a key that hasExactly() has seen.
+    /// The value of @p key. hasExactly() must have accepted this key.
     [[nodiscard]] JSONValue operator[](QLatin1StringView key) const { return *m_object.member(view(key)); }
 
 private:

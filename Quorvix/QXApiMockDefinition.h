@@ -7,37 +7,38 @@
 #include <QtCore/QMap>
 #include <QtCore/QString>
 
-/// What a mock answers to.
+/// The request that a mock responds to.
 struct QXApiMockRequest
 {
-    /// A regular expression over the path, with or without a query.
+    /// A regular expression that is matched against the path, with or without a query.
     QString url;
     QString method;
 };
 
-/// One of a mock's answers.
+/// One response of a mock.
 struct QXApiMockResponse
 {
     qint64 status = 200;
     QXApiMockAnyEncodable data;
-    /// Whether it is given unless another one is asked for. Coded as "default".
+    /// True if the mock server sends this response when the client does not select another one. The JSON key
+    /// is "default".
     bool isDefault = true;
 };
 
-/// One endpoint of a mock server: what is asked, and the named responses that may be given. A value.
+/// One endpoint of a mock server: the request, and the named responses to choose from. A value.
 ///
-/// Coded as JSON objects whose keys are the names of the fields.
+/// It is encoded as JSON objects whose keys are the names of the fields.
 struct QXApiMockDefinition
 {
-    /// How people call the endpoint.
+    /// The name of the endpoint, for display.
     QString name;
     QXApiMockRequest request;
     QMap<QString, QXApiMockResponse> responses;
 
     /// The definition as pretty-printed JSON with the keys in ascending order. Any thread.
     [[nodiscard]] QByteArray encode() const;
-    /// Reads what encode() writes. Every key has to be there, and no other may be: it would be lost when the
-    /// definition is written again.
+    /// Reads the output of encode(). Every key is required, and unknown keys are an error because they would
+    /// be lost when the definition is written again.
     ///
     /// Fails with NSCocoaErrorDomain / NSPropertyListReadCorruptError. Any thread.
     static Quorvix::Result<QXApiMockDefinition> decode(QByteArrayView utf8);

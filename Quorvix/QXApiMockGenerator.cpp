@@ -31,7 +31,7 @@ QStringList segmentsOf(const QUrl &url)
     return percentDecoded(url.path(QUrl::FullyEncoded)).split(u'/', Qt::SkipEmptyParts);
 }
 
-QStringList generalised(QStringList segments)
+QStringList withPlaceholders(QStringList segments)
 {
     for (QString &segment : segments) {
         if (QXPathSegment::isIdentifier(segment))
@@ -40,9 +40,9 @@ QStringList generalised(QStringList segments)
     return segments;
 }
 
-/// Segments hold no slash, so the file's folder is its resource's unless the method brings one in. Other ways
-/// out are the writer's to refuse.
-bool staysInItsFolder(QStringView path)
+/// Whether the file stays in the resource's folder. Path segments cannot contain a slash, but the method
+/// can. QXTemporaryFile rejects the other unsafe names.
+bool isInResourceFolder(QStringView path)
 {
     return path.count(u'/') == 4;
 }
@@ -59,7 +59,7 @@ QXApiMockDefinition definitionFor(const QXRequestTrace &trace, const JSONDocumen
 
 QString QXApiMockGenerator::endpointName(const QUrl &url, const QString &method)
 {
-    return u'/' + generalised(segmentsOf(url)).join(u'/') + u'_' + method;
+    return u'/' + withPlaceholders(segmentsOf(url)).join(u'/') + u'_' + method;
 }
 
 QString QXApiMockGenerator::urlPattern(const QUrl &url)
@@ -76,8 +76,8 @@ std::optional<QString> QXApiMockGenerator::relativeFilePath(const QUrl &url, con
     if (version == segments.cend() || version + 1 == segments.cend())
         return std::nullopt;
     const QStringList rest(version + 1, segments.cend());
-    return u"mocks/custom/"_s + rest.first() + u'/' + *version + u'/' + generalised(rest).join(u'_') + u'_' +
-           method + u".json"_s;
+    return u"mocks/custom/"_s + rest.first() + u'/' + *version + u'/' + withPlaceholders(rest).join(u'_') +
+           u'_' + method + u".json"_s;
 }
 
 Result<QUrl> QXApiMockGenerator::exportMock(const QXRequestTrace &trace)
@@ -95,7 +95,7 @@ Result<QUrl> QXApiMockGenerator::exportMock(const QXRequestTrace &trace)
     if (!path)
         return makeError(QXExportError::unmappableRequestPath);
 
-    if (!staysInItsFolder(*path))
+    if (!isInResourceFolder(*path))
         return makeError(QXExportError::mockFileNotCreated);
     auto file = QXTemporaryFile::writeText(*path, definitionFor(trace, body.value()).encode());
     return file ? std::move(file) : makeError(QXExportError::mockFileNotCreated);

@@ -10,11 +10,12 @@
 
 struct QXRequestTrace;
 
-/// Makes the file with which a mock server answers a captured request.
+/// Makes the file that a mock server uses to answer a captured request.
 ///
-/// The rules look at the segments of the URL's path, which is taken with its percent escapes decoded: a mock
-/// is named as people read the path, and an escaped slash parts segments as any other. A path whose escapes
-/// do not stand for UTF-8 stays as it is. Identifiers are those of QXPathSegment. Stateless; any thread.
+/// The rules look at the segments of the URL's path after its percent escapes are decoded. So a mock has the
+/// name that people see in the path, and an escaped slash separates segments like any other slash. A path
+/// whose escapes are not valid UTF-8 is not decoded. QXPathSegment decides what an identifier is. Stateless;
+/// any thread.
 class QUORVIX_INTERNAL_EXPORT QXApiMockGenerator
 {
 public:
@@ -22,20 +23,20 @@ public:
     [[nodiscard]] static QString endpointName(const QUrl &url, const QString &method);
 
     /// "/api/v1/users/42(\?.*)?$", a regular expression for this path with any query. Identifiers stay as
-    /// they were captured, and nothing is escaped: the file is meant to be edited.
+    /// captured, and nothing is escaped, because users edit the file.
     [[nodiscard]] static QString urlPattern(const QUrl &url);
 
-    /// "mocks/custom/users/v1/users_{id}_GET.json": resource, version ("v" and digits), and what follows the
-    /// version. Absent without a version or a resource behind it.
+    /// "mocks/custom/users/v1/users_{id}_GET.json": the resource, the version ("v" and digits), and the
+    /// segments after the version. Absent if the path has no version, or no resource after it.
     ///
-    /// Whatever the URL holds stands in it, ".." and backslashes included, and so does the method.
+    /// The result is not sanitised: ".." and backslashes in the URL or in the method appear in it.
     [[nodiscard]] static std::optional<QString> relativeFilePath(const QUrl &url, const QString &method);
 
     /// Writes the definition to the temporary directory and returns its file URL.
     ///
-    /// Fails with an error of QXExportError, nothing having been written: missingRequestURL,
-    /// missingRequestMethod, missingResponseBody, responseBodyNotJSON (any JSON value will do, a scalar too;
-    /// an empty body is none), unmappableRequestPath, mockFileNotCreated. The last one is also what a path or
-    /// a method gets that would lead to another folder than the resource's.
+    /// Fails with an error of QXExportError and writes nothing: missingRequestURL, missingRequestMethod,
+    /// missingResponseBody, responseBodyNotJSON (any JSON value is accepted, also a scalar; an empty body is
+    /// not JSON), unmappableRequestPath, mockFileNotCreated. The last error is also reported when the path
+    /// or the method would lead to a folder other than the resource's folder.
     static Quorvix::Result<QUrl> exportMock(const QXRequestTrace &trace);
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Why there is nothing to archive.
+/// The reason why no archive is written.
 enum class QXArchiveError {
     /// The list of exchanges to be exported is empty.
     noEntries,

@@ -24,10 +24,10 @@ namespace {
 
 using Headers = std::optional<HTTPHeaderFields>;
 
-/// The half of an exchange that is written.
+/// The half of an exchange that is being written.
 enum class Side { Request, Response };
 
-/// The header of exactly this spelling. Null when there is none.
+/// The value of the header with exactly this spelling. Null if there is none.
 const QString *exactHeader(const Headers &headers, const QString &name)
 {
     if (!headers)
@@ -36,7 +36,7 @@ const QString *exactHeader(const Headers &headers, const QString &name)
     return it == headers->cend() ? nullptr : &*it;
 }
 
-/// Splits at the first "="; nothing unless there is text on both sides.
+/// Splits at the first "=". Absent unless there is text on both sides.
 std::optional<std::pair<QStringView, QStringView>> splitCookie(QStringView cookie)
 {
     const qsizetype equals = cookie.indexOf(u'=');
@@ -72,8 +72,8 @@ QStringView takeLine(QStringView &text)
     return line;
 }
 
-/// The cookies in a header's value, names and values not yet parted: one after the other in a request's; in a
-/// response's one on a line, behind which its attributes stand.
+/// The cookies in a header's value, each still one "name=value" text. In a request, semicolons separate
+/// them. In a response, each line holds one cookie, followed by its attributes, which are left out.
 QList<QStringView> cookiesIn(QStringView header, Side side)
 {
     QList<QStringView> cookies;
@@ -262,7 +262,7 @@ private:
         m_writer.endObject();
     }
 
-    /// Headers, and the two keys that always follow them.
+    /// Writes the headers and the two keys that always follow them.
     void writeHeaders(const Headers &headers)
     {
         m_writer.key("headers"_L1);
@@ -319,7 +319,8 @@ private:
     JSONWriter &m_writer;
 };
 
-/// The last component of a URL's path, decoded. A trailing slash does not count; the root has none.
+/// The last component of a URL's path, percent-decoded. A trailing slash is ignored; the root path gives an
+/// empty text.
 QString lastPathComponent(const QUrl &url)
 {
     QString path = url.path(QUrl::FullyEncoded);
@@ -347,7 +348,7 @@ std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice 
 QString QXArchiveWriter::exportFileName(const QXRequestTrace &trace,
                                         std::chrono::system_clock::time_point now)
 {
-    // The clock's own range keeps the seconds in theirs.
+    // The range of the clock is small enough that the seconds cannot overflow.
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now.time_since_epoch()).count();
     return u"Quorvix-%1-%2-%3.har"_s.arg(sentMethod(trace.method),
                                          trace.url ? lastPathComponent(*trace.url) : u"request"_s,
@@ -357,7 +358,7 @@ QString QXArchiveWriter::exportFileName(const QXRequestTrace &trace,
 Result<QUrl> QXArchiveWriter::exportTrace(const QXRequestTrace &trace,
                                           std::chrono::system_clock::time_point now)
 {
-    // As a part of the name it would be harmless; a URL that has it was made to lead somewhere else.
+    // ".." is harmless inside a file name, but such a URL was probably made to escape the folder.
     if (trace.url && lastPathComponent(*trace.url) == ".."_L1)
         return NSError{NSCocoaErrorDomain, NSFileWriteInvalidFileNameError,
                        QCoreApplication::translate("Quorvix", "The file name is invalid.")};

@@ -16,33 +16,34 @@ struct QXRequestTrace;
 
 /// Writes exchanges as an HTTP Archive (HAR 1.2): pretty-printed JSON, keys in alphabetical order.
 ///
-/// Writes as it reads; neither the document nor any body is held as a tree. Nothing that a trace lacks makes
-/// it fail. Stateless; any thread, with traces that no other thread changes.
+/// The writer streams: it holds neither the document nor a body as a tree. Missing fields of a trace never
+/// cause an error. Stateless; any thread, if no other thread changes the traces.
 class QUORVIX_CORE_EXPORT QXArchiveWriter
 {
 public:
-    /// Yields one trace after the other, and null after the last.
+    /// Returns the next trace, or null after the last one.
     using Source = std::function<const QXRequestTrace *()>;
 
-    /// A source of the traces, or pointers to traces, in a range, which has to outlive it.
+    /// Makes a source from a range of traces or of pointers to traces. The range must outlive the source.
     template<std::ranges::input_range Range>
     [[nodiscard]] static Source sourceOf(Range &traces);
 
-    /// The whole document. Its size is limited by memory only; a file is better written straight to its
+    /// Returns the whole document. Only memory limits its size; to write a file, use the overload with a
     /// device.
     [[nodiscard]] static QByteArray archive(const Source &traces);
-    /// Streams the document. Fails with the device's own error.
+    /// Writes the document to @p device. Fails with the device's own error.
     [[nodiscard]] static std::optional<Quorvix::NSError> archive(const Source &traces, QIODevice &device);
 
-    /// "Quorvix-GET-42-1700000000.har" for a GET of .../users/42. The path component stands there
-    /// undecorated, as the URL's path has it when decoded, so the name may be one that no file can have.
+    /// "Quorvix-GET-42-1700000000.har" for a GET of .../users/42. The decoded path component is not
+    /// sanitised, so the result may not be a valid file name.
     [[nodiscard]] static QString exportFileName(const QXRequestTrace &trace,
                                                 std::chrono::system_clock::time_point now);
-    /// Writes an archive of this one exchange to the process's temporary directory and returns its file URL.
+    /// Writes an archive with this one exchange to the process's temporary directory and returns its file
+    /// URL.
     static Quorvix::Result<QUrl> exportTrace(const QXRequestTrace &trace,
                                              std::chrono::system_clock::time_point now);
 
-    /// What the user is told when an export failed.
+    /// The message for the user when an export fails.
     [[nodiscard]] static QString failureMessage(const Quorvix::NSError &error);
 };
 

@@ -6,22 +6,22 @@
 
 #include <vector>
 
-/// What a response's headers say about caching. A header counts in any spelling of its name.
+/// The cache information in a response's headers. Header names are compared without regard to case.
 struct QXCacheFacts
 {
     explicit QXCacheFacts(const QXResponseTrace &response);
 
-    /// "Expires", as it stands in the header.
+    /// The value of "Expires", unchanged.
     std::optional<QString> expires;
-    /// "ETag", as it stands in the header.
+    /// The value of "ETag", unchanged.
     std::optional<QString> eTag;
-    /// "Cache-Control" and "Pragma", those that are not empty, joined by "; ". Absent rather than empty.
+    /// The non-empty values of "Cache-Control" and "Pragma", joined by "; ". Absent if there are none.
     std::optional<QString> comment;
-    /// When the response came, in ISO 8601 form.
+    /// The time of the response, in ISO 8601 format.
     QString lastAccess;
 };
 
-/// A titled block of the details screen's cache summary.
+/// One entry of the cache summary on the details screen: a title and a text.
 struct QXCacheSection
 {
     QString title;
@@ -30,6 +30,6 @@ struct QXCacheSection
     bool operator==(const QXCacheSection &) const = default;
 };
 
-/// The cache summary of an exchange, in the user's language; one section at least. Any thread.
+/// Returns the cache summary of an exchange in the user's language; it has at least one entry. Any thread.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT std::vector<QXCacheSection>
 cacheSummary(const std::optional<QXResponseTrace> &response);

@@ -21,7 +21,8 @@ constexpr QStringView beforeText = u"  --data-raw '";
 constexpr QStringView beforeBase64 = u"  --data-binary \"$(printf '%s' '";
 constexpr QStringView afterBase64 = u"' | (base64 --decode 2>/dev/null || base64 -D))\"";
 
-/// How much of a body is converted at once. Divisible by three, so that Base64 is padded at its end only.
+/// The number of bytes that are converted at once. It is divisible by three, so that only the last chunk has
+/// Base64 padding.
 constexpr qsizetype chunkSize = 12'288;
 
 bool isReplaced(QChar c)
@@ -29,8 +30,8 @@ bool isReplaced(QChar c)
     return c == u'\'' || c == u'\r';
 }
 
-/// Adds what stands between single quotes for a text. A piece of a text must not end between a carriage
-/// return and its line feed.
+/// Appends the text as it must be written between single quotes. The caller must not split a text between a
+/// carriage return and its line feed.
 void appendQuoted(QString &command, QStringView text)
 {
     while (!text.isEmpty()) {
@@ -57,8 +58,8 @@ void appendHeaders(QString &command, const HTTPHeaderFields &headers)
     }
 }
 
-/// What quoting makes of UTF-8 at most, in UTF-16 units.
-qsizetype roomForQuoted(QByteArrayView utf8)
+/// The maximum size of the quoted text for this UTF-8, in UTF-16 code units.
+qsizetype maximumQuotedSize(QByteArrayView utf8)
 {
     qsizetype units = 0;
     for (const char c : utf8) {
@@ -70,9 +71,9 @@ qsizetype roomForQuoted(QByteArrayView utf8)
 
 void appendText(QString &command, QByteArrayView utf8)
 {
-    command.reserve(command.size() + beforeText.size() + roomForQuoted(utf8) + 1);
+    command.reserve(command.size() + beforeText.size() + maximumQuotedSize(utf8) + 1);
     command += beforeText;
-    // A byte order mark belongs to the body.
+    // A byte order mark is part of the body, so the decoder must not remove it.
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
     while (!utf8.isEmpty()) {
         qsizetype size = std::min(chunkSize, utf8.size());

@@ -7,24 +7,23 @@
 
 struct QXRequestTrace;
 
-/// Writes a request as a command line that repeats it with `curl`, for any POSIX shell.
+/// Writes a request as a `curl` command line that repeats the request, for any POSIX shell.
 ///
-/// URL, headers and body stand between single quotes, where a shell leaves everything as it is (POSIX shell,
-/// 2.2.2); a carriage return, alone or before a line feed, becomes a line feed. The method is not quoted: one
-/// that is no HTTP token (RFC 9110, 5.6.2) is read by the shell.
+/// URL, headers and body are written between single quotes, where a shell changes nothing (POSIX shell,
+/// 2.2.2). A carriage return, alone or before a line feed, becomes a line feed. The method is not quoted:
+/// the shell interprets a method that is not an HTTP token (RFC 9110, 5.6.2).
 ///
-/// Some requests cannot be told to the tools without loss. The shell drops NUL bytes, and the line feeds at
-/// the end of a body that is not UTF-8; such a body names a file when it begins with "@". curl reads brackets
-/// in a URL as ranges, resolves "..", sends no header that has no value, and takes a URL that begins with a
-/// dash for options. Linux starts no program with an argument beyond 128 KiB, so a command with a larger body
-/// is one to read, not to run.
+/// The command cannot express some requests without loss. The shell drops NUL bytes, and the line feeds at
+/// the end of a body that is not UTF-8. If such a body begins with "@", curl reads it as a file name. curl
+/// treats brackets in a URL as ranges, resolves "..", sends no header without a value, and treats a URL that
+/// begins with a dash as an option. Linux starts no program with an argument of more than 128 KiB, so a
+/// command with a larger body can be read but not run.
 class QUORVIX_INTERNAL_EXPORT QXCurlCommandBuilder
 {
 public:
-    /// The command, without a line feed at its end: text, as it is shared and copied. Little more memory is
-    /// needed than the command takes.
+    /// Returns the command, without a line feed at its end. Uses little more memory than the command itself.
     ///
-    /// Fails with QXExportError::missingRequestURL when there is no URL or an empty one. Linear in the size
-    /// of the trace. Any thread, with a trace that no other thread changes.
+    /// Fails with QXExportError::missingRequestURL if the URL is absent or empty. Linear in the size of the
+    /// trace. Any thread, if no other thread changes the trace.
     static Quorvix::Result<QString> build(const QXRequestTrace &trace);
 };

@@ -15,8 +15,8 @@ namespace {
 QString dateFormat(const QLocale &locale)
 {
     QString format = locale.dateFormat(QLocale::LongFormat);
-    // A weekday at the beginning takes along what ties it to the date; one at the end only what parts them,
-    // for there the day's own suffix stands before it.
+    // Removing a weekday at the beginning also removes the text that joins it to the date. For a weekday at
+    // the end, only the separator is removed, because the text before it can contain the suffix of the day.
     format.remove(QRegularExpression(uR"(^\s*dddd(?:'[^']*'|[^dMy'])*)"_s));
     format.remove(QRegularExpression(uR"([\s,،(]*dddd\)?)"_s));
     return format.replace("MMMM"_L1, "MMM"_L1);
@@ -54,6 +54,7 @@ QString QXDisplayFormat::byteCount(qsizetype bytes)
 
 QString QXDisplayFormat::seconds(const QString &text, QLatin1StringView directive, double seconds, int digits)
 {
-    // The text comes from the host's translation, so it is not handed to a formatting function.
+    // The text comes from the host's translation and is not safe as a format string of a formatting
+    // function.
     return QString(text).replace(directive, QString::number(seconds, 'f', digits));
 }

@@ -6,20 +6,20 @@
 
 #include <chrono>
 
-/// Points in time, durations and sizes as the screens and exported texts show them: in the user's language,
-/// of medium length, in the local time zone. Any thread.
+/// Formats points in time, durations and sizes for the screens and the exported texts: in the user's
+/// language, at medium length, in the local time zone. Any thread.
 namespace QXDisplayFormat {
 
-/// Date and time as the locale's long form has them, but with the month cut short and with neither the
-/// weekday nor the time zone: "Nov 14, 2023, 10:13:20 PM".
+/// Date and time in the locale's long format, with a short month and without weekday and time zone: "Nov 14,
+/// 2023, 10:13:20 PM".
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString date(std::chrono::system_clock::time_point time);
 
-/// A size in kilobytes of 1000 bytes without a fraction, and from a megabyte on in megabytes with one digit
-/// of it at most: "12 KB", "1.5 MB". What is not empty has a kilobyte at least.
+/// A size in kilobytes of 1000 bytes, without a fraction. From one megabyte on, in megabytes with at most
+/// one decimal digit: "12 KB", "1.5 MB". Sizes between 0 and 1 KB become 1 KB.
 [[nodiscard]] QString byteCount(qsizetype bytes);
 
-/// A number of seconds in a text that has @p directive, as "%.3f", where the number goes; it gets so many
-/// digits behind the point.
+/// Replaces @p directive in @p text, for example "%.3f", with the number of seconds. @p digits is the number
+/// of digits after the decimal point.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString seconds(const QString &text, QLatin1StringView directive,
                                                       double seconds, int digits);
 

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// In the order of the enumerators.
-constexpr const char *sentences[] = {
+constexpr const char *messages[] = {
     QT_TRANSLATE_NOOP("Quorvix", "Missing request URL."),
     QT_TRANSLATE_NOOP("Quorvix", "Missing request method."),
     QT_TRANSLATE_NOOP("Quorvix", "No response body available to generate a mock."),
@@ -22,11 +22,11 @@ constexpr const char *sentences[] = {
     QT_TRANSLATE_NOOP("Quorvix", "Unable to generate Swift model."),
     QT_TRANSLATE_NOOP("Quorvix", "Failed to create Swift model file."),
 };
-static_assert(std::size(sentences) == size_t(QXExportError::swiftModelFileNotCreated) + 1);
+static_assert(std::size(messages) == size_t(QXExportError::swiftModelFileNotCreated) + 1);
 
 } // namespace
 
 NSError makeError(QXExportError reason)
 {
-    return {u"QXExportError"_s, int(reason), localized(sentences[size_t(reason)])};
+    return {u"QXExportError"_s, int(reason), localized(messages[size_t(reason)])};
 }

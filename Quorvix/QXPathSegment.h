@@ -2,17 +2,17 @@
 
 #include <QtCore/QStringView>
 
-/// What a segment of a URL's path stands for. Pure functions; any thread.
+/// Classifies the segments of a URL's path. Pure functions; any thread.
 namespace QXPathSegment {
 
-/// One of the ten of ASCII.
+/// Whether the character is one of the ten ASCII digits.
 [[nodiscard]] bool isDigit(QChar c);
 
-/// Digits alone, and one at least.
+/// Whether the segment consists of one or more digits only.
 [[nodiscard]] bool isNumber(QStringView segment);
 
-/// Whether the segment names one of many: a number, or sixteen and more hexadecimal digits and hyphens, as a
-/// UUID or a hash has.
+/// Whether the segment looks like the identifier of a resource: a number, or at least sixteen hexadecimal
+/// digits and hyphens, as in a UUID or a hash.
 [[nodiscard]] bool isIdentifier(QStringView segment);
 
 } // namespace QXPathSegment

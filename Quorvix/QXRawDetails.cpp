@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The labels by which the request's half and the response's half of an exchange differ.
+/// The labels that differ between the request and the response.
 struct Side
 {
     const char *headers;

@@ -8,13 +8,15 @@
 
 struct QXRequestTrace;
 
-/// Everything that is known about an exchange as one plain text: blocks of a label between two lines of 83
-/// hyphens, a value where there is one, and an empty line.
+/// Returns all information about an exchange as one plain text. Each block has a label between two lines of
+/// 83 hyphens, a value if there is one, and an empty line.
 ///
-/// Headers stand between braces, one in a line and indented, cookies as "name = value", and each entry of the
-/// cache summary below its title. The size is that of the request's body. The cookies are those of the shared
-/// storage as it stands. Linear in the size of the trace; any thread. @p bodyText says how a body reads, for
-/// those who know already: as QXBodyText::text() would have it.
+/// Headers are in braces, indented, one per line. Cookies have the form "name = value". Each entry of the
+/// cache summary follows its title. The size is the size of the request's body. The cookies are read from
+/// the shared storage now. Linear in the size of the trace; any thread.
+///
+/// @p bodyText converts a body to text. A caller that already has the text can return it from there; it must
+/// be equal to QXBodyText::text().
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString
 rawDetails(const QXRequestTrace &request, const std::function<QString(const QByteArray &)> &bodyText);
 [[nodiscard]] QString rawDetails(const QXRequestTrace &request);

@@ -11,11 +11,12 @@ using namespace Quorvix;
 
 namespace {
 
-/// Empty when there is none.
+/// The response body or else the request body; empty if both are empty or absent.
 QByteArray payloadOf(const QXRequestTrace &trace)
 {
-    const QByteArray answered = trace.response ? trace.response->body.value_or(QByteArray()) : QByteArray();
-    return answered.isEmpty() ? trace.body.value_or(QByteArray()) : answered;
+    const QByteArray responseBody =
+        trace.response ? trace.response->body.value_or(QByteArray()) : QByteArray();
+    return responseBody.isEmpty() ? trace.body.value_or(QByteArray()) : responseBody;
 }
 
 } // namespace
@@ -29,7 +30,7 @@ Result<QUrl> QXSwiftModelExport::exportTrace(const QXRequestTrace &trace)
     if (!fields)
         return makeError(QXExportError::payloadNotParsed);
 
-    // Still encoded, so that a slash within a segment does not end it.
+    // The path stays percent-encoded, so that an escaped slash does not end a segment.
     const QString path = trace.url ? trace.url->path(QUrl::FullyEncoded) : QString();
     const QString name = QXSwiftName::rootTypeName(path);
     const Result<QString> source = QXSwiftModelGenerator::source(*fields.value().front(), name);

@@ -7,13 +7,13 @@
 
 struct QXRequestTrace;
 
-/// Saves Swift types that decode what an exchange carried. Stateless; any thread, with a trace that no other
-/// thread changes.
+/// Saves Swift types that decode the body of an exchange. Stateless; any thread, if no other thread changes
+/// the trace.
 class QUORVIX_INTERNAL_EXPORT QXSwiftModelExport
 {
 public:
-    /// Writes a model of the response body, or of the request body where there is no response body, to a file
-    /// that is named after the request's path, and returns its file URL.
+    /// Writes a model of the response body, or of the request body if there is no response body, to a file
+    /// that is named after the request's path. Returns its file URL.
     ///
     /// Fails with QXExportError: missingPayload, payloadNotParsed, swiftModelNotGenerated or
     /// swiftModelFileNotCreated.

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Takes the values that no one type describes. Decodes whatever JSON holds, and encodes it as it was.
+/// The Swift type for values that have no single type. It decodes any JSON value and encodes it unchanged.
 constexpr QStringView fallbackType = uR"(enum JSONValue: Codable, Hashable {
     case string(String)
     case number(Double)
@@ -89,7 +89,7 @@ QString elementTypeName(const std::optional<QString> &key, QStringView proposedN
     if (key && *key != "items"_L1)
         return QXSwiftName::singular(QXSwiftName::typeName(*key));
     const QStringView name = QXSwiftName::withoutResponse(proposedName);
-    // A type "Response" leaves nothing, and what has no name is named after no key.
+    // The name "Response" gives an empty text here; an empty key gives the default type name.
     return name.isEmpty() ? QXSwiftName::typeName({}) : QXSwiftName::singular(name);
 }
 
@@ -99,7 +99,7 @@ Result<QString> QXSwiftModelGenerator::source(const QXApiTreeField &root, const 
 {
     QXSwiftModelGenerator generator;
     generator.addRoot(root, rootName);
-    if (generator.m_isExhausted)
+    if (generator.m_isLimitReached)
         return makeError(QXExportError::swiftModelNotGenerated);
     if (generator.m_needsFallback)
         generator.m_text.append(u'\n').append(fallbackType);
@@ -114,25 +114,25 @@ void QXSwiftModelGenerator::addRoot(const QXApiTreeField &root, const QString &r
         addType(root, rootName);
         return;
     }
-    const QString name = takeName(rootName);
+    const QString name = reserveName(rootName);
     const QString property = root.kind() == QXApiValueKind::array
                                  ? u"    let items: ["_s + elementType(root, name) + u"]\n"_s
                                  : u"    let value: "_s + scalarType(root.kind()) + u'\n';
     addText(name, property, {});
 }
 
-/// Adds the type of an object, after those of its members, and returns its name.
+/// Adds the type of an object, after the types of its members, and returns the name of the type.
 QString QXSwiftModelGenerator::addType(const QXApiTreeField &object, const QString &proposedName)
 {
-    QString name = takeName(proposedName);
+    QString name = reserveName(proposedName);
     const qsizetype properties = m_properties.size();
     const qsizetype cases = m_cases.size();
-    // Ordered by the keys, as the tree is.
+    // The children are sorted by key.
     for (const QXApiTreeField &member : object.children()) {
-        if (!m_isExhausted)
+        if (!m_isLimitReached)
             addProperty(member, name);
     }
-    if (!m_isExhausted)
+    if (!m_isLimitReached)
         addText(name, QStringView(m_properties).sliced(properties), QStringView(m_cases).sliced(cases));
     m_properties.truncate(properties);
     m_cases.truncate(cases);
@@ -141,9 +141,9 @@ QString QXSwiftModelGenerator::addType(const QXApiTreeField &object, const QStri
 
 void QXSwiftModelGenerator::addProperty(const QXApiTreeField &member, const QString &enclosingName)
 {
-    // First, as the lines of a type inside come and go in the same buffers.
+    // This call comes first, because it uses the same buffers for the lines of a nested type.
     const QString type = memberType(member, enclosingName);
-    if (m_isExhausted)
+    if (m_isLimitReached)
         return;
     const Property &property = propertyFor(member);
     m_properties.append(property.declaration).append(type).append(u'\n');
@@ -186,7 +186,8 @@ QString QXSwiftModelGenerator::memberType(const QXApiTreeField &member, const QS
     }
 }
 
-/// The type of an array's elements, which is the first one's. @p proposedName is the name of the type around.
+/// The type of an array's elements, taken from the first one. @p proposedName is the name of the enclosing
+/// type.
 QString QXSwiftModelGenerator::elementType(const QXApiTreeField &array, QStringView proposedName)
 {
     const QXApiTreeField::Children elements = array.children();
@@ -205,18 +206,18 @@ QString QXSwiftModelGenerator::elementType(const QXApiTreeField &array, QStringV
     }
 }
 
-/// A name that no type has yet.
-QString QXSwiftModelGenerator::takeName(const QString &proposedName)
+/// Returns a name that no other type has, and marks it as used.
+QString QXSwiftModelGenerator::reserveName(const QString &proposedName)
 {
     QString name = proposedName;
     if (const auto used = m_nextSuffixes.find(name); used != m_nextSuffixes.end()) {
-        // Names are never given back: what was taken for this one before, is taken still.
+        // Names are never released, so the search continues after the last suffix that was tried.
         int index = used->second;
         do {
             const std::optional<QString> suffix = QXSwiftName::suffix(index++);
-            m_isExhausted |= !suffix;
+            m_isLimitReached |= !suffix;
             name = proposedName + suffix.value_or(QString());
-        } while (!m_isExhausted && m_nextSuffixes.contains(name));
+        } while (!m_isLimitReached && m_nextSuffixes.contains(name));
         used->second = index;
     }
     m_nextSuffixes.try_emplace(name, 0);
@@ -227,5 +228,5 @@ QString QXSwiftModelGenerator::takeName(const QString &proposedName)
 
 void QXSwiftModelGenerator::checkSize()
 {
-    m_isExhausted |= m_nameSize + m_text.size() + m_properties.size() + m_cases.size() > maximumSize;
+    m_isLimitReached |= m_nameSize + m_text.size() + m_properties.size() + m_cases.size() > maximumSize;
 }

@@ -10,27 +10,27 @@
 #include <string_view>
 #include <unordered_map>
 
-/// Writes Swift types that decode the JSON text that a tree was made from: a struct per object, and one
-/// around a root that is none. An array is told by its first element.
+/// Writes Swift types that decode the JSON text of a tree: one struct per object, and a struct around a root
+/// that is not an object. The first element of an array determines the element type.
 ///
-/// An object of one run, which only source() sees.
+/// Each call of source() uses an object of its own.
 class QXSwiftModelGenerator final
 {
 public:
-    /// The source, inner types before those that use them, without a final line break.
+    /// Returns the source without a final line break. A type comes after the types that it uses.
     ///
-    /// @p rootName is the outermost type's and has to be an identifier, as QXSwiftName makes them. Fails with
-    /// QXExportError::swiftModelNotGenerated when more types want one name than names can be made, or when
-    /// the source would exceed maximumSize. Recursive; a tree is no deeper than JSONReader::maximumDepth.
-    /// Any thread.
+    /// @p rootName is the name of the outermost type and must be an identifier from QXSwiftName. Fails with
+    /// QXExportError::swiftModelNotGenerated if too many types need the same name, or if the source would
+    /// exceed maximumSize. Recursive; a tree is no deeper than JSONReader::maximumDepth. Any thread.
     static Quorvix::Result<QString> source(const QXApiTreeField &root, const QString &rootName);
 
-    /// Characters of a source and its names. A type's name holds those of all types around it, so that a deep
-    /// text could make a source hundreds of times its size.
+    /// The maximum size of the source and its names, in characters. A type's name contains the names of all
+    /// enclosing types. So without a limit, the source of a deeply nested text could be hundreds of times
+    /// larger than the text.
     static constexpr qsizetype maximumSize = qsizetype(64) << 20;
 
 private:
-    /// What a key looks like in source: "    let firstName: ", and the line of its coding key, if it needs
+    /// The source of one key: the indented "let firstName: ", and the line of its coding key if it needs
     /// one.
     struct Property
     {
@@ -38,7 +38,8 @@ private:
         QString codingCase;
     };
 
-    /// qHash() took twenty times as long for names of this length, and rehashes as it grows.
+    /// qHash() was twenty times slower for names of this length, and QHash computes it again when the table
+    /// grows.
     struct NameHash
     {
         size_t operator()(const QString &name) const noexcept
@@ -58,20 +59,21 @@ private:
     QString memberType(const QXApiTreeField &member, const QString &enclosingName);
     QString elementType(const QXApiTreeField &array, QStringView proposedName);
 
-    QString takeName(const QString &proposedName);
+    QString reserveName(const QString &proposedName);
     void checkSize();
 
-    /// The finished types, each with a line break at its end.
+    /// The source of the finished types. Each ends with a line break.
     QString m_text;
-    /// Lines of the types that are begun, the innermost type's last.
+    /// The lines of the unfinished types; those of the innermost type come last.
     QString m_properties;
     QString m_cases;
-    /// The used names, each with the first suffix that is not known to be taken for it.
+    /// The used names, each with the first suffix that may still be free.
     std::unordered_map<QString, int, NameHash> m_nextSuffixes;
-    /// By the names of members as the tree keeps them: records repeat theirs.
+    /// The properties by member name. This is a cache, because the keys of records repeat. The tree owns the
+    /// names.
     std::unordered_map<std::string_view, Property> m_propertiesOfKeys;
-    /// Characters of the names so far: those of open types are in no text yet.
+    /// The total length of all names so far. The names of unfinished types are not in the source yet.
     qsizetype m_nameSize = 0;
     bool m_needsFallback = false;
-    bool m_isExhausted = false;
+    bool m_isLimitReached = false;
 };

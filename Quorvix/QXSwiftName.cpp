@@ -17,19 +17,19 @@ namespace {
 
 constexpr QLatin1StringView response = "Response"_L1;
 
-enum class FirstWord { Upper, Lower };
+enum class LetterCase { Upper, Lower };
 
 bool isLetter(char32_t codePoint)
 {
-    // The only letter of Unicode that no Swift identifier may hold.
+    // This is the only Unicode letter that a Swift identifier cannot contain.
     constexpr char32_t verticalTilde = 0x2E2F;
     // Unicode counts the numbers that look like letters as alphabetic; the ideographic zero is one of them.
     return (QChar::isLetter(codePoint) && codePoint != verticalTilde) ||
            QChar::category(codePoint) == QChar::Number_Letter;
 }
 
-/// Where the word that stands at @p start ends. Marks belong to the character before them: most vowels of
-/// Devanagari are marks.
+/// Returns the end of the word that begins at @p start. Combining marks belong to the character before them;
+/// most vowels of Devanagari are marks.
 qsizetype endOfWord(QStringView key, qsizetype start)
 {
     for (qsizetype at = start; at < key.size();) {
@@ -43,18 +43,20 @@ qsizetype endOfWord(QStringView key, qsizetype start)
     return key.size();
 }
 
-/// Some letters become two or three, all of them letters and marks: "ß" becomes "SS".
-void appendInCase(QString &name, QStringView letter, FirstWord letterCase)
+/// Appends one letter in the given case. The result can have up to three characters, all of them letters or
+/// marks: "ß" becomes "SS".
+void appendInCase(QString &name, QStringView letter, LetterCase letterCase)
 {
     const QChar first = letter[0];
     if (first.unicode() < 0x80)
-        name += letterCase == FirstWord::Upper ? first.toUpper() : first.toLower();
+        name += letterCase == LetterCase::Upper ? first.toUpper() : first.toLower();
     else
-        name += letterCase == FirstWord::Upper ? letter.toString().toUpper() : letter.toString().toLower();
+        name += letterCase == LetterCase::Upper ? letter.toString().toUpper() : letter.toString().toLower();
 }
 
-/// The words of a key one after the other, each but the first with an upper-case letter in front.
-QString joinedWords(QStringView key, FirstWord letterCase)
+/// Joins the words of a key. @p letterCase is the case of the first letter; each later word begins with an
+/// upper-case letter.
+QString joinedWords(QStringView key, LetterCase letterCase)
 {
     QString name;
     name.reserve(key.size());
@@ -62,7 +64,7 @@ QString joinedWords(QStringView key, FirstWord letterCase)
         const qsizetype end = endOfWord(key, at);
         const qsizetype first = unitCount(codePointAt(key, at));
         if (end > at) {
-            appendInCase(name, key.sliced(at, first), name.isEmpty() ? letterCase : FirstWord::Upper);
+            appendInCase(name, key.sliced(at, first), name.isEmpty() ? letterCase : LetterCase::Upper);
             name += key.sliced(at + first, end - at - first);
         }
         at = std::max(end, at + first);
@@ -75,9 +77,10 @@ bool beginsWithDigit(QStringView name)
     return QChar::isDigit(codePointAt(name, 0));
 }
 
-/// The words that cannot name a property as they are: the keywords of declarations, statements, expressions
-/// and types in "The Swift Programming Language", Language Reference, Lexical Structure, "Keywords and
-/// Punctuation". "Any", "Self" and "_" are missing, as no property's name begins like that.
+/// The words that cannot be a property name: the keywords of declarations, statements, expressions and types
+/// in "The Swift Programming Language", Language Reference, Lexical Structure, "Keywords and Punctuation".
+/// The list omits "Any", "Self" and "_", because a property name never begins with an upper-case letter or
+/// an underscore.
 constexpr auto keywords = std::to_array<QLatin1StringView>({
     "as"_L1,          "associatedtype"_L1,
     "await"_L1,       "borrowing"_L1,
@@ -118,8 +121,8 @@ bool isKeyword(QStringView name)
                               [](const auto &a, const auto &b) { return a.compare(b) < 0; });
 }
 
-/// Whether a reader would not see the code point, or a compiler not take it: controls, line separators,
-/// what turns the direction of writing, what is unassigned.
+/// Whether a reader cannot see the code point or a compiler may reject it: controls, line separators,
+/// characters that change the writing direction, and unassigned code points.
 bool isInvisible(char32_t codePoint)
 {
     switch (QChar::category(codePoint)) {
@@ -156,7 +159,7 @@ QString escaped(char32_t codePoint)
     }
 }
 
-/// "v1", "V2.1", "v1beta2".
+/// Whether the segment is a version: "v1", "V2.1", "v1beta2".
 bool isVersion(QStringView segment)
 {
     if (segment.size() < 2 || segment[0].toLower() != u'v' || !QXPathSegment::isDigit(segment[1]))
@@ -184,7 +187,7 @@ bool hasLetter(QStringView segment)
 
 QString QXSwiftName::typeName(QStringView key)
 {
-    const QString name = joinedWords(key, FirstWord::Upper);
+    const QString name = joinedWords(key, LetterCase::Upper);
     if (name.isEmpty())
         return u"ApiResponse"_s;
     return beginsWithDigit(name) ? u"Api"_s + name : name;
@@ -192,7 +195,7 @@ QString QXSwiftName::typeName(QStringView key)
 
 QString QXSwiftName::propertyName(QStringView key)
 {
-    const QString name = joinedWords(key, FirstWord::Lower);
+    const QString name = joinedWords(key, LetterCase::Lower);
     if (name.isEmpty())
         return u"value"_s;
     if (beginsWithDigit(name))
@@ -209,8 +212,8 @@ QString QXSwiftName::singular(QStringView typeName)
 {
     if (typeName.endsWith(u"ies") && typeName.size() >= 4)
         return typeName.chopped(3).toString() + u'y';
-    const bool losesItsEnd = typeName.endsWith(u's') && typeName.size() >= 2 && !typeName.endsWith(u"ss");
-    return typeName.chopped(losesItsEnd ? 1 : 0).toString();
+    const bool dropsFinalS = typeName.endsWith(u's') && typeName.size() >= 2 && !typeName.endsWith(u"ss");
+    return typeName.chopped(dropsFinalS ? 1 : 0).toString();
 }
 
 std::optional<QString> QXSwiftName::suffix(int index)
@@ -247,7 +250,8 @@ QString QXSwiftName::rootTypeName(QStringView requestPath)
             segment.chop(5);
         if (!hasLetter(segment) || isVersion(segment) || QXPathSegment::isIdentifier(segment))
             continue;
-        // "Response" alone would leave nothing to name other types after.
+        // The name "Response" is skipped: without its ending nothing would be left to name nested types
+        // after.
         const QString name = typeName(segment);
         if (name != response)
             return name.endsWith(response) ? name : name + response;
@@ -261,7 +265,7 @@ QString QXSwiftName::fileName(QStringView rootTypeName)
     constexpr qsizetype longestStem = 255 - extension.size();
     QByteArray stem = rootTypeName.toUtf8();
     if (stem.size() > longestStem) {
-        // Not in the middle of a character.
+        // The name must not be cut in the middle of a character.
         qsizetype size = longestStem;
         while ((uchar(stem[size]) & 0xC0) == 0x80)
             --size;

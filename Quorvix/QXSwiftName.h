@@ -7,39 +7,40 @@
 
 #include <optional>
 
-/// Names of Swift source code, made from names of elsewhere.
+/// Makes names for Swift source code from keys and paths.
 ///
-/// A made name consists of letters, digits and combining marks, but for the back-quotes around a keyword:
-/// whatever a key or a path holds, it cannot bring source of its own along. Pure functions; any thread.
+/// A name consists of letters, digits and combining marks only, except the backquotes around a keyword. So a
+/// key or a path cannot inject code into the source. Pure functions; any thread.
 class QUORVIX_INTERNAL_EXPORT QXSwiftName
 {
 public:
-    /// "first_name" gives "FirstName", "2fa" gives "Api2fa", and what has no word gives "ApiResponse".
+    /// "first_name" gives "FirstName", "2fa" gives "Api2fa", and a key without a word gives "ApiResponse".
     [[nodiscard]] static QString typeName(QStringView key);
-    /// "First name" gives "firstName", "2fa" gives "value2fa", what has no word gives "value", and a keyword
-    /// stands in back-quotes.
+    /// "First name" gives "firstName", "2fa" gives "value2fa", a key without a word gives "value", and a
+    /// keyword gets backquotes.
     [[nodiscard]] static QString propertyName(QStringView key);
 
-    /// The name without the "Response" that it may end in.
+    /// The name without the ending "Response", if it has one.
     [[nodiscard]] static QStringView withoutResponse(QStringView typeName);
-    /// "Categories" gives "Category", "Users" gives "User". Two endings are all that it knows of English:
-    /// "Status" gives "Statu".
+    /// "Categories" gives "Category", "Users" gives "User". Only these two endings are known: "Status" gives
+    /// "Statu".
     [[nodiscard]] static QString singular(QStringView typeName);
 
-    /// What the type number @p index of a taken name ends in: "A" to "Z", "AA" to "ZZ". Absent from
+    /// The ending that makes a used name unique, by @p index: "A" to "Z", "AA" to "ZZ". Absent from
     /// suffixCount on.
     [[nodiscard]] static std::optional<QString> suffix(int index);
-    /// How many types may want a name that is taken.
+    /// The number of suffixes for one name.
     static constexpr int suffixCount = 26 * 27;
 
-    /// The expression that yields @p text, which may hold anything, on one line and with nothing invisible.
+    /// The string literal for @p text, which can be any text. It has one line and no invisible characters.
     [[nodiscard]] static QString stringLiteral(QStringView text);
 
-    /// A name for the outermost type of what a request path answers, which always ends in "Response":
-    /// "/v1/users/42" gives "UsersResponse". A path without a telling segment gives "ApiResponse".
+    /// A name for the outermost type of a response, made from the request path. It always ends in
+    /// "Response": "/v1/users/42" gives "UsersResponse". A path without a suitable segment gives
+    /// "ApiResponse".
     ///
-    /// The last segment counts that is neither a version, nor an identifier, nor without a letter.
+    /// The name comes from the last segment that has a letter and is neither a version nor an identifier.
     [[nodiscard]] static QString rootTypeName(QStringView requestPath);
-    /// The file that a model is saved in: "UsersResponse.swift". A name longer than file systems take is cut.
+    /// The name of the model's file: "UsersResponse.swift". A name that is too long for file systems is cut.
     [[nodiscard]] static QString fileName(QStringView rootTypeName);
 };

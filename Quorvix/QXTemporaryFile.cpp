@@ -21,24 +21,25 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-NSError writeError(NSCocoaErrorCode code, const QString &sentence)
+NSError writeError(NSCocoaErrorCode code, const QString &message)
 {
-    return {NSCocoaErrorDomain, code, sentence};
+    return {NSCocoaErrorDomain, code, message};
 }
 
-NSError writeError(NSCocoaErrorCode code, const char *sentence)
+NSError writeError(NSCocoaErrorCode code, const char *message)
 {
-    return writeError(code, localized(sentence));
+    return writeError(code, localized(message));
 }
 
-/// Whether the name means an entry of a folder, on every file system that we may meet.
+/// Whether the name is the name of an entry in a folder, on every supported file system.
 bool isEntryName(QStringView name)
 {
     return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && !name.contains(u'/') &&
            !name.contains(u'\\') && !name.contains(QChar::Null);
 }
 
-/// Whether a folder is a real one, and ours: in somebody else's, links could be planted at any time.
+/// Whether a folder is not a link and belongs to the current user. In a folder of another user, that user
+/// could create malicious links at any time.
 bool isOwnFolder(const QFileInfo &folder)
 {
 #ifdef Q_OS_UNIX
@@ -48,8 +49,8 @@ bool isOwnFolder(const QFileInfo &folder)
     return folder.isDir() && !folder.isSymLink();
 }
 
-/// Goes down one folder, creating it when it is missing.
-std::optional<NSError> enter(QDir &folder, const QString &name)
+/// Changes @p folder to its subfolder @p name, which is created if it is missing.
+std::optional<NSError> enterSubfolder(QDir &folder, const QString &name)
 {
     constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
     const QFileInfo entry(folder.filePath(name));
@@ -69,10 +70,10 @@ std::filesystem::path nativePath(const QString &path)
     return QFileInfo(path).filesystemFilePath();
 }
 
-/// Gives the finished file its name, in place of whatever has it.
-std::optional<NSError> moveOver(QTemporaryFile &file, const QString &path)
+/// Renames the finished file to @p path and replaces an existing file.
+std::optional<NSError> renameOver(QTemporaryFile &file, const QString &path)
 {
-    // Asking for the name is what gives a file without one its place in the folder.
+    // On some systems, the file has no name until fileName() is called.
     const QString temporaryPath = file.fileName();
     std::error_code error;
     std::filesystem::rename(nativePath(temporaryPath), nativePath(path), error);
@@ -89,8 +90,7 @@ Result<QUrl> QXTemporaryFile::write(const QDir &folder, const QString &fileName,
     if (!isEntryName(fileName))
         return writeError(NSFileWriteInvalidFileNameError,
                           QT_TRANSLATE_NOOP("Quorvix", "The file name is invalid."));
-    // A temporary directory that is missing is reported as an empty path, which would mean the current
-    // folder.
+    // A missing temporary directory has an empty path, which QDir treats as the current folder.
     if (folder.isRelative() || !folder.exists())
         return writeError(NSFileWriteUnknownError, QT_TRANSLATE_NOOP("Quorvix", "The folder doesn't exist."));
 
@@ -103,7 +103,7 @@ Result<QUrl> QXTemporaryFile::write(const QDir &folder, const QString &fileName,
         return writeError(NSFileWriteUnknownError, file.errorString());
 
     const QString path = folder.absoluteFilePath(fileName);
-    if (const auto error = moveOver(file, path))
+    if (const auto error = renameOver(file, path))
         return *error;
     return QUrl::fromLocalFile(path);
 }
@@ -120,7 +120,7 @@ Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, QByteArrayV
     if (folder.isRelative())
         return writeError(NSFileWriteUnknownError, QT_TRANSLATE_NOOP("Quorvix", "The folder doesn't exist."));
     for (const QString &name : QStringList(u"Quorvix"_s) + names.first(names.size() - 1)) {
-        if (const auto error = enter(folder, name))
+        if (const auto error = enterSubfolder(folder, name))
             return *error;
     }
     return write(folder, names.last(), [utf8](QIODevice &file) { return writeAll(file, utf8); });

@@ -12,27 +12,30 @@
 class QDir;
 class QIODevice;
 
-/// Writes exported files. A file is there whole or not at all, and only its owner may read or write it, from
-/// its first byte on: what is exported may hold passwords and tokens, and the folder is everybody's.
+/// Writes exported files. A file appears either complete or not at all. From its first byte on, only its
+/// owner can read or write it, because exports can contain passwords and tokens, and all users share the
+/// temporary folder.
 ///
 /// Errors are of NSCocoaErrorDomain. Stateless; any thread.
 class QUORVIX_INTERNAL_EXPORT QXTemporaryFile
 {
 public:
-    /// Writes the content and reports a write that took less than it was given: only the writer can tell.
+    /// Writes the content to the device and returns an error if the device did not accept all of it. Only
+    /// the writer can detect this.
     using Writer = std::function<std::optional<Quorvix::NSError>(QIODevice &)>;
 
-    /// Writes a file of this name in an existing folder with what @p writer writes, and returns its file URL.
+    /// Writes a file of this name to an existing folder and returns its file URL. @p writer writes the
+    /// content.
     ///
-    /// Replaces a file of the same name, and a symbolic link of that name rather than what it points to. An
-    /// error of @p writer is passed on. A name with a separator, "." and ".." are refused with
-    /// NSFileWriteInvalidFileNameError: the file always lies in @p folder.
+    /// Replaces a file of the same name. Also replaces a symbolic link of that name, but not the file it
+    /// points to. Returns the error of @p writer. Rejects a name with a separator, "." and ".." with
+    /// NSFileWriteInvalidFileNameError, so that the file is always in @p folder.
     static Quorvix::Result<QUrl> write(const QDir &folder, const QString &fileName, const Writer &writer);
 
     /// Writes UTF-8 text to a relative path under the folder "Quorvix" of the process's temporary directory,
-    /// and returns its file URL. Creates missing folders, for their owner only.
+    /// and returns its file URL. Creates missing folders that only their owner can access.
     ///
-    /// Leading and doubled slashes do not count. A path that would leave the folder, through ".." or through
-    /// a symbolic link on the way, is refused with NSFileWriteInvalidFileNameError.
+    /// Leading and doubled slashes are ignored. Rejects a path that would leave the folder, through ".." or
+    /// through a symbolic link, with NSFileWriteInvalidFileNameError.
     static Quorvix::Result<QUrl> writeText(const QString &relativePath, QByteArrayView utf8);
 };
