@@ -2,7 +2,7 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix
 
-/// What a model presents over its screen: the share sheet, a decoded payload, an alert.
+/// Shows what a model presents over its screen: the share sheet, a decoded payload, an alert.
 Item {
     id: root
 

@@ -8,22 +8,22 @@
 
 #include <optional>
 
-/// The list behind a screen, with what it presents over that screen: the share sheet, a decoded payload, an
-/// alert. Main thread only.
+/// The list model of a screen, together with what it presents over that screen: the share sheet, a decoded
+/// payload, an alert. Main thread only.
 ///
-/// QXPresentations shows it. A model whose fields have names of their own declares them as further properties
-/// over the same functions and signals.
+/// QXPresentations shows these. A model can declare the same functions and signals as further properties
+/// with other names.
 class QXPresentingModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("the base of models")
-    /// A QXShareItem while the share sheet is to be shown, else undefined; assigning undefined clears it.
+    /// The QXShareItem of the share sheet, or undefined if no sheet is shown; assigning undefined clears it.
     Q_PROPERTY(QVariant shareItem READ shareItemValue WRITE setShareItemValue NOTIFY shareItemChanged)
-    /// Empty while there is no message.
+    /// The message of the alert; empty if there is none.
     Q_PROPERTY(QString alertMessage READ alertMessageText NOTIFY alertMessageChanged)
     Q_PROPERTY(bool showAlert READ showAlert WRITE setShowAlert NOTIFY showAlertChanged)
-    /// A QXDecodedPayload while it is to be shown, else undefined; assigning undefined clears it.
+    /// The QXDecodedPayload that is shown, or undefined; assigning undefined clears it.
     Q_PROPERTY(QVariant decodedPayload READ decodedPayloadValue WRITE setDecodedPayloadValue NOTIFY
                    decodedPayloadChanged)
 

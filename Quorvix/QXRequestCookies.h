@@ -6,5 +6,6 @@
 
 struct QXRequestTrace;
 
-/// The cookies that the shared storage has now for the URL of an exchange; none without a URL. Any thread.
+/// Returns the cookies that the shared storage currently has for the URL of an exchange; empty without a
+/// URL. Any thread.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QList<QNetworkCookie> sharedCookies(const QXRequestTrace &request);

@@ -6,14 +6,14 @@ import Quorvix.Controls
 import Quorvix.Text
 import Quorvix
 
-/// Everything that is known about one exchange. Takes its model with it when it goes.
+/// The details screen of one exchange. Destroys its model when it is destroyed.
 QXStackScreen {
     id: root
 
     required property QXRequestDetailsViewModel viewModel
     property bool _showShareOptions: false
 
-    // Which groups are unfolded.
+    // The groups that are expanded.
     readonly property bool _showRequestCookies: viewModel._showRequestCookies
     readonly property bool _showResponseCookies: viewModel._showResponseCookies
     readonly property bool _showResponseCache: viewModel._showResponseCache

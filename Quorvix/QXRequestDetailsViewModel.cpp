@@ -22,10 +22,10 @@ using namespace Quorvix;
 
 namespace {
 
-/// What is made readable within a millisecond or two is not worth a thread, nor a screen without it.
-constexpr qsizetype largestBodyAtOnce = 131'072;
-/// In UTF-16 units. A text item takes a frame for a few thousand, and many seconds for a quarter of a
-/// million.
+/// Bodies up to this size are converted within one or two milliseconds, so they need no other thread and the
+/// screen shows them at once.
+constexpr qsizetype largestSynchronousBody = 131'072;
+/// In UTF-16 code units. A text item needs one frame for a few thousand units, and many seconds for 250,000.
 constexpr qsizetype longestValueInOneItem = 3000;
 
 QXRequestDetailsViewModel::Kind kindFor(QXRequestSection::Kind kind)
@@ -62,28 +62,28 @@ QXRequestDetailsViewModel::QXRequestDetailsViewModel(const QXRequestTrace &reque
             &QXRequestDetailsViewModel::breakpointEnabledChanged);
     for (std::size_t row = 0; row < m_sections.size(); ++row) {
         if (m_sections[row].kind == QXRequestSection::Kind::Body)
-            makeReadable(row);
+            loadBody(row);
     }
 }
 
 QXRequestDetailsViewModel::~QXRequestDetailsViewModel() = default;
 
-void QXRequestDetailsViewModel::makeReadable(std::size_t row)
+void QXRequestDetailsViewModel::loadBody(std::size_t row)
 {
     const QByteArray body = m_sections[row].body;
-    if (body.size() <= largestBodyAtOnce)
+    if (body.size() <= largestSynchronousBody)
         return setBody(row, QXBodyText::readable(body));
-    inBackground([body] { return QXBodyText::readable(body); },
-                 [this, row](const std::optional<QString> &text) {
-                     setBody(row, text);
-                     lookForEncoded(row);
-                 });
+    runInBackground([body] { return QXBodyText::readable(body); },
+                    [this, row](const std::optional<QString> &text) {
+                        setBody(row, text);
+                        checkDecodable(row);
+                    });
 }
 
-void QXRequestDetailsViewModel::lookForEncoded(std::size_t row)
+void QXRequestDetailsViewModel::checkDecodable(std::size_t row)
 {
     const bool isText = !m_documents[row]->isHexadecimal();
-    inBackground(
+    runInBackground(
         [body = m_sections[row].body, text = isText ? bodyText(int(row)) : QString()] {
             return QXPayloadDecoder::hasEncodedCandidate(text.isNull() ? QXBodyText::text(body) : text);
         },
@@ -91,14 +91,14 @@ void QXRequestDetailsViewModel::lookForEncoded(std::size_t row)
 }
 
 template<typename Work, typename Finish>
-void QXRequestDetailsViewModel::inBackground(Work work, Finish finish)
+void QXRequestDetailsViewModel::runInBackground(Work work, Finish finish)
 {
     QThreadPool::globalInstance()->start(
-        [alive = std::weak_ptr(m_alive), work = std::move(work), finish = std::move(finish)] {
-            if (alive.expired())
+        [token = std::weak_ptr(m_lifetimeToken), work = std::move(work), finish = std::move(finish)] {
+            if (token.expired())
                 return;
-            MainActor::schedule([alive, finish, outcome = work()] {
-                if (!alive.expired())
+            MainActor::schedule([token, finish, outcome = work()] {
+                if (!token.expired())
                     finish(outcome);
             });
         });
@@ -157,7 +157,7 @@ void QXRequestDetailsViewModel::setBreakpointEnabled(bool enabled)
 {
     const auto key = QXBreakpointKey::make(m_request.url, m_request.method);
     if (!key)
-        Q_EMIT breakpointEnabledChanged(); // a switch that was moved reads again, and springs back
+        Q_EMIT breakpointEnabledChanged(); // makes the switch on screen return to off
     else if (enabled)
         QXBreakpointStore::shared().insert(*key);
     else
@@ -169,8 +169,8 @@ void QXRequestDetailsViewModel::toggleGroup(int row)
     if (row < 0 || row >= rowCount() || !m_sections[std::size_t(row)].group)
         return;
     const Group group = *m_sections[std::size_t(row)].group;
-    if (!m_unfolded.remove(group))
-        m_unfolded.insert(group);
+    if (!m_expandedGroups.remove(group))
+        m_expandedGroups.insert(group);
     Q_EMIT groupsChanged();
     Q_EMIT dataChanged(index(row), index(row), {ExpandedRole});
 }

@@ -15,32 +15,32 @@
 
 class QXLogTreeViewModel;
 
-/// All that is known about one exchange, as the sections of the details screen, and what can be done with it.
-/// Main thread only.
+/// All information about one exchange, as the sections of the details screen, with the actions of that
+/// screen. Main thread only.
 ///
-/// The trace is the one given, whatever the recorder makes of the exchange later. A large body is made
-/// readable on another thread; its section has no document until then.
+/// The model keeps the trace that it was made with; later changes in the recorder do not affect it. A large
+/// body is converted to text on another thread; its section has no document until then.
 class QXRequestDetailsViewModel final : public QXPresentingModel
 {
     Q_OBJECT
     Q_MOC_INCLUDE("Quorvix/QXLogTreeViewModel.h")
     QML_ELEMENT
     QML_UNCREATABLE("made by the request list")
-    // What the screen presents, under the names of this model's fields.
+    // The inherited properties under the names that belong to this model.
     Q_PROPERTY(QVariant _shareItem READ shareItemValue WRITE setShareItemValue NOTIFY shareItemChanged)
     Q_PROPERTY(QString _alertTitle READ alertTitle NOTIFY _alertTitleChanged)
     Q_PROPERTY(QString _alertMessage READ alertMessageText NOTIFY alertMessageChanged)
     Q_PROPERTY(bool _showAlert READ showAlert WRITE setShowAlert NOTIFY showAlertChanged)
     Q_PROPERTY(QVariant _decodedPayload READ decodedPayloadValue WRITE setDecodedPayloadValue NOTIFY
                    decodedPayloadChanged)
-    /// A QXLogTreeDestination while the tree is to be shown, else undefined; assigning undefined clears it.
+    /// The QXLogTreeDestination of the tree that is shown, or undefined; assigning undefined clears it.
     Q_PROPERTY(QVariant _logTreeDestination READ logTreeDestinationValue WRITE setLogTreeDestinationValue
                    NOTIFY _logTreeDestinationChanged)
-    // Which groups are unfolded.
+    // The groups that are expanded.
     Q_PROPERTY(bool _showRequestCookies READ showsRequestCookies NOTIFY groupsChanged)
     Q_PROPERTY(bool _showResponseCookies READ showsResponseCookies NOTIFY groupsChanged)
     Q_PROPERTY(bool _showResponseCache READ showsResponseCache NOTIFY groupsChanged)
-    /// Whether responses to requests like this one are held. Stays off without a URL.
+    /// Whether a breakpoint rule matches this request. Always false without a URL.
     Q_PROPERTY(bool breakpointEnabled READ breakpointEnabled WRITE setBreakpointEnabled NOTIFY
                    breakpointEnabledChanged)
 
@@ -65,28 +65,28 @@ public:
     {
         return m_logTreeDestination;
     }
-    [[nodiscard]] bool shows(Group group) const { return m_unfolded.contains(group); }
+    [[nodiscard]] bool shows(Group group) const { return m_expandedGroups.contains(group); }
     [[nodiscard]] bool breakpointEnabled() const;
     void setBreakpointEnabled(bool enabled);
 
-    /// Unfolds the group of a section, or folds it; passes over a section that is none.
+    /// Expands or collapses the group of a section. Does nothing if the section is not a group.
     Q_INVOKABLE void toggleGroup(int row);
-    /// What shows a value that no single text item could lay out in time, a child of the model; null for
-    /// others.
+    /// Makes a document for a value that is too long for a single text item. The model owns it. Null for
+    /// shorter values.
     Q_INVOKABLE QXTextDocument *documentForValue(const QString &text);
-    /// Places a value on the clipboard and says so in the alert.
+    /// Copies a value to the clipboard and shows the alert that says so.
     Q_INVOKABLE void copyValue(const QString &text);
-    /// Whether decodeValue() would find something. Takes time that grows with the text.
+    /// Whether decodeValue() finds something to decode in @p text. Linear in its length.
     Q_INVOKABLE bool canDecodeValue(const QString &text) const;
     Q_INVOKABLE void decodeValue(const QString &text);
-    /// The body of a section as it is shown; empty while it has no document.
+    /// The body of a section as shown; empty if the section has no document yet.
     [[nodiscard]] Q_INVOKABLE QString bodyText(int row) const;
-    /// Whether decodeValue() would find something in that text. Known before it is asked for when the body is
-    /// a large one that has been shown for a while.
+    /// Whether decodeValue() finds something to decode in bodyText(). For a large body, another thread finds
+    /// this out in advance; before that, this function searches the text itself.
     [[nodiscard]] Q_INVOKABLE bool canDecodeBody(int row) const;
-    /// Publishes the body of a section as the tree to be shown; nothing while it has no document.
+    /// Sets the log tree destination to the body of a section. Does nothing if the section has no document.
     Q_INVOKABLE void openLogTree(int row);
-    /// The tree of the destination that is published, to be owned by QML; null without one.
+    /// Makes the tree for the log tree destination. QML owns it. Null if there is no destination.
     Q_INVOKABLE QXLogTreeViewModel *makeLogTree() const;
 
     Q_INVOKABLE void shareCurl();
@@ -108,28 +108,28 @@ private:
     [[nodiscard]] QVariant logTreeDestinationValue() const;
     void setLogTreeDestinationValue(const QVariant &value);
 
-    /// What shows the body of a section: a child of the model, or null.
+    /// The document of a section's body, owned by the model, or null.
     [[nodiscard]] QXTextDocument *document(int row) const;
-    void makeReadable(std::size_t row);
+    void loadBody(std::size_t row);
     void setBody(std::size_t row, const std::optional<QString> &text);
-    void lookForEncoded(std::size_t row);
-    /// Does @p work on another thread, and then @p finish with what came of it here, unless the model has
-    /// gone.
+    void checkDecodable(std::size_t row);
+    /// Calls @p work on another thread and then @p finish with its result on the main thread. Does not call
+    /// @p finish after the model is deleted.
     template<typename Work, typename Finish>
-    void inBackground(Work work, Finish finish);
+    void runInBackground(Work work, Finish finish);
     template<typename Artefact>
     void share(const Quorvix::Result<Artefact> &artefact);
     void alert(const QString &title, const QString &message);
 
     const QXRequestTrace m_request;
     std::vector<QXRequestSection> m_sections;
-    /// For each section: what shows its body, a child of the model, or null.
+    /// The document of each section's body, owned by the model, or null.
     std::vector<QXTextDocument *> m_documents;
-    /// For each section: whether its body can be decoded, once that is known.
+    /// Whether each section's body can be decoded; absent while this is not known.
     std::vector<std::optional<bool>> m_decodable;
-    QSet<Group> m_unfolded;
+    QSet<Group> m_expandedGroups;
     QString m_alertTitle;
     std::optional<QXLogTreeDestination> m_logTreeDestination;
-    /// Lives as long as the model, for those on other threads who work for it.
-    std::shared_ptr<const bool> m_alive = std::make_shared<const bool>(true);
+    /// Exists as long as the model. Tasks on other threads hold a weak pointer to it.
+    std::shared_ptr<const bool> m_lifetimeToken = std::make_shared<const bool>(true);
 };

@@ -4,7 +4,7 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix
 
-/// The list of the captured exchanges, with the search over it.
+/// The list of captured exchanges, with the search field above it.
 FocusScope {
     id: root
 

@@ -3,18 +3,18 @@ import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix
 
-/// The inspector's own screens, from the request list on; covers the host's window.
+/// The inspector's screens, beginning with the request list. They cover the host's window.
 QXScreen {
     id: root
 
-    /// Where the sheets and alerts of these screens lie.
+    /// The layer that shows the sheets and alerts of these screens.
     required property QXPresentationLayer presentationLayer
     property bool showBreakpoints: false
 
     readonly property QXRequestListViewModel viewModel: QXRequestListViewModel {}
     readonly property QXSafeArea safeArea: presentationLayer.safeArea
 
-    /// The user is done here.
+    /// The user wants to close the inspector's screens.
     signal close
 
     objectName: "QXRequestListView"

@@ -21,7 +21,7 @@ using namespace Quorvix;
 
 namespace {
 
-/// What a search text looks for: without white space at its ends, in lower case.
+/// Makes the query of a search text: lower case, without white space at both ends.
 QByteArray queryFor(const QString &searchText)
 {
     return searchText.trimmed().toLower().toUtf8();
@@ -32,7 +32,7 @@ std::string_view view(const QByteArray &bytes)
     return {bytes.constData(), std::size_t(bytes.size())};
 }
 
-/// A text to be looked for many times over, prepared once. It points into the bytes that it was made from.
+/// A query that is prepared once for many searches. It is a view of the bytes it is made from.
 class Query
 {
 public:
@@ -40,7 +40,7 @@ public:
 
     [[nodiscard]] bool isIn(std::string_view haystack) const
     {
-        // Skipping ahead pays only when there is something to skip.
+        // The searcher is faster only for a text that is long enough to skip ahead.
         constexpr std::size_t shortest = 2;
         if (m_text.size() < shortest)
             return haystack.find(m_text) != std::string_view::npos;
@@ -52,7 +52,7 @@ private:
     std::boyer_moore_horspool_searcher<std::string_view::const_iterator> m_searcher;
 };
 
-/// Whether the query is found in the URL, the method or the status code of a trace.
+/// Whether the URL, the method or the status code of a trace contains the query.
 bool matches(const QXTraceList::Cell &cell, const Query &query)
 {
     if (query.isIn(view(cell.searchKey)))
@@ -64,8 +64,8 @@ bool matches(const QXTraceList::Cell &cell, const Query &query)
     return query.isIn({digits.data(), std::size_t(end - digits.data())});
 }
 
-/// The place of a trace counted from the oldest, for its place counted from the newest, and back.
-qsizetype mirrored(const QXTraceList &requests, qsizetype index)
+/// Converts a position counted from the newest trace to one counted from the oldest, and back.
+qsizetype reversedIndex(const QXTraceList &requests, qsizetype index)
 {
     return requests.size() - 1 - index;
 }
@@ -74,13 +74,13 @@ std::vector<quint32> allMatches(const QXTraceList &requests, const Query &query)
 {
     std::vector<quint32> found;
     for (qsizetype position = 0; position < requests.size(); ++position) {
-        if (matches(*requests.cell(mirrored(requests, position)), query))
+        if (matches(*requests.cell(reversedIndex(requests, position)), query))
             found.push_back(quint32(position));
     }
     return found;
 }
 
-/// "Quorvix-export-" and the time in seconds since 1970, in the shortest form that keeps its fraction.
+/// "Quorvix-export-" with the time in seconds since 1970, in the shortest form that keeps the fraction.
 QString exportFileName()
 {
     const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
@@ -122,7 +122,7 @@ const QXTraceList::CellPtr &QXRequestListViewModel::cell(int row) const
 {
     if (!isFiltering())
         return m_requests.cell(row);
-    return m_requests.cell(mirrored(m_requests, m_matches[m_matches.size() - 1 - std::size_t(row)]));
+    return m_requests.cell(reversedIndex(m_requests, m_matches[m_matches.size() - 1 - std::size_t(row)]));
 }
 
 QVariant QXRequestListViewModel::data(const QModelIndex &index, int role) const
@@ -183,10 +183,10 @@ void QXRequestListViewModel::setSearchText(const QString &text)
     if (query.isEmpty()) {
         m_matches = {};
     } else if (isFiltering() && query.contains(m_query)) {
-        // Whatever holds the longer text holds the shorter one, so the present matches are all there is to
-        // see.
+        // A text that contains the longer query also contains the shorter one, so only the current matches
+        // can match.
         std::erase_if(m_matches, [&, prepared = Query(query)](quint32 position) {
-            return !matches(*m_requests.cell(mirrored(m_requests, position)), prepared);
+            return !matches(*m_requests.cell(reversedIndex(m_requests, position)), prepared);
         });
     } else {
         m_matches = allMatches(m_requests, Query(query));
@@ -236,7 +236,7 @@ void QXRequestListViewModel::extendTo(const QXTraceList &requests)
         const Query query(m_query);
         std::vector<quint32> added;
         for (qsizetype position = known; position < requests.size(); ++position) {
-            if (matches(*requests.cell(mirrored(requests, position)), query))
+            if (matches(*requests.cell(reversedIndex(requests, position)), query))
                 added.push_back(quint32(position));
         }
         if (added.empty())
@@ -254,7 +254,7 @@ void QXRequestListViewModel::extendTo(const QXTraceList &requests)
         m_requests = requests;
     }
     for (const qsizetype position : changed) {
-        const QModelIndex row = index(int(mirrored(m_requests, position)));
+        const QModelIndex row = index(int(reversedIndex(m_requests, position)));
         Q_EMIT dataChanged(row, row);
     }
 }
@@ -263,7 +263,7 @@ void QXRequestListViewModel::updateMatch(qsizetype position)
 {
     const auto place = std::lower_bound(m_matches.begin(), m_matches.end(), quint32(position));
     const bool shown = place != m_matches.end() && *place == quint32(position);
-    const bool matching = matches(*m_requests.cell(mirrored(m_requests, position)), Query(m_query));
+    const bool matching = matches(*m_requests.cell(reversedIndex(m_requests, position)), Query(m_query));
     const int after = int(m_matches.end() - place);
     if (shown && matching) {
         Q_EMIT dataChanged(index(after - 1), index(after - 1));

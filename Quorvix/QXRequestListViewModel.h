@@ -8,17 +8,17 @@
 
 #include <QtQml/qqmlregistration.h>
 
-/// The request list: the recorder's traces, live, narrowed by a search text. Main thread only.
+/// The request list: the traces of the recorder, filtered by a search text. Main thread only.
 ///
-/// A row is a trace that the search leaves visible, in the recorder's order. A change of the recorder reaches
-/// the model in a later turn of the event loop and touches only the rows that it concerns; the cost of a
-/// change does not grow with the number of traces.
+/// The rows are the traces that match the search, in the recorder's order. A change of the recorder reaches
+/// the model in a later turn of the event loop and affects only the rows it concerns. The cost of a change
+/// does not grow with the number of traces.
 class QXRequestListViewModel : public QXPresentingModel
 {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString _searchText READ searchText WRITE setSearchText NOTIFY _searchTextChanged)
-    // What the screen presents, under the names of this model's fields.
+    // The inherited properties under the names that belong to this model.
     Q_PROPERTY(QVariant _shareItem READ shareItemValue WRITE setShareItemValue NOTIFY shareItemChanged)
     Q_PROPERTY(QString _alertMessage READ alertMessageText NOTIFY alertMessageChanged)
     Q_PROPERTY(bool _showAlert READ showAlert WRITE setShowAlert NOTIFY showAlertChanged)
@@ -43,19 +43,19 @@ public:
     [[nodiscard]] const QString &searchText() const noexcept { return m_searchText; }
     void setSearchText(const QString &text);
 
-    /// All captured traces, as of the last change that reached the model.
+    /// All captured traces, as of the last change that has reached the model.
     [[nodiscard]] const QXTraceList &requests() const noexcept { return m_requests; }
-    /// The traces that the search leaves visible; valid until the model changes.
+    /// The traces that match the search; valid until the model changes.
     [[nodiscard]] std::vector<const QXRequestTrace *> filteredRequests() const;
     /// The trace of a row, which must exist.
     [[nodiscard]] const QXRequestTrace &trace(int row) const { return cell(row)->trace; }
 
-    /// Writes the visible traces to a HAR file in the temporary folder and publishes it as the share item; a
-    /// failure shows the alert instead.
+    /// Writes the visible traces to a HAR file in the temporary folder and sets shareItem to it. Shows the
+    /// alert if this fails.
     Q_INVOKABLE void exportAll();
-    /// The details of a row as they stand now, to be owned by QML; null when there is no such row.
+    /// Makes the details model of a row from its current trace. QML owns it. Null if the row does not exist.
     Q_INVOKABLE QXRequestDetailsViewModel *makeDetails(int row) const;
-    /// Empties the recorder. The rows go when its notification arrives.
+    /// Clears the recorder. The rows are removed when its notification arrives.
     Q_INVOKABLE void clear();
 
 Q_SIGNALS:
@@ -74,7 +74,7 @@ private:
     QString m_searchText;
     QByteArray m_query;
     QXTraceList m_requests;
-    /// While filtering: the places of the matches, counted from the oldest trace, ascending.
+    /// The positions of the matches while a search is active, counted from the oldest trace, ascending.
     std::vector<quint32> m_matches;
     bool m_refreshScheduled = false;
     Quorvix::NSNotificationObserver m_observer;

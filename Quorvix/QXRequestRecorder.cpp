@@ -20,8 +20,8 @@ QByteArray searchKey(const QXRequestTrace &trace)
     return key;
 }
 
-/// The part of the last path component after its last dot; empty without one, and for a name that is only a
-/// dot and what follows.
+/// The text after the last dot of the last path component. Empty without a dot, and for a name whose only
+/// dot is its first character.
 QString pathExtension(const QUrl &url)
 {
     QString path = url.path(QUrl::FullyDecoded);

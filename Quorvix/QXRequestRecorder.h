@@ -7,33 +7,34 @@
 
 /// The store of captured exchanges, newest first, kept in memory until clear(). Main thread only.
 ///
-/// Recording and reading `requests` cost the same however many traces there are. Completing looks for the
-/// trace from the newest on, where it nearly always is, and costs the same from there.
+/// The cost of recording and of reading `requests` does not depend on the number of traces. Completing
+/// searches for the trace from the newest one on. The trace is nearly always among the newest, so this is
+/// fast too.
 class QUORVIX_CORE_EXPORT QXRequestRecorder
 {
 public:
-    /// The one recorder; made on first use, lives until the process ends.
+    /// The only recorder; created on first use, lives until the process ends.
     [[nodiscard]] static QXRequestRecorder &shared();
 
     QXRequestRecorder() = default;
     QXRequestRecorder(const QXRequestRecorder &) = delete;
     QXRequestRecorder &operator=(const QXRequestRecorder &) = delete;
 
-    /// The traces now held: a snapshot that later changes leave alone.
+    /// A snapshot of the current traces; later changes do not affect it.
     [[nodiscard]] const QXTraceList &requests() const noexcept { return m_requests; }
 
     /// Adds a trace of @p request to the front.
     void record(const QString &id, const Quorvix::URLRequest &request);
 
-    /// Fills in the outcome of the newest trace with this identifier; does nothing when there is none.
-    /// A response that is not an HTTP response is ignored, and its data with it.
+    /// Stores the result in the newest trace with this identifier; does nothing if there is none. A response
+    /// that is not an HTTP response is ignored, together with its data.
     void complete(const QString &id, const Quorvix::NSURLResponsePtr &response,
                   const std::optional<QByteArray> &data, const std::optional<Quorvix::NSError> &error);
 
-    /// Drops all traces.
+    /// Removes all traces.
     void clear();
 
-    /// The traces for which @p predicate holds, in stored order, as copies.
+    /// Returns copies of the traces for which @p predicate is true, in stored order.
     [[nodiscard]] QList<QXRequestTrace>
     findRequests(const std::function<bool(const QXRequestTrace &)> &predicate) const;
     /// The traces whose URL's path extension contains @p path.

@@ -4,7 +4,7 @@
 
 #include "Controls/QXSystemColor.h"
 
-/// What the list shows of one trace: derived on demand, holding nothing of its own.
+/// The texts and colours that the list shows for one trace. They are computed on demand; nothing is stored.
 struct QXRequestRowViewModel
 {
     /// A named colour at an opacity from 0 to 1.
@@ -18,9 +18,9 @@ struct QXRequestRowViewModel
 
     const QXRequestTrace &request;
 
-    /// Method and path; host and query are left out.
+    /// The method and the path, without host and query.
     [[nodiscard]] QString title() const;
-    /// The status code, or what stands in for it while there is none.
+    /// The status code, or a text that replaces it while there is none.
     [[nodiscard]] QString statusText() const;
     [[nodiscard]] QXSystemColor::Value statusColor() const;
     [[nodiscard]] Tint backgroundColor() const;

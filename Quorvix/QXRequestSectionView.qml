@@ -5,7 +5,8 @@ import Quorvix.Controls
 import Quorvix.Text
 import Quorvix
 
-/// One section of the details: values, the breakpoint switch, values that are folded away, or a body.
+/// One section of the details screen: values, the breakpoint switch, a group of values that can be
+/// collapsed, or a body.
 Column {
     id: root
 
@@ -23,9 +24,9 @@ Column {
     readonly property bool isGroup: kind === QXRequestDetailsViewModel.GroupSection
     readonly property real columnWidth: width - 2 * columnMargin
 
-    /// A menu for a value, at a point of an item.
+    /// Requests the menu of a value; @p position is in the coordinates of @p item.
     signal menuRequested(Item item, point position, string text)
-    /// A menu for the body of this section, at a point of the block that shows it.
+    /// Requests the menu of this section's body; @p position is in the coordinates of @p block.
     signal bodyMenuRequested(QXTextBlock block, point position)
 
     objectName: "QXRequestSection"
@@ -39,7 +40,7 @@ Column {
         text: root.title
     }
 
-    // What only some sections have is made for those alone.
+    // The Repeaters below create an item only for the sections that need it.
     Repeater {
         model: root.kind === QXRequestDetailsViewModel.BreakpointSection ? 1 : 0
 
@@ -105,7 +106,7 @@ Column {
         }
     }
 
-    // What stands there until the text has been made.
+    // A placeholder until the text of the body is ready.
     Rectangle {
         x: root.columnMargin
         width: root.columnWidth

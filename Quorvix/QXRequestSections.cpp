@@ -19,7 +19,7 @@ using Kind = QXRequestSection::Kind;
 using Sections = std::vector<QXRequestSection>;
 using Values = QList<QXRequestValue>;
 
-/// What the request's half and the response's half of an exchange differ by.
+/// The titles and the group that differ between the request and the response.
 struct Side
 {
     const char *headersTitle = nullptr;
@@ -35,7 +35,7 @@ constexpr Side responseSide{QT_TRANSLATE_NOOP("Quorvix", "RESPONSE HEADERS"),
                             QT_TRANSLATE_NOOP("Quorvix", "RESPONSE COOKIES"),
                             QT_TRANSLATE_NOOP("Quorvix", "RESPONSE BODY"), Group::ResponseCookies};
 
-/// Not the rule of the list: there is no yellow here.
+/// Unlike in the request list, no status code is yellow here.
 QXSystemColor::Value colorForStatusCode(qint64 code)
 {
     if (code >= 200 && code <= 299)

@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-/// A label and what it labels. A value.
+/// A label and its text. A value.
 struct QXRequestValue
 {
     Q_GADGET
@@ -24,22 +24,22 @@ public:
     bool operator==(const QXRequestValue &) const = default;
 };
 
-/// One section of what is known about an exchange. A value.
+/// One section of the information about an exchange. A value.
 struct QXRequestSection
 {
     enum class Kind { Values, Breakpoint, Group, Body };
-    /// A group that is folded away until it is asked for.
+    /// The groups of values. A group is collapsed until the user expands it.
     enum class Group { RequestCookies, ResponseCookies, ResponseCache };
 
     Kind kind = Kind::Values;
     QString title;
     QList<QXRequestValue> values;
-    /// Of a group: which it is.
+    /// The group, if this section is one.
     std::optional<Group> group;
-    /// Of a body: shared with the trace.
+    /// The body, if this section shows one; shared with the trace.
     QByteArray body;
 };
 
-/// The sections of the details screen, from top to bottom; the cookies are those of the shared storage as it
-/// stands. Any thread.
+/// Returns the sections of the details screen, from top to bottom. The cookies are read from the shared
+/// storage now. Any thread.
 [[nodiscard]] std::vector<QXRequestSection> requestSections(const QXRequestTrace &request);

@@ -3,14 +3,14 @@
 #include "Quorvix/QXFailureNote.h"
 #include "Quorvix/QXResponseTrace.h"
 
-/// One captured exchange: the request, when it was sent, and what became of it.
+/// One captured exchange: the request, the time it was sent, and its result.
 ///
-/// A value; compares and hashes by `id` alone, so that an exchange stays the same one while it completes.
+/// A value. Comparison and hash use only `id`, so that an exchange keeps its identity when it completes.
 struct QUORVIX_CORE_EXPORT QXRequestTrace
 {
     using ID = QString;
 
-    /// A fresh trace of @p request, dated now, without an outcome.
+    /// Makes a trace of @p request with the current time and without a result.
     QXRequestTrace(QString id, const Quorvix::URLRequest &request);
 
     QString id;

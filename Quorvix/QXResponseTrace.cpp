@@ -4,7 +4,8 @@ using namespace Quorvix;
 
 namespace {
 
-/// All names and values as text, or nothing: a partial map would misreport what came.
+/// Converts all names and values to text. Absent if one of them is not text, because an incomplete map would
+/// be misleading.
 std::optional<HTTPHeaderFields> textHeaders(const NSHeaderFields &fields)
 {
     HTTPHeaderFields headers;

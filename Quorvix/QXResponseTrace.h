@@ -12,15 +12,15 @@
 /// The HTTP response of one exchange. A value; compares and hashes over all its fields.
 struct QUORVIX_CORE_EXPORT QXResponseTrace
 {
-    /// Reads @p response and takes @p data as its body; dated now.
+    /// Copies @p response, with @p data as its body and the current time.
     QXResponseTrace(const Quorvix::NSHTTPURLResponse &response, std::optional<QByteArray> data);
 
     qint64 statusCode;
     /// Absent when any name or value that the platform reported is not text.
     std::optional<Quorvix::HTTPHeaderFields> headers;
-    /// As the session delivered it; shared, never copied. Absent when there was none.
+    /// The body as the session delivered it; shared, never copied. Absent if there was none.
     std::optional<QByteArray> body;
-    /// When this record was built.
+    /// The time when this record was made.
     std::chrono::system_clock::time_point date;
 
     bool operator==(const QXResponseTrace &) const = default;

@@ -5,7 +5,7 @@
 #include <QtCore/QUuid>
 #include <QtCore/QVariantList>
 
-/// One presentation of the share sheet: what is shared, under a fresh identity. A value.
+/// One presentation of the share sheet: the shared items, with a new identifier. A value.
 struct QXShareItem
 {
     Q_GADGET

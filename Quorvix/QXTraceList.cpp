@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
-/// An inner node uses `children`, a leaf the rest. Never changed while another list can see it.
+/// An inner node uses `children`; a leaf uses the other fields. A node never changes while another list uses
+/// it.
 struct QXTraceList::Node
 {
     std::vector<NodePtr> children;
     std::vector<CellPtr> cells;
-    /// The hash of each cell's identifier, side by side, so that a scan need not visit the traces.
+    /// The hash of each cell's identifier, in one array, so that a search does not have to read the traces.
     std::vector<size_t> hashes;
 };
 
@@ -41,7 +42,7 @@ void QXTraceList::replace(qsizetype index, CellPtr cell)
 
 QXTraceList::NodePtr QXTraceList::withCell(NodePtr node, int height, qsizetype position, CellPtr &&cell)
 {
-    // A node that no other list holds may change in place.
+    // A node that no other list uses can be changed in place.
     if (!node)
         node = std::make_shared<Node>();
     else if (node.use_count() > 1)
@@ -93,7 +94,7 @@ void QXTraceList::visitDifferences(const QXTraceList &other,
                                    const std::function<void(qsizetype fromOldest)> &visit) const
 {
     const qsizetype common = std::min(m_size, other.m_size);
-    // The taller tree's first branches hold what the whole lower tree holds.
+    // The first branch of the taller tree holds the positions of the whole lower tree.
     const Node *left = m_root.get();
     const Node *right = other.m_root.get();
     for (int height = m_height; height > other.m_height && left; --height)

@@ -7,21 +7,22 @@
 #include <memory>
 #include <vector>
 
-/// The captured exchanges, newest first: an immutable value that is copied in constant time.
+/// The captured exchanges, newest first: a value that is copied in constant time.
 ///
-/// Adding to the front and replacing one trace make a new list that shares all but a path of a few small
-/// nodes with the old one, so both cost the same however long the list is and whoever still holds an older
-/// one. Two lists that come from one another are compared along what they do not share.
+/// prepend() and replace() share all nodes with older copies, except one short path from the root to a leaf.
+/// So their cost does not depend on the length of the list or on the number of copies. Two lists with a
+/// common origin are compared only where they do not share nodes.
 class QUORVIX_CORE_EXPORT QXTraceList
 {
 public:
-    /// A trace and what the store remembers about it.
+    /// A trace and the store's data about it.
     struct Cell
     {
         QXRequestTrace trace;
-        /// When the exchange was recorded; durations are not measured on a clock that people can set.
+        /// The time when the exchange was recorded, on a clock that the user cannot change.
         std::chrono::steady_clock::time_point recordedAt;
-        /// The URL and the method in lower case as UTF-8, with a NUL between: what a search looks through.
+        /// The text that a search looks through: the URL and the method in lower case as UTF-8, separated by
+        /// a NUL.
         QByteArray searchKey;
     };
     using CellPtr = std::shared_ptr<const Cell>;
@@ -62,7 +63,7 @@ public:
     [[nodiscard]] qsizetype size() const noexcept { return m_size; }
     [[nodiscard]] bool isEmpty() const noexcept { return m_size == 0; }
 
-    /// The trace at a position counted from the newest, which must be below size().
+    /// The trace at a position counted from the newest. @p index must be less than size().
     [[nodiscard]] const QXRequestTrace &operator[](qsizetype index) const { return cell(index)->trace; }
     [[nodiscard]] const CellPtr &cell(qsizetype index) const;
 
@@ -75,8 +76,8 @@ public:
     void prepend(CellPtr cell);
     void replace(qsizetype index, CellPtr cell);
 
-    /// Calls @p visit for every position, counted from the oldest, at which both lists have a trace but not
-    /// the same cell; positions ascend. Cost grows with the number of differences, not with the length.
+    /// Calls @p visit for every position, counted from the oldest, where both lists have a trace but not the
+    /// same cell. Positions ascend. The cost grows with the number of differences, not with the length.
     void visitDifferences(const QXTraceList &other,
                           const std::function<void(qsizetype fromOldest)> &visit) const;
 
@@ -93,7 +94,8 @@ private:
     static void visitNodes(const Node *left, const Node *right, int height, qsizetype first, qsizetype end,
                            const std::function<void(qsizetype)> &visit);
 
-    /// A tree of fixed fan-out over positions counted from the oldest trace; leaves hold cells.
+    /// The root of a tree with a fixed number of children per node. It is indexed by positions counted from
+    /// the oldest trace; the leaves hold the cells.
     NodePtr m_root;
     int m_height = 0;
     qsizetype m_size = 0;

@@ -13,7 +13,7 @@ T.Control {
     required property string text
     property color textColor: QXTheme.label
     property real columnMargin: QXTheme.margin
-    /// Shows a value that is too long for a single text item, on a page that scrolls; else null.
+    /// The document of a value that is too long for a single text item; null for other values.
     property QXTextDocument document: null
     property Flickable page: null
     property real blockHeight: 0
@@ -22,7 +22,7 @@ T.Control {
     readonly property real textTop: (height - textHeight) / 2
     readonly property real labelWidth: Math.min(100 * Math.max(1, QXTheme.scale), 0.4 * (width - 2 * columnMargin))
 
-    /// At a point of this row.
+    /// Requests the context menu; @p position is in the coordinates of this row.
     signal contextMenuRequested(point position)
 
     objectName: "QXValueRow"
