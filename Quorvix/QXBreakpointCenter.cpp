@@ -25,7 +25,7 @@ void postChange()
     NSNotificationCenter::defaultCenter().post(QuorvixBreakpointChanged);
 }
 
-/// A whole decimal integer: one optional sign and ASCII digits, nothing else, within 64 bits.
+/// Parses a decimal integer: one optional sign and ASCII digits, nothing else, within 64 bits.
 std::optional<qint64> parseStatusCode(const QString &text)
 {
     QByteArray digits = text.toUtf8();
@@ -40,7 +40,8 @@ std::optional<qint64> parseStatusCode(const QString &text)
     return failure == std::errc() && stopped == end ? std::optional(value) : std::nullopt;
 }
 
-/// The delivered response with a new status code and, where a body goes with it, that body's length.
+/// Copies the delivered response with a new status code. If @p bodyLength is given, Content-Length is set to
+/// it.
 NSHTTPURLResponsePtr rebuild(const NSHTTPURLResponsePtr &delivered, qint64 statusCode,
                              std::optional<qsizetype> bodyLength)
 {
@@ -52,7 +53,7 @@ NSHTTPURLResponsePtr rebuild(const NSHTTPURLResponsePtr &delivered, qint64 statu
         fields.insert_or_assign(description(name), description(value));
     if (bodyLength) {
         fields.insert_or_assign(contentLength, QString::number(*bodyLength));
-        // The session has decoded the body already, and an edit is never coded.
+        // The session has already decoded the body, and an edited body is never encoded.
         if (fields.contains(contentEncoding))
             fields.insert_or_assign(contentEncoding, QStringLiteral("identity"));
     }
@@ -118,9 +119,9 @@ void QXBreakpointCenter::continueActive()
     startCooldown();
     QXLog::log(QXLogLevel::info,
                QStringLiteral("[Breakpoint] continue active=%1 queue=%2 main=%3 cooldown=0.6s")
-                   .arg(QXLog::word(m_activeBreakpoint.has_value()))
+                   .arg(QXLog::boolText(m_activeBreakpoint.has_value()))
                    .arg(m_queue.size())
-                   .arg(QXLog::word(MainActor::isCurrent())));
+                   .arg(QXLog::boolText(MainActor::isCurrent())));
     release(std::nullopt, true, std::nullopt);
 }
 
@@ -166,7 +167,7 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
         m_queue.pop_front();
     }
     QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] resolved next=%1 queue=%2")
-                                     .arg(QXLog::word(m_activeBreakpoint.has_value()))
+                                     .arg(QXLog::boolText(m_activeBreakpoint.has_value()))
                                      .arg(m_queue.size()));
     postChange();
 }

@@ -5,44 +5,46 @@
 
 #include <deque>
 
-/// Holds the responses that match a rule, in one line, and releases them one by one. Main thread only.
+/// Holds the responses that match a rule in one queue and releases them one by one. Main thread only.
 class QUORVIX_INTERNAL_EXPORT QXBreakpointCenter
 {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
     using Clock = std::function<TimePoint()>;
 
-    /// The one center; made on first use, lives until the process ends.
+    /// The only center; created on first use, lives until the process ends.
     [[nodiscard]] static QXBreakpointCenter &shared();
 
     QXBreakpointCenter();
     QXBreakpointCenter(const QXBreakpointCenter &) = delete;
     QXBreakpointCenter &operator=(const QXBreakpointCenter &) = delete;
 
-    /// The held response now offered to the user.
+    /// The held response that the user can edit now.
     [[nodiscard]] const std::optional<QXBreakpointItem> &activeBreakpoint() const
     {
         return m_activeBreakpoint;
     }
-    /// Further held responses, oldest first; empty unless one is active.
+    /// The other held responses, oldest first. Empty if no response is active.
     [[nodiscard]] const std::deque<QXBreakpointItem> &queue() const { return m_queue; }
 
-    /// Holds the response and returns true; the trace is then completed, and @p completion called, on
-    /// release. False when nothing is held and delivery stays with the caller: during the cooldown after a
-    /// release, when no rule matches, or when there is no HTTP response.
+    /// Holds the response and returns true. The center then completes the trace and calls @p completion when
+    /// the response is released.
+    ///
+    /// Returns false if it does not hold the response; the caller must then deliver it. This is the case
+    /// during the cooldown after a release, if no rule matches, or if the response is not an HTTP response.
     [[nodiscard]] bool check(const Quorvix::URLRequest &request, const QString &requestId,
                              const std::optional<QByteArray> &data, const Quorvix::NSURLResponsePtr &response,
                              const std::optional<Quorvix::NSError> &error,
                              const Quorvix::DataTaskCompletionHandler &completion);
 
-    /// Releases the active response with its own status code and body.
+    /// Releases the active response with its original status code and body.
     void continueActive();
 
-    /// Releases the active response with an edited status code and body. A status text that is no decimal
-    /// integer leaves the code as it was; an absent body text gives an empty body.
+    /// Releases the active response with an edited status code and body. If the status text is not a decimal
+    /// integer, the status code stays as it was. An absent body text gives an empty body.
     void apply(const std::optional<QString> &statusCode, const std::optional<QString> &body);
 
-    /// Replaces the clock by which the cooldown is measured.
+    /// Replaces the clock that measures the cooldown.
     void setClock(Clock clock) { m_now = std::move(clock); }
 
 private:
@@ -55,6 +57,7 @@ private:
     std::optional<TimePoint> m_skipUntil;
     std::optional<QXBreakpointKey> m_lastContinuedKey;
     Clock m_now;
-    /// Set while the host's handler runs: it may reach back here through an event loop of its own.
+    /// True while the host's completion handler runs. The handler can run an event loop, which can call
+    /// release() again.
     bool m_isReleasing = false;
 };

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// What stands over the body of a held response, with what can be done to all of it.
+/// The caption above the body of a held response, with buttons that copy or delete the whole body.
 Item {
     id: root
 

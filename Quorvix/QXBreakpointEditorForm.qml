@@ -5,15 +5,15 @@ import Quorvix.Controls
 import Quorvix.Text
 import Quorvix
 
-/// What can be edited of a held response. The body takes the room that is left, and in a low window the whole of
-/// it scrolls, with what has the keyboard in sight.
+/// The editable parts of a held response. The body fills the remaining height. If the window is too low, the
+/// whole form scrolls and keeps the item with keyboard focus visible.
 Flickable {
     id: root
 
     required property QXBreakpointEditorModel model
     readonly property alias body: body
 
-    /// For the body, in its coordinates.
+    /// Requests the context menu of the body; @p position is in the body's coordinates.
     signal contextMenuRequested(point position)
 
     objectName: "QXBreakpointEditorForm"
@@ -26,7 +26,8 @@ Flickable {
     T.ScrollBar.vertical: QXScrollBar {}
 
     onHeightChanged: root.showFocus()
-    // The body shows its cursor itself: a press in it must not scroll before the cursor is there.
+    // The body scrolls to its cursor itself. A press in the body must not scroll the form before the cursor
+    // has moved there.
     Window.onActiveFocusItemChanged: {
         if (!body.activeFocus)
             root.showFocus();
@@ -73,14 +74,14 @@ Flickable {
             Accessible.name: qsTranslate("Quorvix", "RESPONSE BODY")
             onContextMenuRequested: position => root.contextMenuRequested(position)
             onRevealed: (top, bottom) => {
-                // All of it where there is room, but the cursor in any case.
+                // Shows the whole body if there is room for it, but the cursor in any case.
                 root.reveal(body.y, body.y + body.height);
                 root.reveal(body.y + top, body.y + bottom);
             }
         }
     }
 
-    /// Scrolls what has the keyboard into sight.
+    /// Scrolls until the item with keyboard focus is visible.
     function showFocus() {
         const item = root.Window.activeFocusItem;
         if (body.activeFocus) {

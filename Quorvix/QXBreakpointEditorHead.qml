@@ -2,7 +2,7 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix
 
-/// Which response is held, and its status code to be edited.
+/// Shows the title of the held response and a field for its status code.
 Column {
     id: root
 

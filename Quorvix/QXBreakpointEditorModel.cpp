@@ -29,7 +29,7 @@ void QXBreakpointEditorModel::continueResponse()
 
 void QXBreakpointEditorModel::applyChanges()
 {
-    // Copies: the release replaces the editor, and this model with it.
+    // Copies are needed: releasing the response replaces the editor and deletes this model.
     const QString statusCode = m_statusCodeText;
     const QString body = bodyText();
     QXBreakpointCenter::shared().apply(statusCode, body);

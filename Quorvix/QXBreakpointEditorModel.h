@@ -7,7 +7,7 @@
 #include <QtCore/QObject>
 #include <QtQml/qqmlregistration.h>
 
-/// The state of the breakpoint editor: what the user makes of one held response. Main thread only.
+/// The state of the breakpoint editor: the user's edits of one held response. Main thread only.
 class QXBreakpointEditorModel final : public QObject
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ class QXBreakpointEditorModel final : public QObject
     Q_PROPERTY(QString displayTitle READ displayTitle CONSTANT)
     Q_PROPERTY(
         QString statusCodeText READ statusCodeText WRITE setStatusCodeText NOTIFY statusCodeTextChanged)
-    /// The body as it is edited.
+    /// The body with the user's edits.
     Q_PROPERTY(QXTextDocument *document READ document CONSTANT)
 
 public:
@@ -28,13 +28,13 @@ public:
     [[nodiscard]] QXTextDocument *document() const noexcept { return m_document; }
     [[nodiscard]] QString bodyText() const { return m_document->text(); }
 
-    /// Releases the response as it came.
+    /// Releases the response without changes.
     Q_INVOKABLE void continueResponse();
-    /// Releases the response with both texts, exactly as they stand.
+    /// Releases the response with the edited status code and body.
     Q_INVOKABLE void applyChanges();
-    /// Places the body on the clipboard.
+    /// Copies the body to the clipboard.
     Q_INVOKABLE void copyBody();
-    /// Empties the body. The editor on screen does so itself, so that it can be undone.
+    /// Empties the body. The editor on screen does this itself instead, so that the user can undo it.
     Q_INVOKABLE void deleteBody();
 
 Q_SIGNALS:
@@ -43,6 +43,6 @@ Q_SIGNALS:
 private:
     QString m_displayTitle;
     QString m_statusCodeText;
-    /// A child.
+    /// Owned by this object as its QObject parent.
     QXTextDocument *m_document;
 };

@@ -5,7 +5,7 @@ import Quorvix
 
 /// The editor of a held response: its status code and its body, released unchanged or with the edits.
 ///
-/// Only the two buttons release a response: nothing answers Esc and the Back key.
+/// Only the two buttons release a response. The Esc key and the Back key do nothing.
 QXScreen {
     id: root
 

@@ -7,19 +7,20 @@
 
 #include <QtCore/QUuid>
 
-/// One held response, with all that it takes to release it. A value; its body is shared, never copied.
+/// One held response, with all the data that is needed to release it. A value; its body is shared, never
+/// copied.
 struct QUORVIX_INTERNAL_EXPORT QXBreakpointItem
 {
-    /// Fresh for every held response.
+    /// A new identifier for every held response.
     QUuid id;
     Quorvix::URLRequest request;
     /// The identifier of the exchange's trace.
     QString requestId;
-    /// As the session delivered it; never null.
+    /// The response as the session delivered it; never null.
     Quorvix::NSHTTPURLResponsePtr response;
     std::optional<QByteArray> data;
     std::optional<Quorvix::NSError> error;
-    /// The host's own completion handler.
+    /// The host's completion handler.
     Quorvix::DataTaskCompletionHandler completion;
 
     [[nodiscard]] std::optional<QXBreakpointKey> key() const;

@@ -8,23 +8,23 @@
 
 #include <optional>
 
-/// Names one endpoint: method, host and path. Scheme, port, query and fragment play no part.
+/// Identifies one endpoint by method, host and path. Scheme, port, query and fragment are ignored.
 ///
-/// A value; compares and hashes over all three texts, exactly as they stand.
+/// A value. Comparison and hash use all three texts and are case-sensitive.
 struct QUORVIX_INTERNAL_EXPORT QXBreakpointKey
 {
     /// The key of a request; absent when it has no URL.
     [[nodiscard]] static std::optional<QXBreakpointKey> make(const std::optional<QUrl> &url,
                                                              const std::optional<QString> &method);
 
-    /// In upper case; "GET" for a request without one.
+    /// In upper case; "GET" if the request has no method.
     QString method;
-    /// Empty for a URL without one; its case is kept.
+    /// Empty if the URL has no host; its case is not changed.
     QString host;
-    /// Percent-decoded; "/" when empty.
+    /// Percent-decoded; "/" if the URL's path is empty.
     QString path;
 
-    /// The method, a space, and the host with the path right after it.
+    /// The text for display: method, space, host and path, as in "GET example.com/users".
     [[nodiscard]] QString displayText() const;
 
     bool operator==(const QXBreakpointKey &) const = default;

@@ -1,15 +1,15 @@
 import QtQuick
 import Quorvix.Controls
 
-/// One breakpoint rule, with its ways to be deleted. A swipe towards its beginning uncovers a button; one across
-/// half the row deletes.
+/// One breakpoint rule, with the controls that delete it. A swipe to the leading edge shows a delete button;
+/// a swipe across half the row deletes the rule.
 Item {
     id: root
 
     required property string displayText
     property bool isEditing: false
     property bool isCurrent: false
-    /// How much of the button has been uncovered: 1 is all of it, and more stretches it.
+    /// The visible part of the delete button: 0 is none, 1 is all of it, and a larger value stretches it.
     property real uncovered: 0
 
     readonly property real direction: QXTheme.isMirrored ? -1 : 1

@@ -38,7 +38,8 @@ QList<QXBreakpointKey> QXBreakpointStore::sortedRules() const
     QCollator collator;
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     QList<QXBreakpointKey> sorted = m_rules.values();
-    // Texts that differ only in case still have one order, or the list would shuffle from call to call.
+    // Texts that differ only in case need a fixed order too. Otherwise the list could change from call to
+    // call.
     std::sort(sorted.begin(), sorted.end(), [&](const QXBreakpointKey &left, const QXBreakpointKey &right) {
         const QString leftText = left.displayText();
         const QString rightText = right.displayText();

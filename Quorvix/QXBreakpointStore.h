@@ -6,7 +6,7 @@
 #include <QtCore/QObject>
 #include <QtCore/QSet>
 
-/// The breakpoint rules now switched on, in memory only. Main thread only.
+/// The breakpoint rules that are switched on. They are kept in memory only. Main thread only.
 class QUORVIX_INTERNAL_EXPORT QXBreakpointStore final : public QObject
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ class QUORVIX_INTERNAL_EXPORT QXBreakpointStore final : public QObject
 public:
     using Rules = QSet<QXBreakpointKey>;
 
-    /// The one store; made on first use, lives until the process ends.
+    /// The only store; created on first use, lives until the process ends.
     [[nodiscard]] static QXBreakpointStore &shared();
 
     QXBreakpointStore();
@@ -25,11 +25,11 @@ public:
     void remove(const QXBreakpointKey &key);
     [[nodiscard]] bool contains(const QXBreakpointKey &key) const { return m_rules.contains(key); }
 
-    /// The rules by display text, ascending in the user's language, upper and lower case alike.
+    /// The rules sorted by display text in the user's language, ignoring case.
     [[nodiscard]] QList<QXBreakpointKey> sortedRules() const;
 
 Q_SIGNALS:
-    /// A change is about to take effect.
+    /// Emitted before the rules change.
     void objectWillChange();
     void rulesChanged();
 

@@ -12,10 +12,11 @@
 
 namespace {
 
-/// Above the overlay, as an alert's window is, and a little more.
+/// The level of the breakpoint window. It is above the overlay.
 constexpr int breakpointLevel = 2002;
 
-/// What has the keyboard in a window, or will have it when the window is active again.
+/// The item with keyboard focus in a window. If the window is not active, the item that gets the focus when
+/// the window becomes active.
 QQuickItem *focusItem(const QQuickWindow &window)
 {
     QQuickItem *item = window.contentItem();
@@ -36,7 +37,7 @@ QXBreakpointWindow::~QXBreakpointWindow()
 {
     returnFocus();
     m_layer->setVisible(false);
-    // Later: it may be a click on the editor that closes it.
+    // Deleted later, because a click handler of the editor may be running now.
     m_layer->deleteLater();
     const QWindow *const window = m_layer->window();
     if (m_previousWindow && m_previousWindow->isVisible() && window && window->isActive())
@@ -81,7 +82,7 @@ bool QXBreakpointWindow::isKeyWindow() const
     return m_editor && m_editor->hasActiveFocus();
 }
 
-/// Brings the window to the front, with the keyboard.
+/// Brings the window to the front and gives it keyboard focus.
 void QXBreakpointWindow::activate()
 {
     QWindow *const window = m_layer->window();
@@ -94,7 +95,7 @@ void QXBreakpointWindow::activate()
     if (window->windowStates() & Qt::WindowMinimized)
         window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
     window->setVisible(true);
-    if (QXHostWindow::areStacked())
+    if (QXHostWindow::windowsCanOverlap())
         window->raise();
     window->requestActivate();
 }
@@ -104,7 +105,8 @@ void QXBreakpointWindow::takeFocus()
     m_editor->forceActiveFocus(Qt::ActiveWindowFocusReason);
 }
 
-/// Unless something else of the window has taken the keyboard from the editor.
+/// Returns keyboard focus to the previous item, unless another item of the window has taken it from the
+/// editor.
 void QXBreakpointWindow::returnFocus()
 {
     if (m_editor && m_editor->hasFocus() && m_previousFocus)

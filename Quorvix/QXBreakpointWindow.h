@@ -12,27 +12,27 @@ class QQuickItem;
 class QQuickWindow;
 class QXLayer;
 
-/// The window of the breakpoint editor: a layer above all others, with the keyboard. Main thread only.
+/// The window of the breakpoint editor: a layer above all others that has keyboard focus. Main thread only.
 ///
-/// The keyboard goes back to where it was once the editor is gone.
+/// When the editor closes, keyboard focus returns to the item that had it before.
 class QXBreakpointWindow
 {
 public:
-    /// Lies over @p window; @p engine must outlive it.
+    /// Shows the layer over @p window. @p engine must outlive this object.
     QXBreakpointWindow(QQmlEngine &engine, QQuickWindow *window);
     ~QXBreakpointWindow();
 
-    /// Shows an editor for @p item, in place of the one that was there, and takes the keyboard, from another
-    /// window too.
+    /// Shows an editor for @p item and takes keyboard focus, also from another window. Replaces the previous
+    /// editor.
     void makeKeyAndVisible(const QXBreakpointItem &item);
-    /// Lies over another window from now on.
+    /// Moves the layer to another window.
     void attach(QQuickWindow *window);
-    /// Gives the keyboard to @p item when the editor is gone; to nobody if that is null.
+    /// Sets the item that gets keyboard focus when the editor closes. With null, no item gets it.
     void setPreviousFocus(QQuickItem *item);
 
-    /// Whether the keyboard is the editor's.
+    /// Whether the editor has keyboard focus.
     [[nodiscard]] bool isKeyWindow() const;
-    /// The editor on show.
+    /// The editor that is shown, or null.
     [[nodiscard]] QQuickItem *editor() const { return m_editor; }
 
 private:
@@ -44,6 +44,6 @@ private:
     QXLayer *m_layer;
     QPointer<QQuickItem> m_editor;
     QPointer<QQuickItem> m_previousFocus;
-    /// The one that was active instead of the layer's.
+    /// The window that was active before the layer's window.
     QPointer<QWindow> m_previousWindow;
 };

@@ -5,7 +5,8 @@ import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix
 
-/// The breakpoint rules that are switched on; a row is deleted with a swipe, the Delete key, or in edit mode.
+/// The list of breakpoint rules that are switched on. The user deletes a row with a swipe, with the Delete
+/// key, or in edit mode.
 FocusScope {
     id: root
 

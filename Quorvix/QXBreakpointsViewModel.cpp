@@ -40,7 +40,7 @@ void QXBreakpointsViewModel::deleteRules(const QList<int> &offsets)
     m_store.setRules(rules);
 }
 
-/// Both lists are in the same order, so what stays need not move.
+/// Both lists have the same order, so unchanged rows never move.
 void QXBreakpointsViewModel::refresh()
 {
     const QXBreakpointStore::Rules rules = m_store.rules();

@@ -5,7 +5,8 @@
 #include <QtCore/QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
-/// The breakpoint rules as a list, in the store's sorted order; follows the store. Main thread only.
+/// The breakpoint rules as a list model, in the store's sorted order. Updates when the store changes. Main
+/// thread only.
 class QXBreakpointsViewModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -14,9 +15,9 @@ class QXBreakpointsViewModel : public QAbstractListModel
 public:
     enum Role { DisplayTextRole = Qt::UserRole };
 
-    /// Feeds on the shared store.
+    /// Uses the shared store.
     explicit QXBreakpointsViewModel(QObject *parent = nullptr);
-    /// Feeds on @p store, which must outlive the model.
+    /// Uses @p store, which must outlive the model.
     explicit QXBreakpointsViewModel(QXBreakpointStore &store, QObject *parent = nullptr);
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
@@ -25,7 +26,7 @@ public:
 
     [[nodiscard]] const QList<QXBreakpointKey> &items() const noexcept { return m_items; }
 
-    /// Removes the rules in these rows from the store. Rows that do not exist are passed over.
+    /// Removes the rules of these rows from the store. Rows that do not exist are ignored.
     Q_INVOKABLE void deleteRules(const QList<int> &offsets);
 
 private:

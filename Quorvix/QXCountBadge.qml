@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// How many exchanges there are, at the corner of the floating button; hidden while there is nothing to say.
+/// The number of exchanges, at the corner of the floating button. Hidden while the text is empty.
 Rectangle {
     id: root
 

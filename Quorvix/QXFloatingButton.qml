@@ -124,22 +124,22 @@ QXPressable {
     onClicked: overlay.handleFloatingButtonTap()
 
     DragHandler {
-        property vector2d followed
+        property vector2d previousTranslation
 
         target: null
-        // Once it is a drag it is no tap: the button loses its press.
+        // Takes the grab from the button, so that a drag does not count as a tap.
         grabPermissions: PointerHandler.CanTakeOverFromAnything
         onActiveTranslationChanged: {
             if (!active)
                 return;
-            const step = activeTranslation.minus(followed);
-            followed = activeTranslation;
+            const step = activeTranslation.minus(previousTranslation);
+            previousTranslation = activeTranslation;
             root.overlay.handleButtonPan(Qt.point(step.x, step.y));
         }
         onActiveChanged: {
             if (!active)
                 root.overlay.handleButtonPanEnd();
-            followed = Qt.vector2d(0, 0);
+            previousTranslation = Qt.vector2d(0, 0);
         }
     }
 }

@@ -34,7 +34,7 @@ bool QXHostWindow::isFallback(const QQuickWindow *window)
     return window->property(fallbackProperty).toBool();
 }
 
-bool QXHostWindow::areStacked()
+bool QXHostWindow::windowsCanOverlap()
 {
     return QStringList{QStringLiteral("xcb"), QStringLiteral("wayland"), QStringLiteral("windows"),
                        QStringLiteral("cocoa")}

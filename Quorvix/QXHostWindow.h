@@ -4,24 +4,24 @@
 
 class QQuickWindow;
 
-/// Finds the host's window, or makes do without one. Main thread only.
+/// Finds the host's window, or makes a replacement if there is none. Main thread only.
 namespace QXHostWindow {
 
-/// The host's active Qt Quick window, else any that is visible, else null.
+/// Returns the host's active Qt Quick window, or any visible one, or null.
 [[nodiscard]] QQuickWindow *find();
 
-/// Whether the inspector made @p window for itself.
+/// Whether @p window was made by makeFallback().
 [[nodiscard]] bool isFallback(const QQuickWindow *window);
 
-/// Whether the platform lays windows over one another. Where it does not there is nothing beneath, and asking
-/// for a mask or for another order only earns a warning.
-[[nodiscard]] bool areStacked();
+/// Whether windows can overlap on this platform. If they cannot, nothing is below a window, and Qt prints a
+/// warning when the program sets a mask or raises a window.
+[[nodiscard]] bool windowsCanOverlap();
 
-/// A transparent window of the main screen's size, for an application that has none of its own.
+/// Makes a transparent window of the main screen's size, for an application without a window of its own.
 [[nodiscard]] std::unique_ptr<QQuickWindow> makeFallback();
 
-/// Makes a fallback window part of the window that the host shows now, so that it ends with the host's
-/// windows and never keeps the application from ending.
+/// Makes a fallback window a transient child of the host's focused window. The fallback window then closes
+/// with the host's windows and does not keep the application running.
 void followFocus(QQuickWindow &fallback);
 
 } // namespace QXHostWindow

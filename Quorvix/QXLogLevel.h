@@ -2,7 +2,7 @@
 
 #include <optional>
 
-/// How much the inspector writes about itself; compared by raw value.
+/// The amount of diagnostic output of the inspector; levels are compared by raw value.
 enum class QXLogLevel : unsigned char {
     none = 0,
     error = 1,
@@ -10,7 +10,7 @@ enum class QXLogLevel : unsigned char {
     debug = 3,
 };
 
-/// The level with this raw value; absent outside 0 to 3.
+/// Returns the level with this raw value; absent outside 0 to 3.
 [[nodiscard]] constexpr std::optional<QXLogLevel> makeQXLogLevel(int rawValue)
 {
     if (rawValue < 0 || rawValue > 3)

@@ -21,19 +21,19 @@ using namespace Quorvix;
 
 namespace {
 
-/// Above the status bar.
+/// The level of the overlay. It is above the status bar.
 constexpr int overlayLevel = 1100;
 constexpr qreal buttonSize = 52;
 constexpr qreal buttonRadius = buttonSize / 2;
-/// What stays free between the button and the edge of the safe area.
+/// The minimum distance between the button and the edge of the safe area.
 constexpr qreal edgeDistance = 12;
-/// Where the button's centre stands by default, from the left and the bottom edge.
+/// The default distance of the button's centre from the left edge and from the bottom edge.
 constexpr qreal defaultDistance = 50;
-/// How far the badge and the shadow reach beyond the button.
+/// The distance that the badge and the shadow extend beyond the button.
 constexpr int buttonMargin = 24;
 constexpr qsizetype largestBadge = 99;
 
-/// Within the bounds, the lower one first: where there is no room the upper one holds.
+/// Limits the offset to both bounds. If there is too little room for the button, the upper bound applies.
 qreal clampOffset(qreal offset, qreal extent)
 {
     const qreal bound = extent / 2 - buttonRadius - edgeDistance;
@@ -53,13 +53,14 @@ QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine()), m_layer(std::make_un
     connect(m_layer.get(), &QQuickItem::widthChanged, this, moved);
     connect(m_layer.get(), &QQuickItem::heightChanged, this, moved);
     connect(safeArea(), &QXSafeArea::marginsChanged, this, moved);
-    // Later: it may be Qt that tells of a window in the middle of its work with it.
-    connect(m_layer.get(), &QXLayer::windowLost, this, &QXOverlay::settle, Qt::QueuedConnection);
-    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXOverlay::settle, Qt::QueuedConnection);
+    // Queued, because Qt may emit these signals while it is still changing the window.
+    connect(m_layer.get(), &QXLayer::windowLost, this, &QXOverlay::moveToHostWindow, Qt::QueuedConnection);
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXOverlay::moveToHostWindow,
+            Qt::QueuedConnection);
     connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateMask);
 
     if (QXHostWindow::find()) {
-        settle();
+        moveToHostWindow();
     } else {
         m_fallbackWindow = QXHostWindow::makeFallback();
         m_layer->attach(m_fallbackWindow.get());
@@ -95,7 +96,7 @@ bool QXOverlay::isHidden() const
     return !m_layer->isVisible();
 }
 
-void QXOverlay::retire()
+void QXOverlay::shutDown()
 {
     m_requestsObserver = {};
     m_breakpointObserver = {};
@@ -109,8 +110,8 @@ QQuickWindow *QXOverlay::window() const
     return m_layer->window();
 }
 
-/// Moves over the host's window when there is one to move to.
-void QXOverlay::settle()
+/// Moves the layer to the host's window, if there is one.
+void QXOverlay::moveToHostWindow()
 {
     QQuickWindow *const current = m_layer->window();
     if (current && current != m_fallbackWindow.get() && current->isVisible())
@@ -132,7 +133,7 @@ void QXOverlay::settle()
     Q_EMIT buttonMoved();
 }
 
-// The button's place
+// The button's position
 
 QXSafeArea *QXOverlay::safeArea() const
 {
@@ -153,7 +154,8 @@ QXOverlayPoint QXOverlay::constraint() const
 
 QPointF QXOverlay::buttonCenter() const
 {
-    // A place that was chosen in a larger window is brought into this one, and kept for when it grows again.
+    // A position from a larger window is only limited here, not changed, so that it applies again when the
+    // window grows.
     const QRectF area = safeRect();
     const QXOverlayPoint offset = constraint();
     return area.center() + QPointF(clampOffset(offset.x, area.width()), clampOffset(offset.y, area.height()));
@@ -185,15 +187,16 @@ bool QXOverlay::hitTest(const QPointF &point) const
     return !isHidden() && (m_isShowingRequestList || buttonFrame().contains(point));
 }
 
-/// The fallback window lies over other applications: only what is visible of it may take their clicks.
+/// The fallback window covers other applications. The mask lets it receive clicks only where something is
+/// visible.
 void QXOverlay::updateMask()
 {
-    if (!m_fallbackWindow || !QXHostWindow::areStacked())
+    if (!m_fallbackWindow || !QXHostWindow::windowsCanOverlap())
         return;
-    const bool fills = m_isShowingRequestList || m_breakpointWindow;
+    const bool coversWindow = m_isShowingRequestList || m_breakpointWindow;
     const QRect button = buttonFrame().toAlignedRect();
     m_fallbackWindow->setMask(
-        fills ? QRegion() : button.adjusted(-buttonMargin, -buttonMargin, buttonMargin, buttonMargin));
+        coversWindow ? QRegion() : button.adjusted(-buttonMargin, -buttonMargin, buttonMargin, buttonMargin));
 }
 
 // The badge
@@ -247,7 +250,7 @@ void QXOverlay::requestListDismissed()
     m_isShowingRequestList = false;
     Q_EMIT presentationChanged();
     if (m_breakpointWindow && m_breakpointWindow->editor())
-        m_breakpointWindow->setPreviousFocus(m_previousFocus); // it has the keyboard, and keeps it for now
+        m_breakpointWindow->setPreviousFocus(m_previousFocus); // the editor has keyboard focus now
     else if (m_previousFocus)
         m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
 }
@@ -259,8 +262,8 @@ void QXOverlay::handleBreakpointChanged()
     const auto &active = QXBreakpointCenter::shared().activeBreakpoint();
     QXLog::log(QXLogLevel::info,
                QStringLiteral("[Breakpoint] change active=%1 showingList=%2")
-                   .arg(QXLog::word(active.has_value()), QXLog::word(m_isShowingRequestList)));
-    const auto isKey = QXLog::word(m_breakpointWindow && m_breakpointWindow->isKeyWindow());
+                   .arg(QXLog::boolText(active.has_value()), QXLog::boolText(m_isShowingRequestList)));
+    const auto isKey = QXLog::boolText(m_breakpointWindow && m_breakpointWindow->isKeyWindow());
     if (active) {
         QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] show window id=%1 key=%2")
                                           .arg(active->id.toString(QUuid::WithoutBraces).toUpper(), isKey));
@@ -273,7 +276,7 @@ void QXOverlay::handleBreakpointChanged()
         QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] hide window key=") + isKey);
         m_breakpointWindow.reset();
         if (m_fallbackWindow)
-            m_fallbackWindow->setVisible(!isHidden()); // as it was before the editor needed it
+            m_fallbackWindow->setVisible(!isHidden()); // the editor may have changed it
     }
     updateMask();
 }

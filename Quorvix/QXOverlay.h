@@ -23,8 +23,8 @@ class QXSafeArea;
 
 /// The floating button over the host's window, with the request list that it opens. Main thread only.
 ///
-/// It lays itself over the active window of the host, or over a window of its own as long as there is none,
-/// and claims no more of it than the button while the list is closed. It also puts up the breakpoint window.
+/// The overlay covers the active window of the host, or a fallback window while the host has none. While the
+/// list is closed, it takes input only at the button. It also shows the breakpoint window.
 class QXOverlay : public QObject
 {
     Q_OBJECT
@@ -33,10 +33,10 @@ class QXOverlay : public QObject
     QML_UNCREATABLE("made by the client")
     /// The centre of the button in the layer's coordinates, in points.
     Q_PROPERTY(QPointF buttonCenter READ buttonCenter NOTIFY buttonMoved)
-    /// The count on the badge; empty while it is hidden.
+    /// The text of the badge; empty while the badge is hidden.
     Q_PROPERTY(QString badgeText READ badgeText NOTIFY badgeChanged)
-    /// Whether the request list is to be on screen. It is still there while this is false and
-    /// isShowingRequestList true: that is its way out.
+    /// Whether the request list is open or opening. While this is false and isShowingRequestList is true,
+    /// the list is closing.
     Q_PROPERTY(bool presentsRequestList READ presentsRequestList NOTIFY presentationChanged)
     Q_PROPERTY(bool isShowingRequestList READ isShowingRequestList NOTIFY presentationChanged)
     Q_PROPERTY(QXSafeArea *safeArea READ safeArea CONSTANT)
@@ -49,33 +49,35 @@ public:
 
     void setHidden(bool hidden);
     [[nodiscard]] bool isHidden() const;
-    /// Lets go of the host, for good, once hidden: nothing that happens from now on is shown.
-    void retire();
+    /// Disconnects the overlay from the host before it is deleted: it no longer reacts to changes. The
+    /// caller must hide the overlay first.
+    void shutDown();
 
     [[nodiscard]] QPointF buttonCenter() const;
     [[nodiscard]] QRectF buttonFrame() const;
     [[nodiscard]] const QString &badgeText() const noexcept { return m_badgeText; }
     [[nodiscard]] bool presentsRequestList() const noexcept { return m_presentsRequestList; }
     [[nodiscard]] bool isShowingRequestList() const noexcept { return m_isShowingRequestList; }
-    /// That of the window that the overlay lies over.
+    /// The safe area of the overlay's window.
     [[nodiscard]] QXSafeArea *safeArea() const;
 
     /// Whether a touch at @p point, in the layer's coordinates, is for the overlay and not for the host.
     [[nodiscard]] bool hitTest(const QPointF &point) const;
 
-    /// The window that the overlay lies over now.
+    /// The window that the overlay currently covers.
     [[nodiscard]] QQuickWindow *window() const;
     [[nodiscard]] QXBreakpointWindow *breakpointWindow() const { return m_breakpointWindow.get(); }
 
-    /// Opens the request list, or asks it to leave.
+    /// Opens or closes the request list.
     Q_INVOKABLE void handleFloatingButtonTap();
     /// Moves the button by @p translation, within the safe area.
     Q_INVOKABLE void handleButtonPan(const QPointF &translation);
-    /// Remembers where the button was released.
+    /// Saves the position of the button in the settings.
     Q_INVOKABLE void handleButtonPanEnd();
-    /// Asks the request list to leave.
+    /// Starts to close the request list.
     Q_INVOKABLE void dismissRequestList();
-    /// The request list has left the screen.
+    /// Called by the view when the animation of the request list ends. If the list was closing, it is now
+    /// closed.
     Q_INVOKABLE void requestListDismissed();
 
 Q_SIGNALS:
@@ -86,7 +88,7 @@ Q_SIGNALS:
 private:
     void handleRequestsChanged();
     void handleBreakpointChanged();
-    void settle();
+    void moveToHostWindow();
     void updateBadge();
     void updateMask();
     [[nodiscard]] QRectF safeRect() const;
@@ -98,7 +100,7 @@ private:
     QQuickItem *m_view = nullptr;
     std::unique_ptr<QXBreakpointWindow> m_breakpointWindow;
     QPointer<QQuickItem> m_previousFocus;
-    /// Where the button was put; absent while it stands where it does by default.
+    /// The position that the user has chosen for the button; absent while it is at the default position.
     std::optional<QXOverlayPoint> m_constraint;
     QString m_badgeText;
     bool m_presentsRequestList = false;

@@ -4,12 +4,12 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix
 
-/// What lies over the host's window: the floating button, and beneath it the request list while it is open.
+/// The content of the overlay: the floating button, and below it the request list while it is open.
 FocusScope {
     id: root
 
     required property QXOverlay overlay
-    /// How far the list has come up, from 0 to 1.
+    /// The progress of the opening list, from 0 (closed) to 1 (open).
     property real progress: 0
 
     LayoutMirroring.enabled: QXTheme.isMirrored
@@ -20,7 +20,7 @@ FocusScope {
         enabled: root.overlay.isShowingRequestList
     }
 
-    // A list screen for each presentation: none or one.
+    // A Repeater makes a new list screen each time the list opens.
     Repeater {
         model: root.overlay.isShowingRequestList ? 1 : 0
 

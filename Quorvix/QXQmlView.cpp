@@ -37,7 +37,7 @@ std::unique_ptr<QQmlEngine> QXQmlView::makeEngine()
     auto engine = std::make_unique<QQmlEngine>();
     engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine->addImageProvider(QStringLiteral("symbol"), new QXSymbolProvider);
-    // What goes wrong in a screen is told by the log, when it is on, and never by the process's own output.
+    // Errors in a screen go to the inspector's log if it is enabled, and never to the standard error output.
     engine->setOutputWarningsToStandardError(false);
     QObject::connect(engine.get(), &QQmlEngine::warnings, [](const QList<QQmlError> &warnings) {
         for (const QQmlError &warning : warnings)

@@ -11,11 +11,11 @@ class QQuickItem;
 /// Makes the inspector's screens from their QML files. Main thread only.
 namespace QXQmlView {
 
-/// An engine that knows the inspector's module and symbols, apart from any engine of the host.
+/// Makes an engine that knows the inspector's module and symbols. It is independent of the host's engines.
 [[nodiscard]] std::unique_ptr<QQmlEngine> makeEngine();
 
-/// The screen of this name, filling @p parent and owned by it; null when its file cannot be loaded, which the
-/// log tells.
+/// Makes the screen of this name as a child of @p parent that fills it. Returns null if its file cannot be
+/// loaded; the reason is written to the log.
 [[nodiscard]] QQuickItem *make(QQmlEngine &engine, const QString &name, const QVariantMap &properties,
                                QQuickItem &parent);
 

@@ -17,7 +17,7 @@ namespace {
 
 constexpr QByteArrayView hookedSelector{"qx_hookedDataTaskWith:completionHandler:"};
 
-/// The method under hookedSelector: before the exchange our own, after it the platform's.
+/// The method of hookedSelector. It is our own before the exchange and the platform's after it.
 std::atomic<const Method *> hookedMethod = nullptr;
 
 QString makeIdentifier()
@@ -25,7 +25,8 @@ QString makeIdentifier()
     return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
 }
 
-/// Tells the breakpoint center, the recorder and the host of an exchange's end, in this order. Main thread.
+/// Reports the end of an exchange to the breakpoint center, the recorder and the host, in this order. Main
+/// thread.
 void finish(const URLRequest &request, const QString &identifier, const std::optional<QByteArray> &data,
             const NSURLResponsePtr &response, const std::optional<NSError> &error,
             const DataTaskCompletionHandler &completion)
@@ -37,15 +38,16 @@ void finish(const URLRequest &request, const QString &identifier, const std::opt
         completion(data, response, error);
 }
 
-/// Stands in for the session's data-task method. Runs on the host's thread, so it only schedules.
+/// Replaces the session's data-task method. It runs on the host's thread, so it only schedules work on the
+/// main thread.
 NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &request,
                                        DataTaskCompletionHandler completion)
 {
     const QString identifier = makeIdentifier();
     MainActor::schedule([identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
 
-    // Called once, on the session's thread; what the host captured moves on to the main thread and ends
-    // there.
+    // Called once, on the session's thread. The host's completion handler is moved to the main thread, so
+    // that its captured objects are destroyed there.
     auto wrapper = [request, identifier, completion = std::move(completion)](
                        std::optional<QByteArray> data, NSURLResponsePtr response,
                        std::optional<NSError> error) mutable {

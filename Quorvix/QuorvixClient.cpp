@@ -12,8 +12,8 @@ using namespace Quorvix;
 
 void QuorvixClient::DeleteLater::operator()(QXOverlay *overlay) const
 {
-    overlay->retire();
-    // Later: hide() may be called by a handler that the overlay itself has called.
+    overlay->shutDown();
+    // Deleted later, because hide() may be called by a handler that the overlay itself has called.
     overlay->deleteLater();
 }
 
@@ -64,7 +64,7 @@ void QuorvixClient::hide()
 void QuorvixClient::applicationEnds()
 {
     shared().hide();
-    // No event loop will: what was put off until later is for now.
+    // No event loop runs after this, so deferred deletions must be processed now.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 

@@ -7,16 +7,16 @@
 
 class QXOverlay;
 
-/// All that a host application needs to touch.
+/// The entry point for a host application.
 ///
 /// @code
-/// QuorvixClient::shared().start(); // from now on every data task is captured, and the button floats
+/// QuorvixClient::shared().start(); // captures every data task from now on and shows the floating button
 /// @endcode
 class QUORVIX_EXPORT QuorvixClient
 {
 public:
-    /// The one client; made on first use, lives until the process ends. Its making starts the capture of
-    /// every data task that is created with a completion handler, for the rest of the process. Any thread.
+    /// The only client; created on first use, lives until the process ends. Its constructor starts the
+    /// capture of every data task with a completion handler, until the process ends. Any thread.
     [[nodiscard]] static QuorvixClient &shared();
 
     QuorvixClient(const QuorvixClient &) = delete;
@@ -24,17 +24,17 @@ public:
 
     /// The same as show().
     void start();
-    /// Puts up the floating button, over the active Qt Quick window. Does nothing
-    /// without a QGuiApplication. Main thread only.
+    /// Shows the floating button over the active Qt Quick window. Does nothing without a QGuiApplication.
+    /// Main thread only.
     void show();
-    /// Takes the button and its screens away. Capture goes on. Main thread only.
+    /// Removes the button and its screens. Capture continues. Main thread only.
     void hide();
 
-    /// How much the inspector writes about itself; none unless set. Any thread.
+    /// The amount of diagnostic output of the inspector; none by default. Any thread.
     [[nodiscard]] QXLogLevel logLevel() const;
     void setLogLevel(QXLogLevel level);
 
-    /// The overlay now up, or null. Main thread only.
+    /// The current overlay, or null. Main thread only.
     [[nodiscard]] QXOverlay *overlayWindow() const;
 
 private:

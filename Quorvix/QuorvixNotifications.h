@@ -2,13 +2,13 @@
 
 #include <QtCore/QLatin1StringView>
 
-/// Names of what the default notification center posts, on the main thread, with nothing besides: an observer
-/// reads the shared objects anew.
+/// The names of the notifications that the default notification center posts on the main thread. They carry
+/// no data; an observer reads the shared objects again.
 /// @{
 
-/// After every change of the list of QXRequestRecorder::shared().
+/// Posted after every change of the list of QXRequestRecorder::shared().
 inline constexpr QLatin1StringView QuorvixRequestsChanged{"QuorvixRequestsChanged"};
-/// When a held response becomes the active one, and after every release.
+/// Posted when a held response becomes the active one, and after every release.
 inline constexpr QLatin1StringView QuorvixBreakpointChanged{"QuorvixBreakpointChanged"};
 
 /// @}
