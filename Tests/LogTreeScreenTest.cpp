@@ -207,6 +207,8 @@ void LogTreeScreenTest::listKeepsItsPlace()
         ScreenDriver::turnWheel(*m_window, QPoint(200, 500), 3);
         return list()->property("contentY").toReal() > 500;
     }));
+    // A click into a list that glides stops it and does nothing else.
+    QTRY_VERIFY(!list()->property("moving").toBool());
     QVERIFY(waitFor("QXLogTreeRow"));
     const QPoint at(200, 400);
     const auto rowAt = [this](QPointF point) -> QQuickItem * {

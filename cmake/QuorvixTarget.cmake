@@ -100,7 +100,7 @@ function(quorvix_product target)
     if(type STREQUAL "STATIC_LIBRARY")
         target_compile_definitions(${target} INTERFACE QUORVIX_STATIC)
     endif()
-    target_include_directories(${target} INTERFACE
+    target_include_directories(${target} SYSTEM INTERFACE
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_link_libraries(${target} PUBLIC ${product_PUBLIC} PRIVATE ${product_PRIVATE})
 endfunction()
