@@ -6,11 +6,12 @@
 
 namespace Quorvix {
 
-/// A parsed JSON text. Copies share it; it owns what its values point into, not the text it was made from.
+/// A parsed JSON text. Copies share the parsed data, which the values point into. The document does not keep
+/// the text that it was parsed from.
 class QUORVIX_INTERNAL_EXPORT JSONDocument
 {
 public:
-    /// The deepest nesting that is read.
+    /// The parser refuses a text that is nested deeper than this.
     static constexpr int maximumDepth = 1024;
 
     [[nodiscard]] JSONValue root() const noexcept;

@@ -54,7 +54,7 @@ char *escape(unsigned char c, char *to)
 
 constexpr qsizetype blockSize = JSONEscape::largestBlock;
 
-/// Copies a block whole and tells how many bytes come before the first that needs an escape.
+/// Copies a whole block and returns how many bytes come before the first one that needs an escape.
 qsizetype copyPlain(const char *from, char *to)
 {
     const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
@@ -70,14 +70,15 @@ qsizetype copyPlain(const char *from, char *to)
 
 constexpr qsizetype blockSize = 8;
 
-/// Copies a block whole and tells how many bytes come before the first that needs an escape.
+/// Copies a whole block and returns how many bytes come before the first one that needs an escape.
 qsizetype copyPlain(const char *from, char *to)
 {
     constexpr quint64 ones = 0x0101010101010101;
     constexpr quint64 tops = 0x8080808080808080;
     std::copy_n(from, blockSize, to);
     const auto block = qFromLittleEndian<quint64>(from);
-    // The top bit of each byte that is below a limit, exact up to the lowest such byte, which is all we ask.
+    // Sets the top bit of each byte that is below the limit. The result is exact only up to the first such
+    // byte, and the caller needs no more.
     const auto below = [](quint64 bytes, quint64 limit) {
         return (bytes - ones * limit) & ~bytes & tops;
     };
@@ -108,7 +109,7 @@ char *encodeUtf8(char32_t c, char *to)
     return to;
 }
 
-/// Takes the next character off the front, U+FFFD for half of a pair.
+/// Removes the next character from the front and returns it; half of a surrogate pair gives U+FFFD.
 char32_t takeCharacter(const char16_t *&from, const char16_t *end)
 {
     const char16_t unit = *from++;
@@ -121,7 +122,7 @@ char32_t takeCharacter(const char16_t *&from, const char16_t *end)
 
 constexpr char base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-/// The two letters of every twelve bits.
+/// The two Base64 letters for each value of twelve bits.
 constexpr auto base64Pairs = [] {
     std::array<std::array<char, 2>, 4096> pairs{};
     for (size_t i = 0; i < pairs.size(); ++i)

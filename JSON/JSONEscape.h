@@ -5,13 +5,13 @@
 
 namespace Quorvix {
 
-/// The inner loops of JSONWriter. Each writes from `to` on, where there must be room, and returns the new
-/// end.
+/// The inner loops of JSONWriter. Each function writes at `to` and returns the end of what it wrote. The
+/// caller makes sure that there is enough room.
 namespace JSONEscape {
 
-/// What one unit can grow to: \u001f.
+/// The number of bytes that one unit of text can become, as in \u001f.
 inline constexpr qsizetype longestEscape = 6;
-/// Text is stored in whole blocks, even where only the beginning of one counts.
+/// Text is copied in whole blocks, so the caller reserves this many bytes more than the text needs.
 inline constexpr qsizetype largestBlock = 16;
 
 constexpr qsizetype roomForText(qsizetype units)
@@ -24,11 +24,11 @@ constexpr qsizetype roomForBase64(qsizetype bytes)
     return (bytes + 2) / 3 * 4;
 }
 
-/// Well-formed UTF-8, escaped. Plain stretches are copied many bytes at a time.
+/// Writes well-formed UTF-8 with escapes. Text without escapes is copied many bytes at a time.
 char *utf8(QByteArrayView text, char *to);
-/// UTF-16 as escaped UTF-8; a lone surrogate becomes U+FFFD.
+/// Writes UTF-16 as UTF-8 with escapes; a lone surrogate becomes U+FFFD.
 char *utf16(QStringView text, char *to);
-/// Base64 (RFC 4648, section 4) with padding.
+/// Writes bytes as Base64 (RFC 4648, section 4) with padding.
 char *base64(QByteArrayView bytes, char *to);
 
 } // namespace JSONEscape

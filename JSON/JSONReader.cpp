@@ -13,7 +13,7 @@ using SimdjsonFence::Failure;
 
 namespace {
 
-/// In the order of the enumerators.
+/// One sentence for each failure, in the order of the enumerators.
 constexpr const char *sentences[] = {
     QT_TRANSLATE_NOOP("Quorvix", "The text is empty."),
     QT_TRANSLATE_NOOP("Quorvix", "The text is not valid UTF-8."),

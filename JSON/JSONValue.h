@@ -12,13 +12,13 @@ namespace Quorvix {
 
 /// One value of a parsed JSON text: a cursor of two words, valid as long as a JSONDocument of its text lives.
 ///
-/// An object keeps its members in the order of the text, and those of the same name side by side with it.
-/// Immutable; may be read from several threads.
+/// An object keeps its members in the order of the text, also several members with the same name.
+/// Immutable; several threads may read it.
 class QUORVIX_INTERNAL_EXPORT JSONValue
 {
 public:
     enum class Kind { Object, Array, String, Number, Boolean, Null };
-    /// The narrowest form that holds a number; Double for those of wideNumber().
+    /// The narrowest form that holds a number; Double for a number that wideNumber() returns.
     enum class NumberKind { Int64, UInt64, Double };
 
     class Elements;
@@ -32,12 +32,12 @@ public:
 
     /// The form of a Number.
     [[nodiscard]] NumberKind numberKind() const noexcept;
-    /// A number in the form asked for; 0 when that form cannot hold it, or for other kinds.
+    /// The number in this form; 0 when the form cannot hold it, and for other kinds.
     [[nodiscard]] qint64 toInt64() const noexcept;
     [[nodiscard]] quint64 toUInt64() const noexcept;
     [[nodiscard]] double toDouble() const noexcept;
-    /// The text of an integer beyond 64 bits, or of a number beyond the range of a double, which toDouble()
-    /// gives only the nearest finite double of. Empty for every other value.
+    /// The text of an integer beyond 64 bits, or of a number beyond the range of a double. For such a number
+    /// toDouble() returns only the nearest finite double. Empty for every other value.
     [[nodiscard]] QByteArrayView wideNumber() const noexcept;
 
     /// Whether this is the value `true`.
@@ -49,13 +49,13 @@ public:
     [[nodiscard]] Members members() const noexcept;
     /// How many elements or members there are.
     [[nodiscard]] qsizetype size() const noexcept;
-    /// The member of this name, the last one when there are several. Linear.
+    /// The member with this name, or the last one when there are several. Takes linear time.
     [[nodiscard]] std::optional<JSONValue> member(QByteArrayView nameUtf8) const noexcept;
 
 private:
     friend class JSONDocument;
 
-    /// Has the shape of simdjson's own cursors; see SimdjsonFence.h.
+    /// Has the memory layout of simdjson's own cursors; see SimdjsonFence.h.
     struct Cursor
     {
         const void *document = nullptr;

@@ -21,13 +21,13 @@ bool isPartOfNumber(char c)
     return isDigit(c) || c == '.' || c == 'e' || c == 'E' || c == '+' || c == '-';
 }
 
-/// What may stand on either side of a value.
+/// Whether this character can stand directly before or after a value.
 bool isBetweenValues(char c)
 {
     return QByteArrayView(" \t\n\r[]{},:").contains(c);
 }
 
-/// The end of the string whose opening quote is at @p quote.
+/// The end of the string that opens at @p quote.
 const char *afterString(const char *quote, const char *end)
 {
     const char *at = quote + 1;
@@ -41,16 +41,16 @@ const char *afterDigits(const char *at, const char *end)
     return std::find_if_not(at, end, isDigit);
 }
 
-/// A token of the characters that numbers are made of.
+/// A run of characters that can occur in a number.
 class Token
 {
 public:
     Token(const char *first, const char *last) : m_first(first), m_last(last) { readGrammar(); }
 
-    /// Whether it is a number by the grammar.
+    /// Whether the token is a number in the grammar of JSON.
     [[nodiscard]] bool isNumber() const { return m_isNumber; }
 
-    /// Whether it is one, but none of the machine's.
+    /// Whether the token is a number that no machine type holds.
     [[nodiscard]] bool isWide() const
     {
         if (!m_isNumber)
@@ -103,7 +103,7 @@ private:
     bool m_isInteger = false;
 };
 
-/// In a form that is never read as an integer.
+/// The number in a form that a parser never reads as an integer.
 QByteArray doubleText(double number)
 {
     std::array<char, 32> text{};
@@ -146,7 +146,7 @@ JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
 double nearestDouble(QByteArrayView digits)
 {
     using Limits = std::numeric_limits<double>;
-    // Infinite where it is too large; QByteArrayView::toDouble() would give 0.
+    // QLocale gives infinity for a number that is too large; QByteArrayView::toDouble() would give 0.
     const double value = QLocale::c().toDouble(QLatin1StringView(digits.data(), digits.size()));
     return std::clamp(value, Limits::lowest(), Limits::max());
 }

@@ -7,30 +7,30 @@
 
 namespace Quorvix {
 
-/// A JSON text whose wide numbers, which RFC 8259 allows and a parser for machine numbers refuses, have made
-/// room for doubles near them: integers beyond 64 bits, and what is beyond the range of a double.
+/// A JSON text in which the nearest double replaces each wide number: an integer beyond 64 bits, or a number
+/// beyond the range of a double. RFC 8259 allows wide numbers, but a parser for machine numbers refuses them.
 ///
-/// Leaves every other token as it is, malformed ones included. Any thread.
+/// Every other token stays as it is, malformed ones included. Any thread.
 struct JSONWideNumbers
 {
     struct Number
     {
         /// How many numbers the text has before this one.
         size_t ordinal;
-        /// As it stood in the text.
+        /// The number as it is written in the text.
         QByteArray digits;
     };
 
     [[nodiscard]] static JSONWideNumbers replacedIn(QByteArrayView original);
 
     QByteArray text;
-    /// What was replaced, in order.
+    /// The replaced numbers, in the order of the text.
     std::vector<Number> numbers;
-    /// Whether a value of the text begins like a number and is none.
+    /// Whether a value of the text begins like a number but is not a number.
     bool hasMalformedNumber = false;
 };
 
-/// The finite double next to a number. Any thread.
+/// The finite double that is nearest to a number. Any thread.
 [[nodiscard]] double nearestDouble(QByteArrayView digits);
 
 } // namespace Quorvix

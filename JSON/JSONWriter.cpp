@@ -17,17 +17,18 @@ namespace {
 
 constexpr qsizetype deviceBlockSize = 1 << 20;
 constexpr qsizetype firstBufferSize = 4096;
-/// How much text is taken at once, so that the room for its worst case stays small. Divisible by three.
+/// The number of text units that are written at once. A small chunk keeps the room for the worst case small.
+/// Divisible by three because Base64 encodes three bytes at a time.
 constexpr qsizetype chunkSize = 12'288;
 using Member = JSONValue::Members::Member;
 
-/// Writes parsed values; the members of the objects under way lie in one stack.
+/// Writes parsed values. One stack holds the members of all objects that are being written.
 class ValueWriter
 {
 public:
     ValueWriter(JSONWriter &writer, JSONWriter::KeyOrder order) : m_writer(writer), m_order(order) {}
 
-    // The depth is bounded by JSONReader::maximumDepth.
+    // JSONReader::maximumDepth limits the recursion.
     void write(const JSONValue &value) // NOLINT(misc-no-recursion)
     {
         switch (value.kind()) {
@@ -71,7 +72,7 @@ private:
         const size_t first = m_members.size();
         for (const Member &member : object.members())
             m_members.push_back(member);
-        // The order of UTF-8 bytes is the order of code points.
+        // UTF-8 bytes sort in the order of their code points.
         std::stable_sort(m_members.begin() + std::ptrdiff_t(first), m_members.end(),
                          [](const Member &a, const Member &b) { return a.name < b.name; });
         const size_t last = m_members.size();
@@ -105,9 +106,10 @@ private:
     std::vector<Member> m_members;
 };
 
-/// Small steps, so that little memory is reserved in vain. They are cheap for a block that the allocator has
-/// mapped by itself: its pages move, its bytes are not copied. Blocks in the heap are left early for that,
-/// and up to 32 MB may be in the heap. What is reserved and not written to takes no memory.
+/// The buffer grows in small steps, so that little reserved memory stays unused. A step is cheap for a block
+/// that the allocator maps separately: it moves the pages and copies no bytes. Blocks of up to 32 MB may lie
+/// in the heap, where a step copies, so the buffer grows past that size early. Memory that is reserved but
+/// never written to takes no physical memory.
 qsizetype nextCapacity(qsizetype used, qsizetype size)
 {
     constexpr qsizetype largestInHeap = 8 << 20;
@@ -122,11 +124,11 @@ char *printed(Number number, char *to, qsizetype room)
     return std::to_chars(to, to + room, number).ptr;
 }
 
-/// The bounds of ECMAScript's Number::toString, which readers of JSON are used to.
+/// Uses exponents where ECMAScript's Number::toString does, because readers of JSON know that form.
 char *printed(double number, char *to, qsizetype room)
 {
     const double size = std::abs(number);
-    // Without a fraction it would read back as an integer, which has no sign when it is nought.
+    // Without a fraction, -0.0 would be read back as the integer 0, which has no sign.
     if (size == 0)
         return std::copy_n(std::signbit(number) ? "-0.0" : "0", std::signbit(number) ? 4 : 1, to);
     const bool isShort = size >= 1e-6 && size < 1e21;
@@ -270,7 +272,7 @@ void JSONWriter::end(char bracket)
     put(bracket);
 }
 
-/// What stands before a value or a member: nothing after a key, else the comma and the new line.
+/// Writes what comes before a value or a member: nothing after a key, otherwise the comma and the new line.
 void JSONWriter::beginValue()
 {
     if (m_afterKey) {

@@ -18,17 +18,17 @@ class JSONValue;
 ///
 /// The caller supplies a well-formed sequence: a key before each member's value, an end for each begin.
 /// Pretty texts have two spaces of indentation, `"key" : value` and one member or element per line; an empty
-/// container is `[]` or `{}`. Slashes are left alone. Not thread-safe.
+/// container is `[]` or `{}`. Slashes are not escaped. Not thread-safe.
 class QUORVIX_INTERNAL_EXPORT JSONWriter final
 {
 public:
     enum class Format { Pretty, Compact };
-    /// How a parsed object's members are ordered: as they came, or ascending by the code points of their
-    /// names.
+    /// How the members of a parsed object are ordered: as in its text, or ascending by the code points of
+    /// their names.
     enum class KeyOrder { Document, Sorted };
 
-    /// Writes to a buffer, to be taken with takeBuffer(). It grows in small steps: the peak is near the
-    /// result.
+    /// Writes to a buffer, which takeBuffer() returns. The buffer grows in small steps, so the peak use of
+    /// memory is close to the size of the result.
     explicit JSONWriter(Format format = Format::Pretty);
     /// Writes to @p device in blocks of about a megabyte. The device has to outlive the writer.
     explicit JSONWriter(QIODevice &device, Format format = Format::Pretty);
@@ -43,32 +43,32 @@ public:
     void key(QLatin1StringView asciiName);
     void keyUtf8(QByteArrayView name);
 
-    /// Text; a lone surrogate becomes U+FFFD.
+    /// Writes text; a lone surrogate becomes U+FFFD.
     void string(QStringView text);
-    /// Text that is known to be well-formed UTF-8; see isValidUtf8().
+    /// Writes text that is known to be well-formed UTF-8; see isValidUtf8().
     void utf8(QByteArrayView text);
-    /// Bytes as Base64 text (RFC 4648, section 4), without line breaks.
+    /// Writes bytes as Base64 text (RFC 4648, section 4), without line breaks.
     void base64(QByteArrayView bytes);
     void integer(qint64 number);
     void unsignedInteger(quint64 number);
-    /// A number in the form of text(). JSON has no infinity and no NaN; both are written as 0, so that no
-    /// file can hold what no reader accepts.
+    /// Writes a number in the form of text(). JSON has no infinity and no NaN; both are written as 0, so that
+    /// every reader accepts the file.
     void number(double number);
     void boolean(bool value);
     void null();
-    /// A whole parsed value. Members of the same name are all written.
+    /// Writes a whole parsed value, with all members that share a name.
     void value(const JSONValue &value, KeyOrder order);
 
-    /// A number as it stands in a JSON text; not checked.
+    /// Writes a number with the digits of a JSON text; they are not checked.
     void number(QByteArrayView digits);
     /// The shortest decimal form that reads back as the same double, with an exponent only where a person
     /// would write one: 250, 100000, 0.1, 1e+21, 1e-07. Any thread.
     [[nodiscard]] static QByteArray text(double number);
 
-    /// Hands the rest to the device. Fails with NSCocoaErrorDomain / NSFileWriteUnknownError and the device's
-    /// own sentence if any of its writes did; what came after the failed write was dropped.
+    /// Writes the rest to the device. Fails with NSCocoaErrorDomain / NSFileWriteUnknownError and the
+    /// device's own sentence if any write failed; everything after the failed write is dropped.
     [[nodiscard]] std::optional<NSError> finish();
-    /// The text; the writer is used up.
+    /// Returns the text. The writer must not be used afterwards.
     [[nodiscard]] QByteArray takeBuffer();
 
 private:
@@ -79,7 +79,7 @@ private:
     void writeName(QByteArrayView name);
     void writeEscaped(QByteArrayView text);
 
-    /// Where at least @p size bytes can be written; m_cursor is then to be moved behind them.
+    /// Where at least @p size bytes can be written. The caller then moves m_cursor behind what it wrote.
     char *room(qsizetype size) { return m_limit - m_cursor < size ? grownRoom(size) : m_cursor; }
     char *grownRoom(qsizetype size);
     void put(char c) { *room(1) = c, ++m_cursor; }
@@ -92,7 +92,7 @@ private:
     char *m_cursor = nullptr;
     char *m_limit = nullptr;
     qsizetype m_depth = 0;
-    /// Whether the container that was begun last has nothing in it yet.
+    /// Whether the innermost open container has no element or member yet.
     bool m_isEmpty = true;
     bool m_afterKey = false;
     std::optional<NSError> m_error;

@@ -7,7 +7,7 @@
 
 #include <QtCore/QByteArray>
 
-// Takes every function that throws out of the header, so that none is called by mistake.
+// Removes every function that throws from the header, so that none is called by mistake.
 #define SIMDJSON_EXCEPTIONS 0
 #include <simdjson.h>
 
@@ -25,10 +25,10 @@ static_assert(simdjson::DEFAULT_MAX_DEPTH == JSONDocument::maximumDepth);
 
 namespace {
 
-/// What the cursors point into. It outlives its parser and the text.
+/// The parsed data that the cursors point into. It outlives its parser and the text.
 struct ParsedText final : simdjson::dom::document
 {
-    /// A number that the tape holds only the nearest double of.
+    /// A number for which the tape holds only the nearest double.
     struct WideNumber
     {
         size_t index;
@@ -39,8 +39,8 @@ struct ParsedText final : simdjson::dom::document
     std::vector<WideNumber> wideNumbers;
 };
 
-/// simdjson's cursors are two words each, and so is ours: one turns into the other without a copy of
-/// anything. The first word points to the document, the second one is a place on the tape.
+/// Converts between simdjson's cursors and ours, which are two words each, so that no data is copied. The
+/// first word points to the document, the second one is a position on the tape.
 template<typename To, typename From>
 To recast(const From &cursor) noexcept
 {
@@ -60,7 +60,7 @@ QByteArrayView view(std::string_view text) noexcept
     return {text.data(), qsizetype(text.size())};
 }
 
-/// The value in the form asked for, or that form's nought.
+/// The value as a T, or zero when it is not one.
 template<typename T, typename Cursor>
 T valueOrZero(const Cursor &cursor) noexcept
 {
@@ -68,7 +68,7 @@ T valueOrZero(const Cursor &cursor) noexcept
     return element(cursor).get(value) == simdjson::SUCCESS ? value : T{};
 }
 
-/// The size that simdjson keeps beside an array or object stops at 24 bits.
+/// simdjson stores the size of an array or object in 24 bits. This value means "this many or more".
 constexpr size_t saturatedSize = 0xFFFFFF;
 
 template<typename Range>
@@ -77,8 +77,8 @@ qsizetype countedSize(const Range &range, size_t keptSize)
     return keptSize < saturatedSize ? qsizetype(keptSize) : std::distance(range.begin(), range.end());
 }
 
-/// Whether simdjson stopped at a number, which may be one that JSON allows and no machine number holds.
-/// Newer releases have a code of their own for most integers beyond 64 bits; 3.0 does not name it.
+/// Whether simdjson stopped at a number. JSON may allow the number although no machine number holds it.
+/// Newer releases have a separate code for most integers beyond 64 bits; 3.0 does not name it.
 template<typename Code>
 bool isAboutNumber(Code code) noexcept
 {
@@ -89,7 +89,7 @@ bool isAboutNumber(Code code) noexcept
     return code == simdjson::NUMBER_ERROR;
 }
 
-/// Whether the text is too much for the memory or for simdjson. 4.6 has a third code for it.
+/// Whether the text is too large for the memory or for simdjson. 4.6 has a third code for this.
 template<typename Code>
 bool isAboutSize(Code code) noexcept
 {
@@ -100,8 +100,8 @@ bool isAboutSize(Code code) noexcept
     return code == simdjson::CAPACITY || code == simdjson::MEMALLOC;
 }
 
-/// Whether simdjson tells this before it tells that a text is not UTF-8. Its code for processors without
-/// vector instructions checks nothing but strings, and tells other errors instead.
+/// Whether simdjson always reports this error first, even for a text that is not UTF-8. The order of the
+/// other errors varies: without vector instructions simdjson checks for UTF-8 in strings only.
 bool comesBeforeUtf8(simdjson::error_code code) noexcept
 {
     return code == simdjson::UNCLOSED_STRING || code == simdjson::UNESCAPED_CHARS || isAboutSize(code);
@@ -131,16 +131,16 @@ Failure failureOf(simdjson::error_code code) noexcept
 
 simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text)
 {
-    // Handed nothing at all, simdjson copies from a null pointer.
+    // simdjson would copy from a null pointer.
     if (text.isEmpty())
         return simdjson::EMPTY;
-    // It would first reserve memory for such a text.
+    // simdjson would reserve memory for such a text before it refuses it.
     if (size_t(text.size()) > simdjson::SIMDJSON_MAXSIZE_BYTES)
         return simdjson::CAPACITY;
-    // Newer releases pass over the mark, 3.0 refuses it.
+    // Newer releases skip the byte order mark, 3.0 refuses it.
     if (text.startsWith(UTF8Text::byteOrderMark))
         return simdjson::TAPE_ERROR;
-    // It reads beyond the end of a text, so it takes a copy with padding.
+    // simdjson reads beyond the end of a text, so it has to make a copy with padding.
     constexpr bool copies = true;
     simdjson::dom::parser parser;
     return parser.parse_into_document(parsed, text.data(), size_t(text.size()), copies).error();
@@ -170,7 +170,7 @@ simdjson::error_code parseWideNumbersInto(ParsedText &parsed, QByteArrayView tex
     const simdjson::error_code error = parseInto(parsed, wide.text);
     if (error == simdjson::SUCCESS)
         locate(parsed, std::move(wide.numbers));
-    // Newer releases take every word that they do not know for a malformed number.
+    // Newer releases report every unknown word as a malformed number.
     return isAboutNumber(error) && !wide.hasMalformedNumber ? simdjson::TAPE_ERROR : error;
 }
 
@@ -216,7 +216,7 @@ JSONValue::Kind JSONValue::kind() const noexcept
     case element_type::BOOL:
         return Kind::Boolean;
     case element_type::NULL_VALUE:
-    // Newer headers name a type of big integers, which a parser only makes when it is told to.
+    // Newer headers have a type for big integers, which a parser produces only when the caller enables it.
     default:
         return Kind::Null;
     }

@@ -5,13 +5,13 @@
 #include <memory>
 
 /// The one place that knows simdjson: no other file includes its header, names its error codes or relies on
-/// how it lays out a document. SimdjsonFence.cpp tells what it takes for granted; for each of these things
-/// SimdjsonFenceTest has a row, so that a release that changes one of them fails there.
+/// its memory layout of a document. SimdjsonFence.cpp states its assumptions, and SimdjsonFenceTest has a row
+/// for each, so that the test fails with a release that breaks one of them.
 ///
-/// JSONValue and JSONDocument stand inside the fence too: their members are defined in SimdjsonFence.cpp,
-/// because a value is a cursor of simdjson's and a call in between would cost more than the reading.
+/// SimdjsonFence.cpp also defines the members of JSONValue and JSONDocument, because a value is a simdjson
+/// cursor and one more call would cost more than the access itself.
 ///
-/// Nothing here throws on account of simdjson. Any thread.
+/// simdjson throws nothing here. Any thread.
 namespace Quorvix::SimdjsonFence {
 
 enum class Failure {
@@ -20,19 +20,20 @@ enum class Failure {
     TooDeep,
     MalformedNumber,
     MalformedString,
-    /// Beyond 4 GB, or beyond the memory that there is.
+    /// Larger than 4 GB, or than the available memory.
     TooLarge,
     NotJson,
 };
 
 struct Outcome
 {
-    /// What a JSONDocument shares; null when there is a failure.
+    /// The parsed data that the copies of a JSONDocument share; null when there is a failure.
     std::shared_ptr<const void> storage;
     Failure failure = Failure::NotJson;
 };
 
-/// Parses a whole text, which needs no padding and may go afterwards. A byte order mark is no part of JSON.
+/// Parses a whole text. The text needs no padding, and the caller may free it afterwards. A byte order mark
+/// is an error.
 [[nodiscard]] Outcome parse(QByteArrayView text);
 
 /// Whether bytes are well-formed UTF-8 (RFC 3629).

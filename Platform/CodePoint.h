@@ -4,7 +4,7 @@
 
 namespace Quorvix {
 
-/// The code point that begins at @p at; half of a pair of surrogates stands for itself.
+/// The code point that begins at @p at, or the unit itself when it is half of a surrogate pair.
 [[nodiscard]] inline char32_t codePointAt(QStringView text, qsizetype at)
 {
     const QChar unit = text[at];
@@ -13,7 +13,7 @@ namespace Quorvix {
     return unit.unicode();
 }
 
-/// How many units of UTF-16 it takes.
+/// How many UTF-16 units a code point takes.
 [[nodiscard]] constexpr qsizetype unitCount(char32_t codePoint) noexcept
 {
     return QChar::requiresSurrogates(codePoint) ? 2 : 1;

@@ -12,16 +12,17 @@ class QNetworkCookieJar;
 
 namespace Quorvix {
 
-/// The cookies of the process (RFC 6265), which every session sends and fills. Kept in memory. Any thread.
+/// The cookies of the process (RFC 6265). All sessions send them and store new ones here, in memory only.
+/// Any thread.
 class QUORVIX_CORE_EXPORT HTTPCookieStorage
 {
 public:
-    /// The one storage; made on first use, lives until the process ends.
+    /// The only storage. It is created on first use and lives until the process ends.
     [[nodiscard]] static HTTPCookieStorage &shared();
 
     /// The cookies that a request to @p url would carry.
     [[nodiscard]] QList<QNetworkCookie> cookiesForURL(const QUrl &url) const;
-    /// Stores what a response from @p url set; false when nothing was accepted.
+    /// Stores the cookies that a response from @p url sets; false when none is accepted.
     bool setCookies(const QList<QNetworkCookie> &cookies, const QUrl &url);
     void removeAllCookies();
 

@@ -13,14 +13,15 @@ namespace Quorvix {
 /// Header names and their values, in ascending order of name.
 using HTTPHeaderFields = QMap<QString, QString>;
 
-/// Whether two texts name the same header: names are compared ignoring case (RFC 9110, 5.1). Any thread.
+/// Whether two texts name the same header: case makes no difference (RFC 9110, 5.1). Any thread.
 [[nodiscard]] QUORVIX_CORE_EXPORT bool isSameHeaderName(QAnyStringView left, QAnyStringView right) noexcept;
 
-/// The first header that has this name in any spelling; the end when there is none. Any thread.
+/// The first header with this name in any case; the end when there is none. Any thread.
 [[nodiscard]] QUORVIX_CORE_EXPORT HTTPHeaderFields::const_iterator findHeader(const HTTPHeaderFields &fields,
                                                                               QAnyStringView name);
 
-/// The value of that header; absent when there are no headers at all, too. Any thread.
+/// The value of the first header with this name in any case; absent when there is no such header or
+/// @p fields is absent. Any thread.
 [[nodiscard]] QUORVIX_CORE_EXPORT std::optional<QString>
 headerValue(const std::optional<HTTPHeaderFields> &fields, QAnyStringView name);
 

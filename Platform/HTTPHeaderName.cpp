@@ -9,7 +9,7 @@ namespace Quorvix {
 
 namespace {
 
-/// Names in use whose usual spelling is not that of each word with a capital letter.
+/// Names whose usual spelling is not simply a capital letter at the start of each word.
 constexpr std::array unusualNames{
     "A-IM",
     "Accept-CH",

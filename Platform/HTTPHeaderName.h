@@ -4,13 +4,13 @@
 
 namespace Quorvix {
 
-/// How the names of HTTP headers are spelled for people.
+/// How the inspector spells the names of HTTP headers for people.
 namespace HTTPHeaderName {
 
 /// The usual spelling of a header's name that was received as @p name. HTTP/2 sends all names in lower case,
-/// and newer Qt reports those of HTTP/1.1 so, too. A registered name that is not spelled word by word has its
-/// registered spelling, as in "ETag" and "WWW-Authenticate". Another name stays as it is when it has a
-/// capital letter, which is then the sender's; else each of its words begins with one, as in "Content-Type".
+/// and newer Qt reports the names of HTTP/1.1 in lower case, too. A registered name with an unusual spelling
+/// gets that spelling, as in "ETag" and "WWW-Authenticate". Any other name with a capital letter stays as
+/// the sender spelled it. A name without one gets a capital letter for each word, as in "Content-Type".
 /// Any thread.
 [[nodiscard]] QByteArray usualSpelling(const QByteArray &name);
 

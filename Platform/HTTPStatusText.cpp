@@ -15,7 +15,7 @@ struct Phrase
     const char *text;
 };
 
-/// The phrases that the platform gives, by their codes.
+/// The phrases of the platform, sorted by status code.
 constexpr Phrase phrases[] = {
     {100, QT_TRANSLATE_NOOP("Quorvix", "continue")},
     {101, QT_TRANSLATE_NOOP("Quorvix", "switching protocols")},
@@ -81,8 +81,7 @@ constexpr Phrase phrases[] = {
 };
 static_assert(std::ranges::is_sorted(phrases, {}, &Phrase::statusCode));
 
-/// What is said of a code without a phrase of its own: one text for each hundred, the last one for all
-/// others.
+/// The text for a code that has no phrase: one for each hundred, and the last one for all other codes.
 constexpr const char *classes[] = {
     QT_TRANSLATE_NOOP("Quorvix", "informational"), QT_TRANSLATE_NOOP("Quorvix", "success"),
     QT_TRANSLATE_NOOP("Quorvix", "redirected"),    QT_TRANSLATE_NOOP("Quorvix", "client error"),

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// How long the application's end waits for a completion handler that is still running.
+/// How long the end of the application waits for a completion handler that is still running.
 constexpr auto longestWait = 2s;
 
 struct Loading
@@ -58,8 +58,9 @@ struct Loading
         }
         if (!ending)
             return;
-        // Its children, the managers with their replies, go with it in the thread that they live in.
-        // Exchanges under way end without a word: whoever would hear it is going, too.
+        // The receiver deletes its children, the network access managers with their replies, in the thread
+        // that they live in. Running exchanges end without a completion call, because the application is
+        // ending.
         receiver->deleteLater();
         ending->quit();
         if (ending->wait(QDeadlineTimer(longestWait)))

@@ -6,7 +6,7 @@
 
 namespace Quorvix {
 
-/// A failure as a value: where it comes from, its number there, and a sentence for people.
+/// A failure as a value: its domain, its code in that domain, and a sentence for people.
 struct NSError
 {
     QString domain;
@@ -18,7 +18,7 @@ struct NSError
 
 /// Domain of the errors of the URL loading system.
 inline constexpr QLatin1StringView NSURLErrorDomain{"NSURLErrorDomain"};
-/// Domain of errors about files, bytes and their coding.
+/// Domain of errors about files, bytes and encodings.
 inline constexpr QLatin1StringView NSCocoaErrorDomain{"NSCocoaErrorDomain"};
 
 /// Codes of NSCocoaErrorDomain that this platform reports.
@@ -56,8 +56,7 @@ enum NSURLErrorCode : qint64 {
     NSURLErrorClientCertificateRejected = -1205,
 };
 
-/// An error of NSURLErrorDomain with the platform's sentence for @p code.
-/// Any thread.
+/// An error of NSURLErrorDomain with the platform's sentence for @p code. Any thread.
 [[nodiscard]] QUORVIX_CORE_EXPORT NSError makeURLError(NSURLErrorCode code);
 
 } // namespace Quorvix

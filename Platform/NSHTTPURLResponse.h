@@ -9,9 +9,10 @@
 
 namespace Quorvix {
 
-/// A header's name or value as the loading system reports it: text, or what a protocol handler put there.
+/// A header's name or value as the loading system reports it. Normally text; a protocol handler may also
+/// store a number.
 using NSHeaderValue = std::variant<QString, qint64, double>;
-/// Header names and values of a response. One spelling is one key; no case folding is done.
+/// Header names and values of a response. Names that differ in case are different keys.
 using NSHeaderFields = std::map<NSHeaderValue, NSHeaderValue>;
 
 /// The text form of a header's name or value. Any thread.
@@ -21,7 +22,7 @@ using NSHeaderFields = std::map<NSHeaderValue, NSHeaderValue>;
 class QUORVIX_CORE_EXPORT NSHTTPURLResponse final : public NSURLResponse
 {
 public:
-    /// Null when the platform refuses the parts: an invalid URL.
+    /// Null when the URL is invalid.
     [[nodiscard]] static std::shared_ptr<const NSHTTPURLResponse>
     create(const QUrl &url, qint64 statusCode, const QString &httpVersion, NSHeaderFields headerFields);
 

@@ -6,7 +6,7 @@
 
 namespace Quorvix {
 
-/// Points in time in ISO 8601 form. Stateless; any thread.
+/// Formats points in time in ISO 8601 form. Stateless; any thread.
 class NSISO8601DateFormatter
 {
 public:

@@ -22,7 +22,8 @@ struct NSNotificationCenter::Registry
     using List = std::vector<std::shared_ptr<NSNotificationObserver::Registration>>;
 
     std::mutex mutex;
-    /// Replaced, never changed: a post walks the list that was in force when it began, without the lock.
+    /// A list is replaced and never changed, so that a post can go through the list of its start without
+    /// holding the lock.
     QHash<QString, std::shared_ptr<const List>> lists;
 };
 
@@ -35,7 +36,7 @@ NSNotificationObserver::NSNotificationObserver(NSNotificationObserver &&) noexce
 
 NSNotificationObserver &NSNotificationObserver::operator=(NSNotificationObserver &&other) noexcept
 {
-    // Whatever was registered here unregisters when the temporary goes.
+    // The temporary takes the previous registration and ends it when it is destroyed.
     NSNotificationObserver previous(std::move(other));
     std::swap(m_registration, previous.m_registration);
     return *this;

@@ -9,7 +9,7 @@
 
 namespace Quorvix {
 
-/// An observer's registration: it ends when this object goes.
+/// An observer's registration, which ends when this object is destroyed.
 class QUORVIX_CORE_EXPORT NSNotificationObserver
 {
 public:
@@ -26,20 +26,20 @@ private:
     std::shared_ptr<Registration> m_registration;
 };
 
-/// Broadcasts named notifications to whoever observes them.
+/// Broadcasts named notifications to their observers.
 ///
-/// Any thread may observe and post; an observer goes in the thread that posts what it observes. Observers are
-/// called at once, in the thread that posts and in the order in which they registered; one that registers
-/// during a post is first called by the next.
+/// Any thread may observe and post. The registration of an observer must be destroyed in the thread that
+/// posts its notification. A post calls the observers before it returns, in the thread that posts and in the
+/// order in which they registered. An observer that registers during a post is first called by the next post.
 class QUORVIX_CORE_EXPORT NSNotificationCenter
 {
 public:
     using Callback = std::function<void()>;
 
-    /// The process-wide center; made on first use, lives until the process ends.
+    /// The center of the process. It is created on first use and lives until the process ends.
     [[nodiscard]] static NSNotificationCenter &defaultCenter();
 
-    /// Calls @p callback for every notification of this name until the returned object goes.
+    /// Calls @p callback for every notification of this name until the returned object is destroyed.
     [[nodiscard]] NSNotificationObserver addObserver(const QString &name, Callback callback);
 
     void post(const QString &name);

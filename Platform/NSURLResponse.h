@@ -9,7 +9,7 @@
 
 namespace Quorvix {
 
-/// What came back for a request. Immutable; shared between threads.
+/// The response to a request. Immutable; shared between threads.
 class QUORVIX_CORE_EXPORT NSURLResponse
 {
 public:
@@ -19,7 +19,7 @@ public:
     NSURLResponse(const NSURLResponse &) = delete;
     NSURLResponse &operator=(const NSURLResponse &) = delete;
 
-    /// Where the response came from, after redirects.
+    /// The URL that the response comes from, after redirects.
     [[nodiscard]] const std::optional<QUrl> &url() const noexcept { return m_url; }
 
 private:

@@ -16,7 +16,7 @@ struct NSURLSession::Class
     }
 
     mutable ObjectClass objectClass;
-    /// Keeps its place in the table whatever is exchanged.
+    /// An exchange of implementations changes the method table, but not this object.
     const Method *const dataTask;
 };
 

@@ -12,13 +12,13 @@ struct URLLoadSession;
 
 /// Loads URLs (http, https, file, data) in the background. Any thread may use a session.
 ///
-/// Redirects are followed, content codings decoded, cookies kept in the shared storage; HTTP/2 is used where
-/// it is negotiated. A session may go while its tasks run: they end as they would have.
+/// A session follows redirects, decodes content codings, keeps cookies in the shared storage and uses HTTP/2
+/// when the server negotiates it. A session may be destroyed while its tasks run; the tasks continue.
 class QUORVIX_CORE_EXPORT NSURLSession
 {
 public:
     using CompletionHandler = DataTaskCompletionHandler;
-    /// What stands behind the selector "dataTaskWithRequest:completionHandler:".
+    /// The signature of the method "dataTaskWithRequest:completionHandler:".
     using DataTaskImplementation = NSURLSessionDataTaskPtr(NSURLSession &, const URLRequest &,
                                                            CompletionHandler);
 
@@ -29,19 +29,19 @@ public:
     NSURLSession(const NSURLSession &) = delete;
     NSURLSession &operator=(const NSURLSession &) = delete;
 
-    /// A session with the default configuration; made on first use, lives until the process ends.
+    /// A session with the default configuration. It is created on first use and lives until the process ends.
     [[nodiscard]] static NSURLSession &shared();
 
-    /// The class, whose methods can be looked up and exchanged.
+    /// The class of sessions, whose methods can be looked up and exchanged.
     [[nodiscard]] static ObjectClass &objectClass();
 
-    /// A suspended task for @p request. @p completionHandler is called once, in the sessions' own thread,
-    /// unless the method was exchanged for one that calls it elsewhere. Sent through the class's method
-    /// table.
+    /// A suspended task for @p request. The task calls @p completionHandler once, in the sessions' own
+    /// thread, unless this method was exchanged for one that calls it elsewhere. The call goes through the
+    /// class's method table.
     [[nodiscard]] NSURLSessionDataTaskPtr dataTaskWithRequest(const URLRequest &request,
                                                               CompletionHandler completionHandler);
 
-    /// A suspended task whose outcome nobody is told of.
+    /// A suspended task that reports its outcome to nobody.
     [[nodiscard]] NSURLSessionDataTaskPtr dataTaskWithRequest(const URLRequest &request);
 
 private:

@@ -9,7 +9,7 @@ namespace Quorvix {
 
 struct URLLoadTask;
 
-/// One exchange of a session. Made suspended; does nothing until resume(). Any thread.
+/// One exchange of a session. A new task is suspended and does nothing until resume(). Any thread.
 class QUORVIX_CORE_EXPORT NSURLSessionDataTask
 {
 public:
@@ -21,8 +21,8 @@ public:
 
     /// Starts the exchange. Does nothing when it was started or cancelled before.
     void resume();
-    /// Ends the exchange with NSURLErrorCancelled, also one that was not started. Does nothing once it is
-    /// over.
+    /// Ends the exchange with NSURLErrorCancelled, even when it was not started. Does nothing when it has
+    /// ended.
     void cancel();
 
     [[nodiscard]] State state() const noexcept;

@@ -10,10 +10,10 @@
 
 namespace Quorvix {
 
-/// Where a task stands.
+/// The state of a task.
 enum class NSURLSessionTaskState { Running, Suspended, Canceling, Completed };
 
-/// What a data task hands over when it ends: the whole body, the response and the error, each optional.
+/// Called when a data task ends, with the whole body, the response and the error, each optional.
 using DataTaskCompletionHandler =
     std::function<void(std::optional<QByteArray>, NSURLResponsePtr, std::optional<NSError>)>;
 

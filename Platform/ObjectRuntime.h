@@ -18,13 +18,13 @@ class Method;
 
 /// A class whose instance methods can be looked up, added and exchanged while the program runs.
 ///
-/// A send reads one atomic pointer, to the table in force, and makes one indirect call through it. Tables are
-/// never changed once published: adding or exchanging builds a new one, so that a sender sees either all of
-/// an exchange or nothing of it. Any thread may send, look up, add and exchange at any time.
+/// A send reads one atomic pointer to the current table and makes one indirect call through it. A published
+/// table never changes: adding or exchanging builds a new one, so that a sender sees either the whole
+/// exchange or nothing of it. Any thread may send, look up, add and exchange at any time.
 class QUORVIX_CORE_EXPORT ObjectClass
 {
 public:
-    /// The untyped form in which implementations are kept.
+    /// The untyped form in which implementations are stored.
     using Implementation = void (*)();
 
     ObjectClass();
@@ -33,14 +33,14 @@ public:
     ObjectClass(const ObjectClass &) = delete;
     ObjectClass &operator=(const ObjectClass &) = delete;
 
-    /// The implementation now in force for @p method, to be called with the signature it was added with.
+    /// The current implementation of @p method. It must be called with the signature that it was added with.
     template<typename Signature>
     [[nodiscard]] Signature *implementation(const Method *method) const noexcept
     {
         return reinterpret_cast<Signature *>(lookUp(method));
     }
 
-    /// Adds an instance method. Null, with nothing changed, when the selector is taken.
+    /// Adds an instance method. Returns null and changes nothing when the selector is already in use.
     template<typename Signature>
     Method *addMethod(QByteArrayView selector, Signature *implementation)
     {
@@ -60,7 +60,7 @@ private:
     std::atomic<const Table *> m_current;
     mutable std::mutex m_mutex;
     std::vector<std::unique_ptr<Method>> m_methods;
-    /// Every table that was ever in force: a sender may still be reading an old one.
+    /// All tables, old ones included, because a sender may still read an old one.
     std::vector<std::unique_ptr<const Table>> m_tables;
 };
 
@@ -68,9 +68,8 @@ private:
 [[nodiscard]] QUORVIX_CORE_EXPORT Method *class_getInstanceMethod(const ObjectClass &objectClass,
                                                                   QByteArrayView selector);
 
-/// Exchanges the implementations of two methods of one class, at once for every later send.
-/// False, with nothing changed, when one is null, their classes differ, or their signatures differ. Any
-/// thread.
+/// Exchanges the implementations of two methods of one class; every later send uses the new ones. Returns
+/// false and changes nothing when a method is null, or when their classes or signatures differ. Any thread.
 QUORVIX_CORE_EXPORT bool method_exchangeImplementations(Method *first, Method *second);
 
 } // namespace Quorvix

@@ -10,6 +10,6 @@
 #define QUORVIX_CORE_EXPORT Q_DECL_IMPORT
 #endif
 
-/// Marks what the library of the screens calls in the core. Its header is not installed, and it may change
-/// with any version.
+/// Marks functions of the core that the library of the screens calls. Their headers are not installed, and
+/// any version may change them.
 #define QUORVIX_INTERNAL_EXPORT QUORVIX_CORE_EXPORT

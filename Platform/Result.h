@@ -7,7 +7,7 @@
 
 namespace Quorvix {
 
-/// What an operation yields: a value, or the error that kept it from one.
+/// The result of an operation: a value, or the error that prevented it.
 template<typename Value>
 class [[nodiscard]] Result
 {
@@ -18,10 +18,10 @@ public:
     /// True when there is a value.
     explicit operator bool() const noexcept { return m_outcome.index() == 0; }
 
-    /// To be asked only when there is a value.
+    /// Must be called only when there is a value.
     [[nodiscard]] const Value &value() const & { return *std::get_if<0>(&m_outcome); }
     [[nodiscard]] Value &&value() && { return std::move(*std::get_if<0>(&m_outcome)); }
-    /// To be asked only when there is none.
+    /// Must be called only when there is no value.
     [[nodiscard]] const NSError &error() const { return *std::get_if<1>(&m_outcome); }
 
 private:

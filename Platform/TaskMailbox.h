@@ -10,26 +10,27 @@ class QThread;
 
 namespace Quorvix {
 
-/// A queue of tasks for one thread, open only while that thread can run them. Never destroyed by its owner
+/// A queue of tasks for one thread, open only while that thread can run them. Its owner must not destroy it
 /// while another thread may post.
 class TaskMailbox
 {
 public:
-    /// What the tasks' thread owns while the mailbox is open; what needs that thread can be made its child.
+    /// Lives in the thread of the tasks while the mailbox is open. Objects that need that thread can be its
+    /// children.
     using Receiver = QObject;
 
-    /// Starts to deliver to @p thread, first whatever was posted early.
+    /// Starts to deliver to @p thread, first the tasks that were posted before.
     void open(QThread *thread);
-    /// Stops delivery and hands over the receiver, whose deletion drops what is still posted. Null when
-    /// closed.
+    /// Stops delivery and returns the receiver; the caller deletes it, which drops the remaining tasks. Null
+    /// when the mailbox is closed.
     [[nodiscard]] Receiver *close();
-    /// Accepts tasks again, to be kept until open().
+    /// Accepts tasks again and keeps them until open().
     void reset();
 
     /// Delivers later, in order; keeps the task when not yet open, drops it when closed. Any thread.
     void post(std::function<void()> task);
 
-    /// The receiver, to be used in its own thread only.
+    /// The receiver; it may be used in its own thread only.
     [[nodiscard]] Receiver *receiver() const { return m_receiver; }
 
 private:

@@ -7,14 +7,15 @@
 
 namespace Quorvix {
 
-/// A session's part of the loading thread.
+/// The part of a session that lives in the loading thread.
 struct URLLoadSession
 {
     explicit URLLoadSession(NSURLSessionConfiguration sessionConfiguration);
     ~URLLoadSession();
     Q_DISABLE_COPY_MOVE(URLLoadSession)
 
-    /// Made on first use, in the loading thread, and gone with it at the latest.
+    /// The network access manager. It is created on first use and is deleted with the loading thread at the
+    /// latest. In the loading thread only.
     [[nodiscard]] QNetworkAccessManager *manager();
 
     const NSURLSessionConfiguration configuration;

@@ -42,7 +42,7 @@ bool isToken(QByteArrayView text)
     });
 }
 
-/// Whether @p text can be a header's value without starting another header.
+/// Whether @p text can be the value of a header. A line break in it would start another header.
 bool isFieldValue(QByteArrayView text)
 {
     return std::none_of(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
@@ -132,7 +132,7 @@ NSURLErrorCode codeForCertificate(QSslError::SslError error)
     }
 }
 
-/// The error that ended the transport. HTTP status codes are no errors here: they arrive as a response.
+/// The error that ended the transport. An HTTP status code is not an error: it arrives as a response.
 std::optional<NSURLErrorCode> transportError(const QNetworkReply &reply, State state)
 {
     const bool hasStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
@@ -186,7 +186,7 @@ std::optional<NSURLErrorCode> transportError(const QNetworkReply &reply, State s
     default:
         break;
     }
-    // What is left stands for a status of 400 and above.
+    // Qt's remaining errors mean a status of 400 and above.
     return hasStatus ? std::nullopt : std::optional(NSURLErrorUnknown);
 }
 
@@ -205,7 +205,7 @@ void finish(Task &task, QNetworkReply &reply)
         complete(task, reply.readAll(), std::move(response), std::nullopt);
 }
 
-/// Why a request cannot be sent at all.
+/// Why a request cannot be sent; absent when it can.
 std::optional<NSURLErrorCode> refusal(const URLRequest &request, const QStringList &schemes)
 {
     if (!request.url || !schemes.contains(request.url->scheme()))
@@ -217,7 +217,7 @@ std::optional<NSURLErrorCode> refusal(const URLRequest &request, const QStringLi
 
 void sendCurrent(const TaskPtr &task);
 
-/// Follows a redirect, or hands over what came.
+/// Follows a redirect, or ends the task with the response.
 void handleFinished(const TaskPtr &task, QNetworkReply &reply)
 {
     static const QStringList webSchemes{QStringLiteral("http"), QStringLiteral("https")};

@@ -10,7 +10,7 @@
 
 namespace Quorvix {
 
-/// One exchange under way; shared with the loading thread, which keeps it until the exchange is over.
+/// One running exchange. The loading thread shares it until the exchange has ended.
 struct URLLoadTask
 {
     using State = NSURLSessionTaskState;
@@ -19,16 +19,16 @@ struct URLLoadTask
     URLRequest request;
     DataTaskCompletionHandler completionHandler;
     std::atomic<State> state = State::Suspended;
-    /// The request now on its way: the original one, or the one that a redirect led to.
+    /// The request that is being sent: the original one, or the one after a redirect.
     URLRequest current;
     int redirects = 0;
-    /// Present while bytes are awaited; used in the loading thread only.
+    /// The reply while it is still loading. In the loading thread only.
     QPointer<QNetworkReply> reply;
 };
 
-/// Sends the request. In the loading thread.
+/// Sends the request. In the loading thread only.
 void startLoading(const std::shared_ptr<URLLoadTask> &task);
-/// Ends the exchange, whether or not it was started. In the loading thread.
+/// Ends the exchange, whether or not it was started. In the loading thread only.
 void cancelLoading(const std::shared_ptr<URLLoadTask> &task);
 
 } // namespace Quorvix

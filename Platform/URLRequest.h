@@ -12,7 +12,7 @@
 
 namespace Quorvix {
 
-/// What to load and how: a plain value, copied freely between threads.
+/// What to load and how. A plain value; threads may copy it freely.
 class QUORVIX_CORE_EXPORT URLRequest
 {
 public:
@@ -21,24 +21,24 @@ public:
     explicit URLRequest(const QUrl &url);
 
     std::optional<QUrl> url;
-    /// The method as it goes on the wire; see sentMethod() for a request without one.
+    /// The method exactly as it is sent; see sentMethod() for a request without one.
     std::optional<QString> httpMethod = QStringLiteral("GET");
     /// Absent when no header was set.
     std::optional<HTTPHeaderFields> allHTTPHeaderFields;
-    /// Absent for a request without a body. Shared, never copied.
+    /// Absent for a request without a body. Copies of the request share the bytes.
     std::optional<QByteArray> httpBody;
-    /// How long the connection may stay silent. Absent: the session's own limit holds.
+    /// How long the connection may stay silent. When absent, the limit of the session applies.
     std::optional<std::chrono::milliseconds> timeoutInterval;
 
-    /// The value of a header whose name has any spelling.
+    /// The value of the header with this name in any case.
     [[nodiscard]] std::optional<QString> value(const QString &field) const;
-    /// Replaces whatever header has this name in any spelling.
+    /// Sets a header and replaces the first one with this name in any case.
     void setValue(const QString &value, const QString &field);
-    /// Adds to a header, as a list separated by commas (RFC 9110, 5.3).
+    /// Appends a value to a header, after a comma (RFC 9110, 5.3).
     void addValue(const QString &value, const QString &field);
 };
 
-/// The method that a request is sent by: GET for a request without one. Any thread.
+/// The method that a request is sent with: GET for a request without one. Any thread.
 [[nodiscard]] QUORVIX_CORE_EXPORT QString sentMethod(const std::optional<QString> &httpMethod);
 
 } // namespace Quorvix

@@ -7,10 +7,10 @@
 
 namespace Quorvix {
 
-/// The URL's absolute string: percent-encoded, as it stands on the request line. Any thread.
+/// The absolute string of a URL, percent-encoded as on the request line. Any thread.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString absoluteString(const QUrl &url);
 
-/// Percent escapes (RFC 3986, 2.1) taken back where they stand for text in UTF-8; else the encoded form,
+/// Decodes percent escapes (RFC 3986, 2.1) when the result is UTF-8; otherwise returns the encoded form,
 /// which loses nothing. Any thread.
 [[nodiscard]] QString percentDecoded(QStringView encoded);
 

@@ -8,7 +8,7 @@ namespace {
 
 QStringDecoder makeDecoder()
 {
-    // Stateless, or a character that is cut off at the end would be dropped without an error.
+    // A decoder with state would drop an incomplete character at the end without an error.
     return QStringDecoder(QStringDecoder::Utf8,
                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
 }

@@ -6,7 +6,7 @@ namespace Quorvix {
 
 std::optional<NSError> writeAll(QIODevice &device, QByteArrayView bytes)
 {
-    // A full disk takes what it can and fails only at the next write, so that one has to be made.
+    // A full disk accepts a part of the bytes and fails only at the next write, so the rest is written again.
     while (!bytes.isEmpty()) {
         const qint64 written = device.write(bytes.data(), bytes.size());
         if (written <= 0)

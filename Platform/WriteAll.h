@@ -11,7 +11,7 @@ class QIODevice;
 namespace Quorvix {
 
 /// Writes all of the bytes. Fails with NSCocoaErrorDomain / NSFileWriteUnknownError and the device's own
-/// sentence; it has taken some of the bytes then. On the device's thread.
+/// sentence; the device may then hold a part of the bytes. On the device's thread.
 [[nodiscard]] std::optional<NSError> writeAll(QIODevice &device, QByteArrayView bytes);
 
 } // namespace Quorvix
