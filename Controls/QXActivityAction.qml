@@ -1,13 +1,13 @@
 import QtQuick
 import Quorvix.Controls
 
-/// One thing that can be done with what is shared.
+/// One action of the share sheet.
 QXPressable {
     id: root
 
     required property string symbol
     property bool isLast: false
-    /// Brings the action into view when the keyboard comes to it.
+    /// Scrolls to the action when it gets the keyboard focus.
     property QXScrollArea scrollArea: null
 
     width: parent?.width ?? implicitWidth

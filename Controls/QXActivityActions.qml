@@ -1,12 +1,12 @@
 import QtQuick
 import Quorvix.Controls
 
-/// What can be done with what is shared.
+/// The actions of the share sheet.
 Rectangle {
     id: root
 
     required property UIActivityViewController controller
-    /// Brings an action into view when the keyboard comes to it.
+    /// Scrolls to an action when it gets the keyboard focus.
     required property QXScrollArea scrollArea
     property bool isSaving: false
     property bool couldNotOpen: false
@@ -79,7 +79,7 @@ Rectangle {
         }
     }
 
-    /// Forgets what was done with something else.
+    /// Resets the state before another item is shared.
     function begin() {
         root.isSaving = false;
         root.couldNotOpen = false;

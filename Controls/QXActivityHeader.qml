@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// What is shared: its symbol, its name, and its kind and size.
+/// The shared item: its symbol, its name, and its kind and size.
 Item {
     id: root
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// The beginning of what is shared.
+/// The beginning of the shared text.
 Rectangle {
     id: root
 
@@ -22,7 +22,7 @@ Rectangle {
         id: preview
 
         objectName: "QXActivityPreview"
-        // Code reads from left to right everywhere.
+        // Code reads from left to right in every language.
         LayoutMirroring.enabled: false
         width: parent.width
         padding: 12

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// The share sheet: what is shared, and what can be done with it. One presentation for each share item.
+/// The share sheet: the shared item and its actions. The sheet opens once for each share item.
 QXSheet {
     id: root
 

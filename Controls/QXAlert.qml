@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// A message that has to be acknowledged.
+/// A message that the user has to confirm.
 QXModal {
     id: root
 
@@ -13,7 +13,7 @@ QXModal {
 
     Keys.onReturnPressed: root.dismissRequested()
     Keys.onEnterPressed: root.dismissRequested()
-    Keys.onPressed: event => event.accepted = texts.obey(event.key)
+    Keys.onPressed: event => event.accepted = texts.scrollByKey(event.key)
 
     Accessible.role: Accessible.AlertMessage
     Accessible.name: title

@@ -13,7 +13,8 @@ namespace {
 
 constexpr qreal smallestScale = 0.85;
 constexpr qreal largestScale = 2;
-/// Platforms disagree by about this much on what is usual; below it nobody has asked for another size.
+/// The usual text size differs by up to this share between platforms. A smaller difference does not mean
+/// that the user chose another size.
 constexpr qreal tolerance = 0.15;
 
 /// The height of the text that the platform's own applications have by default, in pixels.
@@ -37,7 +38,7 @@ constexpr qreal usualPixelSize()
 QXAppearance::QXAppearance(QObject *parent) : QObject(parent)
 {
     qGuiApp->installEventFilter(this);
-    // Told of by a signal only; the event goes to the windows.
+    // The application reports this by a signal only; the event goes to the windows.
     connect(qGuiApp, &QGuiApplication::layoutDirectionChanged, this, &QXAppearance::changed);
 }
 

@@ -4,16 +4,17 @@
 #include <QtCore/QString>
 #include <QtQml/qqmlregistration.h>
 
-/// How the platform wants the application to look, followed while it runs. Main thread only.
+/// The platform's settings for colours, text size and fonts, updated while the application runs. Main thread
+/// only.
 class QXAppearance : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    /// Whether the palette is a dark one.
+    /// Whether the palette is dark.
     Q_PROPERTY(bool isDark READ isDark NOTIFY changed)
     /// Whether the application reads from right to left.
     Q_PROPERTY(bool isMirrored READ isMirrored NOTIFY changed)
-    /// The application's text size against what is usual on the platform, from 0.85 to 2.
+    /// The ratio of the application's text size to the usual size on the platform, from 0.85 to 2.
     Q_PROPERTY(qreal fontScale READ fontScale NOTIFY changed)
     /// The family of the application's font.
     Q_PROPERTY(QString fontFamily READ fontFamily NOTIFY changed)

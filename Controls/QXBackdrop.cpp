@@ -12,22 +12,22 @@
 
 namespace {
 
-/// How long the pictures hold at least while the host renders, in milliseconds.
+/// The shortest time between two pictures while the host renders, in milliseconds.
 constexpr qint64 pictureInterval = 250;
-/// With more items than these beneath it, the frost would cost the host more than it is worth.
-constexpr qsizetype mostPanes = 16;
+/// With more host items than this beneath the backdrop, the effect costs the host too much.
+constexpr qsizetype maximumPanes = 16;
 
-/// Whether @p item is part of the host's content: not a layer of the inspector, not where the popups are.
+/// Whether @p item is part of the host's content, and not a layer of the inspector or the popup overlay.
 bool isContent(const QQuickItem &item)
 {
     return !qobject_cast<const QXLayer *>(&item) && !item.inherits("QQuickOverlay");
 }
 
-/// Whether @p item, or what stands in it, shows within @p area. The bars of an application window stand
-/// outside of the content that they belong to.
+/// Whether @p item or one of its children is visible within @p area. The bars of an application window are
+/// children of the content but lie outside of it.
 bool reaches(const QQuickItem &item, const QRectF &area)
 {
-    // Of an item without a size no picture can be taken.
+    // An item without a size cannot be rendered to a picture.
     if (item.boundingRect().isEmpty())
         return false;
     if (item.boundingRect().intersects(area))
@@ -62,7 +62,7 @@ QList<QQuickItem *> QXBackdrop::hostItems() const
     });
     std::stable_sort(items.begin(), items.end(),
                      [](const auto *a, const auto *b) { return a->z() < b->z(); });
-    return items.size() <= mostPanes ? items : QList<QQuickItem *>();
+    return items.size() <= maximumPanes ? items : QList<QQuickItem *>();
 }
 
 void QXBackdrop::refresh()
@@ -98,7 +98,7 @@ void QXBackdrop::watch(QQuickWindow *window)
 {
     if (m_window == window)
         return;
-    // A window that goes has given up its content already.
+    // A window that is being destroyed has no content item any more.
     if (m_window)
         m_window->disconnect(this);
     if (m_content)
@@ -109,14 +109,14 @@ void QXBackdrop::watch(QQuickWindow *window)
     m_content = window ? window->contentItem() : nullptr;
     if (!m_content)
         return;
-    // An item that leaves may be on its way to another window, or to its end: its pane goes first.
+    // A removed item may move to another window or be destroyed, so its pane has to be deleted first.
     connect(m_content, &QQuickItem::childrenChanged, this, [this] {
         const QList<QQuickItem *> children = m_content->childItems();
         std::erase_if(m_panes, [&](const Pane &pane) { return !children.contains(pane.item); });
         updateFrosted();
         refresh();
     });
-    // The render thread has this one stopped while it synchronises. The two queued calls arrive in order.
+    // The main thread is blocked while the render thread synchronises. The two queued calls arrive in order.
     connect(
         m_window, &QQuickWindow::afterSynchronizing, this,
         [this] {
@@ -129,8 +129,8 @@ void QXBackdrop::watch(QQuickWindow *window)
     refresh();
 }
 
-/// What the host rendered may be beneath; a frame for the sake of new pictures alone must not lead to the
-/// next.
+/// Called after each frame. The host may have changed what is beneath, so new pictures are needed. A frame
+/// that only shows new pictures must not request the next ones, or rendering would never stop.
 void QXBackdrop::handleFrame()
 {
     if (std::exchange(m_isOwnFrame, false) || m_timer.isActive() || !m_content)
@@ -145,7 +145,7 @@ void QXBackdrop::takePictures()
     m_sincePictures.start();
     for (const Pane &pane : m_panes) {
         QQuickItem *const source = pane.frost->source();
-        // What the item does as a whole is not part of its picture.
+        // The item's own opacity is not part of its picture.
         pane.frost->setOpacity(pane.item->opacity());
         source->setProperty("sourceRect", mapRectToItem(pane.item, boundingRect()));
         QMetaObject::invokeMethod(source, "scheduleUpdate");
@@ -153,7 +153,7 @@ void QXBackdrop::takePictures()
     }
 }
 
-/// Keeps a pane for each of @p items, and no other.
+/// Creates missing panes and deletes others, so that there is one pane for each of @p items.
 void QXBackdrop::show(const QList<QQuickItem *> &items)
 {
     const bool isSame =

@@ -12,18 +12,18 @@
 
 class QXFrost;
 
-/// Shows what the host has beneath this item as through frosted glass. Main thread only.
+/// Shows the host's content beneath this item as if through frosted glass. Main thread only.
 ///
-/// For each item of the host that lies there it makes a pane whose source, a ShaderEffectSource, takes a
-/// small picture of that item: anew when asked, and now and then while the host renders. The host's items are
-/// never handed to the inspector's engine, which might otherwise think that they are its own to collect.
+/// The backdrop creates a pane for each host item beneath it. The source of a pane, a ShaderEffectSource,
+/// renders a small picture of that item when refresh() is called and at intervals while the host renders.
+/// The inspector's QML engine never sees the host's items, because it could delete them as garbage.
 class QXBackdrop : public QQuickItem
 {
     Q_OBJECT
     QML_ELEMENT
-    /// Makes a pane: a QXFrost with its source.
+    /// Creates a pane: a QXFrost with its source.
     Q_PROPERTY(QQmlComponent *pane MEMBER m_component REQUIRED)
-    /// Whether there is a pane to look through.
+    /// Whether there is at least one pane.
     Q_PROPERTY(bool isFrosted READ isFrosted NOTIFY isFrostedChanged)
 
 public:
@@ -31,10 +31,10 @@ public:
     ~QXBackdrop() override;
 
     [[nodiscard]] bool isFrosted() const noexcept { return m_isFrosted; }
-    /// The host's items beneath it, from the lowest to the uppermost.
+    /// The host's items beneath the backdrop, from the lowest to the uppermost.
     [[nodiscard]] QList<QQuickItem *> hostItems() const;
 
-    /// Takes new pictures as soon as what goes on now has ended.
+    /// Takes new pictures in a later turn of the event loop.
     Q_INVOKABLE void refresh();
 
 Q_SIGNALS:
@@ -66,8 +66,8 @@ private:
     QTimer m_timer;
     QElapsedTimer m_sincePictures;
     bool m_isFrosted = false;
-    /// Whether the next frame is one that shows new pictures.
+    /// Whether the next frame shows new pictures.
     bool m_hasNewPictures = false;
-    /// Whether the frame that the host is told of next is that one.
+    /// Whether the next frame that is reported to the main thread shows new pictures.
     bool m_isOwnFrame = false;
 };

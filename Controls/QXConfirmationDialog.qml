@@ -1,8 +1,8 @@
 import QtQuick
 import Quorvix.Controls
 
-/// A choice of things to do, from below on a narrow window and in the middle of a wide one. Holds
-/// QXConfirmationAction.
+/// A dialog with several choices: at the bottom of a narrow window and in the middle of a wide one. Its items
+/// are QXConfirmationAction.
 QXModal {
     id: root
 

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvix.Controls
 
-/// A small menu at a point, over everything and inside the window. Holds QXMenuItem.
+/// A small menu that opens at a point and stays inside the window. Its items are QXMenuItem.
 QXModal {
     id: root
 
@@ -23,7 +23,7 @@ QXModal {
 
     onDismissRequested: root.presented = false
 
-    // The card's own shadow, as soft as a few lines make it.
+    // A few outlines draw a soft shadow around the card.
     Repeater {
         model: 4
 
@@ -71,7 +71,7 @@ QXModal {
         }
     }
 
-    /// Shows the menu with its corner at a point of @p item.
+    /// Opens the menu with its corner at a point of @p item.
     function open(item: Item, x: real, y: real) {
         root.origin = root.presentationLayer.mapFromItem(item, x, y);
         root.presented = true;

@@ -1,5 +1,5 @@
 #pragma once
 
-/// Makes sure that the QML module Quorvix.Controls is linked, types and files. Any thread, any number of
-/// times.
+/// Makes the linker keep the types and files of the QML module Quorvix.Controls. May be called several times.
+/// Any thread.
 void linkQXControlsModule();

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// What a swipe uncovers.
+/// The button that appears when the user swipes a row.
 QXPressable {
     id: root
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// The title of a group that is folded away until it is pressed.
+/// The title of a group. A press on it opens or closes the group.
 QXPressable {
     id: root
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// Something to press that fades while it is pressed or disabled.
+/// A button that fades while it is pressed or disabled.
 QXPressable {
     id: root
 

@@ -27,7 +27,7 @@ void QXFocusFence::itemChange(ItemChange change, const ItemChangeData &value)
         if (m_watched)
             m_watched->removeEventFilter(this);
         m_watched = value.window;
-        // Before the items: each of them would take the key for itself.
+        // The filter has to see the key before the items do, because each item would handle it.
         if (m_watched)
             m_watched->installEventFilter(this);
     }

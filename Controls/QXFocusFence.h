@@ -4,10 +4,10 @@
 #include <QtQml/qqmlregistration.h>
 #include <QtQuick/QQuickItem>
 
-/// Keeps the Tab key inside the item that it is a child of: after the last control comes the first one again,
-/// and never one of what lies beneath. Main thread only.
+/// Keeps the keyboard focus inside the parent item: the Tab key moves from the last control to the first one,
+/// and never to a control beneath. Main thread only.
 ///
-/// Disabled or hidden with its parent, it fences nothing.
+/// The fence has no effect while it is disabled or hidden.
 class QXFocusFence : public QQuickItem
 {
     Q_OBJECT

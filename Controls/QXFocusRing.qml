@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// Tells which control has the keyboard.
+/// Marks the control that has the keyboard focus.
 Rectangle {
     radius: QXTheme.cornerRadius
     color: "transparent"

@@ -12,10 +12,10 @@
 
 namespace {
 
-/// Enough that the corners do not show at the size of a button.
+/// The disc is drawn as a polygon. At the size of a button so many corners look round.
 constexpr int cornerCount = 64;
 
-/// Lives on the render thread.
+/// Draws the disc. Render thread only.
 class DiscNode final : public QObject, public QSGGeometryNode
 {
 public:
@@ -45,7 +45,7 @@ private:
     QSGGeometry m_geometry;
     QSGTextureMaterial m_material;
     QPointer<QSGTextureProvider> m_provider;
-    /// Whether the texture is gone.
+    /// Whether the texture does not exist any more.
     bool m_isBlocked = false;
 };
 
@@ -54,7 +54,7 @@ void DiscNode::setRect(const QRectF &rect)
     const qreal radius = std::min(rect.width(), rect.height()) / 2;
     QSGGeometry::TexturedPoint2D *const points = m_geometry.vertexDataAsTexturedPoint2D();
     for (int i = 0; i < cornerCount; ++i) {
-        // A strip goes from one side to the other and back: first, last, second, last but one, ...
+        // A triangle strip alternates between the two sides: first, last, second, last but one, ...
         const int corner = i % 2 == 0 ? i / 2 : cornerCount - 1 - i / 2;
         const qreal angle = 2 * std::numbers::pi * corner / cornerCount;
         const QPointF point = rect.center() + radius * QPointF(std::cos(angle), std::sin(angle));
@@ -66,7 +66,7 @@ void DiscNode::setRect(const QRectF &rect)
 
 void DiscNode::preprocess()
 {
-    // Nobody else asks for the picture: its item is not on screen itself.
+    // The source is not on screen, so nothing else updates its texture.
     auto *const texture = m_provider ? qobject_cast<QSGDynamicTexture *>(m_provider->texture()) : nullptr;
     if (texture && texture->updateTexture())
         markDirty(DirtyMaterial);

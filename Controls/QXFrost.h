@@ -6,12 +6,12 @@
 /// A round pane: the largest disc in the item, filled with the picture of a texture provider. Main thread
 /// only.
 ///
-/// Drawn small and stretched over the pane, the picture is seen as through frosted glass.
+/// The picture is rendered small and stretched over the pane, which blurs it like frosted glass.
 class QXFrost : public QQuickItem
 {
     Q_OBJECT
     QML_ELEMENT
-    /// Whose picture it shows; without one, or as long as that has none, nothing is drawn.
+    /// The texture provider whose picture the pane shows. Without a source or a picture nothing is drawn.
     Q_PROPERTY(QQuickItem *source READ source WRITE setSource NOTIFY sourceChanged)
 
 public:

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvix.Controls
 
-/// What lies beneath the floating button, as through frosted glass.
+/// The frosted background of the floating button.
 QXBackdrop {
     pane: QXFrost {
         source: picture
@@ -14,7 +14,7 @@ QXBackdrop {
             anchors.fill: parent
             visible: false
             live: false
-            // A quarter of the button: what is smaller than that is lost.
+            // A quarter of the button's size, so that stretching the picture blurs small details.
             textureSize: "13x13"
         }
     }

@@ -6,7 +6,8 @@
 
 namespace {
 
-/// Above everything that Qt Quick stacks over a window's content: its popups stand at about a million.
+/// Above everything that Qt Quick shows over a window's content: the z value of its popups is about a
+/// million.
 constexpr qreal baseZ = 2'000'000;
 
 } // namespace
@@ -18,7 +19,7 @@ QXLayer::QXLayer(int level) : m_safeArea(new QXSafeArea(this))
 
 QXLayer::~QXLayer()
 {
-    // What lies on the layer keeps to its safe area, which must not go first.
+    // The children use the safe area, so they have to be deleted before it.
     qDeleteAll(childItems());
 }
 

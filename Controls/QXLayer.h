@@ -10,8 +10,8 @@ class QXSafeArea;
 
 /// An item over the whole content of a window, above its popups and dialogs. Main thread only.
 ///
-/// What it does not claim falls through to the content beneath. When its window goes, it detaches and says
-/// so.
+/// Pointer events that the layer does not claim go to the content beneath. When its window is hidden or
+/// destroyed, the layer detaches and emits windowLost().
 class QXLayer final : public QQuickItem
 {
     Q_OBJECT
@@ -23,19 +23,19 @@ public:
     explicit QXLayer(int level);
     ~QXLayer() override;
 
-    /// Lays itself over the content of @p window.
+    /// Covers the content of @p window.
     void attach(QQuickWindow *window);
 
-    /// Which points, in its own coordinates, are the layer's. Without a rule it claims them all.
+    /// Sets which points, in the layer's coordinates, the layer claims. By default it claims all points.
     void setClaims(Claims claims) { m_claims = std::move(claims); }
 
-    /// That of the window, brought up to date before the layer takes another size.
+    /// The safe area of the window. It is updated before the layer changes its size.
     [[nodiscard]] QXSafeArea *safeArea() const { return m_safeArea; }
 
     [[nodiscard]] bool contains(const QPointF &point) const override;
 
 Q_SIGNALS:
-    /// The window that it is attached to is hidden, or no more.
+    /// Emitted when the window of the layer is hidden or destroyed.
     void windowLost();
 
 private:

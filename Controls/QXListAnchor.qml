@@ -1,6 +1,6 @@
 import QtQuick
 
-/// Keeps in place what the user reads in a list that grows at its top; at the very top the newest row shows.
+/// Keeps the visible rows in place while a list grows at its top. A list at its very top shows the newest row.
 Item {
     id: root
 
@@ -30,12 +30,12 @@ Item {
     }
 
     function moveTo(position: real) {
-        // Setting it stops a flick: only where the view has not kept its place by itself.
+        // An assignment stops a flick, so it is made only when the view did not keep its position.
         if (Math.abs(position - root.view.contentY) > 0.5)
             root.view.contentY = position;
     }
 
-    // The view learns of the rows after us.
+    // The view handles the new rows after this item.
     Timer {
         id: later
 

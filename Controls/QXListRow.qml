@@ -2,14 +2,14 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// A row of a list. The list has the keyboard and acts for its current row, so a row takes no keys.
+/// A row of a list. The list has the keyboard focus and handles the keys of its current row.
 T.AbstractButton {
     id: root
 
-    /// Whether the keyboard would act on this row.
+    /// Whether this row is the current one, which the keys act on.
     property bool isCurrent: false
     property real columnMargin: QXTheme.margin
-    /// Tells the row from others; lies beneath all of it.
+    /// A background colour that distinguishes the row from others.
     property color tint: "transparent"
     property real tintOpacity: 1
 

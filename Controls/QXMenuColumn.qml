@@ -1,15 +1,15 @@
 import QtQuick
 
-/// The items of a menu or a dialog, one below the other: walked with the arrow keys, chosen once.
+/// The items of a menu or a dialog in a column. The arrow keys move between them, and only one can be chosen.
 Column {
     id: root
 
-    /// Something has been chosen; the menu has to be gone before it is acted on.
+    /// Emitted when an item is chosen. The menu has to close before the item's action runs.
     signal closeRequested
 
-    /// Brings an item into view when the keyboard comes to it.
+    /// Scrolls to an item when it gets the keyboard focus.
     property QXScrollArea scrollArea: null
-    /// What the arrow keys come to after the last item; null for nothing.
+    /// The item that the arrow keys reach after the last one; null for none.
     property QXMenuItem after: null
 
     Keys.onUpPressed: root.step(-1)
@@ -35,7 +35,7 @@ Column {
         item.triggered();
     }
 
-    /// Moves the keyboard to the next visible item, or the one before, and round at the ends.
+    /// Moves the keyboard focus to the next or previous visible item, and from one end to the other.
     function step(by: int) {
         const visible = root.items().concat(root.after ?? []).filter(item => item.visible && item.enabled);
         if (visible.length === 0)

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// One thing to choose in a menu or a dialog, which closes before `triggered` is emitted.
+/// One choice in a menu or a dialog, which closes before `triggered` is emitted.
 QXPressable {
     id: root
 
@@ -11,10 +11,10 @@ QXPressable {
     property color fill: "transparent"
     property real radius: 0
     property int alignment: Text.AlignLeft
-    /// Whether a line parts it from what comes next.
+    /// Whether this is the last item, which has no line below it.
     property bool isLast: false
 
-    /// Chosen.
+    /// Emitted when the user chooses the item.
     signal triggered
 
     width: parent?.width ?? implicitWidth

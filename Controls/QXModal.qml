@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Window
 import Quorvix.Controls
 
-/// Something over a dimmed screen that has the keyboard until it is dismissed, and gives it back then.
+/// A view over a dimmed screen. It has the keyboard focus until it is dismissed, and then returns it.
 QXScreen {
     id: root
 
     required property QXPresentationLayer presentationLayer
     property bool presented: false
-    /// How far it has come in, from 0 to 1.
+    /// The progress of the animation that shows the view, from 0 to 1.
     property real progress: presented ? 1 : 0
     property bool dismissesOnOutsideTap: true
     property color scrim: QXTheme.scrim
@@ -16,7 +16,7 @@ QXScreen {
 
     property Item previousFocus: null
 
-    /// The user wants it gone.
+    /// Emitted when the user wants to close the view.
     signal dismissRequested
 
     parent: presentationLayer
@@ -40,7 +40,7 @@ QXScreen {
         acceptedButtons: Qt.AllButtons
         hoverEnabled: true
         onClicked: {
-            // The second tap of two in a row was not meant for what came with the first.
+            // The second tap of a double tap must not dismiss a view that the first tap opened.
             if (root.dismissesOnOutsideTap && root.progress === 1)
                 root.dismissRequested();
         }
@@ -86,11 +86,11 @@ QXScreen {
     function disappear() {
         const hadKeyboard = root.activeFocus;
         root.presentationLayer.dismiss(root);
-        // Something above all screens may have it by now.
+        // A view above all screens may have the keyboard focus now, and must keep it.
         if (root.previousFocus && hadKeyboard)
             root.previousFocus.forceActiveFocus();
         root.previousFocus = null;
-        // Dismissed before it has begun to come in, there is no way out to wait for.
+        // A view that is dismissed before its animation starts has no closing animation to wait for.
         if (root.progress === 0)
             root.visible = false;
     }

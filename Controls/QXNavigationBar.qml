@@ -9,11 +9,11 @@ FocusScope {
     id: root
 
     required property string title
-    /// What scrolls below; without it the title stays small.
+    /// The view that scrolls below the bar; without it the title stays small.
     property Flickable flickable: null
     property alias leading: leadingItems.data
     property alias trailing: trailingItems.data
-    /// Below the titles, always in sight.
+    /// Items below the titles, always visible.
     property alias accessory: accessoryItem.data
 
     readonly property real largeTitleHeight: flickable ? Math.ceil(largeTitle.implicitHeight) + 12 : 0
@@ -71,7 +71,7 @@ FocusScope {
         }
 
         QXText {
-            // In the middle, unless the buttons of one side need that room.
+            // The title is in the middle unless the buttons of one side need that room.
             readonly property Item before: QXTheme.isMirrored ? trailingItems : leadingItems
             readonly property Item after: QXTheme.isMirrored ? leadingItems : trailingItems
             readonly property real roomStart: before.x + before.width + 4

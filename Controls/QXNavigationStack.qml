@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// Screens in one column, each pushed over the one before; the one on top has the keyboard. A finger that comes in
-/// from the side of the back button takes it away.
+/// A stack of screens; the one on top has the keyboard focus. A swipe from the edge at the back button's side
+/// removes it.
 T.StackView {
     id: root
 
     readonly property real direction: mirrored ? -1 : 1
-    /// Where a screen lies while another one covers it.
+    /// The horizontal position of a screen that another one covers.
     readonly property real beneath: -width * 0.3 * direction
 
     clip: true
@@ -80,13 +80,13 @@ T.StackView {
         duration: QXTheme.duration / 2
         easing.type: Easing.OutCubic
         onFinished: {
-            // It may have come to the top meanwhile.
+            // The covered screen may be on top now.
             if (settle.covered && settle.covered !== root.currentItem)
                 settle.covered.visible = false;
         }
     }
 
-    /// Moves the screen on top aside by a distance.
+    /// Moves the top screen sideways by a distance and shows the screen beneath.
     function uncover(distance: real) {
         if (root.depth < 2)
             return;
@@ -98,7 +98,8 @@ T.StackView {
         root.currentItem.x = moved * root.direction;
     }
 
-    /// Lets it go: away when it has come far or is fast, in pixels per second, and back otherwise.
+    /// Ends a swipe: removes the screen when it moved far or fast enough, otherwise moves it back. The velocity
+    /// is in pixels per second.
     function release(distance: real, velocity: real) {
         if (root.depth < 2)
             return;

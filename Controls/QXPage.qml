@@ -33,13 +33,13 @@ QXScrollArea {
 
     Component.onCompleted: root.scrollBy(-Infinity)
     onContentYChanged: root.isAtTop = root.contentY <= -root.topMargin
-    // A title of another height moves no one who is reading further down.
+    // When the height of the title changes, a page that is scrolled down keeps its position.
     onTopMarginChanged: {
         if (root.isAtTop)
             root.scrollBy(-Infinity);
     }
 
-    /// Brings a control into view that the keyboard has come to.
+    /// Scrolls to a control that has the keyboard focus.
     function revealFocused(control: T.Control) {
         if (control.visualFocus)
             root.reveal(control);

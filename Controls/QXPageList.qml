@@ -30,7 +30,7 @@ ListView {
 
     Component.onCompleted: root.scrollToTop()
     onContentYChanged: root.isAtTop = root.contentY <= root.originY - root.topMargin
-    // A title of another height moves no one who is reading further down.
+    // When the height of the title changes, a list that is scrolled down keeps its position.
     onTopMarginChanged: {
         if (root.isAtTop)
             root.scrollToTop();

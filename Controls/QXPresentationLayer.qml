@@ -1,12 +1,13 @@
 import QtQuick
 import Quorvix.Controls
 
-/// Where sheets and alerts lie: above a screen, one over the other, with the keyboard on the topmost.
+/// The parent of sheets and alerts. They lie above a screen and over each other; the topmost has the keyboard
+/// focus.
 Item {
     id: root
 
     required property QXSafeArea safeArea
-    /// Those on show, the topmost last.
+    /// The visible sheets and alerts, the topmost last.
     property var presented: []
     readonly property Item topmost: presented.length > 0 ? presented[presented.length - 1] : null
     readonly property bool isPresenting: topmost !== null

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// Something that is pressed: by a pointer, with Space, Return and Enter, and by an assistive technology.
+/// A control that the user presses with a pointer, Space, Return or Enter, or an assistive technology.
 T.AbstractButton {
     id: root
 

@@ -2,11 +2,11 @@
 
 #include <QtCore/QtGlobal>
 
-/// Keeps a room's QML module in a program that is linked statically: the linker drops what nothing refers to,
-/// and QML finds its types and files by name only.
+/// Keeps a QML module in a program that is linked statically. Without it the linker drops the module's types
+/// and files, because QML finds them by name only.
 ///
-/// Defines the function @p function in the global namespace; @p uri is the module's, with "_" for ".", and
-/// @p room the target that it is made with.
+/// Defines the function @p function in the global namespace. @p uri is the URI of the module, with "_" for
+/// ".", and @p room is the CMake target of the module.
 #define QX_QML_MODULE(function, uri, room)                                                                   \
     void qml_register_types_##uri();                                                                         \
     void function()                                                                                          \

@@ -9,7 +9,8 @@ namespace {
 
 QMarginsF marginsOf(const QWindow &window)
 {
-    // A window among others keeps clear of the bars by itself; one that fills the screen does not.
+    // Only a window that fills the screen lies beneath the bars; the platform places other windows beside
+    // them.
     const QScreen *const screen = window.screen();
     if (!screen || window.size() != screen->size())
         return {};

@@ -6,7 +6,7 @@
 
 class QWindow;
 
-/// What bars and notches cover at the edges of a window, in points. Main thread only.
+/// The margins that bars and notches cover at the edges of a window, in points. Main thread only.
 class QXSafeArea : public QObject
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
 
     [[nodiscard]] const QMarginsF &margins() const noexcept { return m_margins; }
     void setMargins(const QMarginsF &margins);
-    /// Takes the margins that @p window has now.
+    /// Updates the margins to those of @p window.
     void measure(const QWindow &window);
 
     [[nodiscard]] qreal top() const noexcept { return m_margins.top(); }

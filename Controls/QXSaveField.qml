@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// Where to save: a path to edit, a button, and what came of it.
+/// A field for the path to save to, a save button, and the result.
 Column {
     id: root
 

@@ -1,10 +1,11 @@
 import QtQuick
 
-/// A screen, or what lies over one: it has the keyboard while it is shown, and Esc and the Back key leave it.
+/// A screen, or a view over a screen. It has the keyboard focus while it is visible; Esc and the Back key
+/// leave it.
 FocusScope {
     id: root
 
-    /// By the keyboard. What nobody answers goes no further either.
+    /// Emitted for Esc and the Back key. The key is accepted even when nothing is connected.
     signal leaveRequested
 
     Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// Something that scrolls, by the keyboard too.
+/// An area that scrolls by pointer and by keyboard.
 Flickable {
     id: root
 
@@ -12,10 +12,10 @@ Flickable {
 
     T.ScrollBar.vertical: QXScrollBar {}
 
-    Keys.onPressed: event => event.accepted = root.obey(event.key)
+    Keys.onPressed: event => event.accepted = root.scrollByKey(event.key)
 
-    /// Scrolls as a key says; whether it says so.
-    function obey(key: int): bool {
+    /// Scrolls for a key such as Page Down. Returns whether the key is one that scrolls.
+    function scrollByKey(key: int): bool {
         switch (key) {
         case Qt.Key_Up:
             root.scrollBy(-QXTheme.touchTarget);
@@ -47,7 +47,7 @@ Flickable {
         root.contentY = Math.max(highest, Math.min(root.contentY + distance, lowest));
     }
 
-    /// Brings an item into view, its beginning rather than its end.
+    /// Scrolls to an item. When it is larger than the area, its beginning is visible.
     function reveal(item: Item) {
         const top = item.mapToItem(root.contentItem, 0, 0).y - QXTheme.spacing;
         const bottom = top + Math.min(item.height + 2 * QXTheme.spacing + root.bottomMargin, root.height);
@@ -57,7 +57,7 @@ Flickable {
             root.scrollBy(bottom - root.contentY - root.height);
     }
 
-    /// Brings the beginning of an item into view when nothing of it is.
+    /// Scrolls to the beginning of an item when no part of the item is visible.
     function revealBeginning(item: Item) {
         const top = item.mapToItem(root.contentItem, 0, 0).y;
         if (top + item.height < root.contentY || top > root.contentY + root.height - QXTheme.touchTarget)

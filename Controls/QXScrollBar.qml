@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// A bar that shows while one scrolls and is wide enough to be dragged.
+/// A scroll bar that is visible while the content moves and is wide enough to be dragged.
 T.ScrollBar {
     id: root
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// A field that searches as one types; Esc or its button empties it.
+/// A field that searches while the user types; Esc or its button clears it.
 T.TextField {
     id: root
 

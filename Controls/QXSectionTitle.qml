@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// What stands over a section.
+/// The title of a section.
 QXText {
     font: QXTheme.captionBold
     color: QXTheme.secondaryLabel

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Window
 import Quorvix.Controls
 
-/// As thin a line as the screen can draw well.
+/// The thinnest line that the screen draws evenly.
 Rectangle {
     implicitHeight: Math.max(1, Math.floor(Screen.devicePixelRatio / 2)) / Screen.devicePixelRatio
     color: QXTheme.separator

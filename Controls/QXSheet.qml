@@ -1,19 +1,19 @@
 import QtQuick
 import Quorvix.Controls
 
-/// A sheet from below on a narrow window, a card in the middle of a wide one.
+/// A sheet at the bottom of a narrow window, or a card in the middle of a wide one.
 ///
-/// Swiped down, left with Esc, or dismissed by a tap beside it.
+/// The user closes it with a swipe down, with Esc, or with a tap beside it.
 QXModal {
     id: root
 
     property string title
-    /// As high as its content would like to be, without the header.
+    /// The preferred height of the content, without the header.
     property real contentHeight: 400
     property string doneName: "QXSheetDone"
     property alias doneText: done.text
     property alias trailing: trailingItems.data
-    /// What keys scroll that nothing else takes.
+    /// The area that scrolls for keys that no control handles.
     property QXScrollArea scrollArea: null
     default property alias sheetContent: contentItem.data
 
@@ -24,7 +24,7 @@ QXModal {
     Accessible.role: Accessible.Dialog
     Accessible.name: title
 
-    Keys.onPressed: event => event.accepted = root.scrollArea?.obey(event.key) ?? false
+    Keys.onPressed: event => event.accepted = root.scrollArea?.scrollByKey(event.key) ?? false
 
     Rectangle {
         id: card
@@ -42,7 +42,7 @@ QXModal {
         radius: QXTheme.cardRadius
         color: QXTheme.secondaryBackground
 
-        // The lower corners of a sheet lie below the edge of the window.
+        // Covers the lower corners: only the upper corners of a sheet are round.
         Rectangle {
             anchors.fill: parent
             anchors.topMargin: parent.radius

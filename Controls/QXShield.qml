@@ -1,6 +1,6 @@
 import QtQuick
 
-/// While enabled, nothing that happens over it reaches what lies beneath.
+/// While enabled, the shield stops all pointer events above the items beneath it.
 MouseArea {
     id: root
 

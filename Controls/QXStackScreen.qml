@@ -2,14 +2,14 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// A screen that has been pushed on a navigation stack: the button of its bar, Esc and the Back key take it away.
+/// A screen on a navigation stack. The button in its bar, Esc and the Back key remove it.
 QXScreen {
     id: root
 
-    /// Where the sheets, alerts and menus of this screen lie.
+    /// The parent of the sheets, alerts and menus of this screen.
     required property QXPresentationLayer presentationLayer
     required property string title
-    /// What scrolls below the bar; without it the title stays small.
+    /// The view that scrolls below the bar; without it the title stays small.
     property alias flickable: bar.flickable
     property alias trailing: bar.trailing
 

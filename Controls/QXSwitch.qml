@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// Something that is on or off, with its name before it.
+/// A switch with its name before it.
 T.Switch {
     id: root
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// More than any symbol is shown at; a wrong size must not take the memory of the host.
+/// The largest size, in pixels. No symbol is shown larger, and a wrong size must not use the host's memory.
 constexpr int largestSize = 1024;
 
 QSize pixelSize(const QSize &requested, const QSize &natural)

@@ -4,8 +4,8 @@
 
 /// Draws the inspector's symbols for QML: `image://symbol/<name>?color=<colour>`, in black without a colour.
 ///
-/// A symbol is rendered at exactly the size that is asked for, in pixels, so it is sharp at any scale. QML
-/// keeps the images. Any thread.
+/// A symbol is rendered at exactly the requested size, in pixels, so it is sharp at any scale. QML caches the
+/// images. Any thread.
 class QXSymbolProvider final : public QQuickImageProvider
 {
 public:

@@ -3,7 +3,7 @@
 #include <QtCore/QObject>
 #include <QtQml/qqmlregistration.h>
 
-/// The named colours of the system; the theme gives each its light and its dark shade.
+/// The named colours of the system; the theme defines a light and a dark shade of each.
 namespace QXSystemColor {
 Q_NAMESPACE
 QML_ELEMENT

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// A text as it stands: what came from elsewhere is never taken for markup.
+/// Plain text. Text from outside is never interpreted as markup.
 Text {
     color: QXTheme.label
     font: QXTheme.body

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// A word that does something: in a bar, beside a caption, or under an alert.
+/// A button that shows only its text: in a bar, beside a caption, or in an alert.
 QXFadingButton {
     id: root
 

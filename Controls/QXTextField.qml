@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// A single line to type in, with a rounded border.
+/// A text field of one line with a rounded border.
 T.TextField {
     id: root
 

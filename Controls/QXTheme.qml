@@ -3,14 +3,14 @@ pragma Singleton
 import QtQuick
 import Quorvix.Controls
 
-/// The colours, type and measures of every screen; follows the system's palette and font while the app runs.
+/// The colours, fonts and sizes of every screen; follows the system's palette and font while the app runs.
 QtObject {
     id: root
 
     readonly property QXAppearance appearance: QXAppearance {}
     readonly property bool isDark: appearance.isDark
     readonly property bool isMirrored: appearance.isMirrored
-    /// Factor for everything that has to grow with the text.
+    /// The factor for every size that grows with the text.
     readonly property real scale: appearance.fontScale
 
     readonly property color label: isDark ? "#ffffff" : "#000000"
@@ -19,18 +19,18 @@ QtObject {
     readonly property color separator: isDark ? "#99545458" : "#4a3c3c43"
     readonly property color background: isDark ? "#000000" : "#ffffff"
     readonly property color secondaryBackground: isDark ? "#1c1c1e" : "#f2f2f7"
-    /// What lies on the secondary background, or over everything else.
+    /// The background of cards on the secondary background, and of sheets and menus.
     readonly property color elevatedBackground: isDark ? "#2c2c2e" : "#ffffff"
     /// The secondary label's colour at 8 %, on the background and on a sheet's in dark.
     readonly property color faintFill: isDark ? "#2d2d2f" : "#efeff0"
     readonly property color fill: isDark ? "#3d767680" : "#1f767680"
     readonly property color pressedFill: isDark ? "#5c767680" : "#33767680"
     readonly property color scrim: isDark ? "#80000000" : "#66000000"
-    /// Behind a menu, which belongs to something that has to be seen beside it.
+    /// Dims the screen behind a menu only lightly, because the item of the menu has to stay visible.
     readonly property color menuScrim: isDark ? "#40000000" : "#1f000000"
-    /// The border of a field, and what a switch that is off runs in: they stand out from what they lie on.
+    /// The border of a field and the track of a switch that is off, with enough contrast to any background.
     readonly property color outline: isDark ? "#5f5f64" : "#8e8e93"
-    /// The button's material where what lies beneath cannot be blurred.
+    /// The fill of the floating button where the content beneath cannot be blurred.
     readonly property color material: isDark ? "#323236" : "#f8f8fb"
     readonly property color materialEdge: "#59ffffff"
 
@@ -41,16 +41,16 @@ QtObject {
     readonly property color blue: isDark ? "#0a84ff" : "#007aff"
     readonly property color pink: isDark ? "#ff375f" : "#ff2d55"
     readonly property color gray: "#8e8e93"
-    /// Words and symbols that can be pressed. The plain colours are too light for words on a light ground.
+    /// Texts and symbols that can be pressed. The plain colours are too light for text on a light background.
     readonly property color link: isDark ? "#409cff" : "#0062cc"
     readonly property color redText: isDark ? "#ff6961" : "#d70015"
     readonly property color orangeText: isDark ? "#ff9f0a" : "#a85300"
     readonly property color greenText: isDark ? "#30d158" : "#1f7a34"
-    /// Behind white words.
+    /// Backgrounds of white text.
     readonly property color selection: "#0062cc"
     readonly property color destructive: "#d70015"
     readonly property color onColor: "#ffffff"
-    /// Behind small white words that tell categories apart, in light and dark.
+    /// Backgrounds of small white text for different categories, in light and dark.
     readonly property color indigoFill: "#5856d6"
     readonly property color tealFill: "#0b7a84"
     readonly property color greenFill: "#217d38"
@@ -59,7 +59,7 @@ QtObject {
     readonly property color grayFill: "#6c6c70"
     readonly property color shadow: "#26000000"
 
-    /// In a bar text grows only so far: its room does not.
+    /// The text in a bar grows only up to this factor, because the bar does not grow.
     readonly property real barScale: Math.min(scale, 1.15)
     readonly property font barTitle: Qt.font({
         family: appearance.fontFamily,
@@ -84,16 +84,16 @@ QtObject {
         pixelSize: Math.round(13 * scale)
     })
 
-    /// The smallest thing that a finger finds.
+    /// The smallest size of a control that a finger can press reliably.
     readonly property real touchTarget: 44
     readonly property real margin: 16
     readonly property real spacing: 8
     readonly property real cornerRadius: 10
     readonly property real cardRadius: 14
     readonly property real symbolSize: 22
-    /// The widest column of text that is good to read.
+    /// The largest width of a column of text that is easy to read.
     readonly property real readableWidth: 720
-    /// What the floating button may cover at the bottom of a list.
+    /// The height at the bottom of a list that the floating button can cover.
     readonly property real buttonClearance: 96
     readonly property int duration: 300
 
@@ -110,7 +110,7 @@ QtObject {
         return Math.max(root.margin, (width - root.readableWidth) / 2);
     }
 
-    /// The colour of words that are said to have that colour.
+    /// The text colour for a QXSystemColor.
     function textColor(value: int): color {
         switch (value) {
         case QXSystemColor.Clear:

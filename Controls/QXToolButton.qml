@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// A symbol in a navigation bar.
+/// A button in a navigation bar that shows a symbol.
 QXFadingButton {
     id: root
 

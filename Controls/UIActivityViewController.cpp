@@ -20,11 +20,12 @@ namespace Quorvix {
 
 namespace {
 
-/// As much as a glance takes in, in bytes.
+/// The length of the preview, in bytes.
 constexpr qsizetype previewLength = 4096;
 constexpr qsizetype titleLength = 80;
 
-/// The text that @p bytes begin with, up to a character that is cut off; empty when they are no text.
+/// The text at the start of @p bytes, without a character that is cut off at the end; empty when the bytes
+/// are not text.
 QString leadingText(const QByteArray &bytes)
 {
     QStringDecoder decoder(QStringDecoder::Utf8);
@@ -32,13 +33,13 @@ QString leadingText(const QByteArray &bytes)
     return decoder.hasError() || text.contains(QChar::Null) ? QString() : text;
 }
 
-/// The URL of an item that is one. Text that looks like a URL stays text.
+/// The URL of an item that is a QUrl. Text that looks like a URL stays text.
 QUrl fileUrl(const QVariant &item)
 {
     return item.typeId() == QMetaType::QUrl ? item.toUrl() : QUrl();
 }
 
-/// A path like @p path that no file has yet.
+/// A path based on @p path that no file uses yet.
 QString unusedPath(const QString &path)
 {
     const QFileInfo info(path);

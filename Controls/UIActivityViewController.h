@@ -7,9 +7,9 @@
 
 namespace Quorvix {
 
-/// What the share sheet shows of the things to be shared, and what it can do with them. Main thread only.
+/// The model of the share sheet: it describes the shared items and performs the actions. Main thread only.
 ///
-/// The items are texts and file URLs. The sheet presents the first; the actions concern all of them.
+/// The items are texts and file URLs. The sheet shows the first one; the actions apply to all of them.
 class UIActivityViewController : public QObject
 {
     Q_OBJECT
@@ -31,22 +31,22 @@ public:
 
     /// The file's name, or the first line of the text.
     [[nodiscard]] QString title() const;
-    /// The kind and size of what is shared.
+    /// The kind and size of the first item.
     [[nodiscard]] QString subtitle() const;
-    /// The beginning of the text or of the file's text; empty for a file that holds none.
+    /// The beginning of the text or of the file's text; empty for a file that is not text.
     [[nodiscard]] QString previewText() const;
     /// Whether the items are files, which can be opened and shown in their folder.
     [[nodiscard]] bool isFile() const;
-    /// Where "Save As" proposes to save: a new name in the user's folder for downloads.
+    /// The path that "Save As" suggests: an unused name in the user's download folder.
     [[nodiscard]] QString suggestedPath() const;
 
-    /// Places the texts on the clipboard; of files, the URLs and the paths.
+    /// Copies the texts to the clipboard; for files, the URLs and the paths.
     Q_INVOKABLE void copy();
-    /// Saves the first item under @p path. Returns why it failed, or an empty text.
+    /// Saves the first item to @p path. Returns the reason of a failure, or an empty text.
     Q_INVOKABLE QString saveAs(const QString &path);
-    /// Opens the file with the user's application for it; false when the platform knows none.
+    /// Opens the file with the user's default application; false when the platform has none.
     Q_INVOKABLE bool open();
-    /// Shows the file's folder; false when the platform cannot.
+    /// Opens the file's folder; false when the platform cannot.
     Q_INVOKABLE bool showInFolder();
 
 Q_SIGNALS:

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// What can be done in a text that is edited, for those without a keyboard to do it with.
+/// The menu of a text that is edited, with the commands that otherwise need a keyboard.
 QXContextMenu {
     id: root
 

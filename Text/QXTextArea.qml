@@ -3,8 +3,8 @@ import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix.Text
 
-/// Many lines to type in, with a rounded border; a text of any size. The type is the system's monospaced one,
-/// of regular weight.
+/// A text field of several lines with a rounded border, for a text of any size. The font is the system's
+/// monospaced one, of regular weight.
 FocusScope {
     id: root
 
@@ -14,13 +14,13 @@ FocusScope {
     readonly property alias editor: editor
     property real padding: 12
 
-    /// By a right click, the Menu key, or a finger that is held, in the area's coordinates.
+    /// Emitted for a right click, the Menu key, or a long press. The position is in the area's coordinates.
     signal contextMenuRequested(point position)
     signal textEdited
-    /// The text has been scrolled so that these heights of the area are to be seen.
+    /// Emitted after the text was scrolled to the cursor. The page should show these heights of the area.
     signal revealed(real top, real bottom)
 
-    /// That of a few rows, with less of which one cannot work.
+    /// The height of four rows; a smaller area is hard to use.
     implicitHeight: 4 * editor.rowHeight + 2 * (root.padding + page.anchors.margins)
     activeFocusOnTab: false
 
@@ -47,7 +47,7 @@ FocusScope {
         T.ScrollBar.vertical: QXScrollBar {}
     }
 
-    // Stays where it is and paints another part instead of being moved by the page: see QXTextBlock.
+    // The editor does not move with the page, but paints another part of the text; see QXTextBlock.
     QXTextEditor {
         id: editor
 
@@ -74,7 +74,7 @@ FocusScope {
         onRevealRequested: (top, bottom) => root.reveal(top, bottom)
         onTopRowMoved: distance => page.contentY += distance
 
-        // Not beside it: they are anchored before the parent above is set.
+        // The handles have to be children of the editor: their anchors are set before the parent above.
         QXTextHandles {
             view: editor
         }

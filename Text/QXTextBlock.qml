@@ -4,24 +4,24 @@ import Quorvix.Text
 
 /// A rounded block as high as its text, which is painted only where the page shows it.
 ///
-/// The painted part is a child of the page itself, not of what the page moves: so far down in a long text as one
-/// can scroll, single-precision coordinates would make it tremble.
+/// The painted part is a child of the page itself, not of the page's moving content: far down in a long text
+/// the single-precision coordinates of the scene are too coarse, and the text would shake.
 Item {
     id: root
 
     required property Flickable page
     required property QXTextDocument document
     property real padding: 12
-    /// What the text lies on; opaque.
+    /// The background of the text; opaque.
     property color color: QXTheme.secondaryBackground
 
     readonly property alias hasSelection: view.hasSelection
     readonly property alias view: view
 
-    /// Where the block is in the page's viewport; brought up to date before each frame, whatever moved it.
+    /// The position of the block in the page's viewport, updated before each frame.
     property point place
 
-    /// By a right click, the Menu key, or a finger that is held, in the block's coordinates.
+    /// Emitted for a right click, the Menu key, or a long press. The position is in the block's coordinates.
     signal contextMenuRequested(point position)
 
     implicitHeight: view.contentHeight + 2 * padding
@@ -114,7 +114,7 @@ Item {
         view.selectAll();
     }
 
-    /// Scrolls the page until it shows these heights of the text, the upper one rather than the lower.
+    /// Scrolls the page to these heights of the text. When the page cannot show both, it shows the upper one.
     function reveal(top: real, bottom: real) {
         const inset = root.padding;
         const origin = root.mapToItem(root.page, 0, inset).y + root.page.contentY;

@@ -6,8 +6,8 @@
 
 namespace {
 
-/// How far a character is looked for, in UTF-16 units: further than any in use, and not so far that it takes
-/// long.
+/// How far to search for the boundary of a character, in UTF-16 units: longer than every character in use,
+/// and short enough to be fast.
 constexpr qsizetype reach = 64;
 constexpr qsizetype unitsPerByte = 3;
 
@@ -19,13 +19,14 @@ Kind kindOf(QChar unit)
         return Kind::LineEnd;
     if (unit.isSpace())
         return Kind::Space;
-    // Half of a pair is no letter by itself; those that are not are pictures, which lose nothing.
+    // Half of a surrogate pair cannot be classified, so it counts as a letter. Only emoji lose by that, and
+    // it does not matter there.
     if (unit.isLetterOrNumber() || unit.isMark() || unit.isSurrogate() || unit == u'_')
         return Kind::Word;
     return Kind::Other;
 }
 
-/// The nearest end of a character in the direction of @p step, in units of a slice around the position.
+/// The nearest boundary of a character, forwards or backwards, found in a slice around the position.
 qsizetype characterBoundary(const QXTextDocument &document, qsizetype position, bool forwards)
 {
     const qsizetype start = qMax<qsizetype>(0, position - reach);

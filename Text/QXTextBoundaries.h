@@ -4,7 +4,7 @@
 
 class QXTextDocument;
 
-/// A part of a text: from one position to before another.
+/// A part of a text: from the start position up to the end position, which is not included.
 struct QXTextRange
 {
     qsizetype start = 0;
@@ -14,18 +14,18 @@ struct QXTextRange
 /// Finds where characters, words and lines begin and end. Main thread only.
 namespace QXTextBoundaries {
 
-/// The position after the character (as a person sees it) that begins at @p position.
+/// The position after the character at @p position. A character is what the user sees as one (a grapheme).
 [[nodiscard]] qsizetype nextCharacter(const QXTextDocument &document, qsizetype position);
 [[nodiscard]] qsizetype previousCharacter(const QXTextDocument &document, qsizetype position);
 
-/// Where the word after the next white space begins.
+/// The start of the word after the next white space.
 [[nodiscard]] qsizetype nextWord(const QXTextDocument &document, qsizetype position);
 [[nodiscard]] qsizetype previousWord(const QXTextDocument &document, qsizetype position);
 
-/// Letters, digits and underscores in a row, or white space in a row, or one other character. A byte in
-/// hexadecimal.
+/// The word at @p position: a run of letters, digits and underscores, a run of white space, or one other
+/// character. In hexadecimal, one byte.
 [[nodiscard]] QXTextRange wordAt(const QXTextDocument &document, qsizetype position);
-/// A line with the end that it has. A byte's row has no lines: all of it.
+/// The line at @p position with its line end. Bytes have no lines, so the result is the whole document.
 [[nodiscard]] QXTextRange lineAt(const QXTextDocument &document, qsizetype position);
 
 } // namespace QXTextBoundaries

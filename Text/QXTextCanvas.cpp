@@ -11,13 +11,13 @@
 
 namespace {
 
-/// Room between the lines of a text that is read for long.
+/// The line height as a factor; wider lines make long texts easier to read.
 constexpr qreal leading = 1.2;
-/// A few screens.
-constexpr size_t mostLayouts = 500;
+/// The maximum number of cached row layouts: enough for a few screens.
+constexpr size_t maximumLayouts = 500;
 constexpr qreal caretWidth = 1;
 
-/// The widest letter's, should the font not be a monospaced one.
+/// The width of one column. If the font is not monospaced, this is the width of the widest letter.
 qreal columnWidth(const QFontMetricsF &metrics)
 {
     return qMax(metrics.horizontalAdvance(u'W'), metrics.horizontalAdvance(u'0'));
@@ -99,7 +99,7 @@ void QXTextCanvas::updatePolish()
 void QXTextCanvas::invalidateRows()
 {
     m_columns = 0;
-    forgetLayouts();
+    clearLayouts();
     polish();
 }
 
@@ -118,7 +118,7 @@ void QXTextCanvas::breakRows()
     const qsizetype topPosition = m_rows.start(top);
     const bool isFirst = std::exchange(m_columns, columns) == 0;
     m_document->breakInto(m_rows, columns);
-    forgetLayouts();
+    clearLayouts();
     setContentHeight(m_rows.count() * m_rowHeight);
     if (const int moved = m_rows.rowAt(topPosition) - top; !isFirst && m_scrollOffset > 0 && moved != 0)
         Q_EMIT topRowMoved(moved * m_rowHeight);
@@ -132,11 +132,11 @@ void QXTextCanvas::setContentHeight(qreal height)
 
 void QXTextCanvas::followEdit(qsizetype position, qsizetype removed, qsizetype added)
 {
-    forgetLayouts();
+    clearLayouts();
     const bool areBroken = m_columns > 0;
     if (areBroken)
         m_rows.follow(m_document->view(), position, removed, added);
-    // Before anyone is told of anything: positions beyond the end are asked for no more.
+    // This happens before any signal, so that no listener asks for a position beyond the end.
     const qsizetype length = m_document->length();
     if (m_selection.end() > length) {
         QXTextSelection kept;
@@ -165,7 +165,7 @@ QString QXTextCanvas::rowText(int row) const
     return text;
 }
 
-void QXTextCanvas::forgetLayouts()
+void QXTextCanvas::clearLayouts()
 {
     m_layouts.clear();
     update();
@@ -173,7 +173,7 @@ void QXTextCanvas::forgetLayouts()
 
 const QXTextRowLayout &QXTextCanvas::layoutOf(int row) const
 {
-    if (m_layouts.size() > mostLayouts)
+    if (m_layouts.size() > maximumLayouts)
         m_layouts.clear();
     std::unique_ptr<QXTextRowLayout> &layout = m_layouts[row];
     if (!layout)
@@ -226,7 +226,7 @@ void QXTextCanvas::paintRow(QPainter &painter, int row) const
     const int to = int(std::clamp<qsizetype>(m_selection.end() - start, from, length));
     for (const QXTextRowLayout::Span &span : layout.spansOf(from, to))
         fill(span.left, span.right);
-    // A line end would not be seen otherwise.
+    // A selected line end is shown as extra width; otherwise it would be invisible.
     const qsizetype lineEnd = start + length;
     if (lineEnd < m_rows.end(row) && m_selection.start() <= lineEnd && m_selection.end() > lineEnd)
         fill(layout.width(), layout.width() + m_columnWidth);

@@ -12,25 +12,25 @@
 #include <memory>
 #include <unordered_map>
 
-/// Paints the rows of a document that are in view, and knows where its characters are. Main thread only;
-/// painted while that one waits.
+/// Paints the visible rows of a document and maps positions to points. Main thread only; the render thread
+/// paints while the main thread is blocked.
 ///
-/// Rows are as wide as the item and broken anew at most once per frame. They read from left to right whatever
-/// the application does, as code does; within a row, text of either direction is shaped as it should be.
+/// Rows are as wide as the item and are broken again at most once per frame. Like code, they read from left
+/// to right in every language; within a row, text of either direction is shaped correctly.
 class QXTextCanvas : public QQuickPaintedItem
 {
     Q_OBJECT
     QML_ANONYMOUS
     Q_PROPERTY(QXTextDocument *document READ document WRITE setDocument NOTIFY documentChanged)
-    /// A monospaced one.
+    /// The font; it has to be monospaced.
     Q_PROPERTY(QFont font READ font WRITE setFont NOTIFY fontChanged)
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY coloursChanged)
     Q_PROPERTY(QColor selectionColor MEMBER m_selectionColor NOTIFY coloursChanged)
     Q_PROPERTY(QColor selectedTextColor MEMBER m_selectedTextColor NOTIFY coloursChanged)
-    /// The height of all rows.
+    /// The total height of all rows.
     Q_PROPERTY(qreal contentHeight READ contentHeight NOTIFY contentHeightChanged)
     Q_PROPERTY(qreal rowHeight READ rowHeight NOTIFY fontChanged)
-    /// Which part of that height begins at the top of the item.
+    /// The height of the rows above the top of the item.
     Q_PROPERTY(qreal scrollOffset READ scrollOffset WRITE setScrollOffset NOTIFY scrollOffsetChanged)
     Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY selectionChanged)
 
@@ -53,10 +53,10 @@ public:
 
     /// The position nearest to a point of the item.
     [[nodiscard]] qsizetype positionAt(QPointF point) const;
-    /// Where the caret stands before the character at @p position: from the top of all rows, not of the item.
-    /// It stands so many units further on if the row shows more than the document has.
+    /// The caret before the character at @p position, measured from the top of all rows and not of the item.
+    /// @p further moves it by so many units, for a row that shows more text than the document has.
     [[nodiscard]] QRectF caretAt(qsizetype position, int further = 0) const;
-    /// What is painted at a height of the item.
+    /// The text of the row that is painted at a height of the item.
     [[nodiscard]] QString rowTextAt(qreal y) const;
     [[nodiscard]] const QXTextRows &rows() const { return m_rows; }
 
@@ -69,19 +69,20 @@ Q_SIGNALS:
     void contentHeightChanged();
     void scrollOffsetChanged();
     void selectionChanged();
-    /// New widths have moved the row at the top of the item by so much; whoever scrolls follows.
+    /// Emitted when new row widths move the row at the top of the item by this distance. The scrolling page
+    /// follows.
     void topRowMoved(qreal distance);
 
 protected:
     void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
     void updatePolish() override;
 
-    /// Breaks the rows now if that is still to be done.
+    /// Breaks the rows now if they have to be broken.
     void breakRows();
-    /// What a row shows, without its line end.
+    /// The text that a row shows, without its line end.
     [[nodiscard]] virtual QString rowText(int row) const;
-    /// To be called when a row shows something else.
-    void forgetLayouts();
+    /// Clears the cached layouts. Must be called when the text of a row changes.
+    void clearLayouts();
     [[nodiscard]] QColor color() const { return m_color; }
 
 private:
@@ -103,7 +104,7 @@ private:
     qreal m_contentHeight = 0;
     qreal m_scrollOffset = 0;
     QXTextRows m_rows;
-    /// 0 when the rows have to be broken.
+    /// The number of columns per row; 0 when the rows have to be broken.
     int m_columns = 0;
     QXTextSelection m_selection;
     mutable std::unordered_map<int, std::unique_ptr<QXTextRowLayout>> m_layouts;

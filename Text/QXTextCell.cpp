@@ -16,8 +16,8 @@ struct Range
     char32_t last;
 };
 
-/// Wide and full-width characters (Unicode Standard Annex 11), in coarser blocks, and pictures: those are
-/// hardly ever in a monospaced font, and what stands in for them is wider than one column.
+/// Wide and full-width characters (Unicode Standard Annex 11) in coarse blocks, and emoji. Monospaced fonts
+/// rarely contain emoji, and those of fallback fonts are wider than one column.
 constexpr Range wideRanges[] = {
     {0x1100, 0x115F}, {0x231A, 0x231B}, {0x2329, 0x232A},   {0x23E9, 0x23F3},   {0x25FD, 0x25FE},
     {0x2600, 0x27BF}, {0x2B1B, 0x2B1C}, {0x2B50, 0x2B55},   {0x2E80, 0x303E},   {0x3041, 0xA4CF},
@@ -43,7 +43,7 @@ bool isFlagLetter(char32_t character)
     return isIn(character, 0x1F1E6, 0x1F1FF);
 }
 
-/// Vowels and final consonants of Hangul, which are drawn within the syllable.
+/// Whether this is a vowel or final consonant of Hangul, which is drawn within the syllable.
 bool isConjoiningJamo(char32_t character)
 {
     return isIn(character, 0x1160, 0x11FF) || isIn(character, 0xD7B0, 0xD7FF);
@@ -66,7 +66,7 @@ QXTextCell QXTextCell::of(char32_t character, char32_t previous, int column)
     const QChar::Category category = QChar::category(character);
     if (category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing ||
         category == QChar::Other_Format || isConjoiningJamo(character))
-        // The selector turns a narrow sign into a picture.
+        // The selector turns a narrow symbol into an emoji of two columns.
         return {character == emojiSelector && !isWide(previous) ? 1 : 0, hasBase};
     if (category == QChar::Mark_SpacingCombining)
         return {1, hasBase};

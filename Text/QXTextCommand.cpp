@@ -27,7 +27,7 @@ constexpr Row rows[] = {
 
 QString typedBy(const QKeyEvent &event)
 {
-    // Control and Alt together are AltGr on some platforms.
+    // Some platforms report AltGr as Control and Alt together.
     const Qt::KeyboardModifiers modifiers = event.modifiers();
     const bool isAltGr = modifiers & Qt::ControlModifier && modifiers & Qt::AltModifier;
     if (modifiers & Qt::MetaModifier || (modifiers & Qt::ControlModifier && !isAltGr))

@@ -4,17 +4,17 @@
 
 #include <QtCore/QString>
 
-/// How a key changes a text.
+/// A change of a text that a key stands for.
 struct QXTextCommand
 {
     enum class Kind { Undo, Redo, Cut, Paste, Delete, Insert };
 
     Kind kind = Kind::Insert;
-    /// As far as where something is deleted.
+    /// The target up to which text is deleted.
     QXTextMove::Target target = QXTextMove::Target::NextCharacter;
-    /// What is inserted.
+    /// The text to insert.
     QString text;
 
-    /// By the keys that the platform uses.
+    /// The command of a key event with the shortcuts of the platform; absent when the key has none.
     [[nodiscard]] static std::optional<QXTextCommand> of(const QKeyEvent &event);
 };

@@ -9,7 +9,7 @@ using Quorvix::hexDigit;
 namespace {
 
 constexpr qsizetype unitsPerByte = 3;
-/// Rows of bytes are easier to compare when they begin at round numbers.
+/// A row holds a multiple of this many bytes, because rows are easier to compare at round offsets.
 constexpr int bytesPerGroup = 4;
 constexpr qsizetype longestBeginning = 500;
 

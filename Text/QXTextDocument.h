@@ -7,17 +7,17 @@
 
 class QXTextRows;
 
-/// What a text view shows: a text, or bytes as two-digit lower-case hexadecimal numbers separated by single
-/// spaces. Main thread only.
+/// The content of a text view: a text, or bytes as two-digit lower-case hexadecimal numbers separated by
+/// single spaces. Main thread only.
 ///
-/// Positions and lengths count UTF-16 units of what is shown. Of bytes only the numbers that are asked for
-/// are ever made.
+/// Positions and lengths count UTF-16 units of the shown text. The hexadecimal text of bytes is created only
+/// for the requested part.
 class QXTextDocument : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the models")
-    /// What is read out instead of all of it.
+    /// The beginning of the text, for assistive technologies, which would take too long for a large text.
     Q_PROPERTY(QString beginning READ beginning NOTIFY replaced)
 
 public:
@@ -29,14 +29,14 @@ public:
     [[nodiscard]] bool isHexadecimal() const noexcept { return m_isHexadecimal; }
     [[nodiscard]] qsizetype length() const;
     [[nodiscard]] QString beginning() const;
-    /// All of it, for copying. Shared when it is a text, and three units per byte otherwise.
+    /// The whole text, for copying. A text is shared; for bytes the result has three units per byte.
     [[nodiscard]] Q_INVOKABLE QString text() const;
     [[nodiscard]] QString text(qsizetype position, qsizetype length) const;
     /// The text itself; empty when bytes are shown.
     [[nodiscard]] QStringView view() const { return m_text; }
 
     void breakInto(QXTextRows &rows, int columns) const;
-    /// Puts another text in the place of a part. Texts only.
+    /// Replaces a part of the text. Texts only, not bytes.
     void replace(qsizetype position, qsizetype removed, const QString &added);
 
 Q_SIGNALS:

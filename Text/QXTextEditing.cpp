@@ -4,8 +4,9 @@
 
 namespace {
 
-/// In UTF-16 units: a text of ten megabytes can be replaced a few times.
-constexpr qsizetype mostKept = 64'000'000;
+/// The maximum size of all stored edits, in UTF-16 units. A text of ten megabytes can be replaced a few
+/// times.
+constexpr qsizetype maximumSize = 64'000'000;
 
 /// Whether @p next begins a word, or a line, after @p last.
 bool isBoundary(QChar last, QChar next)
@@ -31,7 +32,7 @@ qsizetype QXTextEditing::replace(QXTextDocument &document, QXTextRange part, con
     return edit.position + added.size();
 }
 
-/// Whether the next edit goes on where the last one ended, so that it could be added to that.
+/// Adds the next edit to the last one if it continues it. Returns whether it did.
 bool QXTextEditing::join(Edit &last, const Edit &next)
 {
     constexpr qsizetype keystroke = 2; // a pair of surrogates
@@ -67,7 +68,7 @@ void QXTextEditing::forgetUndone()
 
 void QXTextEditing::forgetOldest()
 {
-    for (; m_size > mostKept && m_edits.size() > 1; --m_done) {
+    for (; m_size > maximumSize && m_edits.size() > 1; --m_done) {
         m_size -= m_edits.front().size();
         m_edits.pop_front();
     }

@@ -7,21 +7,21 @@
 #include <deque>
 #include <optional>
 
-/// Edits a document and takes edits back again. Main thread only.
+/// Edits a document, and undoes and redoes edits. Main thread only.
 ///
-/// What is typed or deleted character by character is one edit up to the end of the word. Edits are
-/// forgotten, the oldest first, when together they hold more text than is good to keep.
+/// Characters that are typed or deleted one by one are a single edit up to the end of the word. When the
+/// edits together hold too much text, the oldest are removed.
 class QXTextEditing
 {
 public:
-    /// Puts @p added in the place of a part. @p before is what undoing shall select again. Returns where the
-    /// cursor goes.
+    /// Replaces a part by @p added. @p before is the selection that undo restores. Returns the new position
+    /// of the cursor.
     qsizetype replace(QXTextDocument &document, QXTextRange part, const QString &added,
                       const QXTextSelection &before);
 
     [[nodiscard]] bool canUndo() const noexcept { return m_done > 0; }
     [[nodiscard]] bool canRedo() const noexcept { return m_done < m_edits.size(); }
-    /// Returns what is to be selected then, if there was an edit.
+    /// Undoes the last edit. Returns the selection to restore; absent when there is nothing to undo.
     std::optional<QXTextSelection> undo(QXTextDocument &document);
     std::optional<QXTextSelection> redo(QXTextDocument &document);
     void clear();
@@ -42,8 +42,8 @@ private:
     void forgetOldest();
 
     std::deque<Edit> m_edits;
-    /// So many of them are in the document; the others have been undone.
+    /// The number of edits that are applied to the document; the others are undone.
     size_t m_done = 0;
-    /// In UTF-16 units.
+    /// The size of all edits, in UTF-16 units.
     qsizetype m_size = 0;
 };

@@ -21,7 +21,7 @@ QXTextEditor::QXTextEditor(QQuickItem *parent) : QXTextView(parent)
 
 QXTextEditor::~QXTextEditor()
 {
-    // Whoever listens would take its end for an empty text.
+    // Otherwise the destruction of the document would be reported as an empty text.
     if (document())
         document()->disconnect(this);
 }
@@ -30,7 +30,7 @@ void QXTextEditor::geometryChange(const QRectF &newGeometry, const QRectF &oldGe
 {
     QXTextView::geometryChange(newGeometry, oldGeometry);
     if (hasActiveFocus() && newGeometry.height() < oldGeometry.height())
-        revealCursor(); // as when a keyboard comes up
+        revealCursor(); // as when an on-screen keyboard opens
 }
 
 void QXTextEditor::adoptDocument()
@@ -45,7 +45,7 @@ void QXTextEditor::adoptDocument()
 void QXTextEditor::followDocument()
 {
     if (!m_isEditing)
-        m_editing.clear(); // its positions are those of another text
+        m_editing.clear(); // the stored positions are those of the previous text
     Q_EMIT textChanged();
 }
 
@@ -141,7 +141,7 @@ void QXTextEditor::selectFrom(qsizetype anchor, qsizetype cursor)
     setSelection(selected);
 }
 
-void QXTextEditor::obey(const QXTextCommand &command)
+void QXTextEditor::execute(const QXTextCommand &command)
 {
     switch (command.kind) {
     case QXTextCommand::Kind::Undo:
@@ -170,15 +170,15 @@ void QXTextEditor::keyPressEvent(QKeyEvent *event)
     const auto command = isReadOnly() ? std::nullopt : QXTextCommand::of(*event);
     const auto move = QXTextMove::of(*event);
     if (command)
-        obey(*command);
+        execute(*command);
     else if (move && document())
-        leaveOrMove(*move);
+        moveOrCollapse(*move);
     else
         QXTextView::keyPressEvent(event);
 }
 
-/// A step to the side goes no further than to the end of what is selected.
-void QXTextEditor::leaveOrMove(QXTextMove move)
+/// Moves the cursor. With a selection, a step to the left or right moves it to the end of the selection.
+void QXTextEditor::moveOrCollapse(QXTextMove move)
 {
     const bool leaves = hasSelection() && !move.selects;
     if (leaves && move.target == QXTextMove::Target::NextCharacter)
@@ -207,7 +207,7 @@ void QXTextEditor::focusInEvent(QFocusEvent *event)
 {
     QXTextView::focusInEvent(event);
     showCaret();
-    // A press has yet to say where the cursor goes.
+    // After a press the cursor moves later, to the pressed position.
     if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
         revealCursor();
 }
@@ -231,11 +231,11 @@ void QXTextEditor::timerEvent(QTimerEvent *event)
     update();
 }
 
-/// From now on, until it blinks.
+/// Shows the caret and restarts its blinking.
 void QXTextEditor::showCaret()
 {
     if (!m_preedit.isEmpty())
-        forgetLayouts(); // it is seen where the cursor is
+        clearLayouts(); // the composed text is painted at the cursor
     if (!hasActiveFocus())
         return;
     m_isCaretShown = true;
@@ -248,7 +248,7 @@ void QXTextEditor::showCaret()
 void QXTextEditor::paint(QPainter *painter)
 {
     QXTextView::paint(painter);
-    const QRectF caret = seenCaret();
+    const QRectF caret = visibleCaret();
     if (m_isCaretShown && !isReadOnly())
         painter->fillRect(caret, color());
     if (m_preedit.isEmpty())
@@ -258,7 +258,7 @@ void QXTextEditor::paint(QPainter *painter)
     painter->fillRect(QRectF(qMin(start, end), caret.bottom() - 2, qAbs(end - start), 1), color());
 }
 
-QRectF QXTextEditor::seenCaret() const
+QRectF QXTextEditor::visibleCaret() const
 {
     return caretAt(selection().cursor(), m_preeditCursor).translated(0, -scrollOffset());
 }
@@ -278,7 +278,7 @@ void QXTextEditor::setPreedit(const QString &text, int cursor)
         return;
     m_preedit = text;
     m_preeditCursor = cursor;
-    forgetLayouts();
+    clearLayouts();
     showCaret();
 }
 
@@ -331,7 +331,7 @@ QVariant QXTextEditor::inputMethodQuery(Qt::InputMethodQuery query) const
     case Qt::ImFont:
         return font();
     case Qt::ImCursorRectangle:
-        return seenCaret();
+        return visibleCaret();
     case Qt::ImAnchorRectangle:
         return caretAt(selection().anchor()).translated(0, -scrollOffset());
     case Qt::ImInputItemClipRectangle:

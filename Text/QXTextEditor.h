@@ -5,15 +5,16 @@
 
 struct QXTextCommand;
 
-/// A text of any size to be edited, with the keys of the platform and its input methods. Main thread only.
+/// An editor for a text of any size that supports the platform's keys and input methods. Main thread only.
 ///
-/// The text is kept as it came where it is not edited, line ends of all kinds included. Bytes in hexadecimal
-/// can only be read.
+/// The editor does not change text that the user does not edit, line ends of all kinds included. Bytes in
+/// hexadecimal are read-only.
 class QXTextEditor : public QXTextView
 {
     Q_OBJECT
     QML_ELEMENT
-    /// That of the document. Reading it is cheap; whoever keeps it makes the next keystroke copy all of it.
+    /// The text of the document. Reading it is cheap, but while a caller keeps it, the next keystroke copies
+    /// the whole text.
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
     Q_PROPERTY(Qt::InputMethodHints inputMethodHints MEMBER m_inputMethodHints NOTIFY inputMethodHintsChanged)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY textChanged)
@@ -21,12 +22,12 @@ class QXTextEditor : public QXTextView
     Q_PROPERTY(bool isReadOnly READ isReadOnly NOTIFY documentChanged)
 
 public:
-    /// With an empty document of its own.
+    /// Creates an editor with its own empty document.
     explicit QXTextEditor(QQuickItem *parent = nullptr);
     ~QXTextEditor() override;
 
     [[nodiscard]] QString text() const;
-    /// Begins anew: there is nothing to undo then.
+    /// Replaces the whole text and clears the edits that can be undone.
     void setText(const QString &text);
     [[nodiscard]] bool canUndo() const { return m_editing.canUndo(); }
     [[nodiscard]] bool canRedo() const { return m_editing.canRedo(); }
@@ -36,20 +37,20 @@ public:
     Q_INVOKABLE void paste();
     Q_INVOKABLE void undo();
     Q_INVOKABLE void redo();
-    /// Puts the text in the place of what is selected, or where the cursor is.
+    /// Replaces the selection by the text, or inserts it at the cursor.
     Q_INVOKABLE void insert(const QString &text);
     /// Deletes the whole text.
     Q_INVOKABLE void clear();
-    /// Asks whoever scrolls to show where the cursor is.
+    /// Requests that the page scrolls to the cursor.
     Q_INVOKABLE void showCursor() { revealCursor(); }
 
     void paint(QPainter *painter) override;
     [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 Q_SIGNALS:
-    /// By whomever.
+    /// Emitted after every change of the text, by the user or by the program.
     void textChanged();
-    /// By the user.
+    /// Emitted after a change by the user.
     void textEdited();
     void inputMethodHintsChanged();
 
@@ -69,28 +70,28 @@ protected:
 private:
     void adoptDocument();
     void followDocument();
-    void obey(const QXTextCommand &command);
-    void leaveOrMove(QXTextMove move);
+    void execute(const QXTextCommand &command);
+    void moveOrCollapse(QXTextMove move);
     void replace(QXTextRange part, const QString &added);
-    /// Deletes what is selected, else as far as the target.
+    /// Deletes the selection, or the text up to the target when there is none.
     void deleteTo(QXTextMove::Target target);
     void restore(const std::optional<QXTextSelection> &selection);
     void selectFrom(qsizetype anchor, qsizetype cursor);
     void showCaret();
     void setPreedit(const QString &text, int cursor);
     void commitPreedit();
-    /// Where the caret is seen, within or after what is being composed.
-    [[nodiscard]] QRectF seenCaret() const;
+    /// The position of the visible caret, which can be inside the text that an input method is composing.
+    [[nodiscard]] QRectF visibleCaret() const;
 
     QXTextDocument m_ownDocument{QString()};
     QXTextEditing m_editing;
-    /// While it is the editor that changes the document.
+    /// True while the editor itself changes the document.
     bool m_isEditing = false;
     Qt::InputMethodHints m_inputMethodHints =
         Qt::ImhMultiLine | Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText;
     QBasicTimer m_blinkTimer;
     bool m_isCaretShown = false;
-    /// What an input method is composing at the cursor; not yet part of the text.
+    /// The text that an input method is composing at the cursor; not yet part of the document.
     QString m_preedit;
     int m_preeditCursor = 0;
 };

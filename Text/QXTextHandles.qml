@@ -4,7 +4,7 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix.Text
 
-/// The two knobs at the ends of what a finger has selected; they are dragged to select less or more.
+/// The two handles at the ends of a selection that was made by touch. The user drags them to change it.
 Item {
     id: root
 
@@ -25,7 +25,7 @@ Item {
             required property int index
 
             readonly property bool isStart: index === 0
-            // Asked for only where it is seen: every frame of scrolling moves it.
+            // Read only while visible, because it changes with every frame of scrolling.
             readonly property rect edge: !root.visible ? Qt.rect(0, 0, 0, 0)
                                        : isStart ? root.view.startEdge : root.view.endEdge
             /// The middle of the knob.
@@ -60,15 +60,15 @@ Item {
             MouseArea {
                 id: area
 
-                /// From where the finger is to the row that it moves.
-                property point grip
+                /// The offset from the finger to the middle of the row at this end of the selection.
+                property point offset
 
                 anchors.fill: parent
                 preventStealing: true
 
                 onPressed: mouse => {
                     const at = mapToItem(root.view, mouse.x, mouse.y);
-                    grip = Qt.point(handle.edge.x - at.x, handle.edge.y + handle.edge.height / 2 - at.y);
+                    offset = Qt.point(handle.edge.x - at.x, handle.edge.y + handle.edge.height / 2 - at.y);
                     root.view.holdEdge(handle.isStart);
                 }
                 onPositionChanged: mouse => root.view.moveEdge(place(mouse))
@@ -80,7 +80,7 @@ Item {
 
                 function place(mouse: var): point {
                     const at = mapToItem(root.view, mouse.x, mouse.y);
-                    return Qt.point(at.x + grip.x, at.y + grip.y);
+                    return Qt.point(at.x + offset.x, at.y + offset.y);
                 }
             }
         }

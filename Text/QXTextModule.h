@@ -1,4 +1,5 @@
 #pragma once
 
-/// Makes sure that the QML module Quorvix.Text is linked, types and files. Any thread, any number of times.
+/// Makes the linker keep the types and files of the QML module Quorvix.Text. May be called several times. Any
+/// thread.
 void linkQXTextModule();

@@ -6,7 +6,7 @@
 
 class QKeyEvent;
 
-/// Where a key moves the cursor of a text to.
+/// A movement of the text cursor that a key stands for.
 struct QXTextMove
 {
     enum class Target {
@@ -25,10 +25,10 @@ struct QXTextMove
     };
 
     Target target = Target::NextCharacter;
-    /// Whether the anchor stays where it is.
+    /// Whether the movement extends the selection.
     bool selects = false;
 
-    /// By the keys that the platform uses.
+    /// The movement of a key event with the shortcuts of the platform; absent when the key has none.
     [[nodiscard]] static std::optional<QXTextMove> of(const QKeyEvent &event);
     [[nodiscard]] bool isVertical() const;
 };

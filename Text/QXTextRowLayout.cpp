@@ -4,7 +4,7 @@
 
 namespace {
 
-/// A character that a layout would act on or hide has a sign, of the same number of units.
+/// Replaces each character that a layout interprets or hides by a visible symbol with as many units.
 QString visible(QString text)
 {
     constexpr char16_t controlPictures = 0x2400;

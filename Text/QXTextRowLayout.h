@@ -4,19 +4,19 @@
 
 #include <vector>
 
-/// One row of a text view, laid out. Used by one thread at a time.
+/// The layout of one row of a text view. Used by one thread at a time.
 ///
-/// Positions are those of units within the row, from 0.
+/// Positions count units within the row, from 0.
 class QXTextRowLayout
 {
 public:
-    /// Makes a row no wider than @p width: fonts that stand in for the one wanted may be wider than was
-    /// reckoned with.
+    /// Lays out a row that is at most @p width wide. A row with wider characters from fallback fonts is
+    /// shrunk to fit.
     QXTextRowLayout(const QString &text, const QFont &font, qreal width, qreal tabWidth);
 
-    /// What is painted: signs stand in for characters that cannot be seen.
+    /// The painted text, with symbols for invisible characters.
     [[nodiscard]] QString text() const { return m_layout.text(); }
-    /// The width in which the row is drawn.
+    /// The painted width of the row.
     [[nodiscard]] qreal width() const;
     [[nodiscard]] qreal xAt(int position) const;
     [[nodiscard]] int positionAt(qreal x) const;
@@ -26,14 +26,14 @@ public:
         qreal left = 0;
         qreal right = 0;
     };
-    /// Where the characters between two positions are: in several places where directions meet.
+    /// The spans of the characters between two positions. There are several where text directions mix.
     [[nodiscard]] std::vector<Span> spansOf(int from, int to) const;
 
-    /// With the painter's pen, and the characters between @p from and @p to in another colour.
+    /// Draws the row with the painter's pen, and the characters between @p from and @p to in @p color.
     void draw(QPainter &painter, QPointF baseline, int from, int to, const QColor &color) const;
 
 private:
     QTextLayout m_layout;
-    /// What the row is multiplied with to fit.
+    /// The horizontal scale that makes the row fit.
     qreal m_scale = 1;
 };

@@ -10,10 +10,10 @@
 
 namespace {
 
-/// A row that nothing but marks without width would fill takes too long to lay out.
+/// Limits the units of a row: a row of many marks without width would take too long to lay out.
 constexpr qsizetype unitsPerColumn = 8;
 
-/// Whether it is one column wide and joins nothing.
+/// Whether the unit is one column wide and independent of the characters beside it.
 constexpr bool isPlain(char16_t unit)
 {
     return char16_t(unit - 0x20) < 0x5F;
@@ -25,7 +25,7 @@ qsizetype plainLength(const char16_t *text, qsizetype length)
     constexpr qsizetype block = 16;
     qsizetype i = 0;
     for (; i + block <= length; i += block) {
-        // Without a way out of the loop the compiler takes all of the block at once.
+        // The loop has no early exit, so that the compiler can vectorise it.
         unsigned short plain = 1;
         for (qsizetype k = 0; k < block; ++k)
             plain &= static_cast<unsigned short>(isPlain(text[i + k]));
@@ -37,7 +37,7 @@ qsizetype plainLength(const char16_t *text, qsizetype length)
     return i;
 }
 
-/// Where a row ends, and whether a line ends there.
+/// The end of a row, and whether a line ends there.
 struct RowEnd
 {
     qsizetype next = 0;
@@ -51,7 +51,8 @@ public:
     {
     }
 
-    /// What it says depends on nothing before @p start, and on no row but this one and the next.
+    /// The end of the row that begins at @p start. It depends on no text before @p start, and on no row but
+    /// this one and the next.
     [[nodiscard]] RowEnd rowFrom(qsizetype start) const;
 
 private:
@@ -85,7 +86,7 @@ RowEnd RowBreaker::rowFrom(qsizetype start) const
     return {m_size, false};
 }
 
-/// Puts @p fresh in the place of what is between @p first and @p last, moving what follows once at the most.
+/// Replaces the elements between @p first and @p last by @p fresh; moves the following elements at most once.
 void replaceRange(std::vector<quint32> &starts, std::vector<quint32>::iterator first,
                   std::vector<quint32>::iterator last, const std::vector<quint32> &fresh)
 {
@@ -124,7 +125,8 @@ void QXTextRows::breakEvenly(qsizetype length, qsizetype rowLength)
 void QXTextRows::follow(QStringView text, qsizetype position, qsizetype removed, qsizetype added)
 {
     const qsizetype shift = added - removed;
-    const int first = qMax(0, rowAt(position) - 1); // what the edit begins with may join the row before
+    const int first =
+        qMax(0, rowAt(position) - 1); // the first characters of the edit may join the previous row
     const auto edited = m_starts.begin() + first;
     auto kept = std::lower_bound(edited + 1, m_starts.end(), quint32(position + removed));
     m_length = text.size();

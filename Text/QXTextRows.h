@@ -4,35 +4,35 @@
 
 #include <vector>
 
-/// Where a text is broken into rows: at its line ends, and anywhere as soon as the columns are used up. A
-/// value; any thread.
+/// The rows of a text. A row ends at a line end, or at any character when its columns are full. A value; any
+/// thread.
 ///
-/// A line ends at a line feed, at a carriage return, or at both. A row includes the line end that it has; a
-/// text that ends with one has an empty row at last, and an empty text has one row. Positions count UTF-16
-/// units. A character is torn apart by a row's end only when it does not fit on a row of its own.
+/// A line ends at a line feed, at a carriage return, or at both. A row includes its line end; a text that
+/// ends with one has an empty last row, and an empty text has one row. Positions count UTF-16 units. The end
+/// of a row splits a character only when the character does not fit on a row of its own.
 class QXTextRows
 {
 public:
-    /// Breaks a text. Takes a time in proportion to it.
+    /// Breaks a text into rows. Takes linear time.
     void breakText(QStringView text, int columns);
-    /// Makes rows of @p rowLength units out of something that has no line ends.
+    /// Makes rows of @p rowLength units for a text without line ends.
     void breakEvenly(qsizetype length, qsizetype rowLength);
-    /// Follows an edit that put @p added units in the place of @p removed ones at @p position. Breaks anew
-    /// from there to where rows begin as before, at the latest to the end of the line. @p text is what came
-    /// of it.
+    /// Updates the rows after an edit that replaced @p removed units at @p position by @p added units. Breaks
+    /// rows only up to the first row that begins where it did before, at most to the end of the line. @p text
+    /// is the text after the edit.
     void follow(QStringView text, qsizetype position, qsizetype removed, qsizetype added);
 
     [[nodiscard]] int count() const;
     [[nodiscard]] qsizetype start(int row) const;
-    /// Where the next row begins, or the text ends.
+    /// The start of the next row, or the end of the text.
     [[nodiscard]] qsizetype end(int row) const;
-    /// The row in which the unit at @p position is; the last one for a position at the end.
+    /// The row of the unit at @p position; the last row for a position at the end.
     [[nodiscard]] int rowAt(qsizetype position) const;
 
 private:
     qsizetype m_length = 0;
     int m_columns = 1;
-    /// 0 for a text.
+    /// The units per row after breakEvenly(); 0 after breakText().
     qsizetype m_rowLength = 0;
     std::vector<quint32> m_starts{0};
 };

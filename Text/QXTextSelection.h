@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-/// What is selected in a document: from the anchor, where it was begun, to the cursor, which moves. A value;
-/// main thread only.
+/// The selection in a document: from the anchor, where it began, to the cursor, which moves. A value; main
+/// thread only.
 class QXTextSelection
 {
 public:
@@ -19,9 +19,9 @@ public:
     [[nodiscard]] bool isEmpty() const noexcept { return m_anchor == m_cursor; }
 
     void set(qsizetype anchor, qsizetype cursor);
-    /// Selects the unit at @p position; with characters, nothing yet.
+    /// Selects the unit at @p position. With characters it selects nothing yet.
     void begin(const QXTextDocument &document, qsizetype position, Unit unit);
-    /// Selects from what was begun with to the end of the unit at @p position, in either direction.
+    /// Selects from the first unit to the end of the unit at @p position, in either direction.
     void extend(const QXTextDocument &document, qsizetype position);
 
 private:

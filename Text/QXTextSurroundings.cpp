@@ -4,7 +4,7 @@
 
 namespace {
 
-/// To either side of the cursor, in UTF-16 units.
+/// The length of the reported text on each side of the cursor, in UTF-16 units.
 constexpr qsizetype reach = 1000;
 
 } // namespace

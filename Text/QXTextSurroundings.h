@@ -4,16 +4,16 @@
 
 #include <QtCore/QVariant>
 
-/// The part of a text that an input method is told of: what is around the cursor, however long the text. Main
-/// thread only, and no longer than its arguments live.
+/// The text around the cursor that is reported to an input method; its length is limited. Main thread only.
+/// The object must not outlive its arguments.
 class QXTextSurroundings
 {
 public:
     QXTextSurroundings(const QXTextDocument &document, const QXTextSelection &selection);
 
-    /// The position in the document at which what is told begins.
+    /// The position in the document where the reported text begins.
     [[nodiscard]] qsizetype start() const noexcept { return m_start; }
-    /// Invalid for a query that is not about the text.
+    /// The answer to a query; invalid for a query that is not about the text.
     [[nodiscard]] QVariant answer(Qt::InputMethodQuery query) const;
 
 private:

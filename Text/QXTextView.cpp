@@ -11,7 +11,7 @@ namespace {
 
 using Target = QXTextMove::Target;
 
-constexpr int frame = 16; // milliseconds
+constexpr int frameInterval = 16; // milliseconds
 
 bool isFinger(const QMouseEvent &event)
 {
@@ -86,10 +86,10 @@ void QXTextView::mousePressEvent(QMouseEvent *event)
     setTouched(false);
     if (!document())
         return;
-    setKeepMouseGrab(true); // or the page would be dragged instead
+    setKeepMouseGrab(true); // otherwise the page would be dragged
     m_isSelecting = true;
     m_dragged = event->scenePosition();
-    m_climbX = -1;
+    m_verticalMoveX = -1;
     const bool isThird =
         m_sinceDoubleClick.isValid() &&
         !m_sinceDoubleClick.hasExpired(QGuiApplication::styleHints()->mouseDoubleClickInterval());
@@ -124,7 +124,7 @@ void QXTextView::dragTo(QPointF point)
     if (point.y() >= 0 && point.y() < height())
         m_scrollTimer.stop();
     else if (!m_scrollTimer.isActive())
-        m_scrollTimer.start(frame, this);
+        m_scrollTimer.start(frameInterval, this);
 }
 
 void QXTextView::mouseReleaseEvent(QMouseEvent *event)
@@ -159,8 +159,8 @@ void QXTextView::timerEvent(QTimerEvent *event)
         holdAt(m_pressed);
     } else if (event->timerId() == m_scrollTimer.timerId()) {
         const QPointF point = mapFromScene(m_dragged);
-        const qreal goal =
-            qBound<qreal>(0, scrollOffset() + point.y(), contentHeight()); // the further, the faster
+        const qreal goal = qBound<qreal>(0, scrollOffset() + point.y(),
+                                         contentHeight()); // scrolls faster when the pointer is farther away
         Q_EMIT revealRequested(goal, goal);
         extendTo(point);
     } else {
@@ -204,7 +204,7 @@ void QXTextView::holdAt(QPointF point)
     m_isHeld = true;
     const qsizetype position = positionAt(point);
     if (position >= selection().start() && position < selection().end())
-        return; // what is selected is what the menu is wanted for
+        return; // keeps the selection, because the menu is about it
     m_isSelecting = true;
     setTouched(true);
     select(position, QXTextSelection::Unit::Word);
@@ -228,7 +228,7 @@ QRectF QXTextView::startEdge() const
 
 QRectF QXTextView::endEdge() const
 {
-    // After the last character selected rather than before the next one, which may be on another row.
+    // The edge is after the last selected character, because the next character may be on another row.
     const bool hasLast = hasSelection();
     return caretAt(selection().end() - hasLast, hasLast).translated(0, -scrollOffset());
 }
@@ -243,7 +243,7 @@ void QXTextView::holdEdge(bool isStart)
 
 void QXTextView::moveEdge(QPointF point)
 {
-    // With nothing selected there would be no handle left to hold.
+    // The selection must not become empty: the handles would disappear during the drag.
     if (positionAt(point) != selection().anchor())
         dragTo(point);
 }
@@ -272,7 +272,7 @@ void QXTextView::keyPressEvent(QKeyEvent *event)
     } else if (event->matches(QKeySequence::SelectAll)) {
         selectAll();
     } else if (move && move->selects && document()) {
-        // What is not seen is not a place to go on from.
+        // A cursor that is not visible is not a useful start for a movement.
         const qreal cursor = caretAt(selection().cursor()).top() - scrollOffset();
         if (!hasSelection() && (cursor + rowHeight() <= 0 || cursor >= height()))
             select(positionAt({0, rowHeight()}), QXTextSelection::Unit::Character);
@@ -286,7 +286,7 @@ void QXTextView::moveCursor(QXTextMove move)
 {
     breakRows();
     if (!move.isVertical())
-        m_climbX = -1;
+        m_verticalMoveX = -1;
     const qsizetype target = targetOf(move.target);
     QXTextSelection moved = selection();
     moved.set(move.selects ? moved.anchor() : target, target);
@@ -326,7 +326,8 @@ qsizetype QXTextView::targetOf(Target target)
     case Target::RowStart:
         return rows().start(row);
     case Target::RowEnd:
-        // The end of a row that goes on in the next one is where that begins.
+        // The end position of a row without a line end belongs to the next row, so the cursor stops before
+        // it.
         return row + 1 < rows().count() ? QXTextBoundaries::previousCharacter(text, rows().end(row))
                                         : text.length();
     case Target::Start:
@@ -340,7 +341,7 @@ qsizetype QXTextView::targetOf(Target target)
 qsizetype QXTextView::positionBesideRow(int rows)
 {
     const QRectF caret = caretAt(selection().cursor());
-    if (m_climbX < 0)
-        m_climbX = caret.x();
-    return positionAt({m_climbX, caret.center().y() + rows * rowHeight() - scrollOffset()});
+    if (m_verticalMoveX < 0)
+        m_verticalMoveX = caret.x();
+    return positionAt({m_verticalMoveX, caret.center().y() + rows * rowHeight() - scrollOffset()});
 }

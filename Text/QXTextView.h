@@ -6,17 +6,18 @@
 #include <QtCore/QBasicTimer>
 #include <QtCore/QElapsedTimer>
 
-/// A text of any size, read only: a mouse, keys and a finger that is held select from it, and it can be
-/// copied. A finger that moves at once scrolls what the view lies on. Main thread only.
+/// A read-only text of any size. The user selects with a mouse, keys or a long press, and can copy the
+/// selection. A finger that moves at once scrolls the page. Main thread only.
 class QXTextView : public QXTextCanvas
 {
     Q_OBJECT
     QML_ELEMENT
-    /// Takes the focus when the view is pressed, and hands on its keys; without one the view does so itself.
+    /// The item that takes the focus when the view is pressed and forwards its keys to the view. Without one
+    /// the view takes the focus itself.
     Q_PROPERTY(QQuickItem *focusItem MEMBER m_focusItem NOTIFY focusItemChanged)
-    /// Whether a finger has selected something, and needs handles to select less or more.
+    /// Whether the selection was made by touch and needs handles.
     Q_PROPERTY(bool needsHandles READ needsHandles NOTIFY edgesMoved)
-    /// Where the selection begins and ends, in the item's coordinates: each as high as its row.
+    /// The start and end of the selection in the item's coordinates, each as high as its row.
     Q_PROPERTY(QRectF startEdge READ startEdge NOTIFY edgesMoved)
     Q_PROPERTY(QRectF endEdge READ endEdge NOTIFY edgesMoved)
 
@@ -24,7 +25,7 @@ public:
     explicit QXTextView(QQuickItem *parent = nullptr);
     ~QXTextView() override;
 
-    /// Does nothing when nothing is selected.
+    /// Copies the selection to the clipboard. Does nothing when nothing is selected.
     Q_INVOKABLE void copySelection() const;
     Q_INVOKABLE void selectAll();
     [[nodiscard]] Q_INVOKABLE QString selectedText() const;
@@ -32,17 +33,18 @@ public:
     [[nodiscard]] bool needsHandles() const { return m_isTouched && hasSelection(); }
     [[nodiscard]] QRectF startEdge() const;
     [[nodiscard]] QRectF endEdge() const;
-    /// A finger takes hold of one end of the selection, moves it to a point of the item, and lets go of it.
+    /// Called when a finger presses, drags and releases the handle at one end of the selection. The point is
+    /// in the item's coordinates.
     Q_INVOKABLE void holdEdge(bool isStart);
     Q_INVOKABLE void moveEdge(QPointF point);
     Q_INVOKABLE void releaseEdge();
 
 Q_SIGNALS:
     void focusItemChanged();
-    /// By a right click, the Menu key, or a finger that has selected something.
+    /// Emitted for a right click, the Menu key, or a long press that selected text.
     void contextMenuRequested(QPointF position);
     void edgesMoved();
-    /// Asks whoever scrolls to show these heights, measured as the scroll offset is.
+    /// Requests that the page scrolls to these heights, in the coordinates of the scroll offset.
     void revealRequested(qreal top, qreal bottom);
 
 protected:
@@ -55,11 +57,11 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
 
-    /// Whether the key is one that this view acts on, and no shortcut of the application may take.
+    /// Whether this view handles the key, so that no shortcut of the application may.
     [[nodiscard]] virtual bool wantsKey(const QKeyEvent &event) const;
-    /// A finger was put down and lifted again.
+    /// Called when a finger taps the view.
     virtual void tapped(QPointF point);
-    /// Moves the cursor as @p move says and shows where it went.
+    /// Moves the cursor and scrolls to it.
     void moveCursor(QXTextMove move);
     void revealCursor();
     [[nodiscard]] qsizetype targetOf(QXTextMove::Target target);
@@ -68,9 +70,9 @@ private:
     [[nodiscard]] qsizetype positionBesideRow(int rows);
     void select(qsizetype position, QXTextSelection::Unit unit);
     void extendTo(QPointF point);
-    /// Selects as far as a point, and goes on while it stays outside.
+    /// Extends the selection to a point, and scrolls on while the point is outside the visible part.
     void dragTo(QPointF point);
-    /// A finger has rested for long enough.
+    /// Called after a long press.
     void holdAt(QPointF point);
     void takeFocus();
     void setTouched(bool touched);
@@ -78,16 +80,17 @@ private:
 
     QPointer<QQuickItem> m_focusItem;
     QPointF m_pressed;
-    /// In the scene: while the pointer rests, the view may move.
+    /// The pointer's position in the scene, because the view may move while the pointer rests.
     QPointF m_dragged;
     bool m_isSelecting = false;
-    /// Whether the finger that is down has been held.
+    /// Whether the current press is a long press.
     bool m_isHeld = false;
-    /// Whether the selection is a finger's.
+    /// Whether the selection was made by touch.
     bool m_isTouched = false;
     QBasicTimer m_holdTimer;
     QBasicTimer m_scrollTimer;
     QElapsedTimer m_sinceDoubleClick;
-    /// Where the cursor goes up and down, kept past shorter rows; negative when it has yet to be measured.
-    qreal m_climbX = -1;
+    /// The x position for moving the cursor up and down, kept across shorter rows; negative when not measured
+    /// yet.
+    qreal m_verticalMoveX = -1;
 };
