@@ -20,7 +20,7 @@ constexpr size_t requestsPerConnection = 100'000;
 
 using NameOfEnd = int (*)(int, sockaddr *, socklen_t *);
 
-/// The port of one end of a connection; 0 when @p descriptor is none.
+/// The port of one end of a connection; 0 when @p descriptor is not a connection.
 int portOf(int descriptor, NameOfEnd nameOfEnd)
 {
     sockaddr_in address{};
@@ -37,7 +37,7 @@ bool isConnection(int descriptor, int serverPort, std::optional<int> clientPort)
     return peer != 0 && portOf(descriptor, ::getsockname) == serverPort && peer == clientPort.value_or(peer);
 }
 
-/// Every descriptor that this process has open.
+/// All open descriptors of this process.
 std::vector<int> openDescriptors()
 {
     std::vector<int> descriptors;
@@ -51,15 +51,15 @@ std::vector<int> openDescriptors()
     return descriptors;
 }
 
-/// Breaks the connections that were made to @p serverPort, or the one that comes from @p clientPort. The base
-/// keeps its sockets to itself, so they are looked for among all that the process has open.
+/// Breaks all connections to @p serverPort, or only the one that comes from @p clientPort. The base class
+/// does not publish its sockets, so the function searches all open descriptors of the process.
 void breakConnections(int serverPort, std::optional<int> clientPort = std::nullopt)
 {
     for (const int descriptor : openDescriptors()) {
         if (!isConnection(descriptor, serverPort, clientPort))
             continue;
-        // A thread may close the descriptor meanwhile and another one open it for something else. A copy
-        // stays what it was when it was made.
+        // Another thread may close the descriptor and reuse its number at any time. A copy keeps referring to
+        // the same connection.
         const int copy = ::dup(descriptor);
         if (isConnection(copy, serverPort, clientPort))
             ::shutdown(copy, SHUT_RDWR);
@@ -99,7 +99,7 @@ void BreakableServer::stopAtOnce()
         m_stopping = true;
     }
     m_stopped.notify_all();
-    // What was being accepted when listening stopped turns up a moment later.
+    // A connection that was being accepted when listening stopped appears a moment later.
     while (is_running()) {
         breakConnections(m_port);
         std::this_thread::sleep_for(1ms);

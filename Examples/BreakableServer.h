@@ -6,24 +6,24 @@
 #include <condition_variable>
 #include <mutex>
 
-/// An HTTP server whose handlers can break the connection that they answer on, and which stops at once.
-/// It stands on the public functions of its base alone: those change least from release to release.
+/// An HTTP server whose handlers can break their connection, and which stops at once. It uses only public
+/// functions of its base class, because those change least between releases.
 class BreakableServer final : public httplib::Server
 {
 public:
     BreakableServer();
 
-    /// Opens a port of the loopback interface that the system chooses; 0 or less when there is none.
+    /// Opens a port of the loopback interface that the system chooses. Returns 0 or less when that fails.
     int openPort();
-    /// Returns when connections are accepted, or when the server was stopped first.
+    /// Returns when the server accepts connections or has been stopped.
     void waitUntilRunning() const;
-    /// Breaks all connections and refuses new ones; listening ends once every handler has returned. Any
+    /// Breaks all connections and refuses new ones. Listening ends when every handler has returned. Any
     /// thread.
     void stopAtOnce();
 
-    /// Breaks the connection that @p request came by, without another byte.
+    /// Breaks the connection of @p request without sending another byte.
     static void dropConnection(const httplib::Request &request);
-    /// Lets the calling handler wait; shorter when the server stops.
+    /// Blocks the calling handler for this time, or until the server stops.
     void pause(std::chrono::milliseconds time);
 
 private:

@@ -2,7 +2,7 @@
 
 #include "Examples/TourStage.h"
 
-/// A breakpoint from its switch to its end: what it holds is edited, and the store shows the edit.
+/// Turns a breakpoint on, edits the held exchanges, checks that the store shows the edits, and turns it off.
 /// Begins and ends in the list of requests.
 class BreakpointStage final : public TourStage
 {

@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Layouts
 import QuorvixDemo
 
-/// What is in the cart, and what it comes to.
+/// The products in the cart and their total price.
 Item {
     id: root
 

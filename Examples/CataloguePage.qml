@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QuorvixDemo
 
-/// What the store sells, as a grid under a search field. Pulling it down asks again.
+/// The products of the store in a grid below a search field. Pulling the grid down loads them again.
 Item {
     id: root
 

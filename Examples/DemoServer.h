@@ -31,23 +31,23 @@
 /// | any    | /echo                               | 200 what arrived, as JSON; the body in Base64        |
 ///
 /// The session takes a form with an email address and a password, which is "open sesame" for any address.
-/// "any" is GET, POST, PUT, PATCH, DELETE and OPTIONS. Whatever else is asked for answers 404.
+/// "any" is GET, POST, PUT, PATCH, DELETE and OPTIONS. Every other request gets 404.
 class DemoServer final
 {
 public:
     DemoServer();
-    /// Stops.
+    /// Stops the server.
     ~DemoServer();
     DemoServer(const DemoServer &) = delete;
     DemoServer &operator=(const DemoServer &) = delete;
 
-    /// Accepts connections from now on, in threads of its own; false when no port could be opened.
-    /// A server is started once.
+    /// Starts to accept connections, in threads of its own; false when no port could be opened. A server can
+    /// be started only once.
     [[nodiscard]] bool start();
-    /// Breaks the connections that are open and returns when no request is being answered any more.
+    /// Breaks all open connections and returns when no handler is running any more.
     void stop();
 
-    /// 0 before start().
+    /// The port of the server; 0 before start().
     [[nodiscard]] quint16 port() const noexcept { return m_port; }
     /// An absolute URL on this server for a path with or without a query.
     [[nodiscard]] QUrl url(const QString &pathAndQuery = QStringLiteral("/")) const;

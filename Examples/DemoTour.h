@@ -4,13 +4,14 @@
 
 class QQuickWindow;
 
-/// A walk through the store and the inspector, by pointer and key events alone, that checks what it finds.
+/// An automatic tour of the store and the inspector. It uses pointer and key events only and checks the
+/// results.
 ///
-/// Leaves a numbered picture of every step, the exported archive and a table of the captured exchanges.
+/// Writes a numbered picture of every step, the exported archive and a table of the captured exchanges.
 namespace DemoTour {
 
-/// Takes all steps, each whatever became of the others, and writes a line for each to the standard output.
-/// 0 when all succeeded, else 1. Main thread, while the application's event loop runs.
+/// Runs all steps, also after a failed one, and writes a line for each to the standard output. Returns 0 when
+/// all succeeded, otherwise 1. Main thread, while the application's event loop runs.
 [[nodiscard]] int run(QQuickWindow &window, const QString &outputFolder);
 
 } // namespace DemoTour

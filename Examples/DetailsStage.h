@@ -2,7 +2,7 @@
 
 #include "Examples/TourStage.h"
 
-/// Single exchanges: their details, their trees, what is decoded of them, and all that they can be shared as.
+/// Opens single exchanges: their details, their trees, their decoded payloads, and every way to share them.
 /// Begins and ends in the list of requests.
 class DetailsStage final : public TourStage
 {

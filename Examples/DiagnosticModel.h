@@ -5,7 +5,7 @@
 #include <QtCore/QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
-/// The calls that the profile page's diagnostics make, with what came of each.
+/// The calls of the diagnostics on the profile page, with their results.
 class DiagnosticModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    /// How many calls have no outcome yet.
+    /// The number of calls that are still running.
     [[nodiscard]] int running() const { return m_running; }
 
     Q_INVOKABLE void run(int row);

@@ -18,7 +18,7 @@ constexpr int exportSize = 10 * 1024 * 1024;
 constexpr int maximumBinarySize = 64 * 1024 * 1024;
 constexpr int maximumPause = 15'000;
 
-/// Compressed in the gzip format (RFC 1952).
+/// Compresses bytes in the gzip format (RFC 1952).
 QByteArray gzip(const QByteArray &bytes)
 {
     constexpr int gzipFormat = 15 + 16;
@@ -72,7 +72,7 @@ QByteArray articles()
     return QJsonDocument(list).toJson(QJsonDocument::Compact);
 }
 
-/// The header fields as they arrived; the server adds some of its own about the connection.
+/// The received header fields; the server adds some about the connection.
 QJsonArray describeHeaders(const Request &request)
 {
     QJsonArray headers;
@@ -97,7 +97,7 @@ void echo(const Request &request, Response &response)
     HttpAnswer::json(response, QJsonDocument(describeRequest(request, request.body)));
 }
 
-/// As above, but reads the body itself: a form is not taken apart, nor is its size limited.
+/// As above, but reads the body itself, so that the server neither parses a form nor limits its size.
 void echoBody(const Request &request, Response &response, const httplib::ContentReader &reader)
 {
     std::string body;
@@ -206,7 +206,7 @@ void DiagnosticRoutes::addTrouble()
     m_server.Get("/drop-midway", [](const Request &request, Response &response) {
         constexpr size_t promised = size_t{64} * 1024;
         response.set_content_provider(promised, "application/octet-stream",
-                                      // The body is sent while the request still exists.
+                                      // The request still exists while the body is sent.
                                       [&request](size_t, size_t, httplib::DataSink &sink) {
                                           const std::string begin(promised / 4, 'x');
                                           sink.write(begin.data(), begin.size());

@@ -4,8 +4,8 @@
 
 #include <QtCore/QByteArray>
 
-/// The odd ends of the demo server: every status, redirects, codings, sizes, slowness and broken connections.
-/// The table of DemoServer has their answers.
+/// The diagnostic routes of the demo server: every status, redirects, codings, sizes, slow responses and
+/// broken connections. The table at DemoServer lists their answers.
 class DiagnosticRoutes final
 {
 public:

@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import QuorvixDemo
 
-/// One of the diagnostics: makes its call when it is tapped, and says what came of it.
+/// One of the diagnostics: makes its call when it is tapped, and shows the result.
 AbstractButton {
     id: root
 

@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Layouts
 import QuorvixDemo
 
-/// The calls that a store hardly makes on purpose, to be made on purpose.
+/// Diagnostics: calls that a store does not normally make, such as failing ones.
 Rectangle {
     id: root
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// How near the floating button comes to an edge.
+/// The distance between the floating button and an edge of the window, in pixels.
 constexpr int buttonMargin = 12;
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include "Examples/TourStage.h"
 
-/// The way out of the inspector: the list is emptied and closed, the button put where it is out of the way.
+/// Leaves the inspector: clears and closes the list, and moves the floating button to an edge.
 class FarewellStage final : public TourStage
 {
 public:

@@ -2,7 +2,8 @@
 
 #include "Examples/TourStage.h"
 
-/// What the shopping left in the inspector: list, search, export of it all. Ends in the list of requests.
+/// Checks the exchanges of the shopping in the inspector: the list, the search and the export of all. Ends in
+/// the list of requests.
 class InspectorStage final : public TourStage
 {
 public:

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Twice what is usual.
+/// Twice the usual size.
 constexpr int largePixelSize = 27;
 
 } // namespace

@@ -4,8 +4,7 @@
 
 #include <QtGui/QFont>
 
-/// The same screens with text of twice the size, and then with the sides exchanged as in Arabic. Begins in a
-/// tree.
+/// Shows the same screens with text of twice the size, and then mirrored as in Arabic. Begins in a tree.
 class LargeTextStage final : public TourStage
 {
 public:

@@ -2,7 +2,7 @@
 
 #include "Examples/TourStage.h"
 
-/// The same screens in the dark.
+/// Shows the same screens with dark colours.
 class NightStage final : public TourStage
 {
 public:

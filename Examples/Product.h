@@ -4,7 +4,7 @@
 #include <QtGui/QColor>
 #include <QtQml/qqmlregistration.h>
 
-/// A product as the screens show it, read from the interface's JSON.
+/// A product for the screens, read from the JSON of the store's HTTP interface.
 struct Product
 {
     Q_GADGET
@@ -24,9 +24,9 @@ struct Product
     Q_PROPERTY(QColor darkTint MEMBER darkTint FINAL)
 
 public:
-    /// Missing fields stay empty.
+    /// Reads a product; missing fields stay empty.
     [[nodiscard]] static Product fromJson(const QJsonObject &json);
-    /// An amount of money for people, from {"amount": cents}.
+    /// Formats an amount of money for people, from {"amount": cents}.
     [[nodiscard]] static QString formatPrice(const QJsonObject &price);
 
     QString id;
@@ -38,11 +38,11 @@ public:
     QString rating;
     QString reviews;
     QString stock;
-    /// A word that stands on the picture; empty for most.
+    /// A word that is shown on the picture; empty for most products.
     QString badge;
-    /// For the image provider "store".
+    /// The path of the picture for the image provider "store".
     QString picture;
-    /// What the picture stands on, by day and by night.
+    /// The background of the picture, with light and with dark colours.
     QColor tint;
     QColor darkTint;
 };

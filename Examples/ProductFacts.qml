@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import QuorvixDemo
 
-/// What there is to say about a product, and the button that buys it.
+/// The description of a product, and the button that adds it to the cart.
 ColumnLayout {
     id: root
 

@@ -5,7 +5,7 @@
 #include <QtCore/QAbstractListModel>
 #include <QtCore/QJsonArray>
 
-/// Products in a list, with how many of each: the catalogue, or the cart.
+/// A list of products and their quantities: the catalogue, or the cart.
 class ProductModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -23,12 +23,12 @@ public:
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     [[nodiscard]] int count() const { return rowCount(); }
-    /// Null when there is none.
+    /// The product with this id; null when there is none.
     [[nodiscard]] const Product *find(const QString &id) const;
 
-    /// From the interface's list of products.
+    /// Replaces the list by the products of the catalogue.
     void setProducts(const QJsonArray &products);
-    /// From the interface's list of cart lines.
+    /// Replaces the list by the lines of the cart.
     void setLines(const QJsonArray &lines);
 
 Q_SIGNALS:

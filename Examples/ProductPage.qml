@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import QuorvixDemo
 
-/// One product; picture and words side by side where there is room.
+/// One product; the picture and the text are side by side where there is room.
 Item {
     id: root
 

@@ -6,10 +6,10 @@
 namespace {
 
 constexpr int edge = 480;
-/// Things are drawn on a square of 100 by 100, standing on this line.
+/// Things are drawn on a square of 100 by 100; this is the y position of the ground that they stand on.
 constexpr double ground = 86;
 
-/// Light from the upper left: a body that is brighter there and darker on the far side.
+/// A gradient for a round body with light from the upper left: brighter on the left, darker on the right.
 QBrush round(const QColor &colour, double left, double right)
 {
     QLinearGradient gradient(left, 0, right, 0);
@@ -34,7 +34,7 @@ void shadow(QPainter &painter, double halfWidth)
     painter.restore();
 }
 
-/// A body turned about the middle axis: the right half of its outline runs down from @p top to @p bottom.
+/// Draws a body that is symmetrical about the vertical middle axis, from @p top down to @p bottom.
 void turned(QPainter &painter, const QColor &colour, double top, double topRadius, double bellyY,
             double belly, double bottom, double bottomRadius)
 {

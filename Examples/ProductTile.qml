@@ -1,7 +1,7 @@
 import QtQuick
 import QuorvixDemo
 
-/// A product's picture on its tint.
+/// The picture of a product on its background colour.
 Rectangle {
     id: root
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import QuorvixDemo
 
-/// Who is signed in.
+/// The profile of the signed-in user.
 Rectangle {
     id: root
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import QuorvixDemo
 
-/// The person's page: sign-in or profile, and the diagnostics.
+/// The user's page: the sign-in form or the profile, and the diagnostics.
 Flickable {
     id: root
 

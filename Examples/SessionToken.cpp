@@ -13,7 +13,7 @@ namespace {
 constexpr qint64 lifetime = 3600;
 constexpr auto base64Url = QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals;
 
-/// Known to this process alone, like the tokens.
+/// The signing key; it is random and valid only in this process, like the tokens.
 const QByteArray &key()
 {
     static const QByteArray key = QUuid::createUuid().toRfc4122() + QUuid::createUuid().toRfc4122();

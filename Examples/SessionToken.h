@@ -5,12 +5,12 @@
 
 #include <optional>
 
-/// JSON Web Tokens (RFC 7519) signed with HMAC SHA-256 (RFC 7515), as the store's server hands them out.
+/// The JSON Web Tokens (RFC 7519) of the store's server, signed with HMAC SHA-256 (RFC 7515).
 namespace SessionToken {
 
-/// A token for @p email that holds for an hour.
+/// A token for @p email that is valid for one hour.
 [[nodiscard]] QByteArray sign(const QString &email);
-/// Whom a token was made out to; absent when its signature is wrong or its time is over.
+/// The email address in a token; absent when its signature is wrong or it has expired.
 [[nodiscard]] std::optional<QString> verify(const QByteArray &token);
 
 } // namespace SessionToken

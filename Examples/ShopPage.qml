@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QuorvixDemo
 
-/// The catalogue, and over it the product that was chosen.
+/// The catalogue, and over it the chosen product.
 StackView {
     id: root
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import QuorvixDemo
 
-/// Asks who is there.
+/// The form for signing in.
 ColumnLayout {
     id: root
 

@@ -13,7 +13,7 @@ using namespace Quorvix;
 
 namespace {
 
-/// Larger documents are not for the screens.
+/// Larger bodies are not parsed, because no screen shows them.
 constexpr qsizetype largestParsedBody = qsizetype{1024} * 1024;
 
 StoreReply makeReply(const std::optional<QByteArray> &data, const NSURLResponsePtr &response,

@@ -8,21 +8,21 @@
 
 #include <functional>
 
-/// What came of a call.
+/// The result of a call.
 struct StoreReply
 {
-    /// 0 without a response.
+    /// The status code; 0 when there is no response.
     int status = 0;
     QByteArray body;
     /// The body as a JSON object; empty when it is something else.
     QJsonObject json;
-    /// Empty when the response names none.
+    /// The ETag; empty when the response has none.
     QString entityTag;
     std::optional<Quorvix::NSError> error;
     std::chrono::milliseconds time{};
 
     [[nodiscard]] bool succeeded() const { return !error && status >= 200 && status < 300; }
-    /// A sentence for people about what went wrong.
+    /// A sentence for people that describes the failure.
     [[nodiscard]] QString problem() const;
 };
 
@@ -36,10 +36,10 @@ public:
 
     explicit StoreApi(const QUrl &base, QObject *parent = nullptr);
 
-    /// Goes with every request from now on; empty: none does.
+    /// Sets the token that later requests carry; with an empty one they carry none.
     void setToken(const QString &token) { m_token = token; }
 
-    /// An absolute URL stays as it is.
+    /// A request for a path on the store's server, or for an absolute URL.
     [[nodiscard]] Quorvix::URLRequest request(const QString &pathAndQuery,
                                               const QString &method = QStringLiteral("GET")) const;
     [[nodiscard]] Quorvix::URLRequest jsonRequest(const QString &path, const QString &method,
@@ -47,7 +47,7 @@ public:
     [[nodiscard]] Quorvix::URLRequest formRequest(const QString &path,
                                                   const QList<QPair<QString, QString>> &fields) const;
 
-    /// Calls @p done on the main thread, unless this object is gone by then.
+    /// Calls @p done on the main thread, unless this object is destroyed before.
     void send(const Quorvix::URLRequest &request, Done done);
 
 private:

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QuorvixDemo
 
-/// A wide button: filled, or tinted for what matters less.
+/// A wide button: filled, or tinted for less important actions.
 AbstractButton {
     id: root
 

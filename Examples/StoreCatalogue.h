@@ -4,18 +4,18 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 
-/// What the store sells. Immutable after construction; read by many threads.
+/// The products of the store. Immutable after construction; any thread may read it.
 class StoreCatalogue final
 {
 public:
     /// Draws the pictures, which takes a moment.
     StoreCatalogue();
 
-    /// All products in the order of the shop window, as the interface describes them.
+    /// All products in the order of the catalogue, as JSON.
     [[nodiscard]] const QJsonArray &products() const noexcept { return m_products; }
     /// The products whose name, maker or category contains @p query, ignoring case.
     [[nodiscard]] QJsonArray search(const QString &query) const;
-    /// An empty object when there is none.
+    /// The product with this id; an empty object when there is none.
     [[nodiscard]] QJsonObject product(const QString &id) const;
     /// A picture as PNG; empty when there is none.
     [[nodiscard]] QByteArray picture(const QString &name) const { return m_pictures.value(name); }

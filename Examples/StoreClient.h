@@ -4,7 +4,7 @@
 #include "Examples/ProductModel.h"
 #include "Examples/StoreProfile.h"
 
-/// The store as the screens see it. Main thread only.
+/// The store's data and actions for the screens. Main thread only.
 class StoreClient : public QObject
 {
     Q_OBJECT
@@ -35,9 +35,9 @@ public:
     [[nodiscard]] bool isBusy() const { return m_pending > 0; }
     [[nodiscard]] QString signInError() const { return m_signInError; }
 
-    /// Loads the catalogue, or what of it contains @p query; asks only for what changed.
+    /// Loads the products that contain @p query, or all. The server sends them only when they changed.
     Q_INVOKABLE void loadProducts(const QString &query = {});
-    /// Makes a product the current one, with what is known of it at once.
+    /// Makes a product the current one: shows the known data at once and loads the rest.
     Q_INVOKABLE void openProduct(const QString &id);
     Q_INVOKABLE void loadCart();
     Q_INVOKABLE void addToCart(const QString &id);
@@ -51,7 +51,7 @@ Q_SIGNALS:
     void cartChanged();
     void busyChanged();
     void signInErrorChanged();
-    /// Something to tell the person in passing.
+    /// Emitted to show a short message to the user.
     void noticed(const QString &text);
 
 private:

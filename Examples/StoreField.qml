@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QuorvixDemo
 
-/// A line to type in.
+/// A text field of one line.
 TextField {
     id: root
 

@@ -10,7 +10,7 @@ using namespace Quorvix;
 
 namespace {
 
-/// The way from a completion, whatever its thread, to the response, which may be gone by then.
+/// Connects a completion handler, on any thread, with the response, which may already be destroyed.
 template<typename Response>
 struct Link
 {

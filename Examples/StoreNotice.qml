@@ -1,7 +1,7 @@
 import QtQuick
 import QuorvixDemo
 
-/// A word in passing; it goes by itself.
+/// A short message that disappears by itself.
 Rectangle {
     id: root
 

@@ -3,7 +3,7 @@
 #include <QtCore/QString>
 #include <QtQml/qqmlregistration.h>
 
-/// Who is signed in; everything is empty while nobody is.
+/// The signed-in user; all fields are empty when nobody is signed in.
 struct StoreProfile
 {
     Q_GADGET

@@ -12,7 +12,8 @@ using Handler = httplib::Server::Handler;
 constexpr int maximumPageSize = 50;
 constexpr QLatin1StringView password{"open sesame"};
 
-/// Says who the answer is; 304 instead of the body when the client has it already (RFC 9110, 13.1.2).
+/// Sets the ETag of @p body. When the client has this body already, sets 304 and returns true (RFC 9110,
+/// 13.1.2).
 bool isKnown(const httplib::Request &request, httplib::Response &response, const QByteArray &body)
 {
     const QByteArray digest = QCryptographicHash::hash(body, QCryptographicHash::Sha1).toHex().left(16);

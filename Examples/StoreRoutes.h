@@ -6,12 +6,12 @@
 
 #include <mutex>
 
-/// The store behind /api/v1 and /images: catalogue, session, profile, cart. The table of DemoServer has their
-/// answers.
+/// The routes of the store at /api/v1 and /images: catalogue, session, profile, cart. The table at DemoServer
+/// lists their answers.
 class StoreRoutes final
 {
 public:
-    /// Adds the routes to @p server, which must not outlive this object's use by more than its own stop.
+    /// Adds the routes to @p server, which must be stopped before this object is destroyed.
     explicit StoreRoutes(httplib::Server &server);
     StoreRoutes(const StoreRoutes &) = delete;
     StoreRoutes &operator=(const StoreRoutes &) = delete;

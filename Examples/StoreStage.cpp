@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The slowest diagnostics wait for time-outs and refused names.
+/// The slowest diagnostics wait for time-outs and for host names that cannot be resolved.
 constexpr auto diagnosticsLimit = 30s;
 
 } // namespace

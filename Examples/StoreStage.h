@@ -2,7 +2,7 @@
 
 #include "Examples/TourStage.h"
 
-/// Shopping: the catalogue, a product, the cart, the profile, the diagnostics.
+/// Uses the store: the catalogue, a product, the cart, the profile and the diagnostics.
 class StoreStage final : public TourStage
 {
 public:

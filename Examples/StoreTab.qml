@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QuorvixDemo
 
-/// A tab with its drawing, its word, and a count when there is one.
+/// A tab with its icon, its label, and an optional count.
 TabButton {
     id: root
 

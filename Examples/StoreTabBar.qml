@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QuorvixDemo
 
-/// The way between the store's three places.
+/// The tab bar that switches between the three pages of the store.
 TabBar {
     id: root
 

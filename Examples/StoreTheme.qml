@@ -2,7 +2,7 @@ pragma Singleton
 
 import QtQuick
 
-/// Colours, sizes and type of the store, by day and by night.
+/// The colours, sizes and fonts of the store, light and dark.
 QtObject {
     id: root
 

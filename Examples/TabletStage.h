@@ -2,7 +2,7 @@
 
 #include "Examples/TourStage.h"
 
-/// The same screens on a tablet, by night and then by day. Begins in a tree.
+/// Shows the same screens in the size of a tablet, first dark and then light. Begins in a tree.
 class TabletStage final : public TourStage
 {
 public:

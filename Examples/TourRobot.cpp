@@ -21,14 +21,14 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int dragSteps = 12;
-constexpr int frame = 16;
-/// What a click of a mouse wheel reports, in eighths of a degree.
-constexpr int notch = 120;
-/// Farther than what a page still glides after fast turns of the wheel, in pixels.
-constexpr double glide = 500;
+constexpr int frameInterval = 16;
+/// The angle of one step of a mouse wheel, in eighths of a degree.
+constexpr int wheelStep = 120;
+/// An upper limit for how far a page still scrolls after fast turns of the wheel, in pixels.
+constexpr double maximumGlide = 500;
 constexpr auto restLimit = 3s;
 
-/// Whether an item is what TourRobot::find() is asked for.
+/// Whether an item matches a name as TourRobot::find() describes it.
 bool isNamed(const QQuickItem *item, const QString &name)
 {
     const qsizetype colon = name.indexOf(u':');
@@ -41,7 +41,7 @@ bool isNamed(const QQuickItem *item, const QString &name)
     return has("label") || has("key") || has("text");
 }
 
-/// The nearest item around @p item that scrolls; null when there is none.
+/// The nearest ancestor of @p item that scrolls; null when there is none.
 QQuickItem *scroller(const QQuickItem *item)
 {
     for (QQuickItem *parent = item->parentItem(); parent; parent = parent->parentItem()) {
@@ -51,7 +51,7 @@ QQuickItem *scroller(const QQuickItem *item)
     return nullptr;
 }
 
-/// Where the visible pages stand that say that they move.
+/// The scroll positions of the visible pages that report that they are moving.
 QList<QPointF> movingPositions(QQuickItem *content)
 {
     QList<QPointF> positions;
@@ -194,8 +194,8 @@ bool TourRobot::drag(const QString &name, QPoint by)
     const QPoint start = middle(*find(name));
     QTest::mousePress(&m_window, Qt::LeftButton, {}, start);
     for (int step = 1; step <= dragSteps; ++step)
-        QTest::mouseMove(&m_window, start + by * step / dragSteps, frame);
-    QTest::mouseRelease(&m_window, Qt::LeftButton, {}, start + by, frame);
+        QTest::mouseMove(&m_window, start + by * step / dragSteps, frameInterval);
+    QTest::mouseRelease(&m_window, Qt::LeftButton, {}, start + by, frameInterval);
     return true;
 }
 
@@ -204,9 +204,10 @@ bool TourRobot::scroll(const QString &name, int turn)
     if (!waitFor(name))
         return false;
     const QPoint at = middle(*find(name));
-    for (int left = std::abs(turn); left > 0; left -= notch) {
-        turnWheel(at, turn < 0 ? -std::min(left, notch) : std::min(left, notch));
-        // How far fast turns go differs from release to release; one after the other goes as far in each.
+    for (int left = std::abs(turn); left > 0; left -= wheelStep) {
+        turnWheel(at, turn < 0 ? -std::min(left, wheelStep) : std::min(left, wheelStep));
+        // The distance of fast turns differs between Qt releases. Separate turns have the same distance in
+        // all.
         if (!waitUntil([this] { return isAtRest(); }, name + QStringLiteral(" does not come to rest")))
             return false;
     }
@@ -223,9 +224,9 @@ bool TourRobot::resize(QSize size)
 bool TourRobot::screenshot(const QString &path)
 {
     QImage picture = m_window.grabWindow();
-    // What never rests is shown as it is in the end.
+    // A picture that never comes to rest is saved when the time limit ends.
     for (QDeadlineTimer limit(restLimit); !limit.hasExpired();) {
-        QTest::qWait(4 * frame);
+        QTest::qWait(4 * frameInterval);
         QImage next = m_window.grabWindow();
         if (std::exchange(picture, next) == next)
             break;
@@ -254,7 +255,7 @@ double TourRobot::distanceFromView(const QQuickItem *item) const
         return y - item->height();
     if (const double below = y + item->height() / 2 - around->height(); below > 0)
         return below;
-    // A person would not press through the floating button either.
+    // A user cannot press through the floating button either.
     const QQuickItem *const button = find(QStringLiteral("QXFloatingButton"));
     if (!button || !button->contains(button->mapFromScene(middle(*item))))
         return 0;
@@ -265,15 +266,16 @@ bool TourRobot::bringIntoView(const QString &name)
 {
     return waitUntil(
         [&] {
-            // Close by, what still glides would be missed, and pushed past it each time.
-            if (std::abs(distanceFromView(find(name))) < glide && !isAtRest())
+            // Close to the item, a page that still scrolls would go past the item with every turn.
+            if (std::abs(distanceFromView(find(name))) < maximumGlide && !isAtRest())
                 return false;
             const QQuickItem *const item = find(name);
             const double by = distanceFromView(item);
             if (by == 0)
                 return true;
-            // Less than a notch is no turn of a mouse's wheel, and scrolls by less than a pixel in the end.
-            turnWheel(middle(*scroller(item)), by < 0 ? -notch : notch);
+            // A mouse wheel turns by whole steps only. Smaller turns would in the end scroll by less than a
+            // pixel.
+            turnWheel(middle(*scroller(item)), by < 0 ? -wheelStep : wheelStep);
             return false;
         },
         QStringLiteral("cannot scroll to ") + name);
@@ -285,7 +287,7 @@ void TourRobot::turnWheel(QPoint at, int turn)
     QWheelEvent wheel(at, m_window.mapToGlobal(at), {}, down, Qt::NoButton, {}, Qt::NoScrollPhase, false);
     wheel.setTimestamp(static_cast<quint64>(QDateTime::currentMSecsSinceEpoch()));
     QCoreApplication::sendEvent(&m_window, &wheel);
-    QTest::qWait(frame);
+    QTest::qWait(frameInterval);
 }
 
 bool TourRobot::isAtRest() const
@@ -293,7 +295,7 @@ bool TourRobot::isAtRest() const
     const QList<QPointF> positions = movingPositions(m_window.contentItem());
     if (positions.isEmpty())
         return true;
-    QTest::qWait(4 * frame);
+    QTest::qWait(4 * frameInterval);
     return movingPositions(m_window.contentItem()) == positions;
 }
 
@@ -302,7 +304,7 @@ bool TourRobot::waitUntilStill(const QString &name)
     std::optional<QPoint> last;
     return waitUntil(
         [&] {
-            QTest::qWait(2 * frame);
+            QTest::qWait(2 * frameInterval);
             const QQuickItem *const item = find(name);
             const auto now = isReady(item) ? std::optional(middle(*item)) : std::nullopt;
             return now && std::exchange(last, now) == now;

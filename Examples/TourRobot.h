@@ -10,12 +10,12 @@
 class QQuickItem;
 class QQuickWindow;
 
-/// Hands and eyes of the tour: acts on a window by pointer and key events alone, and looks for items by their
-/// object names. What fails leaves a complaint. Main thread only; waiting turns the event loop.
+/// Controls a window for the tour: it sends pointer and key events only, and finds items by their object
+/// names. A failed action stores a complaint. Main thread only; functions that wait run the event loop.
 class TourRobot final
 {
 public:
-    static constexpr std::chrono::seconds patience{8};
+    static constexpr std::chrono::seconds defaultTimeout{8};
 
     explicit TourRobot(QQuickWindow &window) : m_window(window) {}
 
@@ -27,51 +27,52 @@ public:
     /// The property "text" of an item; empty when there is none.
     [[nodiscard]] QString text(const QString &name) const;
 
-    /// Waits for @p condition; @p what says what is missing when it does not come true.
+    /// Waits until @p condition is true; @p what is the complaint when the time limit ends.
     bool waitUntil(const std::function<bool()> &condition, const QString &what,
-                   std::chrono::milliseconds limit = patience);
-    bool waitFor(const QString &name, std::chrono::milliseconds limit = patience);
+                   std::chrono::milliseconds limit = defaultTimeout);
+    bool waitFor(const QString &name, std::chrono::milliseconds limit = defaultTimeout);
     bool waitUntilGone(const QString &name);
 
-    /// Presses and releases the middle of an item, after scrolling to it where it is out of sight.
+    /// Scrolls to an item if it is not visible, and clicks its middle.
     bool click(const QString &name);
-    /// Clicks the one of several items that is highest on the screen.
+    /// Clicks the topmost one of several items with this name.
     bool clickFirst(const QString &name);
-    /// Scrolls to an item that is out of sight.
+    /// Scrolls to an item that is not visible.
     bool show(const QString &name);
-    /// Opens the menu of an item, as a mouse does.
+    /// Opens the context menu of an item with the right mouse button.
     bool rightClick(const QString &name);
     bool press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
-    /// Clicks a field and puts @p text in the place of all that it holds, by way of the clipboard.
+    /// Clicks a field and replaces its text by @p text through the clipboard.
     bool paste(const QString &name, const QString &text);
-    /// Clicks a field and types; characters of ASCII only.
+    /// Clicks a field and types @p text, which must be ASCII.
     bool type(const QString &name, const QString &text);
-    /// Empties a field with the keyboard.
+    /// Clears a field with the keyboard.
     bool erase(const QString &name);
-    /// Presses an item, moves, and lets go.
+    /// Presses an item, moves the pointer, and releases.
     bool drag(const QString &name, QPoint by);
     /// Turns the wheel over an item, down when @p turn is positive; 120 is one click of the wheel.
     bool scroll(const QString &name, int turn);
-    /// Waits until the window has this size.
+    /// Resizes the window and waits until it has this size.
     bool resize(QSize size);
 
-    /// Waits for the picture to come to rest and saves it.
+    /// Waits until the picture does not change any more and saves it.
     bool screenshot(const QString &path);
 
-    /// Notes @p otherwise as the complaint unless @p condition holds, which it returns.
+    /// Returns @p condition; when it is false, stores @p otherwise as the complaint.
     bool check(bool condition, const char *otherwise);
-    /// What failed last.
+    /// The message of the last failure.
     [[nodiscard]] const QString &complaint() const noexcept { return m_complaint; }
 
 private:
     bool complain(const QString &complaint);
     bool clickWith(Qt::MouseButton button, const QString &name);
-    /// How far an item lies below where its scroller shows it freely, or above when negative.
+    /// The distance that an item lies below the visible part of its page, or above it when negative.
     [[nodiscard]] double distanceFromView(const QQuickItem *item) const;
     bool bringIntoView(const QString &name);
-    /// Whether no page scrolls. One whose content changed while it moved may go on saying that it does.
+    /// Whether no page scrolls. The positions are compared, because a page whose content changed while it
+    /// moved may report for ever that it moves.
     [[nodiscard]] bool isAtRest() const;
-    /// What moves, or is disabled while it does, cannot be clicked reliably.
+    /// Waits until an item stands still and is enabled, so that it can be clicked reliably.
     bool waitUntilStill(const QString &name);
     void turnWheel(QPoint at, int turn);
     [[nodiscard]] QPoint middle(const QQuickItem &item) const;

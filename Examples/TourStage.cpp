@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// For what is made of 10 MB on a busy machine.
+/// The time limit for steps that process 10 MB, also on a busy machine.
 constexpr auto largeBodyLimit = 20s;
 
 } // namespace

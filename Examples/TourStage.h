@@ -7,15 +7,15 @@
 
 #include <functional>
 
-/// A part of the tour: steps that build on one another, and what they share.
+/// A part of the tour: a sequence of steps, and their common helpers.
 class TourStage
 {
 public:
     struct Step
     {
-        /// Names the step's picture, too.
+        /// The name of the step and of its picture.
         const char *name;
-        /// False with a complaint of the robot's when something was not as expected.
+        /// Runs the step. Returns false when a check failed; the robot then has the complaint.
         std::function<bool()> take;
     };
 
@@ -24,27 +24,27 @@ public:
     TourStage(const TourStage &) = delete;
     TourStage &operator=(const TourStage &) = delete;
 
-    /// In the order in which they are taken.
+    /// The steps in the order in which they run.
     [[nodiscard]] virtual QList<Step> steps() = 0;
 
 protected:
     static constexpr QSize phone{390, 844};
 
     [[nodiscard]] static QString name(const char *objectName);
-    /// Whether an exchange with this path of the URL and this status is among the captured ones.
+    /// Whether an exchange with this URL path and this status was captured.
     [[nodiscard]] static bool captured(const QString &path, int status);
     [[nodiscard]] static qsizetype capturedCount();
 
-    /// Opens the newest exchange that is found by @p search, from the list.
+    /// Searches the list for @p search and opens the newest exchange that matches.
     bool openExchange(const char *search);
     bool closeExchange();
-    /// Opens the tree of the body that is on show, once it is ready.
+    /// Waits until the tree of the visible body is ready, and opens it.
     bool openTree();
     bool closeTree();
 
     [[nodiscard]] TourRobot &robot() const noexcept { return m_robot; }
     [[nodiscard]] QString outputFile(const QString &fileName) const;
-    /// When the tour began.
+    /// The time at which the tour began.
     [[nodiscard]] const QDateTime &started() const noexcept { return m_started; }
 
 private:

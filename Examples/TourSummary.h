@@ -2,5 +2,5 @@
 
 #include <QtCore/QString>
 
-/// Writes a table of the exchanges that are captured at the moment, newest first; false when it cannot.
+/// Writes a table of the captured exchanges to a file, newest first; false when that fails.
 [[nodiscard]] bool writeTourSummary(const QString &path);

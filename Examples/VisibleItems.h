@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-/// Calls @p visit for @p item and all below it that can be seen, in the order in which they are painted. What
-/// stands in an item that is hidden or wholly transparent cannot.
+/// Calls @p visit for @p item and all its visible descendants, in the order in which they are painted. The
+/// children of a hidden or fully transparent item are not visible.
 template<typename Visit>
 void visitVisible(QQuickItem *item, const Visit &visit)
 {

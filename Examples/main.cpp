@@ -22,7 +22,7 @@ namespace {
 
 struct Options
 {
-    /// Where the tour leaves what it finds; empty without a tour.
+    /// The folder for the results of the tour; empty without a tour.
     QString tourFolder;
     QSize size{390, 844};
     bool dark = false;
@@ -45,7 +45,7 @@ Options readOptions(const QCoreApplication &application)
     return {parser.value(headless), wanted.isEmpty() ? QSize(390, 844) : wanted, parser.isSet(dark)};
 }
 
-/// The tour needs no display; that is decided before there is an application.
+/// Selects a platform without a display for the tour. This has to happen before the application is created.
 void chooseHeadlessPlatform(int argc, char *argv[])
 {
     for (int i = 1; i < argc; ++i) {

@@ -149,9 +149,9 @@ void TextEditorTest::edits()
     place(cursor, cursor);
     press(keys);
     QCOMPARE(editor()->text(), edited);
-    QXTextRows anew;
-    anew.breakText(edited, 45);
-    QCOMPARE(editor()->rows().count(), anew.count());
+    QXTextRows expected;
+    expected.breakText(edited, 45);
+    QCOMPARE(editor()->rows().count(), expected.count());
 }
 
 void TextEditorTest::undoSelectsWhatWasReplaced()

@@ -75,9 +75,9 @@ void TextRowsTest::followsEdits()
         const QString &added = pieces[random.bounded(int(pieces.size()))];
         text.replace(position, removed, added);
         rows.follow(text, position, removed, added.size());
-        QXTextRows anew;
-        anew.breakText(text, 5);
-        QCOMPARE(rowsOf(text, rows), rowsOf(text, anew));
+        QXTextRows expected;
+        expected.breakText(text, 5);
+        QCOMPARE(rowsOf(text, rows), rowsOf(text, expected));
     }
 }
 
