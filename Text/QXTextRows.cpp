@@ -125,8 +125,8 @@ void QXTextRows::breakEvenly(qsizetype length, qsizetype rowLength)
 void QXTextRows::follow(QStringView text, qsizetype position, qsizetype removed, qsizetype added)
 {
     const qsizetype shift = added - removed;
-    const int first =
-        qMax(0, rowAt(position) - 1); // the first characters of the edit may join the previous row
+    // The first characters of the edit may join the previous row.
+    const int first = qMax(0, rowAt(position) - 1);
     const auto edited = m_starts.begin() + first;
     auto kept = std::lower_bound(edited + 1, m_starts.end(), quint32(position + removed));
     m_length = text.size();

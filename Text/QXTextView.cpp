@@ -159,8 +159,8 @@ void QXTextView::timerEvent(QTimerEvent *event)
         holdAt(m_pressed);
     } else if (event->timerId() == m_scrollTimer.timerId()) {
         const QPointF point = mapFromScene(m_dragged);
-        const qreal goal = qBound<qreal>(0, scrollOffset() + point.y(),
-                                         contentHeight()); // scrolls faster when the pointer is farther away
+        // Scrolls faster when the pointer is farther away.
+        const qreal goal = qBound<qreal>(0, scrollOffset() + point.y(), contentHeight());
         Q_EMIT revealRequested(goal, goal);
         extendTo(point);
     } else {
