@@ -1,5 +1,4 @@
-// Archives 1,000 exchanges of 100 KB each, with the archive writer and with Qt's own JSON document side by
-// side.
+// Archives 1,000 exchanges of 100 KB each, with the archive writer and, for comparison, with QJsonDocument.
 
 #include "Quorvix/QXArchiveWriter.h"
 #include "Quorvix/QXRequestTrace.h"
@@ -66,8 +65,8 @@ std::vector<QXRequestTrace> makeTraces(const std::function<QByteArray()> &makeBo
     return traces;
 }
 
-/// The bodies and headers of the archive, made the way an application makes a document with Qt alone. The few
-/// fields that are left out are in Qt's favour.
+/// The bodies and headers of the archive, built as an application builds a document with Qt alone. A few
+/// fields are missing, which makes Qt faster.
 QJsonObject entryObject(const QXRequestTrace &trace)
 {
     const auto pairs = [](const std::optional<HTTPHeaderFields> &headers) {
@@ -101,7 +100,7 @@ QByteArray archiveWithQt(const std::vector<QXRequestTrace> &traces)
     return QJsonDocument(QJsonObject{{u"log"_s, QJsonObject{{u"entries"_s, entries}}}}).toJson();
 }
 
-/// A field of this process's status, in bytes.
+/// A memory field of this process's status file, in bytes.
 qint64 processMemory(QByteArrayView field)
 {
     QFile status(u"/proc/self/status"_s);
@@ -129,7 +128,7 @@ struct Figures
     qint64 extraMemory = 0;
 };
 
-/// The fastest of several runs, and the memory of the first.
+/// Returns the time of the fastest of several runs, and the memory of the first.
 Figures measure(const std::function<qint64()> &produce)
 {
     Figures best;
@@ -175,7 +174,7 @@ void compare(const char *title, const std::function<QByteArray()> &makeBody)
                 (double(ours.outputSize) / ours.seconds) / (double(peer.outputSize) / peer.seconds));
 }
 
-/// In a process of its own: memory that an earlier comparison left behind would blur the figures.
+/// Compares in a separate process, because memory of an earlier comparison would change the figures.
 void compareApart(const char *title, const std::function<QByteArray()> &makeBody)
 {
     std::fflush(stdout);

@@ -1,4 +1,4 @@
-// Exchanges per second over loopback sockets, with and without capture, turn by turn in one run.
+// Measures exchanges per second over loopback sockets, alternately with and without capture.
 
 #include "Examples/DemoServer.h"
 
@@ -27,7 +27,7 @@ constexpr int rounds = 9;
 constexpr int exchanges = 1'500;
 constexpr int concurrent = 12;
 
-/// Runs the exchanges, some at a time, each sent by @p send, and returns how many there were per second.
+/// Runs the exchanges, several at a time, each sent by @p send, and returns the number per second.
 double exchangesPerSecond(NSURLSession &session, const QUrl &url, NSURLSession::DataTaskImplementation *send)
 {
     QEventLoop loop;
@@ -38,7 +38,7 @@ double exchangesPerSecond(NSURLSession &session, const QUrl &url, NSURLSession::
             return;
         ++started;
         send(session, URLRequest(url), [&](auto, auto, auto) {
-            // On the main thread in either case: what is compared is the capture, not where the host listens.
+            // Both cases count on the main thread, so that only the capture makes a difference.
             QMetaObject::invokeMethod(
                 qApp,
                 [&] {
@@ -68,7 +68,7 @@ int main(int argc, char *argv[])
     const QUrl url = server.url(QStringLiteral("/binary?size=1000"));
     std::ignore = QuorvixClient::shared();
 
-    // After the exchange of the two methods each selector runs what the other was made for.
+    // The two methods are exchanged: each selector runs the implementation of the other one.
     const auto &sessionClass = NSURLSession::objectClass();
     const auto implementation = [&](QByteArrayView selector) {
         return sessionClass.implementation<NSURLSession::DataTaskImplementation>(

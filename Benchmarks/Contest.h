@@ -8,7 +8,7 @@
 #include <iterator>
 #include <vector>
 
-/// Work of ours and of peers, done in turns, so that none has the machine at a better time.
+/// Measures our code and peers alternately, so that changes in the load of the machine affect all of them.
 namespace Contest {
 
 inline constexpr int rounds = 9;
@@ -16,11 +16,11 @@ inline constexpr int rounds = 9;
 struct Contender
 {
     const char *name;
-    /// Does the work once and lets go of what came of it.
+    /// Does the work once and frees the result.
     std::function<void()> run;
 };
 
-/// Ends the program when what is to be measured did not happen.
+/// Ends the program with an error when the measured work did not happen.
 inline void require(bool condition, const char *what)
 {
     if (condition)
@@ -36,7 +36,7 @@ inline double milliseconds(const std::function<void()> &work)
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// The middle one of several values, in whatever order they come.
+/// The median of several values in any order.
 inline double median(std::vector<double> values)
 {
     const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
@@ -66,7 +66,8 @@ inline void print(const char *title, const std::vector<Contender> &contenders)
         std::printf("  %-32s %8.2f ms %8.2f\n", contenders[i].name, times[i], times[i] / times.back());
 }
 
-/// Prints what a user usually waits for, and the longest: a single run is what a user sees. In milliseconds.
+/// Prints the median and the maximum of waiting times, in milliseconds. The maximum matters because a user
+/// sees every single run.
 inline void printWaits(const char *what, const std::vector<double> &times)
 {
     std::printf("  %-44s %8.1f ms, %.1f ms at worst\n", what, median(times),

@@ -1,5 +1,5 @@
-// What a user waits for who opens a body of ten megabytes, and what a frame costs while it scrolls, beside
-// what Qt takes to lay the same JSON out anew.
+// Measures how long a user waits after opening a body of ten megabytes, and what a frame costs while it
+// scrolls; for comparison, the time that Qt takes to format the same JSON.
 
 #include "Tests/ScreenDriver.h"
 
@@ -40,7 +40,7 @@ QByteArray jsonBody()
     return body + "]}";
 }
 
-/// The inspector over an empty window of a host, with one exchange.
+/// The inspector with one exchange, over an empty window of a host.
 class Inspector
 {
 public:
@@ -80,7 +80,7 @@ public:
         Contest::require(QTest::qWaitFor([&] { return item(name) == nullptr; }), name);
     }
 
-    /// From the end of a click to the end of the first frame after @p isThere came true.
+    /// The time from the end of a click to the end of the first frame after @p isThere became true.
     template<typename Condition>
     double afterClick(const char *name, Qt::MouseButton button, const Condition &isThere)
     {
@@ -105,7 +105,7 @@ public:
         return view && view->height() > 0 && view->property("contentHeight").toReal() > rows;
     }
 
-    /// What each frame takes while a page is moved by a few lines a time.
+    /// The time of each frame while a page scrolls by a few lines per frame.
     std::vector<double> scroll(const char *page)
     {
         std::vector<double> frames;
@@ -120,13 +120,13 @@ public:
     }
 
     void rest() { QTest::qWait(500); }
-    /// For how long the main thread was busy without a pause since the last click, in milliseconds.
+    /// The longest time that the main thread was busy without a pause since the last click, in milliseconds.
     [[nodiscard]] double longestTurn() const { return m_longestTurn; }
 
 private:
     void turn()
     {
-        QThread::usleep(100); // others work meanwhile
+        QThread::usleep(100); // lets other threads work
         m_longestTurn =
             std::max(m_longestTurn, Contest::milliseconds([] { QCoreApplication::processEvents(); }));
     }

@@ -1,5 +1,4 @@
-// Turns one large exchange into a cURL command and a mock file, beside how an application would do it with Qt
-// alone.
+// Exports one large exchange as a cURL command and a mock file; for comparison, with Qt alone.
 
 #include "Quorvix/QXApiMockDefinition.h"
 #include "Quorvix/QXApiMockGenerator.h"
@@ -91,7 +90,7 @@ QByteArray mock(const QXRequestTrace &trace)
         .encode();
 }
 
-/// Whether something of at least a body's size was made.
+/// Ends the program when the output is smaller than the body.
 void requireLarge(size_t size)
 {
     require(size > size_t(bodySize), "the body is missing");

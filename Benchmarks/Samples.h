@@ -5,10 +5,10 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QRandomGenerator>
 
-/// What several programs measure with.
+/// Test data for several programs.
 namespace Samples {
 
-/// Bytes at random, the same ones each time.
+/// Random bytes, the same in every run.
 inline QByteArray binaryBytes(qsizetype size)
 {
     QByteArray bytes(size, Qt::Uninitialized);
@@ -18,7 +18,7 @@ inline QByteArray binaryBytes(qsizetype size)
     return bytes;
 }
 
-/// The node and all below it.
+/// The number of nodes in the tree from @p field down, @p field included.
 inline size_t countNodes(const QXApiTreeField &field)
 {
     size_t count = 1;

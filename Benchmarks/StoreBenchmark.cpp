@@ -1,5 +1,5 @@
-// What one exchange costs the main thread, with few and with many traces in the store, while the list is
-// open.
+// Measures what one exchange costs the main thread while the list is open, with few and with many traces in
+// the store.
 
 #include "Quorvix/QXRequestListViewModel.h"
 #include "Quorvix/QXRequestRecorder.h"
@@ -39,7 +39,8 @@ double microseconds(Clock::duration duration)
     return std::chrono::duration<double, std::micro>(duration).count();
 }
 
-/// The plain way to keep the list: an array with insertion at the front, of which an open list holds a copy.
+/// The simple way to store the list: an array with insertion at the front, of which an open list holds a
+/// copy.
 class PlainStore
 {
 public:

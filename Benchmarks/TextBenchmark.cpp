@@ -1,4 +1,5 @@
-// Shows and edits bodies of some megabytes, beside what Qt's own text document takes to lay them out.
+// Shows and edits bodies of several megabytes; for comparison, the time that QTextDocument takes to lay them
+// out.
 
 #include "Text/QXTextDocument.h"
 #include "Text/QXTextEditor.h"
@@ -49,7 +50,7 @@ QByteArray oneLine()
     return line;
 }
 
-/// In milliseconds.
+/// The time of the fastest of several runs, in milliseconds.
 double fastest(int runs, const std::function<void()> &action)
 {
     double best = milliseconds(action);
@@ -65,7 +66,7 @@ QFont bodyFont()
     return font;
 }
 
-/// A window as large as a tablet's, with nothing but a view on it.
+/// A window in the size of a tablet that shows only a view.
 template<typename View>
 struct Stage
 {
@@ -83,7 +84,8 @@ struct Stage
     View view;
 };
 
-/// Qt lays out all of a text, with rows broken as ours are. A tenth of it, to be multiplied: it takes long.
+/// Measures how long Qt takes to lay out a tenth of the text with the same row breaks. The caller multiplies
+/// the time by ten, because the whole text takes too long.
 double peerLayout(const QString &text)
 {
     constexpr int share = 10;

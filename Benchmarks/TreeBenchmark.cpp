@@ -1,4 +1,4 @@
-// Turns a document of 8 MB into a tree, beside the parsers that an application would otherwise call for it.
+// Parses a document of 8 MB into a tree; for comparison, parsers that an application would otherwise use.
 
 #include "Quorvix/QXApiTreeParser.h"
 
@@ -19,8 +19,8 @@ namespace {
 
 constexpr int nodeCount = 600 * 1000;
 
-/// Records as a server sends them, 20 nodes each: numbers, texts with escapes and letters beyond ASCII,
-/// lists, nested objects, keys that are not in order.
+/// Records as a server sends them, 20 nodes each: numbers, texts with escapes and with letters beyond ASCII,
+/// lists, nested objects, and keys that are not sorted.
 QByteArray makeDocument()
 {
     QByteArray text = R"({"total":600000,"users":[)";
@@ -37,7 +37,7 @@ QByteArray makeDocument()
     return text += "]}";
 }
 
-/// What the allocator has handed out and not got back.
+/// The number of bytes that are allocated at the moment.
 size_t bytesInUse()
 {
     const struct mallinfo2 info = mallinfo2();

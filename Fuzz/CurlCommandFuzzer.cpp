@@ -1,4 +1,4 @@
-// A shell reads a command back into the arguments that were put into it.
+// Checks that a shell splits a command into the same arguments that it was written with.
 
 #include "FuzzCheck.h"
 
@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Reads words the way a POSIX shell does, as far as commands need it: quotes, backslashes, blanks.
+/// Splits a command into words like a POSIX shell, as far as our commands need: quotes, backslashes, blanks.
 QStringList wordsOf(QStringView command)
 {
     QStringList words;
@@ -59,7 +59,7 @@ QString withLineFeeds(QString text)
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    // NUL bytes part a URL, a header's name and value, and a body.
+    // NUL bytes separate a URL, a header's name and value, and a body.
     const QList<QByteArray> parts = view(data, size).toByteArray().split('\0');
     URLRequest request(QUrl(QString::fromUtf8(parts.value(0))));
     if (parts.size() > 2)

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the run, so that the fuzzer keeps the input, when something that always holds does not.
+/// Ends the program when @p holds is false, so that the fuzzer stores the input.
 inline void check(bool holds, const char *what)
 {
     if (holds)

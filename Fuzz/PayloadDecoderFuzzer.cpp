@@ -1,4 +1,4 @@
-// What the decoder offers to decode, it decodes, and nothing else.
+// Checks that the decoder decodes exactly the texts that it offers to decode.
 
 #include "FuzzCheck.h"
 
@@ -43,7 +43,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         check(again && haveSameContent(*again, *payload), "the candidate decodes to the same");
     }
     if (isValidUtf8(bytes)) {
-        // All of it: a mark at the beginning is the decoder's to drop.
+        // Keeps a byte order mark, because the decoder has to remove it.
         const QString text = UTF8Text::replacing(bytes);
         const auto fromText = QXPayloadDecoder::decodePayload(text);
         check(fromText.has_value() == payload.has_value(), "text is read like its bytes");

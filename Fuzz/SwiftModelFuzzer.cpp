@@ -1,4 +1,4 @@
-// Whatever a body holds, the model made of it has the lines of a model and no others.
+// Checks that the model of any body consists only of lines that a model can have.
 
 #include "FuzzCheck.h"
 
@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Up to the type at the end, which is of our own making and the same every time.
+/// The source without the type at its end, which is always the same.
 QStringView withoutFallback(QStringView source)
 {
     const qsizetype fallback = source.indexOf(u"\n\nenum JSONValue: Codable, Hashable {\n");

@@ -1,4 +1,4 @@
-// Any bytes become a tree or an error, and a tree holds together.
+// Checks that any bytes become an error or a consistent tree.
 
 #include "FuzzCheck.h"
 
@@ -28,7 +28,7 @@ void checkNode(const QXApiTreeField &node)
     }
 }
 
-/// What was read can be written, and reads the same.
+/// Checks that a document can be written and that the output is parsed to the same values.
 void checkRewriting(const JSONDocument &document)
 {
     const auto written = [](const JSONValue &value) {

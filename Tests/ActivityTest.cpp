@@ -80,7 +80,7 @@ void ActivityTest::savingTellsWhyItFailed()
     QVERIFY(QFile::remove(m_path));
     const QByteArray before = contents(taken);
     QVERIFY(!controller.saveAs(taken).isEmpty());
-    QCOMPARE(contents(taken), before); // what was there is not lost to a failure
+    QCOMPARE(contents(taken), before); // a failure does not change the existing file
 }
 
 QTEST_MAIN(ActivityTest)

@@ -68,7 +68,7 @@ void ApiMockTest::appliesRules_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("pattern");
 
-    // The pattern is the path itself, unless a row tells otherwise.
+    // The pattern is the path itself, unless a row gives another one.
     const auto row = [](const char *row, const QString &path, const QString &name, const QString &file,
                         const QString &pattern = {}) {
         QTest::newRow(row) << path << name << file << (pattern.isEmpty() ? path : pattern);
@@ -118,7 +118,7 @@ void ApiMockTest::encodesValues_data()
     QTest::newRow("last of a name, in an inner object too")
         << '{' + R"("b":1,"a":2,)"_ba.repeated(40) + R"("b":3,"a":{"c":4,"c":5}})"
         << R"({"a":{"c":5},"b":3})"_ba;
-    // Doubles have no more than 53 bits: longer integers become their neighbours.
+    // Doubles have only 53 bits, so longer integers are rounded.
     QTest::newRow("numbers") << "[-9007199254740993,18446744073709551615,1.0,-0.5,1e300]"_ba
                              << "[-9007199254740992,18446744073709551616,1,-0.5,1e+300]"_ba;
 }

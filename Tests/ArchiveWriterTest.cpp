@@ -27,7 +27,7 @@ namespace {
 
 const QByteArray binary("\x00\xff\xfe", 3);
 
-/// One exchange of every kind that the document tells apart.
+/// One exchange of every kind that the document treats differently.
 std::vector<QXRequestTrace> everyKind()
 {
     QXRequestTrace complete = makeTrace(u"https://h.example/a?x=1&y=%26"_s, {{u"Cookie"_s, u"a=1; b=2"_s}});
@@ -134,7 +134,7 @@ void ArchiveWriterTest::writesWholeDocument()
     const std::vector list{trace};
     const QByteArray archive = QXArchiveWriter::archive(QXArchiveWriter::sourceOf(list));
 
-    // Keys ascend at every level, as in the text above.
+    // Keys are sorted at every level, as in the text above.
     const auto withoutBlanks = [](QByteArray json) {
         return json.replace(' ', "").replace('\n', "");
     };
@@ -159,7 +159,7 @@ void ArchiveWriterTest::streamsTheSameDocument()
     QCOMPARE(entries[4][u"request"_s][u"method"_s].toString(), u"GET"_s);
     QCOMPARE(entries[4][u"request"_s][u"url"_s].toString(QString(u'-')), QString());
 
-    // For the schema check, which reads the file. The schema has no place for an exchange without a URL.
+    // Writes a file for the schema check, without the exchange that has no URL: the schema requires one.
     if (const QString path = qEnvironmentVariable("QUORVIX_HAR_OUT"); !path.isEmpty()) {
         pointers.pop_back();
         QFile file(path);

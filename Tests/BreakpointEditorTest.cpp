@@ -120,7 +120,7 @@ void BreakpointEditorTest::deletedBodyComesBack()
     QCOMPARE(editor()->text(), u"one two threex"_s);
     QCOMPARE(editor()->font().weight(), int(QFont::Normal));
 
-    // Edits of others.
+    // The program changes the text.
     pressAll(u"Ctrl+End, Shift+Left"_s);
     auto *const model = find("QXBreakpointEditorView")->property("model").value<QObject *>();
     QVERIFY(QMetaObject::invokeMethod(model, "deleteBody"));
@@ -201,7 +201,7 @@ void BreakpointEditorTest::comesToTheFront()
         QSignalSpy moved(qGuiApp, &QGuiApplication::focusWindowChanged);
         ScreenDriver::click(*overlay.window(), "QXContinueButton");
         expect("true"_L1);
-        QCOMPARE(moved.size(), 0); // it was in front already
+        QCOMPARE(moved.size(), 0); // it was already in front
         ScreenDriver::click(*overlay.window(), "QXContinueButton");
         QTRY_COMPARE(QGuiApplication::focusWindow(), &other);
         expected << u"info [Breakpoint] change active=false showingList=false"_s

@@ -182,7 +182,7 @@ void BreakpointScreenTest::rulesAreDeleted()
         } else {
             ScreenDriver::drag(*m_window, at, QPoint(-160, 0));
         }
-        QCOMPARE(store().rules().size(), 1); // so far it has only uncovered the button
+        QCOMPARE(store().rules().size(), 1); // the swipe only shows the button
         click("QXBreakpointDeleteButton");
     }
     QTRY_VERIFY(store().rules().isEmpty());

@@ -25,7 +25,7 @@ void keepLine(QtMsgType, const QMessageLogContext &context, const QString &messa
         lines.append(message);
 }
 
-/// What reached the host.
+/// What the host received.
 struct Delivery
 {
     std::optional<QByteArray> data;
@@ -135,7 +135,7 @@ void BreakpointTest::rulesAreSortedAndAnnounced()
     QCOMPARE(texts.join(u','), u"GET A/x,GET b/x,GET hostA/x,POST hostA/x"_s);
     store.remove({get, u"b"_s, u"/x"_s});
     QVERIFY(!store.contains({get, u"b"_s, u"/x"_s}));
-    QVERIFY(!store.contains({get, u"a"_s, u"/x"_s})); // case counts
+    QVERIFY(!store.contains({get, u"a"_s, u"/x"_s})); // case-sensitive
 }
 
 void BreakpointTest::whatIsNotHeld()
@@ -173,7 +173,7 @@ void BreakpointTest::heldResponsesWaitInLine()
     m_center->apply(std::nullopt, std::nullopt);
     m_center->continueActive();
     QVERIFY(!m_center->activeBreakpoint());
-    QCOMPARE(m_delivered[1].data, ""_ba); // that of no text
+    QCOMPARE(m_delivered[1].data, ""_ba); // an empty text
     QCOMPARE(m_posts, 4);
     m_center->continueActive();
     QCOMPARE(m_posts, 4);
@@ -189,7 +189,7 @@ void BreakpointTest::heldResponsesWaitInLine()
 
 void BreakpointTest::cooldownLetsResponsesPass()
 {
-    m_center->continueActive(); // starts it even with nothing held
+    m_center->continueActive(); // starts the cooldown even when nothing is held
     m_now += 300ms;
     QVERIFY(!check(u"1"_s));
     m_now += 400ms;

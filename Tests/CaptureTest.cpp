@@ -70,13 +70,13 @@ void CaptureTest::nothingIsCapturedBeforeTheClientIsTouched()
 {
     QSemaphore done;
     start(u"/echo"_s, [&](auto, auto, auto) { done.release(); });
-    QVERIFY(done.tryAcquire(1, 10'000)); // called elsewhere: this thread runs no event loop now
+    QVERIFY(done.tryAcquire(1, 10'000)); // called on another thread, because this one runs no event loop now
     QCoreApplication::processEvents();
     QVERIFY(recorder().requests().isEmpty());
 
     std::thread([] { QCOMPARE(QuorvixClient::shared().logLevel(), QXLogLevel::none); }).join();
     QVERIFY(class_getInstanceMethod(NSURLSession::objectClass(), "qx_hookedDataTaskWith:completionHandler:"));
-    ObjectClass bare; // without the method it is left alone
+    ObjectClass bare; // a class without the method is not changed
     QXSessionHook::exchange(bare);
     QVERIFY(!class_getInstanceMethod(bare, "qx_hookedDataTaskWith:completionHandler:"));
 }
@@ -176,7 +176,7 @@ void CaptureTest::thousandExchangesFromManyThreads()
     QCOMPARE(sizes.size(), threads * each);
 }
 
-/// Exchanges under way when the application ends, and others begun after it, must neither crash nor block.
+/// Exchanges that run when the application ends, or that start afterwards, must neither crash nor block.
 static int endWithExchangesInFlight()
 {
     DemoServer server;
@@ -195,7 +195,7 @@ static int endWithExchangesInFlight()
         const QCoreApplication application(argc, argv);
         for (int i = 0; i < 20; ++i)
             start(u"/slow?ms=%1"_s.arg(i * 10));
-        QThread::msleep(50); // some complete now, with nobody to run the main thread's tasks
+        QThread::msleep(50); // some exchanges complete now, while nothing runs the main thread's tasks
     }
     start(u"/echo"_s);
     return heard ? 1 : 0;

@@ -10,7 +10,7 @@
 
 #include <optional>
 
-/// One request that arrived, byte for byte.
+/// One received request, byte for byte.
 struct Arrival
 {
     QByteArray method;
@@ -19,13 +19,13 @@ struct Arrival
     QByteArray body;
 };
 
-/// The request once all of it is there.
+/// The request, or nothing until all of it has arrived.
 inline std::optional<Arrival> readArrival(const QByteArray &bytes)
 {
     const qsizetype headSize = bytes.indexOf("\r\n\r\n");
     if (headSize < 0)
         return std::nullopt;
-    // Cut at CR LF, not at a line feed alone: nothing that arrives is to be tidied up.
+    // Splits at CR LF only, not at a single line feed, so that no received byte is lost.
     Arrival arrival;
     QByteArray head = bytes.first(headSize).replace("\r\n", QByteArray(1, '\0'));
     arrival.headers = head.split('\0');
@@ -41,7 +41,7 @@ inline std::optional<Arrival> readArrival(const QByteArray &bytes)
     return arrival.body.size() < length ? std::nullopt : std::optional(arrival);
 }
 
-/// Runs commands in a shell of this machine, and keeps the requests that they send to its server.
+/// Runs commands in a shell of this machine, and records the requests that they send to the runner's server.
 class CommandRunner final
 {
 public:
@@ -68,12 +68,12 @@ public:
         return QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(path);
     }
 
-    /// Pastes the command into a shell and returns what has arrived when the shell ends.
+    /// Runs the command in a shell and returns the requests that have arrived when the shell ends.
     QList<Arrival> run(const QString &shell, const QString &command)
     {
         m_arrivals.clear();
         QProcess process;
-        // No settings of the person who runs the tests, and no proxy.
+        // Excludes the settings of the user who runs the tests, and any proxy.
         process.setEnvironment(
             {QStringLiteral("PATH=") + qEnvironmentVariable("PATH"), QStringLiteral("HOME=") + m_home.path(),
              QStringLiteral("CURL_HOME=") + m_home.path(), QStringLiteral("LC_ALL=C.UTF-8")});
@@ -89,9 +89,9 @@ public:
     }
 
     [[nodiscard]] int exitCode() const { return m_exitCode; }
-    /// What shell and curl wrote to the standard error.
+    /// The error output of the shell and of curl.
     [[nodiscard]] QByteArray complaints() const { return m_complaints; }
-    /// The working directory, and the home of whoever runs the command. It is empty.
+    /// The working directory and home folder of the commands. It is empty.
     [[nodiscard]] QDir home() const { return QDir(m_home.path()); }
 
 private:

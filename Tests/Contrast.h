@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-/// How well colours tell apart, as WCAG 2.1 has it.
+/// The contrast of colours as WCAG 2.1 defines it.
 namespace Contrast {
 
 /// WCAG 2.1, "relative luminance".
@@ -16,7 +16,7 @@ inline double luminance(const QColor &color)
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-/// What is seen of a colour that may let the ground through.
+/// The visible colour of a possibly transparent colour on a background.
 inline QColor over(const QColor &color, const QColor &ground)
 {
     const auto mixed = [&](float part, float below) {

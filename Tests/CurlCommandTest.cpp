@@ -26,7 +26,7 @@ QString commandFor(const QXRequestTrace &trace)
     return command ? command.value() : command.error().localizedDescription;
 }
 
-/// The headers that arrived, less those that curl adds to any request.
+/// The received headers without those that curl adds to every request.
 QByteArrayList ownHeaders(const Arrival &arrival, const QByteArrayList &expected)
 {
     static const QByteArrayList added{"Host", "User-Agent", "Accept", "Content-Length", "Content-Type"};
@@ -124,7 +124,7 @@ void CurlCommandTest::needsURL()
     QCOMPARE(commandFor(trace), u"Missing request URL."_s);
 }
 
-/// Bodies are converted piece by piece; here, pieces end everywhere in the pattern.
+/// Bodies are converted in pieces. In this test pieces end at every place of the pattern.
 void CurlCommandTest::writesLargeBodies()
 {
     for (const QByteArray &pattern : {"\r\n"_ba, "a\U0001F600"_ba, "it's"_ba, "ab\xFF\x80"_ba}) {
@@ -200,8 +200,8 @@ void CurlCommandTest::repeatsTheRequest()
     QFETCH(const QByteArrayList, arrivingHeaders);
     QXRequestTrace trace = makeTrace(m_runner.url(path), headers, body);
     trace.method = body ? u"PATCH"_s : u"DELETE"_s;
-    // Newer curl sends nothing when a file is missing, older curl an empty body. No name of Qt's has all
-    // bytes.
+    // When the file is missing, newer curl sends nothing and older curl sends an empty body. The file is
+    // created with the standard library, because Qt cannot express every byte in a file name.
     std::filesystem::path file;
     if (body == "@\xFF"_ba) {
         file = m_runner.home().path().toStdString() + '/' + body->sliced(1).toStdString();

@@ -2,13 +2,13 @@
 
 #include "Quorvix/QXRequestRecorder.h"
 
-/// Requests and responses as the tests of several subsystems need them.
+/// Requests and responses for the tests of several subsystems.
 namespace Exchanges {
 
-/// When a trace was sent: 2023-11-14T22:13:20.900Z.
+/// The time at which each trace is sent: 2023-11-14T22:13:20.900Z.
 inline constexpr std::chrono::system_clock::time_point sent{std::chrono::milliseconds(1'700'000'000'900)};
 
-/// Without a URL when @p url is empty.
+/// A request; it has no URL when @p url is empty.
 inline Quorvix::URLRequest makeRequest(const QString &url,
                                        const std::optional<QString> &method = QStringLiteral("GET"))
 {
@@ -25,7 +25,7 @@ inline Quorvix::NSHTTPURLResponsePtr makeResponse(qint64 status, Quorvix::NSHead
                                               QStringLiteral("HTTP/2.0"), std::move(fields));
 }
 
-/// An exchange that has no outcome yet; without a URL when @p url is empty.
+/// An exchange without a response or an error; it has no URL when @p url is empty.
 inline QXRequestTrace makeTrace(const QString &url, const Quorvix::HTTPHeaderFields &headers = {},
                                 const std::optional<QByteArray> &body = {})
 {
@@ -37,7 +37,7 @@ inline QXRequestTrace makeTrace(const QString &url, const Quorvix::HTTPHeaderFie
     return trace;
 }
 
-/// A response that came a second after a trace was sent.
+/// A response that arrives a second after a trace is sent.
 inline QXResponseTrace makeResponseTrace(qint64 status, const std::optional<QByteArray> &body = {},
                                          const Quorvix::HTTPHeaderFields &headers = {})
 {

@@ -14,7 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A device that takes so many bytes, like a full disk even a part of a block, and then fails.
+/// A device that accepts a limited number of bytes and then fails. Like a full disk, it accepts a part of a
+/// block.
 class FullDevice final : public QIODevice
 {
 public:
@@ -115,7 +116,7 @@ void JSONTest::escapesAtEveryPlaceInABlock()
     }
 }
 
-/// Longer than any internal piece, with a pair of surrogates across every possible border between pieces.
+/// The text is longer than any internal chunk, and a surrogate pair crosses every possible chunk border.
 void JSONTest::readsBackLongText()
 {
     for (const QString &start : {u""_s, u"-"_s}) {
@@ -236,7 +237,7 @@ void JSONTest::readsValues()
     QCOMPARE(wide.value().root().toDouble(), std::numeric_limits<double>::lowest());
 }
 
-/// By code point: an order by UTF-16 units would put U+1F600 before U+FF5E.
+/// Members are sorted by code point; an order by UTF-16 units would put U+1F600 before U+FF5E.
 void JSONTest::ordersMembers()
 {
     const QByteArray json =

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The rows as the user sees them: a mark for those that open, key and summary, indented.
+/// The rows as the user sees them: indentation, a mark for rows that open, key and summary.
 QStringList shown(const QAbstractItemModel &model)
 {
     using Model = QXLogTreeViewModel;
@@ -31,7 +31,7 @@ QStringList shown(const QAbstractItemModel &model)
     return lines;
 }
 
-/// The flattening as it is defined.
+/// Collects the visible rows in the simplest way, to compare with the model.
 void flatten(const QXApiTreeField &field, std::vector<const QXApiTreeField *> &fields)
 {
     fields.push_back(&field);
@@ -65,14 +65,14 @@ void LogTreeModelTest::rowsAgreeWithAPlainVector()
     const auto below = [&](size_t limit) {
         return std::uniform_int_distribution<size_t>(0, limit)(random);
     };
-    // Never looked into, so that any addresses will do.
+    // The list never reads the nodes, so any addresses will do.
     std::vector<char> nodes(2'000'000);
     size_t used = 0;
     QXLogTreeRows rows;
     std::vector<QXApiTreeField *> plain;
     for (int step = 0; step < 1500; ++step) {
-        const size_t longestRun = step < 700 ? 30 : 5000; // at last of several blocks
-        // Now and then it shrinks to nothing.
+        const size_t longestRun = step < 700 ? 30 : 5000; // later runs span several blocks
+        // From time to time the list shrinks until it is empty.
         const bool grows = (step / 100) % 3 != 2;
         if (below(9) < (grows ? 7U : 2U)) {
             std::vector<QXApiTreeField *> run(below(std::min(longestRun, nodes.size() - 1 - used)));
@@ -112,13 +112,13 @@ void LogTreeModelTest::togglesShowAndHide()
     const QStringList all = shown(model);
     QCOMPARE(all, (QStringList{u"-=[2 items]"_s, u" -[0]={2 keys}"_s, u"  +a={1 key}"_s, u"  -b=[1 item]"_s,
                                u"   [0]=true"_s, u" [1]=7"_s}));
-    // A collapsed node hides what is expanded in it, and shows it again.
+    // A collapsed node hides its expanded children; they are still expanded when it opens again.
     model.toggle(0);
     QCOMPARE(model.rowCount(), 1);
     QVERIFY(model.rootFields().first()->children()[0].children()[1].isExpanded());
     model.toggle(0);
     QCOMPARE(shown(model), all);
-    // Another holder of the nodes may flip them behind the model's back.
+    // Another owner of the nodes may expand or collapse them without telling the model.
     QXApiTreeField &inner = model.rootFields().first()->children()[0].children()[1];
     inner.setExpanded(false);
     model.toggle(0);
@@ -136,7 +136,8 @@ void LogTreeModelTest::anyTogglesGiveTheFlattening()
     for (int level = 0; level < 6; ++level)
         json = u"[%1,%1,{\"x\":%1,\"y\":{},\"z\":\"s\"}]"_s.arg(json);
     QXLogTreeViewModel model(json);
-    const QSignalSpy reset(&model, &QAbstractItemModel::modelReset); // what the screen's place is lost by
+    // A reset would lose the scroll position of the screen.
+    const QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
     std::mt19937 random(11); // NOLINT(bugprone-random-generator-seed): the same each time
     int most = 0;
@@ -191,7 +192,7 @@ void LogTreeModelTest::copies()
         copied += model.copyText(row);
     QCOMPARE(copied, QStringList({u"{4 keys}"_s, u"true"_s, u"id: 42"_s, u"list: [2 items]"_s, u"none: "_s}));
     model.copy(2);
-    // An empty root has no text: what is on the clipboard stays there.
+    // An empty root has no text, so the clipboard does not change.
     const QXLogTreeViewModel empty(u"{}"_s);
     empty.copy(0);
     empty.copy(1);
@@ -208,7 +209,7 @@ void LogTreeModelTest::decodes()
         QCOMPARE(model.canDecodeBase64(row), row == 1);
         model.decodeBase64(row);
         QCOMPARE(model.decodedPayload().has_value(), row == 1);
-        // Of a string that holds nothing the absence is published, of other kinds nothing at all.
+        // A string without an encoded part publishes that there is no payload; other kinds publish nothing.
         QCOMPARE(changed.size(), row < 0 ? 2 : qMin(row, 2));
     }
 }
@@ -220,7 +221,7 @@ void LogTreeModelTest::brokenTextIsAParseError()
     QCOMPARE(model.parseError(), QXApiTreeParser::parse(u"{\"a\":").error().localizedDescription);
     QCOMPARE(model.rowCount(), 0);
 
-    // What is shown outlives a text that is not JSON.
+    // A text that is not JSON leaves the shown tree unchanged.
     model.load(u"[1,2]");
     model.toggle(0);
     const QStringList lines = shown(model);

@@ -130,7 +130,7 @@ void OverlayTest::badge()
     }
     client().hide();
     client().show();
-    QCOMPARE(overlay().badgeText(), u"99+"_s); // from the start, not from the next change
+    QCOMPARE(overlay().badgeText(), u"99+"_s); // at once, without waiting for a change
 }
 
 void OverlayTest::standsWhereItWasLeft()
@@ -150,7 +150,7 @@ void OverlayTest::standsWhereItWasLeft()
     client().show();
     QCOMPARE(middle(*find("QXFloatingButton")), dropped);
 
-    drag(*m_window, dropped, QPoint(1, 1) - dropped); // to the corner, and no further than the margin
+    drag(*m_window, dropped, QPoint(1, 1) - dropped); // to the corner, where the margin stops it
     QCOMPARE(overlay().buttonCenter(), QPointF(12 + 26, 12 + 26));
     drag(*m_window, overlay().buttonCenter().toPoint(), QPoint(351, 805));
     QCOMPARE(overlay().buttonCenter(), QPointF(390 - 38, 844 - 38));
@@ -175,7 +175,7 @@ void OverlayTest::staysInsideWindowsOfEverySize()
     QTRY_COMPARE(m_window->contentItem()->width(), 390);
     QCOMPARE(overlay().buttonCenter().x(), 390.0 - 38);
     m_window->resize(844, 390);
-    QTRY_COMPARE(overlay().buttonCenter(), QPointF(844 - 38, 390 - 50)); // still the place that was chosen
+    QTRY_COMPARE(overlay().buttonCenter(), QPointF(844 - 38, 390 - 50)); // still the chosen place
 }
 
 void OverlayTest::whatIsNotTheButtonIsTheHosts()
@@ -217,7 +217,7 @@ void OverlayTest::twoTapsOpenAndClose()
     QVERIFY(waitFor("QXRequestListView"));
     QVERIFY(!find("field")->hasActiveFocus());
     tap();
-    QVERIFY(overlay().isShowingRequestList()); // until it has left
+    QVERIFY(overlay().isShowingRequestList()); // until the closing animation has ended
     QTRY_VERIFY(!overlay().isShowingRequestList());
     QVERIFY(!find("QXRequestListView"));
     QTRY_VERIFY(find("field")->hasActiveFocus());
@@ -242,10 +242,10 @@ void OverlayTest::makesDoWithoutAHostWindow()
     QVERIFY(own && own->isVisible());
     QCOMPARE(own->size(), own->screen()->size());
     QVERIFY(ScreenDriver::find(*own, "QXFloatingButton"));
-    QWindow plain; // no window for Qt Quick to draw on
+    QWindow plain; // not a Qt Quick window
     plain.show();
     QVERIFY(QTest::qWaitForWindowActive(&plain));
-    // Such windows do not count as the last one: the application can end.
+    // The overlay's own window has a transient parent, so it does not keep the application running.
     QTRY_COMPARE(overlay().window()->transientParent(), &plain);
     m_window = makeWindow(*m_engine, hostQml);
     QTRY_COMPARE(overlay().window(), m_window.get());
@@ -255,7 +255,7 @@ void OverlayTest::makesDoWithoutAHostWindow()
 void OverlayTest::leavesAWindowThatHides()
 {
     const auto main = makeWindow(*m_engine, hostQml);
-    QCOMPARE(overlay().window(), m_window.get()); // stays where it is while that can be seen
+    QCOMPARE(overlay().window(), m_window.get()); // stays in this window while the window is visible
     m_window->hide();
     QTRY_COMPARE(overlay().window(), main.get());
     client().hide();

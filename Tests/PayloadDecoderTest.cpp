@@ -17,7 +17,7 @@ namespace {
 
 using Pairs = QList<std::pair<QString, QString>>;
 
-// RFC 7519, sections 3.1 and 6.1; the first is RFC 7515's A.1 as well.
+// From RFC 7519, sections 3.1 and 6.1; the first one is also in RFC 7515, A.1.
 const QByteArray header = "eyJ0eXAiOiJKV1QiLA0KICJhbGciOiJIUzI1NiJ9"_ba;
 const QByteArray claims =
     "eyJpc3MiOiJqb2UiLA0KICJleHAiOjEzMDA4MTkzODAsDQogImh0dHA6Ly9leGFtcGxlLmNvbS9pc19yb290Ijp0cnVlfQ"_ba;
@@ -63,7 +63,7 @@ private Q_SLOTS:
 
 void PayloadDecoderTest::decodesBase64()
 {
-    // Padded, over whole groups, with less padding than it needs, with bits beyond the last byte, and with
+    // Padded, in whole groups, with too little padding, with extra bits after the last byte, and with
     // characters of both alphabets.
     for (const auto &[text, bytes] : {std::pair(""_ba, ""_ba),
                                       {"Zg=="_ba, "f"_ba},
@@ -216,7 +216,7 @@ void PayloadDecoderTest::decodesPayload()
     }
 }
 
-/// Given a token itself, it takes the pieces as they stand.
+/// The function for a token decodes the parts without checking their content first.
 void PayloadDecoderTest::decodesJWT()
 {
     const QString oddSignature = u"\u00e9 "_s + QChar(0xD800);
@@ -321,7 +321,7 @@ void PayloadDecoderTest::takesLinearTime()
     constexpr std::clock_t noise = CLOCKS_PER_SEC / 1000;
     const std::clock_t once = ticks(size);
     const std::clock_t fourTimes = ticks(4 * size);
-    // Quadratic time would be sixteen times as much.
+    // Quadratic time would take sixteen times as long.
     QVERIFY2(fourTimes <= 9 * once + noise, qPrintable(u"%1 %2"_s.arg(once).arg(fourTimes)));
 }
 

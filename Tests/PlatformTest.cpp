@@ -78,7 +78,7 @@ void PlatformTest::exchangeRefusesWhatWouldCrash()
 
 void PlatformTest::sendersNeverSeeHalfAnExchange()
 {
-    // A replacement that sends to the other selector would call itself if it saw only one half.
+    // A replacement that calls the other selector would call itself if it saw only half of the exchange.
     static ObjectClass numbers;
     static thread_local int depth = 0;
     static std::atomic<int> deepest = 0;

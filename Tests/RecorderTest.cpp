@@ -150,7 +150,7 @@ void RecorderTest::finders()
 
 void RecorderTest::snapshotsStayAsTheyWere()
 {
-    // Against a plain list, across the sizes at which the tree grows, with snapshots alive all the time.
+    // Compares with a plain list, with sizes at which the tree grows, while snapshots exist.
     std::mt19937 random(7);
     QXTraceList list;
     std::vector<int> expected;

@@ -41,7 +41,7 @@ QVariant sectionData(const QXRequestDetailsViewModel &model, const QString &titl
     return model.index(int(titles(model).indexOf(title))).data(role);
 }
 
-/// Newer locale data puts a narrow no-break space before AM and PM.
+/// Replaces the narrow no-break space that newer locale data has before AM and PM.
 QString withPlainSpaces(QString text)
 {
     return text.replace(u'\u202F', u' ');
@@ -233,7 +233,7 @@ void RequestDetailsModelTest::largeBodiesAreMadeReadableElsewhere()
     auto trace = makeTrace(user);
     trace.response = makeResponseTrace(200, "{\"b\":\"" + QByteArray(1'000'000, 'x') + "\",\"a\":1}");
     {
-        const QXRequestDetailsViewModel gone(trace); // what is made for it has nowhere to go
+        const QXRequestDetailsViewModel gone(trace); // its result arrives after the model is destroyed
     }
     QXRequestDetailsViewModel model(trace);
     const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
@@ -273,7 +273,7 @@ void RequestDetailsModelTest::copyingIsConfirmed()
     QCOMPARE(model.alertTitle(), u"Copied!"_s);
     QCOMPARE(model.alertMessage(), u"Value copied to pasteboard."_s);
     model.setShowAlert(false);
-    model.shareCurl(); // the title of the copy has to go
+    model.shareCurl(); // the title of the copy has to disappear
     QCOMPARE(model.alertTitle(), u"Export Failed"_s);
     QCOMPARE(model.alertMessage(), u"Missing request URL."_s);
     QVERIFY(model.showAlert() && !model.shareItem());
@@ -333,7 +333,7 @@ void RequestDetailsModelTest::sharingFailures()
     auto page = makeTrace(user);
     page.response = makeResponseTrace(200, "<html>");
     QCOMPARE(failure(page, &Model::shareSwiftModel), u"Failed to parse JSON payload."_s);
-    // A name that no file can have.
+    // The name is too long for a file.
     QVERIFY(
         !failure(makeTrace(u"https://shop.test/"_s + QString(300, u'x')), &Model::shareHarFile).isEmpty());
 }
@@ -364,7 +364,7 @@ void RequestDetailsModelTest::rawDetailsOfACompletedExchange()
         block(u"Roundtrip duration"_s, u"0.500000 secs"_s),
         block(u"Request Size"_s, u"1 KB"_s)};
     QCOMPARE(withPlainSpaces(rawDetails(trace)),
-             expected.join(QString()).chopped(1)); // the last line is the empty one
+             expected.join(QString()).chopped(1)); // the last line is empty
 }
 
 void RequestDetailsModelTest::rawDetailsOfOthers()

@@ -167,7 +167,7 @@ void RequestListModelTest::filterAgreesWithALookAtEveryTrace()
             else
                 complete(QString::number(random() % unsigned(recorded)), 200 + qint64(random() % 300));
         }
-        if (step % 3 == 0) // else what has changed has to be found for the search that stands
+        if (step % 3 == 0) // in the other steps the model has to apply the current search to the changes
             model.setSearchText(texts[qsizetype(random() % unsigned(texts.size()))]);
         QCoreApplication::processEvents();
         QStringList expected;

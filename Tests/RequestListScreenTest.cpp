@@ -67,7 +67,7 @@ QStringList RequestListScreenTest::titles()
     return found;
 }
 
-/// The row of this title, where its middle can be seen.
+/// The row with this title whose middle is visible; null when there is none.
 QQuickItem *RequestListScreenTest::row(const QString &title)
 {
     QQuickItem *const row = find("QXRequestRow", "title", title);
@@ -128,7 +128,7 @@ void RequestListScreenTest::newRowsDoNotMoveWhatIsRead()
         record(u"/old/%1"_s.arg(i));
     openList();
     QTRY_VERIFY(row(u"GET /old/99"_s));
-    record(u"/new"_s); // at the very top the newest is seen at once
+    record(u"/new"_s); // at the very top the list shows the newest row at once
     QTRY_VERIFY(row(u"GET /new"_s));
 
     turnWheel(*m_window, QPoint(200, 500), 12);
@@ -168,7 +168,7 @@ void RequestListScreenTest::exportPresentsTheShareSheetEachTime()
         QTRY_VERIFY(!find("QXActivitySheet"));
         QCOMPARE(exportedFiles().size(), files); // dismissing leaves the file
     }
-    QVERIFY(find("QXRequestListView")); // one thing at a time
+    QVERIFY(find("QXRequestListView")); // Esc closes one view at a time
     press(Qt::Key_Escape);
     QTRY_VERIFY(!find("QXRequestListView"));
     QVERIFY(!QuorvixClient::shared().overlayWindow()->isShowingRequestList());

@@ -1,5 +1,5 @@
-// What the fence around simdjson takes for granted. The library may be any of many releases, and picks its
-// code by the processor it runs on: nothing here may depend on either.
+// Checks the assumptions of SimdjsonFence about simdjson. Many releases of the library are supported, and it
+// selects its code for the processor, so no test may depend on the release or the processor.
 
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWideNumbers.h"
@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A text with nothing readable behind it, which is gone with this.
+/// A text directly before a memory page that cannot be read. The destructor unmaps the text.
 class TextAtTheEdge final
 {
 public:
@@ -129,7 +129,7 @@ void SimdjsonFenceTest::tellsReasons()
     QTEST(document.error().localizedDescription, "sentence");
 }
 
-/// simdjson counts bytes with 32 bits.
+/// simdjson stores the size of a text in 32 bits.
 void SimdjsonFenceTest::refusesMoreThanItCounts()
 {
     constexpr size_t size = size_t(std::numeric_limits<quint32>::max()) + 1;
@@ -141,7 +141,7 @@ void SimdjsonFenceTest::refusesMoreThanItCounts()
     QCOMPARE(document.error().localizedDescription, u"The JSON text is too large."_s);
 }
 
-/// An empty array takes no level of its own.
+/// simdjson does not count an empty array as a level.
 void SimdjsonFenceTest::readsToTheDepthLimit()
 {
     const int deepest = JSONReader::maximumDepth;
@@ -195,8 +195,8 @@ void SimdjsonFenceTest::keepsDigits()
     QVERIFY(alone);
     check(alone.value().root());
 
-    // The numbers before it are of every form, the first one with the bytes of a type in front, and so are
-    // the other values: each takes its own room.
+    // The values before the wide number have every form, because each form takes a different space on the
+    // tape. The bytes of the first number look like a type word of the tape.
     const auto among = JSONReader::parse(
         "[7782220156096217088,18446744073709551615,2.5,\"7\",[3],{\"8\":4},null,true,1e999," + digits +
         ",6]");
@@ -239,7 +239,7 @@ void SimdjsonFenceTest::tellsUtf8_data()
     QTest::newRow("continuation of nothing") << "\x80"_ba << false;
 }
 
-/// Anywhere: simdjson looks at blocks.
+/// Checks the bytes at every offset, because simdjson processes blocks.
 void SimdjsonFenceTest::tellsUtf8()
 {
     QFETCH(const QByteArray, bytes);
@@ -250,7 +250,7 @@ void SimdjsonFenceTest::tellsUtf8()
     }
 }
 
-/// simdjson keeps 24 bits of a size.
+/// simdjson stores the size of an array in 24 bits.
 void SimdjsonFenceTest::countsBeyondTheKeptSize()
 {
     constexpr qsizetype count = (qsizetype(1) << 24) + 1;

@@ -27,7 +27,7 @@ Result<QString> modelOf(const QByteArray &json, const QString &rootName)
                   : Result<QString>(fields.error());
 }
 
-/// What an identifier may consist of, from "The Swift Programming Language", Lexical Structure, Identifiers;
+/// The characters of an identifier, from "The Swift Programming Language", Lexical Structure, Identifiers,
 /// without the invisible ones.
 const QString headRanges =
     u"A-Za-z\\x{AA}\\x{B2}-\\x{B5}\\x{B7}-\\x{BA}\\x{BC}-\\x{BE}\\x{C0}-\\x{D6}\\x{D8}-\\x{F6}"
@@ -40,7 +40,7 @@ const QString identifier =
     u"[%1][%1"_s.arg(headRanges) +
     u"0-9\\x{300}-\\x{36F}\\x{1DC0}-\\x{1DFF}\\x{20D0}-\\x{20FF}\\x{FE20}-\\x{FE2F}]*"_s;
 
-/// `{"k0":{"users":[{}]},"k1":{"users":[{}]}...`: so many types that want to be called "User".
+/// `{"k0":{"users":[{}]},"k1":{"users":[{}]}...`: @p count types whose preferred name is "User".
 QByteArray usersJson(int count)
 {
     QByteArray json;
@@ -49,7 +49,7 @@ QByteArray usersJson(int count)
     return json + '}';
 }
 
-/// Objects in objects.
+/// Nested objects.
 QByteArray nestedJson(int depth, const QByteArray &key)
 {
     return QByteArray("{\"" + key + "\":").repeated(depth - 1) + "{}" + QByteArray(depth - 1, '}');
@@ -105,7 +105,7 @@ void SwiftModelTest::generates()
     const auto source = modelOf(contentOf(path), input.completeBaseName());
     QVERIFY(source);
     QByteArray expected = contentOf(input.dir().filePath(input.completeBaseName() + ".swift"_L1));
-    // The type at the end is always the same, and has a file of its own.
+    // The type at the end is always the same and has its own file.
     expected.replace("\nenum JSONValue\n", '\n' + contentOf(input.dir().filePath(u"JSONValue.swift"_s)));
     QCOMPARE((source.value() + u'\n').split(u'\n'), QString::fromUtf8(expected).split(u'\n'));
 }
@@ -145,7 +145,7 @@ void SwiftModelTest::survivesDepth()
     QVERIFY(modelOf(nestedJson(1024, "k"), u"Root"_s));
     QVERIFY(modelOf(QByteArray(1024, '[') + QByteArray(1024, ']'), u"Root"_s));
     QVERIFY(modelOf(nestedJson(2, QByteArray(1'000'000, 'k')), u"Root"_s));
-    // Each name holds those around it.
+    // Each name contains the names of the enclosing types, so this model becomes too large.
     const auto outgrown = modelOf(nestedJson(1024, QByteArray(4000, 'k')), u"Root"_s);
     QVERIFY(!outgrown);
     QCOMPARE(outgrown.error(), makeError(QXExportError::swiftModelNotGenerated));

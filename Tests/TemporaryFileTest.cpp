@@ -114,7 +114,7 @@ void TemporaryFileTest::failsWhereItCannotWrite()
         QVERIFY(!url.error().localizedDescription.isEmpty());
         QCOMPARE(m_temporary->files(), QStringList());
     }
-    // What a temporary directory that is missing comes as; it would mean the current folder.
+    // Qt returns an empty path when there is no temporary directory; it would mean the current folder.
     QVERIFY(!QXTemporaryFile::write(QDir(QString()), u"a"_s, writing("x")));
 }
 

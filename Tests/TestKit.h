@@ -12,8 +12,8 @@ inline QByteArray contentOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
 }
 
-/// The process's temporary directory as long as this lives. It lies two folders deep in surroundings that are
-/// otherwise empty, so that a step out of it can be seen.
+/// Replaces the temporary directory of the process while this object exists. It is two folders deep in an
+/// otherwise empty folder, so that a test sees a file that is written outside of it.
 class TemporaryFolder final
 {
 public:
@@ -30,7 +30,7 @@ public:
     [[nodiscard]] const QDir &dir() const { return m_folder; }
     [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
 
-    /// The files in the folder as "name=content", and whatever is around it.
+    /// The files in the folder as "name=content", and all files around it.
     [[nodiscard]] QStringList files() const
     {
         QStringList files;
@@ -55,7 +55,7 @@ private:
     QDir m_folder;
 };
 
-/// Answers with what it is asked, in capitals.
+/// Translates every text to the same text in capitals.
 class ShoutingTranslator final : public QTranslator
 {
 public:

@@ -64,7 +64,7 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] QXTextEditor *editor() { return qobject_cast<QXTextEditor *>(find("QXTextEditor")); }
-    /// As in "Ctrl+Z, A".
+    /// Presses keys that are written as in "Ctrl+Z, A".
     void press(const QString &keys);
     void place(qsizetype anchor, qsizetype cursor);
     void compose(const QString &preedit, const QString &commit, int replacementStart = 0,
@@ -256,7 +256,7 @@ void TextEditorTest::bytesAreOnlyRead()
     press(u"X, Backspace, Ctrl+V"_s);
     compose({}, u"x"_s);
     QCOMPARE(bytes.text(), u"ff 00"_s);
-    editor()->setText(u"text"_s); // of its own document
+    editor()->setText(u"text"_s); // the text of the editor's own document
     press(u"X"_s);
     QCOMPARE(editor()->text(), u"xtext"_s);
     QCOMPARE(bytes.text(), u"ff 00"_s);

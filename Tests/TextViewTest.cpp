@@ -152,7 +152,7 @@ QPoint TextViewTest::placeOf(qsizetype position)
     return view()->mapToScene(caret.center() + QPointF(1, 0)).toPoint();
 }
 
-/// Where a finger takes hold of one end of what is selected.
+/// The point where a finger presses a handle of the selection.
 QPoint TextViewTest::middleOfKnob(const char *handle)
 {
     const bool isStart = qstrcmp(handle, "QXSelectionStart") == 0;
@@ -207,7 +207,7 @@ void TextViewTest::showsALineWithoutEnd()
         QPainter painter(&image);
         return secondsFor([&] { view()->paint(&painter); });
     };
-    // The fastest of three: a machine that has much to do pauses a program anywhere.
+    // The fastest of three, because a busy machine can pause a program at any time.
     const auto fastest = [&](int size) {
         return std::min({painting(size), painting(size), painting(size)});
     };
@@ -233,7 +233,7 @@ void TextViewTest::staysAtTheTopRowWhenResized()
 
 void TextViewTest::selectsWithTheMouse_data()
 {
-    QTest::addColumn<QList<int>>("clicks"); // the first number is how often
+    QTest::addColumn<QList<int>>("clicks"); // the first number is the number of clicks
     QTest::addColumn<int>("dragTo");
     QTest::addColumn<int>("shiftClick");
     QTest::addColumn<QString>("selected");
@@ -307,7 +307,7 @@ void TextViewTest::selectsWithKeys()
     QTest::keyClick(window, Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
     QTRY_COMPARE(view()->rowTextAt(view()->height() - 1), QString());
     QCOMPARE(view()->selection().end(), m_document->length());
-    // Begins where one is looking.
+    // The selection begins in the visible part.
     QTest::mouseClick(window, Qt::LeftButton, {}, placeOf(m_document->length()));
     scrollTo(112 + 50'000 * view()->rowHeight());
     QTest::keyClick(window, Qt::Key_Right, Qt::ShiftModifier);
@@ -345,7 +345,7 @@ void TextViewTest::fingerSelects()
         lift(to);
     };
 
-    // Held, a finger selects a word, and moved then, as many as it comes by; the page stays where it is.
+    // A long press selects a word. Moving the finger then selects more words, and the page does not scroll.
     touch(placeOf(5));
     QTRY_COMPARE(view()->selectedText(), u"two"_s);
     moveFinger(placeOf(10));
@@ -356,13 +356,13 @@ void TextViewTest::fingerSelects()
     QVERIFY(!requested().isEmpty());
     QCOMPARE(page()->property("contentY").toReal(), 0);
 
-    // The handles take either end further, across each other too.
+    // Each handle moves its end of the selection, also past the other handle.
     drag(middleOfKnob("QXSelectionEnd"), middleOfKnob("QXSelectionEnd") + placeOf(21) - placeOf(27));
     QTRY_COMPARE(view()->selectedText(), u"two three four\nfi"_s);
     drag(middleOfKnob("QXSelectionStart"), middleOfKnob("QXSelectionStart") + placeOf(22) - placeOf(4));
     QTRY_COMPARE(view()->selectedText(), u"v"_s);
 
-    // On what is selected a tap asks for the menu again; beside it, it ends the selection.
+    // A tap on the selection opens the menu again; a tap beside it ends the selection.
     m_window->setProperty("requested", QString());
     touch(placeOf(21) + QPoint(2, 0));
     lift(placeOf(21) + QPoint(2, 0));
@@ -384,7 +384,7 @@ void TextViewTest::asksForTheMenu()
     QTest::keyClick(m_window.get(), Qt::Key_Menu);
     QTest::keyClick(m_window.get(), Qt::Key_F10, Qt::ShiftModifier);
     QCOMPARE(requested.size(), 3);
-    QCOMPARE(requested[1][0].toPointF(), QPointF()); // the cursor is out of sight
+    QCOMPARE(requested[1][0].toPointF(), QPointF()); // the cursor is not visible
 }
 
 void TextViewTest::fitsForeignLetters()
@@ -399,7 +399,7 @@ void TextViewTest::fitsForeignLetters()
     }
     QVERIFY(!view()->rowTextAt(1).contains(QChar(1)) && !view()->rowTextAt(1).contains(QChar::LineSeparator));
     QTest::keyClick(m_window.get(), Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(copied(), line); // whatever is painted instead
+    QCOMPARE(copied(), line); // not the symbols that are painted instead
 }
 
 QTEST_MAIN(TextViewTest)

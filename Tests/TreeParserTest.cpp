@@ -15,20 +15,20 @@ namespace {
 
 using FieldPointer = std::shared_ptr<QXApiTreeField>;
 
-/// Null when there is no tree.
+/// The tree of a text; null when there is none.
 FieldPointer parsed(const QByteArray &json)
 {
     const auto fields = QXApiTreeParser::parse(QByteArrayView(json));
     return fields && fields.value().size() == 1 ? fields.value().first() : nullptr;
 }
 
-/// The one child of the root.
+/// The only child of the root.
 QXApiTreeField &onlyChild(const FieldPointer &root)
 {
     return root->children().front();
 }
 
-/// The tree as lines: depth, kind, and what is shown of key, path and value.
+/// Lists the tree as lines: depth, kind, and the shown key, path and value.
 void list(const QXApiTreeField &field, QStringList &lines)
 {
     const auto shown = [](const std::optional<QString> &text) {
@@ -144,7 +144,7 @@ void TreeParserTest::tellsRows()
     QCOMPARE(parsed("42")->rowText(), std::nullopt);
 }
 
-/// A node seen through one pointer is the node seen through another, and any pointer keeps the whole tree.
+/// All pointers to a node refer to the same node, and any pointer keeps the whole tree alive.
 void TreeParserTest::sharesNodes()
 {
     FieldPointer root = parsed(R"({"a":{"b":["deep"]}})");
@@ -197,10 +197,10 @@ void TreeParserTest::refusesWhatIsNotJson_data()
 {
     QTest::addColumn<QByteArray>("json");
     for (const char *text :
-         {// Numbers, the last ones beyond what machines count with
+         {// Malformed numbers, the last ones beyond 64 bits
           "[-]", "[+1]", "[01]", "[-01]", "[.5]", "[-.5]", "[5.]", "[5.e99999]", "[5e]", "[5E-]", "[5e1.5]",
           "[0x1F]", "[1.2.3]", "[5-1]", "[98765432109876543210x]", "[5e99999.]", "[-098765432109876543210]",
-          // What other formats have
+          // Syntax of other formats
           "", "[1,]", "{\"a\":1,}", "[1][2]", "{a:1}", "{'a':1}", "[True]", "[NaN]", "[-Infinity]",
           "[\"a\nb\"]", "[1]//", "/**/[1]", "[\f1]", "\xC2\xA0[1]", "\xEF\xBB\xBF\xEF\xBB\xBF[1]"})
         QTest::newRow(text) << QByteArray(text);

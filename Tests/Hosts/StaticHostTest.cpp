@@ -4,8 +4,8 @@
 
 using namespace ScreenDriver;
 
-/// A program that links the static libraries: the linker takes only what something refers to, and QML
-/// modules, screens and symbols are found by name alone.
+/// A program that links the static libraries. The linker drops code without a reference, but QML modules,
+/// screens and symbols are found by name only, so this test checks that they are there.
 class StaticHostTest : public QObject
 {
     Q_OBJECT

@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# exports.sh CORE SCREENS HEADERS: fails when a library exports what no host may call.
-# The core exports what the public headers in the folder HEADERS declare, and what the library of the screens
-# calls in it; the screens export what the public headers declare.
+# exports.sh CORE SCREENS HEADERS: fails when a library exports a symbol that no host may call.
+# The core may export what the public headers in the folder HEADERS declare, and what the library of the screens
+# calls in it. The library of the screens may export what the public headers declare.
 set -euo pipefail
 core=$1 screens=$2 headers=$3
 
-# Names, without arguments, of the project's own symbols in a listing of nm.
+# Prints the names, without arguments, of the project's own symbols in the output of nm.
 names() {
     sed -E 's/^[0-9a-f]* *[A-Za-z] //' | sed -E 's/^(vtable|typeinfo name|typeinfo|non-virtual thunk to) (for )?//' |
         sed -E 's/\(.*//; s/\[abi:[^]]*\]//g' | grep -E '^(QX|Quorvix)[A-Za-z0-9_:~]*$' | sort -u
 }
-# The outermost class, or namespace below the project's own, that a name belongs to; of a function the name.
+# Prints the outermost class or namespace of a name below the project's own namespace; for a free function, its name.
 owners() { sed -E 's/^Quorvix:://; s/::.*//' | sort -u; }
 
 public=$(find -L "$headers" -name '*.h' -exec cat {} + | tr '\n' ' ')

@@ -1,7 +1,7 @@
 // Checks a HAR file against the published HAR 1.2 schema: node check.mjs FILE
 //
-// The cache block of each entry is set aside: it has every key, with null where nothing is known, while the
-// schema wants strings and numbers there.
+// The check ignores the cache block of each entry: it has every key, with null for unknown values, but the
+// schema requires strings and numbers there.
 
 import { readFile } from 'node:fs/promises'
 import { createRequire } from 'node:module'
