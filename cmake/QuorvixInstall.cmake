@@ -1,4 +1,4 @@
-# Installs both libraries, their public headers, the template of their texts and a CMake package.
+# Installs both libraries, their public headers, the template for translations and a CMake package.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS QuorvixCore Quorvix EXPORT QuorvixTargets)

@@ -1,4 +1,4 @@
-# The two libraries that a host links, and the headers that it sees.
+# The two libraries that a host links, and the headers that it may include.
 set(QUORVIX_PUBLIC_HEADERS
     Platform/HTTPCookieStorage.h
     Platform/HTTPHeaderFields.h
@@ -26,7 +26,8 @@ set(QUORVIX_PUBLIC_HEADERS
     Quorvix/QuorvixGlobal.h
     Quorvix/QuorvixNotifications.h)
 
-# The folder below the include folder in which a public header is installed: the room's, below Quorvix/.
+# Sets the variable to the folder, below the include folder, in which a public header is installed: Quorvix/, or
+# the folder of its room below Quorvix/.
 function(quorvix_installed_folder variable header)
     get_filename_component(room ${header} DIRECTORY)
     if(room STREQUAL "Quorvix")
@@ -36,8 +37,8 @@ function(quorvix_installed_folder variable header)
     endif()
 endfunction()
 
-# In the build tree the public headers stand as they will when they are installed: <Quorvix/QuorvixClient.h>,
-# <Quorvix/Platform/NSURLSession.h>, and nothing beside them.
+# In the build tree the public headers have the same paths as after the installation: <Quorvix/QuorvixClient.h>,
+# <Quorvix/Platform/NSURLSession.h>. No other headers are there.
 foreach(header IN LISTS QUORVIX_PUBLIC_HEADERS)
     quorvix_installed_folder(folder ${header})
     get_filename_component(name ${header} NAME)

@@ -1,4 +1,4 @@
-# What every target of the project is built with.
+# Sets the properties that every target of the project needs.
 function(quorvix_target target)
     set_target_properties(${target} PROPERTIES
         CXX_STANDARD_REQUIRED ON
@@ -72,7 +72,7 @@ function(quorvix_room target)
     target_link_libraries(${target} PUBLIC ${room_LINK})
 endfunction()
 
-# A product: the library that a host links, made of the objects of its rooms.
+# Adds a product: a library that a host links. It consists of the objects of its rooms.
 #   quorvix_product(<target> [EXPORT_NAME <name>] [TYPE STATIC|SHARED] ROOMS <room>... PUBLIC <library>... PRIVATE <library>...)
 function(quorvix_product target)
     cmake_parse_arguments(PARSE_ARGV 1 product "" "EXPORT_NAME;TYPE" "ROOMS;PUBLIC;PRIVATE")
@@ -105,7 +105,7 @@ function(quorvix_product target)
     target_link_libraries(${target} PUBLIC ${product_PUBLIC} PRIVATE ${product_PRIVATE})
 endfunction()
 
-# Makes a room a QML module too; the objects of its resources are named in its property QUORVIX_RESOURCES.
+# Makes a room also a QML module. Its property QUORVIX_RESOURCES lists the objects of its resources.
 #   quorvix_qml_module(<room> URI <uri> ...): as of qt_add_qml_module
 function(quorvix_qml_module target)
     cmake_parse_arguments(PARSE_ARGV 1 module "" "URI" "")
@@ -123,8 +123,8 @@ function(quorvix_qml_module target)
     quorvix_unite_generated(${target})
 endfunction()
 
-# Compiles the units that are generated for the QML files of a target a few at a time: each of them alone
-# spends nearly all of its time on the same headers.
+# Compiles the sources that are generated for the QML files of a target in groups, because each source alone
+# takes nearly all of its time for the same headers.
 function(quorvix_unite_generated target)
     get_target_property(sources ${target} SOURCES)
     set(written ${sources})

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Each wrong arrow that lint has to find, in a small tree of its own.
+# Tests arrows.sh: each wrong include that it has to find is in a small source tree.
 set -euo pipefail
 arrows=$(dirname "${BASH_SOURCE[0]}")/arrows.sh
 tree=$(mktemp -d)
 trap 'rm -rf "$tree"' EXIT
 
-# expect RESULT MEANING FILE LINE [FILE LINE]...: writes the files, and checks whether lint passes.
+# expect RESULT MEANING FILE LINE [FILE LINE]...: writes the files, and checks that arrows.sh has this result.
 expect() {
     local result=$1 meaning=$2
     shift 2

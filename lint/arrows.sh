@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# arrows.sh [FOLDER]: proves from the includes and imports of the sources in FOLDER, this project unless given,
-# that the rooms know of one another one way only, and that no file pair comes back to itself.
+# arrows.sh [FOLDER]: checks the includes and imports of the sources in FOLDER (default: this project). Rooms may
+# include each other in one direction only, and no file pair may include itself through others.
 set -euo pipefail
 cd "${1:-$(dirname "${BASH_SOURCE[0]}")/..}"
 
-# What each room may know besides itself. The demo is a host: it includes what is installed, and names no room.
+# The other rooms that each room may include. The demo is a host: it includes installed headers only.
 declare -A may_know=(
     [Platform]=""
     [JSON]="Platform"
@@ -21,8 +21,8 @@ complain() {
     wrong=1
 }
 
-# "file included-file" for each include of a file of ours; a public header of Platform/ names its neighbours
-# without the room.
+# Prints "file included-file" for each include of a file of this project. A public header of Platform/ includes
+# others of Platform/ without the room.
 includes() {
     local room
     for room in $rooms; do
