@@ -1,8 +1,8 @@
 #include "Examples/DemoTour.h"
 
 #include "Examples/BreakpointStage.h"
+#include "Examples/ClosingStage.h"
 #include "Examples/DetailsStage.h"
-#include "Examples/FarewellStage.h"
 #include "Examples/InspectorStage.h"
 #include "Examples/LargeTextStage.h"
 #include "Examples/NightStage.h"
@@ -34,7 +34,7 @@ int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
     InspectorStage inspector(robot, outputFolder);
     DetailsStage details(robot, outputFolder);
     BreakpointStage breakpoint(robot, outputFolder);
-    FarewellStage farewell(robot, outputFolder);
+    ClosingStage closing(robot, outputFolder);
     NightStage night(robot, outputFolder);
     TabletStage tablet(robot, outputFolder);
     LargeTextStage largeText(robot, outputFolder);
@@ -42,7 +42,7 @@ int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
     int number = 0;
     int failures = 0;
     for (const auto &step : store.steps() + inspector.steps() + details.steps() + breakpoint.steps() +
-                                farewell.steps() + night.steps() + tablet.steps() + largeText.steps()) {
+                                closing.steps() + night.steps() + tablet.steps() + largeText.steps()) {
         const QString picture = pictureName(++number, step.name);
         const bool succeeded = step.take();
         const QString complaint = succeeded ? QString() : robot.complaint();

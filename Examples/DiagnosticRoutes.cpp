@@ -36,7 +36,7 @@ QByteArray gzip(const QByteArray &bytes)
     return packed;
 }
 
-QByteArray noise(int size)
+QByteArray randomBytes(int size)
 {
     QByteArray bytes(size, Qt::Uninitialized);
     std::mt19937 random(20'230'610);
@@ -155,7 +155,7 @@ DiagnosticRoutes::DiagnosticRoutes(BreakableServer &server) : m_server(server)
 {
     addRedirects();
     addBodies();
-    addTrouble();
+    addFailures();
     addEcho();
 }
 
@@ -184,7 +184,7 @@ void DiagnosticRoutes::addBodies()
     });
     m_server.Get("/binary", [](const Request &request, Response &response) {
         const int size = std::min(HttpAnswer::number(request, "size", 4096), maximumBinarySize);
-        HttpAnswer::bytes(response, noise(size), "application/octet-stream");
+        HttpAnswer::bytes(response, randomBytes(size), "application/octet-stream");
     });
     m_server.Get("/set-cookies", [](const Request &, Response &response) {
         response.set_header("Set-Cookie", "basket=7f3a; Path=/; HttpOnly");
@@ -193,7 +193,7 @@ void DiagnosticRoutes::addBodies()
     });
 }
 
-void DiagnosticRoutes::addTrouble()
+void DiagnosticRoutes::addFailures()
 {
     addForAll(m_server, R"(/status/([2-5]\d\d))", httplib::Server::Handler(answerStatus));
     m_server.Get("/slow", [this](const Request &request, Response &response) {

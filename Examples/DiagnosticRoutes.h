@@ -17,7 +17,7 @@ public:
 private:
     void addRedirects();
     void addBodies();
-    void addTrouble();
+    void addFailures();
     void addEcho();
     const QByteArray &exportBody();
 

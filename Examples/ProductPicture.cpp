@@ -35,8 +35,8 @@ void shadow(QPainter &painter, double halfWidth)
 }
 
 /// Draws a body that is symmetrical about the vertical middle axis, from @p top down to @p bottom.
-void turned(QPainter &painter, const QColor &colour, double top, double topRadius, double bellyY,
-            double belly, double bottom, double bottomRadius)
+void drawSymmetricalBody(QPainter &painter, const QColor &colour, double top, double topRadius, double bellyY,
+                         double belly, double bottom, double bottomRadius)
 {
     QPainterPath path(QPointF(50 - topRadius, top));
     const double upper = (top + bellyY) / 2;
@@ -95,7 +95,7 @@ void vase(QPainter &painter, const QColor &colour, const QColor &accent)
     shadow(painter, 22);
     stem(painter, QColor(0x7d, 0x8f, 0x69), {50, 40}, {39, 17}, 6);
     stem(painter, QColor(0x93, 0xa3, 0x7a), {50, 40}, {62, 20}, 5);
-    turned(painter, colour, 36, 8, 63, 22, ground, 12);
+    drawSymmetricalBody(painter, colour, 36, 8, 63, 22, ground, 12);
     opening(painter, colour, 36, 8, 2.2);
     painter.setPen(QPen(accent, 1.1));
     painter.drawArc(QRectF(29.2, 56, 41.6, 9), 190 * 16, 160 * 16);
@@ -105,7 +105,7 @@ void bottle(QPainter &painter, const QColor &colour, const QColor &accent)
 {
     shadow(painter, 17);
     stem(painter, QColor(0xc9, 0x9a, 0x6b), {50, 30}, {55, 15}, 4);
-    turned(painter, colour, 28, 3.8, 68, 17, ground, 13);
+    drawSymmetricalBody(painter, colour, 28, 3.8, 68, 17, ground, 13);
     opening(painter, colour, 28, 3.8, 1.2);
     painter.setBrush(QColor(accent.red(), accent.green(), accent.blue(), 90));
     painter.drawEllipse(QPointF(42, 66), 2.2, 9);
@@ -119,7 +119,7 @@ void lamp(QPainter &painter, const QColor &colour, const QColor &accent)
     glow.setColorAt(1, QColor(255, 226, 150, 0));
     painter.setBrush(glow);
     painter.drawEllipse(QPointF(50, 44), 46, 46);
-    turned(painter, accent, 48, 3, 74, 13, ground, 9);
+    drawSymmetricalBody(painter, accent, 48, 3, 74, 13, ground, 9);
     QPainterPath shade(QPointF(38, 16));
     shade.lineTo(62, 16);
     shade.lineTo(76, 50);
@@ -184,7 +184,7 @@ void mug(QPainter &painter, const QColor &colour, const QColor &accent)
     painter.setBrush(Qt::NoBrush);
     painter.drawEllipse(QPointF(72, 62), 10, 12);
     painter.setPen(Qt::NoPen);
-    turned(painter, colour, 40, 24, 60, 24, ground, 19);
+    drawSymmetricalBody(painter, colour, 40, 24, 60, 24, ground, 19);
     opening(painter, accent, 40, 24, 5);
     painter.setBrush(QColor(0x5e, 0x3d, 0x2a));
     painter.drawEllipse(QPointF(50, 40.6), 20.2, 3.4);

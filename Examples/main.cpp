@@ -56,7 +56,7 @@ void chooseHeadlessPlatform(int argc, char *argv[])
     }
 }
 
-void applyLooks(const Options &options)
+void applyAppearance(const Options &options)
 {
     if (QFontDatabase::families().contains(QStringLiteral("Inter")))
         QGuiApplication::setFont(QFont(QStringLiteral("Inter")));
@@ -82,7 +82,7 @@ int main(int argc, char *argv[])
     const QTemporaryDir tourSettings;
     if (!options.tourFolder.isEmpty())
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, tourSettings.path());
-    applyLooks(options);
+    applyAppearance(options);
 
     DemoServer server;
     if (!server.start())

@@ -119,13 +119,13 @@ qsizetype nextCapacity(qsizetype used, qsizetype size)
 }
 
 template<typename Number>
-char *printed(Number number, char *to, qsizetype room)
+char *printNumber(Number number, char *to, qsizetype room)
 {
     return std::to_chars(to, to + room, number).ptr;
 }
 
 /// Uses exponents where ECMAScript's Number::toString does, because readers of JSON know that form.
-char *printed(double number, char *to, qsizetype room)
+char *printNumber(double number, char *to, qsizetype room)
 {
     const double size = std::abs(number);
     // Without a fraction, -0.0 would be read back as the integer 0, which has no sign.
@@ -196,19 +196,19 @@ void JSONWriter::base64(QByteArrayView bytes)
 void JSONWriter::integer(qint64 number)
 {
     beginValue();
-    m_cursor = printed(number, room(longestNumber), longestNumber);
+    m_cursor = printNumber(number, room(longestNumber), longestNumber);
 }
 
 void JSONWriter::unsignedInteger(quint64 number)
 {
     beginValue();
-    m_cursor = printed(number, room(longestNumber), longestNumber);
+    m_cursor = printNumber(number, room(longestNumber), longestNumber);
 }
 
 void JSONWriter::number(double number)
 {
     beginValue();
-    m_cursor = printed(std::isfinite(number) ? number : 0, room(longestNumber), longestNumber);
+    m_cursor = printNumber(std::isfinite(number) ? number : 0, room(longestNumber), longestNumber);
 }
 
 void JSONWriter::number(QByteArrayView digits)
@@ -220,7 +220,7 @@ void JSONWriter::number(QByteArrayView digits)
 QByteArray JSONWriter::text(double number)
 {
     QByteArray text(longestNumber, Qt::Uninitialized);
-    text.truncate(printed(number, text.data(), longestNumber) - text.constData());
+    text.truncate(printNumber(number, text.data(), longestNumber) - text.constData());
     return text;
 }
 

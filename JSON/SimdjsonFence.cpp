@@ -102,7 +102,7 @@ bool isAboutSize(Code code) noexcept
 
 /// Whether simdjson always reports this error first, even for a text that is not UTF-8. The order of the
 /// other errors varies: without vector instructions simdjson checks for UTF-8 in strings only.
-bool comesBeforeUtf8(simdjson::error_code code) noexcept
+bool precedesUtf8Check(simdjson::error_code code) noexcept
 {
     return code == simdjson::UNCLOSED_STRING || code == simdjson::UNESCAPED_CHARS || isAboutSize(code);
 }
@@ -184,7 +184,7 @@ SimdjsonFence::Outcome SimdjsonFence::parse(QByteArrayView text)
         error = parseWideNumbersInto(*parsed, text);
     if (error == simdjson::SUCCESS)
         return {parsed};
-    if (!comesBeforeUtf8(error) && !isUtf8(text))
+    if (!precedesUtf8Check(error) && !isUtf8(text))
         error = simdjson::UTF8_ERROR;
     return {nullptr, failureOf(error)};
 }

@@ -13,7 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 /// How long the end of the application waits for a completion handler that is still running.
-constexpr auto longestWait = 2s;
+constexpr auto shutdownTimeout = 2s;
 
 struct Loading
 {
@@ -30,7 +30,7 @@ struct Loading
     void startOnce()
     {
         const std::scoped_lock lock(mutex);
-        if (thread || !applicationRuns)
+        if (thread || !isApplicationRunning)
             return;
         thread = new QThread;
         thread->setObjectName(QStringLiteral("NSURLSession"));
@@ -41,7 +41,7 @@ struct Loading
     void applicationStarts()
     {
         const std::scoped_lock lock(mutex);
-        applicationRuns = true;
+        isApplicationRunning = true;
         mailbox.reset();
         qAddPostRoutine([] { instance().applicationEnds(); });
     }
@@ -52,7 +52,7 @@ struct Loading
         QThread *ending = nullptr;
         {
             const std::scoped_lock lock(mutex);
-            applicationRuns = false;
+            isApplicationRunning = false;
             receiver = mailbox.close();
             ending = std::exchange(thread, nullptr);
         }
@@ -63,12 +63,12 @@ struct Loading
         // ending.
         receiver->deleteLater();
         ending->quit();
-        if (ending->wait(QDeadlineTimer(longestWait)))
+        if (ending->wait(QDeadlineTimer(shutdownTimeout)))
             delete ending;
     }
 
 private:
-    bool applicationRuns = false;
+    bool isApplicationRunning = false;
 };
 
 void followApplication()

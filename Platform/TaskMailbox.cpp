@@ -35,9 +35,9 @@ void TaskMailbox::open(QThread *thread)
     m_receiver = new TaskReceiver;
     m_receiver->moveToThread(thread);
     m_ended = false;
-    for (auto &task : m_early)
+    for (auto &task : m_pendingTasks)
         QCoreApplication::postEvent(m_receiver, new TaskEvent(std::move(task)));
-    m_early.clear();
+    m_pendingTasks.clear();
 }
 
 TaskMailbox::Receiver *TaskMailbox::close()
@@ -59,7 +59,7 @@ void TaskMailbox::post(std::function<void()> task)
     if (m_receiver)
         QCoreApplication::postEvent(m_receiver, new TaskEvent(std::move(task)));
     else if (!m_ended)
-        m_early.push_back(std::move(task));
+        m_pendingTasks.push_back(std::move(task));
 }
 
 } // namespace Quorvix

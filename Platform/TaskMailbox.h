@@ -37,7 +37,7 @@ private:
     std::mutex m_mutex;
     Receiver *m_receiver = nullptr;
     bool m_ended = false;
-    std::vector<std::function<void()>> m_early;
+    std::vector<std::function<void()>> m_pendingTasks;
 };
 
 } // namespace Quorvix

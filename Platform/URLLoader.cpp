@@ -206,7 +206,7 @@ void finish(Task &task, QNetworkReply &reply)
 }
 
 /// Why a request cannot be sent; absent when it can.
-std::optional<NSURLErrorCode> refusal(const URLRequest &request, const QStringList &schemes)
+std::optional<NSURLErrorCode> requestProblem(const URLRequest &request, const QStringList &schemes)
 {
     if (!request.url || !schemes.contains(request.url->scheme()))
         return NSURLErrorUnsupportedURL;
@@ -229,8 +229,8 @@ void handleFinished(const TaskPtr &task, QNetworkReply &reply)
         return finish(*task, reply);
     if (++task->redirects > HTTPRedirect::maximum)
         return fail(*task, NSURLErrorHTTPTooManyRedirects);
-    if (const auto refused = refusal(*next, webSchemes))
-        return fail(*task, *refused);
+    if (const auto problem = requestProblem(*next, webSchemes))
+        return fail(*task, *problem);
     task->current = std::move(*next);
     sendCurrent(task);
 }
@@ -257,8 +257,8 @@ void startLoading(const TaskPtr &task)
                                      QStringLiteral("data")};
     if (task->state != State::Running)
         return;
-    if (const auto refused = refusal(task->request, schemes))
-        return fail(*task, *refused);
+    if (const auto problem = requestProblem(task->request, schemes))
+        return fail(*task, *problem);
     task->current = task->request;
     sendCurrent(task);
 }

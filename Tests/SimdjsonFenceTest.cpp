@@ -21,18 +21,18 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// A text directly before a memory page that cannot be read. The destructor unmaps the text.
-class TextAtTheEdge final
+class TextBeforeGuardPage final
 {
 public:
-    explicit TextAtTheEdge(QByteArrayView text)
+    explicit TextBeforeGuardPage(QByteArrayView text)
     {
         Q_ASSERT(text.size() <= m_page);
         char *const edge = m_pages + m_page;
         mprotect(edge, size_t(m_page), PROT_NONE);
         m_text = {std::copy(text.begin(), text.end(), edge - text.size()) - text.size(), text.size()};
     }
-    ~TextAtTheEdge() { munmap(m_pages, size_t(2 * m_page)); }
-    Q_DISABLE_COPY_MOVE(TextAtTheEdge)
+    ~TextBeforeGuardPage() { munmap(m_pages, size_t(2 * m_page)); }
+    Q_DISABLE_COPY_MOVE(TextBeforeGuardPage)
 
     [[nodiscard]] QByteArrayView view() const { return m_text; }
 
@@ -214,10 +214,10 @@ void SimdjsonFenceTest::readsNoByteBeyondTheText()
 {
     for (qsizetype length = 0; length < 200; ++length) {
         const QByteArray text(length, 'x');
-        auto atTheEdge = std::make_unique<TextAtTheEdge>("[\"" + text + "\"]");
-        const auto document = JSONReader::parse(atTheEdge->view());
-        QVERIFY(isValidUtf8(atTheEdge->view()));
-        atTheEdge.reset();
+        auto guarded = std::make_unique<TextBeforeGuardPage>("[\"" + text + "\"]");
+        const auto document = JSONReader::parse(guarded->view());
+        QVERIFY(isValidUtf8(guarded->view()));
+        guarded.reset();
         QVERIFY(document);
         QCOMPARE(elementsOf(document.value().root()).at(0).utf8(), text);
     }

@@ -8,7 +8,7 @@ namespace {
 
 /// How far to search for the boundary of a character, in UTF-16 units: longer than every character in use,
 /// and short enough to be fast.
-constexpr qsizetype reach = 64;
+constexpr qsizetype searchDistance = 64;
 constexpr qsizetype unitsPerByte = 3;
 
 enum class Kind { Space, LineEnd, Word, Other };
@@ -29,8 +29,8 @@ Kind kindOf(QChar unit)
 /// The nearest boundary of a character, forwards or backwards, found in a slice around the position.
 qsizetype characterBoundary(const QXTextDocument &document, qsizetype position, bool forwards)
 {
-    const qsizetype start = qMax<qsizetype>(0, position - reach);
-    const QString slice = document.text(start, position - start + reach);
+    const qsizetype start = qMax<qsizetype>(0, position - searchDistance);
+    const QString slice = document.text(start, position - start + searchDistance);
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, slice);
     finder.setPosition(position - start);
     const qsizetype found = forwards ? finder.toNextBoundary() : finder.toPreviousBoundary();

@@ -22,12 +22,12 @@ qsizetype QXTextEditing::replace(QXTextDocument &document, QXTextRange part, con
     const Edit edit{part.start, document.text(part.start, part.end - part.start), added, before};
     if (edit.size() == 0)
         return part.start;
-    forgetUndone();
+    discardUndone();
     if (m_edits.empty() || !join(m_edits.back(), edit))
         m_edits.push_back(edit);
     m_done = m_edits.size();
     m_size += edit.size();
-    forgetOldest();
+    discardOldest();
     document.replace(edit.position, edit.removed.size(), edit.added);
     return edit.position + added.size();
 }
@@ -60,13 +60,13 @@ bool QXTextEditing::join(Edit &last, const Edit &next)
     return false;
 }
 
-void QXTextEditing::forgetUndone()
+void QXTextEditing::discardUndone()
 {
     for (; m_edits.size() > m_done; m_edits.pop_back())
         m_size -= m_edits.back().size();
 }
 
-void QXTextEditing::forgetOldest()
+void QXTextEditing::discardOldest()
 {
     for (; m_size > maximumSize && m_edits.size() > 1; --m_done) {
         m_size -= m_edits.front().size();

@@ -38,8 +38,8 @@ private:
     };
 
     [[nodiscard]] static bool join(Edit &last, const Edit &next);
-    void forgetUndone();
-    void forgetOldest();
+    void discardUndone();
+    void discardOldest();
 
     std::deque<Edit> m_edits;
     /// The number of edits that are applied to the document; the others are undone.

@@ -5,13 +5,14 @@
 namespace {
 
 /// The length of the reported text on each side of the cursor, in UTF-16 units.
-constexpr qsizetype reach = 1000;
+constexpr qsizetype contextLength = 1000;
 
 } // namespace
 
 QXTextSurroundings::QXTextSurroundings(const QXTextDocument &document, const QXTextSelection &selection)
-    : m_document(document), m_selection(selection), m_start(qMax<qsizetype>(0, selection.cursor() - reach)),
-      m_end(qMin(document.length(), selection.cursor() + reach))
+    : m_document(document), m_selection(selection),
+      m_start(qMax<qsizetype>(0, selection.cursor() - contextLength)),
+      m_end(qMin(document.length(), selection.cursor() + contextLength))
 {
 }
 
@@ -26,7 +27,7 @@ QVariant QXTextSurroundings::answer(Qt::InputMethodQuery query) const
     case Qt::ImTextAfterCursor:
         return m_document.text(cursor, m_end - cursor);
     case Qt::ImCurrentSelection:
-        return m_document.text(m_selection.start(), qMin(m_selection.length(), reach));
+        return m_document.text(m_selection.start(), qMin(m_selection.length(), contextLength));
     case Qt::ImCursorPosition:
         return int(cursor - m_start);
     case Qt::ImAnchorPosition:

@@ -18,7 +18,7 @@ bool isFinger(const QMouseEvent &event)
     return event.device() && event.device()->type() == QInputDevice::DeviceType::TouchScreen;
 }
 
-bool isFar(QPointF a, QPointF b)
+bool isDrag(QPointF a, QPointF b)
 {
     return (a - b).manhattanLength() > QGuiApplication::styleHints()->startDragDistance();
 }
@@ -111,7 +111,7 @@ void QXTextView::mouseDoubleClickEvent(QMouseEvent *event)
 
 void QXTextView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (isFar(event->position(), m_pressed))
+    if (isDrag(event->position(), m_pressed))
         m_holdTimer.stop();
     if (m_isSelecting)
         dragTo(event->position());

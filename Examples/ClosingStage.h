@@ -3,7 +3,7 @@
 #include "Examples/TourStage.h"
 
 /// Leaves the inspector: clears and closes the list, and moves the floating button to an edge.
-class FarewellStage final : public TourStage
+class ClosingStage final : public TourStage
 {
 public:
     using TourStage::TourStage;

@@ -1,4 +1,4 @@
-#include "Examples/FarewellStage.h"
+#include "Examples/ClosingStage.h"
 
 #include <QtQuick/QQuickItem>
 
@@ -9,16 +9,16 @@ constexpr int buttonMargin = 12;
 
 } // namespace
 
-QList<TourStage::Step> FarewellStage::steps()
+QList<TourStage::Step> ClosingStage::steps()
 {
     return {
-        {"trash", std::bind_front(&FarewellStage::trashEmptiesList, this)},
-        {"inspector-closed", std::bind_front(&FarewellStage::inspectorCloses, this)},
-        {"floating-button-dragged", std::bind_front(&FarewellStage::buttonIsDragged, this)},
+        {"trash", std::bind_front(&ClosingStage::trashEmptiesList, this)},
+        {"inspector-closed", std::bind_front(&ClosingStage::inspectorCloses, this)},
+        {"floating-button-dragged", std::bind_front(&ClosingStage::buttonIsDragged, this)},
     };
 }
 
-bool FarewellStage::trashEmptiesList()
+bool ClosingStage::trashEmptiesList()
 {
     return robot().click(name("QXTrashButton")) &&
            robot().waitUntil([this] { return robot().count(name("QXRequestRow")) == 0; },
@@ -26,12 +26,12 @@ bool FarewellStage::trashEmptiesList()
            robot().check(capturedCount() == 0, "traces remain");
 }
 
-bool FarewellStage::inspectorCloses()
+bool ClosingStage::inspectorCloses()
 {
     return robot().click(name("QXCloseButton")) && robot().waitUntilGone(name("QXRequestListView"));
 }
 
-bool FarewellStage::buttonIsDragged()
+bool ClosingStage::buttonIsDragged()
 {
     const QQuickItem *const button = robot().find(name("QXFloatingButton"));
     if (!robot().check(button, "no floating button"))
