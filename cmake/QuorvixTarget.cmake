@@ -22,9 +22,9 @@ function(quorvix_target target)
     endif()
 endfunction()
 
-# Compiles the headers that most units begin with once, for all targets of a kind: they are most of what a unit costs.
-# Targets of a kind are compiled with the same flags. Units include what they use all the same: the tree of the preset
-# "lint" does without this.
+# Precompiles the headers that most sources include, once for all targets of a kind, because they take most of the
+# compile time. All targets of a kind need the same compiler flags. Each source still includes what it uses: the preset
+# "lint" builds without precompiled headers.
 #   quorvix_precompile(<target> <kind> <header>...)
 function(quorvix_precompile target kind)
     get_property(owner GLOBAL PROPERTY QUORVIX_PRECOMPILED_${kind})
@@ -35,13 +35,13 @@ function(quorvix_precompile target kind)
         list(TRANSFORM ARGN REPLACE "(.+)" "<\\1>")
         target_precompile_headers(${target} PRIVATE ${ARGN})
     endif()
-    # For ccache, which looks at the units preprocessed, and finds nothing again that bears a time.
+    # ccache compares preprocessed sources, and never finds one that contains a time stamp.
     target_compile_options(${target} PRIVATE
         $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
         "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
 endfunction()
 
-# What stands without windows.
+# Precompiles the headers of code without windows.
 function(quorvix_precompile_core target)
     quorvix_precompile(${target} CORE
         QtCore/QCoreApplication QtCore/QDateTime QtCore/QJsonDocument QtCore/QJsonObject QtCore/QLoggingCategory
@@ -49,7 +49,7 @@ function(quorvix_precompile_core target)
         algorithm chrono functional memory optional variant vector)
 endfunction()
 
-# What stands on windows, and the units that are generated for QML files.
+# Precompiles the headers of code with windows, and of the sources that are generated for QML files.
 function(quorvix_precompile_screens target)
     quorvix_precompile(${target} SCREENS
         QtCore/QCoreApplication QtCore/QDateTime QtCore/QJsonDocument QtCore/QLoggingCategory QtCore/QPointer
@@ -58,8 +58,8 @@ function(quorvix_precompile_screens target)
         algorithm chrono functional memory optional vector)
 endfunction()
 
-# A room: a folder's objects, compiled once, of which the products are put together. The project's own tests,
-# benchmarks and fuzz targets link the rooms themselves, so that nothing is exported for them.
+# Adds a room: the objects of one folder, compiled once. The products consist of rooms. The project's own tests,
+# benchmarks and fuzz targets link the rooms directly, so that the products export nothing for them.
 #   quorvix_room(<target> SOURCES <file>... LINK <library>...)
 function(quorvix_room target)
     cmake_parse_arguments(PARSE_ARGV 1 room "" "" "SOURCES;LINK")
