@@ -73,7 +73,7 @@ void compare(const char *title, const QByteArray &document)
 
 } // namespace
 
-// The peer throws where it cannot read its own document: that ends the benchmark.
+// The peer throws when it cannot read its document. The exception ends the benchmark.
 int main() // NOLINT(bugprone-exception-escape)
 {
     compare("List of records", listDocument());

@@ -46,7 +46,7 @@ size_t bytesInUse()
 
 } // namespace
 
-// The peer throws where it cannot read its own document: that ends the benchmark.
+// The peer throws when it cannot read its document. The exception ends the benchmark.
 int main() // NOLINT(bugprone-exception-escape)
 {
     const QByteArray document = makeDocument();
