@@ -24,6 +24,7 @@ constexpr int dragSteps = 12;
 constexpr int frameInterval = 16;
 /// The angle of one step of a mouse wheel, in eighths of a degree.
 constexpr int wheelStep = 120;
+constexpr int mostTurns = 4;
 /// An upper limit for how far a page still scrolls after fast turns of the wheel, in pixels.
 constexpr double maximumGlide = 500;
 constexpr auto restLimit = 3s;
@@ -204,8 +205,10 @@ bool TourRobot::scroll(const QString &name, int turn)
     if (!waitFor(name))
         return false;
     const QPoint at = middle(*find(name));
-    for (int left = std::abs(turn); left > 0; left -= wheelStep) {
-        turnWheel(at, turn < 0 ? -std::min(left, wheelStep) : std::min(left, wheelStep));
+    // A long way takes few wide turns: the page comes to rest after each, which takes its time.
+    const int step = std::max(wheelStep, std::abs(turn) / mostTurns);
+    for (int left = std::abs(turn); left > 0; left -= step) {
+        turnWheel(at, turn < 0 ? -std::min(left, step) : std::min(left, step));
         // The distance of fast turns differs between Qt releases. Separate turns have the same distance in
         // all.
         if (!waitUntil([this] { return isAtRest(); }, name + QStringLiteral(" does not come to rest")))
