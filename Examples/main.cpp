@@ -2,6 +2,7 @@
 #include "Examples/DemoTour.h"
 #include "Examples/StoreClient.h"
 #include "Examples/StoreImages.h"
+#include "Examples/TourClock.h"
 
 #include <Quorvix/QuorvixClient.h>
 
@@ -67,6 +68,8 @@ void applyAppearance(const Options &options)
 int takeTour(QQuickWindow &window, const QString &folder)
 {
     QGuiApplication::styleHints()->setCursorFlashTime(0);
+    TourClock clock(5);
+    clock.install();
     return DemoTour::run(window, folder);
 }
 
