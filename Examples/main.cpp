@@ -1,8 +1,8 @@
+#include "Examples/AnimationClock.h"
 #include "Examples/DemoServer.h"
 #include "Examples/DemoTour.h"
 #include "Examples/StoreClient.h"
 #include "Examples/StoreImages.h"
-#include "Examples/TourClock.h"
 
 #include <Quorvix/QuorvixClient.h>
 
@@ -68,7 +68,7 @@ void applyAppearance(const Options &options)
 int takeTour(QQuickWindow &window, const QString &folder)
 {
     QGuiApplication::styleHints()->setCursorFlashTime(0);
-    TourClock clock(5);
+    AnimationClock clock(5);
     clock.install();
     return DemoTour::run(window, folder);
 }

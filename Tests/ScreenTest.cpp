@@ -1,5 +1,7 @@
 #include "Tests/ScreenTest.h"
 
+#include "Examples/AnimationClock.h"
+
 void ScreenTest::init()
 {
     startAnew();
@@ -24,6 +26,9 @@ void ScreenTest::startAnew()
             // Screens complain in critical lines of the log, and only warnings can fail a test.
             testHandler(type == QtCriticalMsg ? QtWarningMsg : type, context, message);
         });
+        auto *const clock = new AnimationClock(4);
+        clock->setParent(QCoreApplication::instance());
+        clock->install();
         // Every look at the clock is past the last cooldown.
         QXBreakpointCenter::shared().setClock(
             [now = QXBreakpointCenter::TimePoint()]() mutable { return now += std::chrono::seconds(1); });

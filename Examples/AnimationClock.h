@@ -4,16 +4,16 @@
 #include <QtCore/QBasicTimer>
 #include <QtCore/QElapsedTimer>
 
-/// Lets the animations of a tour run faster than the time that a person would watch them. Main thread only;
-/// drives all animations of the application from install() on.
-class TourClock final : public QAnimationDriver
+/// Lets all animations of the application run faster than people watch them, from install() on: for the tour
+/// and for tests of screens. Main thread only.
+class AnimationClock final : public QAnimationDriver
 {
     Q_OBJECT
 
 public:
     /// @p speed is the number of milliseconds of an animation for each millisecond.
-    explicit TourClock(int speed);
-    ~TourClock() override;
+    explicit AnimationClock(int speed);
+    ~AnimationClock() override;
 
     [[nodiscard]] qint64 elapsed() const override;
 

@@ -1,4 +1,4 @@
-#include "Examples/TourClock.h"
+#include "Examples/AnimationClock.h"
 
 namespace {
 
@@ -7,29 +7,29 @@ constexpr int frameInterval = 8;
 
 } // namespace
 
-TourClock::TourClock(int speed) : m_speed(speed) {}
+AnimationClock::AnimationClock(int speed) : m_speed(speed) {}
 
-TourClock::~TourClock() = default;
+AnimationClock::~AnimationClock() = default;
 
-qint64 TourClock::elapsed() const
+qint64 AnimationClock::elapsed() const
 {
     return isRunning() ? m_sinceStart.elapsed() * m_speed : 0;
 }
 
-void TourClock::start()
+void AnimationClock::start()
 {
     m_sinceStart.start();
     m_timer.start(frameInterval, Qt::PreciseTimer, this);
     QAnimationDriver::start();
 }
 
-void TourClock::stop()
+void AnimationClock::stop()
 {
     m_timer.stop();
     QAnimationDriver::stop();
 }
 
-void TourClock::timerEvent(QTimerEvent *event)
+void AnimationClock::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() == m_timer.timerId())
         advance();
