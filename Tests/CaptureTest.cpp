@@ -87,8 +87,9 @@ void CaptureTest::exchangeIsRecordedBeforeTheHostHears()
     const char *hostBytes = nullptr;
     start(u"/binary?size=5000"_s, [&](auto data, auto response, auto error) {
         const auto &trace = recorder().requests()[0];
-        heard = QThread::currentThread() == qApp->thread() && trace.duration && !error &&
-                trace.response->statusCode == 200 && dynamic_cast<const NSHTTPURLResponse *>(response.get());
+        heard = QThread::currentThread() == QCoreApplication::instance()->thread() && trace.duration &&
+                !error && trace.response->statusCode == 200 &&
+                dynamic_cast<const NSHTTPURLResponse *>(response.get());
         hostBytes = data->constData();
     });
     QVERIFY(recorder().requests().isEmpty());
