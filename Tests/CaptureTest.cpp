@@ -16,6 +16,7 @@
 #include <QtTest/QTest>
 
 #include <thread>
+#include <vector>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
@@ -185,18 +186,22 @@ static int endWithExchangesInFlight()
         return 1;
     bool heard = false;
     const auto start = [&](const QString &path) {
-        NSURLSession::shared()
-            .dataTaskWithRequest(URLRequest(server.url(path)), [&](auto, auto, auto) { heard = true; })
-            ->resume();
+        const auto task = NSURLSession::shared().dataTaskWithRequest(URLRequest(server.url(path)),
+                                                                     [&](auto, auto, auto) { heard = true; });
+        task->resume();
+        return task;
     };
     int argc = 1;
     char name[] = "CaptureTest";
     char *argv[] = {name, nullptr};
     {
         const QCoreApplication application(argc, argv);
+        std::vector<NSURLSessionDataTaskPtr> tasks;
         for (int i = 0; i < 20; ++i)
-            start(u"/slow?ms=%1"_s.arg(i * 10));
-        QThread::msleep(50); // some exchanges complete now, while nothing runs the main thread's tasks
+            tasks.push_back(start(u"/slow?ms=%1"_s.arg(i * 10)));
+        // Some exchanges complete while nothing runs the main thread's tasks.
+        while (tasks[4]->state() != NSURLSessionDataTask::State::Completed)
+            QThread::yieldCurrentThread();
     }
     start(u"/echo"_s);
     return heard ? 1 : 0;

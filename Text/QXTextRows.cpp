@@ -109,6 +109,7 @@ void QXTextRows::breakText(QStringView text, int columns)
     const RowBreaker breaker(text, m_columns);
     for (qsizetype start = 0; start < m_length;) {
         const RowEnd end = breaker.rowFrom(start);
+        ++m_brokenCount;
         if (end.next < m_length || end.endsLine)
             m_starts.push_back(quint32(end.next));
         start = end.next;
@@ -136,6 +137,7 @@ void QXTextRows::follow(QStringView text, qsizetype position, qsizetype removed,
     const RowBreaker breaker(text, m_columns);
     for (qsizetype start = *edited; start < m_length && !isInStep;) {
         const RowEnd end = breaker.rowFrom(start);
+        ++m_brokenCount;
         start = end.next;
         if (start == m_length && !end.endsLine)
             break;

@@ -28,6 +28,8 @@ public:
     [[nodiscard]] qsizetype end(int row) const;
     /// The row of the unit at @p position; the last row for a position at the end.
     [[nodiscard]] int rowAt(qsizetype position) const;
+    /// The number of rows that breakText() and follow() have broken so far: a measure of their work.
+    [[nodiscard]] qsizetype brokenCount() const noexcept { return m_brokenCount; }
 
 private:
     qsizetype m_length = 0;
@@ -35,4 +37,5 @@ private:
     /// The units per row after breakEvenly(); 0 after breakText().
     qsizetype m_rowLength = 0;
     std::vector<quint32> m_starts{0};
+    qsizetype m_brokenCount = 0;
 };
