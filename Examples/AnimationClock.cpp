@@ -1,5 +1,7 @@
 #include "Examples/AnimationClock.h"
 
+#include <QtCore/QTimerEvent>
+
 namespace {
 
 /// How long a frame of an animation lasts, in milliseconds.

@@ -72,6 +72,7 @@ private:
     enum class Form : quint8 { Object, Array, String, Int64, UInt64, Double, WideNumber, True, False, Null };
 
     // The constructor initialises one member of each union; that is enough.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
     QXApiTreeField() noexcept : m_children(nullptr), m_name(nullptr) {}
 
     [[nodiscard]] bool isContainer() const noexcept
