@@ -193,8 +193,8 @@ static int endWithExchangesInFlight()
         return 1;
     bool heard = false;
     const auto start = [&](const QString &path) {
-        const auto task = NSURLSession::shared().dataTaskWithRequest(URLRequest(server.url(path)),
-                                                                     [&](auto, auto, auto) { heard = true; });
+        auto task = NSURLSession::shared().dataTaskWithRequest(URLRequest(server.url(path)),
+                                                               [&](auto, auto, auto) { heard = true; });
         task->resume();
         return task;
     };
