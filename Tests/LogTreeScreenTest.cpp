@@ -203,12 +203,8 @@ void LogTreeScreenTest::listKeepsItsPlace()
     open(u'[' + json + u']');
     m_model->toggle(0);
     QVERIFY(row(1));
-    QVERIFY(QTest::qWaitFor([&] {
-        ScreenDriver::turnWheel(*m_window, QPoint(200, 500), 3);
-        return list()->property("contentY").toReal() > 500;
-    }));
-    // A click into a list that glides stops it and does nothing else.
-    QTRY_VERIFY(!list()->property("moving").toBool());
+    // Not by the wheel: a click into a list that still glides stops it and does nothing else.
+    QVERIFY(list()->setProperty("contentY", 600.0));
     QVERIFY(waitFor("QXLogTreeRow"));
     const QPoint at(200, 400);
     const auto rowAt = [this](QPointF point) -> QQuickItem * {
