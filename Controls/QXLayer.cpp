@@ -12,15 +12,15 @@ constexpr qreal baseZ = 2'000'000;
 
 } // namespace
 
-QXLayer::QXLayer(int level) : m_safeArea(new QXSafeArea(this))
+QXLayer::QXLayer(int level) : m_safeArea(new QXSafeArea(this)), m_page(new QQuickItem(this))
 {
     setZ(baseZ + level);
 }
 
 QXLayer::~QXLayer()
 {
-    // The children use the safe area, so they have to be deleted before it.
-    qDeleteAll(childItems());
+    // The screens use the safe area, so they have to be deleted before it.
+    delete m_page;
 }
 
 void QXLayer::attach(QQuickWindow *window)
@@ -30,16 +30,11 @@ void QXLayer::attach(QQuickWindow *window)
     if (m_window)
         m_window->disconnect(this);
     m_window = window;
-    connect(window, &QWindow::visibleChanged, this, [this](bool visible) {
-        if (!visible)
-            Q_EMIT windowLost();
-    });
     connect(window, &QWindow::screenChanged, this, &QXLayer::fit);
     m_content = window->contentItem();
     setParentItem(m_content);
     connect(m_content, &QQuickItem::widthChanged, this, &QXLayer::fit);
     connect(m_content, &QQuickItem::heightChanged, this, &QXLayer::fit);
-    connect(m_content, &QObject::destroyed, this, &QXLayer::windowLost);
     fit();
 }
 
@@ -48,10 +43,10 @@ void QXLayer::fit()
     if (!m_content || !m_window)
         return;
     m_safeArea->measure(*m_window);
-    setSize(m_content->size());
+    m_page->setSize(m_content->size());
 }
 
 bool QXLayer::contains(const QPointF &point) const
 {
-    return QQuickItem::contains(point) && (!m_claims || m_claims(point));
+    return m_page->contains(point) && (!m_claims || m_claims(point));
 }

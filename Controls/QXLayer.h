@@ -8,10 +8,11 @@
 class QQuickWindow;
 class QXSafeArea;
 
-/// An item over the whole content of a window, above its popups and dialogs. Main thread only.
+/// Shows items over the whole content of a window, above its popups and dialogs. Main thread only.
 ///
-/// Pointer events that the layer does not claim go to the content beneath. When its window is hidden or
-/// destroyed, the layer detaches and emits windowLost().
+/// The layer itself has no size: it does not count in the childrenRect of the content, so a window of that
+/// size can shrink. Its page covers the content. Pointer events that the layer does not claim go to the
+/// content beneath. A host can delete every item in its window, the layer too: refer to it by QPointer.
 class QXLayer final : public QQuickItem
 {
     Q_OBJECT
@@ -26,23 +27,23 @@ public:
     /// Covers the content of @p window.
     void attach(QQuickWindow *window);
 
-    /// Sets which points, in the layer's coordinates, the layer claims. By default it claims all points.
+    /// The item as large as the content, the parent of what the layer shows.
+    [[nodiscard]] QQuickItem &page() const { return *m_page; }
+
+    /// Sets which points, in the page's coordinates, the layer claims. By default it claims all points.
     void setClaims(Claims claims) { m_claims = std::move(claims); }
 
-    /// The safe area of the window. It is updated before the layer changes its size.
+    /// The safe area of the window. It is updated before the page changes its size.
     [[nodiscard]] QXSafeArea *safeArea() const { return m_safeArea; }
 
     [[nodiscard]] bool contains(const QPointF &point) const override;
-
-Q_SIGNALS:
-    /// Emitted when the window of the layer is hidden or destroyed.
-    void windowLost();
 
 private:
     void fit();
 
     Claims m_claims;
     QXSafeArea *const m_safeArea;
+    QQuickItem *const m_page;
     QPointer<QQuickWindow> m_window;
     QPointer<QQuickItem> m_content;
 };

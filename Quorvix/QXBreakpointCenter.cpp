@@ -142,7 +142,7 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
                                  const std::optional<QString> &bodyText)
 {
     Q_ASSERT(MainActor::isCurrent());
-    if (!m_activeBreakpoint || m_isReleasing)
+    if (!m_activeBreakpoint || m_activeBreakpoint->id == m_releasing)
         return;
     const QXBreakpointItem item = *m_activeBreakpoint;
     const qint64 statusCode =
@@ -157,10 +157,21 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
 
     QXRequestRecorder::shared().complete(item.requestId, response, body, item.error);
     if (item.completion) {
-        const QScopedValueRollback releasing(m_isReleasing, true);
+        const QScopedValueRollback releasing(m_releasing, item.id);
+        // The handler can run an event loop that waits for another held response. Only the user can release
+        // that one, so it becomes active in the event loop, and not when the handler ends.
+        QMetaObject::invokeMethod(
+            &m_context, [this, id = item.id] { promoteAfter(id); }, Qt::QueuedConnection);
         item.completion(body, response, item.error);
     }
+    promoteAfter(item.id);
+}
 
+/// Makes the next held response active. Does nothing if it has already taken the place of the released one.
+void QXBreakpointCenter::promoteAfter(const QUuid &released)
+{
+    if (!m_activeBreakpoint || m_activeBreakpoint->id != released)
+        return;
     m_activeBreakpoint.reset();
     if (!m_queue.empty()) {
         m_activeBreakpoint.emplace(std::move(m_queue.front()));

@@ -3,6 +3,8 @@
 #include "Quorvix/QXBreakpointItem.h"
 #include "Quorvix/QuorvixNotifications.h"
 
+#include <QtCore/QObject>
+
 #include <deque>
 
 /// Holds the responses that match a rule in one queue and releases them one by one. Main thread only.
@@ -52,12 +54,16 @@ private:
     void release(const std::optional<QString> &statusText, bool keepBody,
                  const std::optional<QString> &bodyText);
 
+    void promoteAfter(const QUuid &released);
+
     std::optional<QXBreakpointItem> m_activeBreakpoint;
     std::deque<QXBreakpointItem> m_queue;
     std::optional<TimePoint> m_skipUntil;
     std::optional<QXBreakpointKey> m_lastContinuedKey;
     Clock m_now;
-    /// True while the host's completion handler runs. The handler can run an event loop, which can call
-    /// release() again.
-    bool m_isReleasing = false;
+    /// The item whose completion handler runs; null while none does. The handler can run an event loop, in
+    /// which release() can be called again.
+    QUuid m_releasing;
+    /// Drops what is queued when the center goes.
+    QObject m_context;
 };

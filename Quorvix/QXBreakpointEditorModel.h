@@ -5,7 +5,10 @@
 #include "Text/QXTextDocument.h"
 
 #include <QtCore/QObject>
+#include <QtCore/QUuid>
 #include <QtQml/qqmlregistration.h>
+
+#include <functional>
 
 /// The state of the breakpoint editor: the user's edits of one held response. Main thread only.
 class QXBreakpointEditorModel final : public QObject
@@ -28,9 +31,10 @@ public:
     [[nodiscard]] QXTextDocument *document() const noexcept { return m_document; }
     [[nodiscard]] QString bodyText() const { return m_document->text(); }
 
-    /// Releases the response without changes.
+    /// Releases the response without changes, in a later turn of the event loop. The host's completion
+    /// handler runs then; it must not run inside an event of the editor, because it can hide the inspector.
     Q_INVOKABLE void continueResponse();
-    /// Releases the response with the edited status code and body.
+    /// Releases the response with the edited status code and body, in a later turn of the event loop.
     Q_INVOKABLE void applyChanges();
     /// Copies the body to the clipboard.
     Q_INVOKABLE void copyBody();
@@ -41,6 +45,10 @@ Q_SIGNALS:
     void statusCodeTextChanged();
 
 private:
+    void release(std::function<void()> release);
+
+    QUuid m_item;
+    bool m_isReleased = false;
     QString m_displayTitle;
     QString m_statusCodeText;
     /// Owned by this object as its QObject parent.

@@ -27,49 +27,75 @@ QQuickItem *focusItem(const QQuickWindow &window)
 
 } // namespace
 
-QXBreakpointWindow::QXBreakpointWindow(QQmlEngine &engine, QQuickWindow *window)
-    : m_engine(engine), m_layer(new QXLayer(breakpointLevel)), m_previousFocus(focusItem(*window))
+QXBreakpointWindow::QXBreakpointWindow(QQmlEngine &engine, QXHostWindow &host)
+    : m_engine(engine), m_host(host)
 {
-    m_layer->attach(window);
+    makeLayer();
 }
 
 QXBreakpointWindow::~QXBreakpointWindow()
 {
     returnFocus();
-    m_layer->setVisible(false);
-    // Deleted later, because a click handler of the editor may be running now.
-    m_layer->deleteLater();
-    const QWindow *const window = m_layer->window();
+    const QWindow *const window = m_layer ? m_layer->window() : nullptr;
     if (m_previousWindow && m_previousWindow->isVisible() && window && window->isActive())
         m_previousWindow->requestActivate();
+    // Deleted later, because a handler of the editor may be running now; the model after the editor.
+    if (m_layer) {
+        m_layer->setVisible(false);
+        m_layer->deleteLater();
+    }
+    if (m_model)
+        m_model.release()->deleteLater();
+}
+
+void QXBreakpointWindow::makeLayer()
+{
+    m_layer = new QXLayer(breakpointLevel);
+    // Queued, because the host is still deleting its items.
+    QObject::connect(m_layer, &QObject::destroyed, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
+    m_previousFocus = focusItem(*m_host.window());
+    m_layer->attach(m_host.window());
 }
 
 void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
 {
-    if (m_editor) {
-        m_editor->setVisible(false);
-        m_editor->deleteLater();
+    if (!m_editor || m_item != item.id) {
+        if (m_editor) {
+            m_editor->setVisible(false);
+            m_editor->deleteLater();
+        }
+        if (m_model)
+            m_model.release()->deleteLater();
+        m_item = item.id;
+        m_model = std::make_unique<QXBreakpointEditorModel>(item);
+        makeEditor();
     }
-    auto model = std::make_unique<QXBreakpointEditorModel>(item);
-    const QVariantMap properties{{QStringLiteral("model"), QVariant::fromValue(model.get())},
-                                 {QStringLiteral("safeArea"), QVariant::fromValue(m_layer->safeArea())}};
-    m_editor = QXQmlView::make(m_engine, QStringLiteral("QXBreakpointEditorView"), properties, *m_layer);
-    if (!m_editor)
-        return;
-    model.release()->setParent(m_editor);
     takeFocus();
     activate();
 }
 
-void QXBreakpointWindow::attach(QQuickWindow *window)
+void QXBreakpointWindow::makeEditor()
 {
-    if (window == m_layer->window())
+    m_editor = QXQmlView::make(m_engine, QStringLiteral("QXBreakpointEditorView"),
+                               {{QStringLiteral("model"), QVariant::fromValue(m_model.get())},
+                                {QStringLiteral("safeArea"), QVariant::fromValue(m_layer->safeArea())}},
+                               m_layer->page());
+}
+
+void QXBreakpointWindow::followHost()
+{
+    if (m_layer && m_layer->window() == m_host.window())
         return;
-    returnFocus();
-    m_previousFocus = focusItem(*window);
-    m_layer->attach(window);
-    if (m_editor)
-        takeFocus();
+    if (m_layer) {
+        returnFocus();
+        m_previousFocus = focusItem(*m_host.window());
+        m_layer->attach(m_host.window());
+    } else {
+        makeLayer();
+        makeEditor();
+    }
+    takeFocus();
+    activate();
 }
 
 void QXBreakpointWindow::setPreviousFocus(QQuickItem *item)
@@ -82,27 +108,20 @@ bool QXBreakpointWindow::isKeyWindow() const
     return m_editor && m_editor->hasActiveFocus();
 }
 
-/// Brings the window to the front and gives it keyboard focus.
 void QXBreakpointWindow::activate()
 {
-    QWindow *const window = m_layer->window();
     QWindow *const active = QGuiApplication::focusWindow();
     // QWindow::isActive() is true for the windows that belong to the active one, too.
-    if (!window || window == active)
+    if (m_host.window() == active)
         return;
     m_previousWindow = active;
-    // QWindow::show() would make a maximised window a normal one.
-    if (window->windowStates() & Qt::WindowMinimized)
-        window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
-    window->setVisible(true);
-    if (QXHostWindow::windowsCanOverlap())
-        window->raise();
-    window->requestActivate();
+    m_host.activate();
 }
 
 void QXBreakpointWindow::takeFocus()
 {
-    m_editor->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    if (m_editor)
+        m_editor->forceActiveFocus(Qt::ActiveWindowFocusReason);
 }
 
 /// Returns keyboard focus to the previous item, unless another item of the window has taken it from the

@@ -10,6 +10,8 @@
 class QQmlEngine;
 class QQuickItem;
 class QQuickWindow;
+class QXBreakpointEditorModel;
+class QXHostWindow;
 class QXLayer;
 
 /// The window of the breakpoint editor: a layer above all others that has keyboard focus. Main thread only.
@@ -18,15 +20,17 @@ class QXLayer;
 class QXBreakpointWindow
 {
 public:
-    /// Shows the layer over @p window. @p engine must outlive this object.
-    QXBreakpointWindow(QQmlEngine &engine, QQuickWindow *window);
+    /// Shows the layer over the current window of @p host, which must not be null. The arguments must outlive
+    /// this object.
+    QXBreakpointWindow(QQmlEngine &engine, QXHostWindow &host);
     ~QXBreakpointWindow();
 
     /// Shows an editor for @p item and takes keyboard focus, also from another window. Replaces the previous
-    /// editor.
+    /// editor, unless it is for the same item.
     void makeKeyAndVisible(const QXBreakpointItem &item);
-    /// Moves the layer to another window.
-    void attach(QQuickWindow *window);
+    /// Moves the layer to the current window of the host, and makes its items again if the host has deleted
+    /// them. The user's edits are kept.
+    void followHost();
     /// Sets the item that gets keyboard focus when the editor closes. With null, no item gets it.
     void setPreviousFocus(QQuickItem *item);
 
@@ -36,12 +40,18 @@ public:
     [[nodiscard]] QQuickItem *editor() const { return m_editor; }
 
 private:
+    void makeLayer();
+    void makeEditor();
     void activate();
     void takeFocus();
     void returnFocus();
 
     QQmlEngine &m_engine;
-    QXLayer *m_layer;
+    QXHostWindow &m_host;
+    /// Owned by this object; null when the host has deleted it.
+    QPointer<QXLayer> m_layer;
+    QUuid m_item;
+    std::unique_ptr<QXBreakpointEditorModel> m_model;
     QPointer<QQuickItem> m_editor;
     QPointer<QQuickItem> m_previousFocus;
     /// The window that was active before the layer's window.

@@ -1,27 +1,68 @@
 #pragma once
 
+#include <QtCore/QObject>
+#include <QtCore/QPointer>
+#include <QtCore/QTimer>
+
 #include <memory>
 
 class QQuickWindow;
+class QRegion;
+class QWindow;
 
-/// Finds the host's window, or makes a replacement if there is none. Main thread only.
-namespace QXHostWindow {
+/// The window that the overlay covers: a Qt Quick window of the host that the user can reach, or else a
+/// window of our own. Main thread only.
+///
+/// The user cannot reach a window that is hidden or that a modal dialog blocks. Our own window is
+/// transparent. It exists while the host shows other windows only, and when nothing else could show a held
+/// response. It never exists on platforms with a single window.
+class QXHostWindow : public QObject
+{
+    Q_OBJECT
 
-/// Returns the host's active Qt Quick window, or any visible one, or null.
-[[nodiscard]] QQuickWindow *find();
+public:
+    QXHostWindow();
+    ~QXHostWindow() override;
 
-/// Whether @p window was made by makeFallback().
-[[nodiscard]] bool isFallback(const QQuickWindow *window);
+    /// The current window. Null while there is none; then changed() announces the next one.
+    [[nodiscard]] QQuickWindow *window() const;
+    /// Whether the user can reach the current window.
+    [[nodiscard]] bool isReachable() const;
+    /// Whether the current window is our own.
+    [[nodiscard]] bool isOwn() const { return m_own != nullptr; }
 
-/// Whether windows can overlap on this platform. If they cannot, nothing is below a window, and Qt prints a
-/// warning when the program sets a mask or raises a window.
-[[nodiscard]] bool windowsCanOverlap();
+    /// Hides or shows our own window.
+    void setHidden(bool hidden);
+    /// Sets whether the overlay needs a window even if the host shows none.
+    void setRequired(bool required);
+    /// Limits our own window to a region, on platforms on which something can be below it. An empty region
+    /// removes the limit.
+    void setMask(const QRegion &region);
+    /// Brings the current window to the front and requests keyboard focus for it. Does not show a window that
+    /// the host has hidden.
+    void activate();
 
-/// Makes a transparent window of the main screen's size, for an application without a window of its own.
-[[nodiscard]] std::unique_ptr<QQuickWindow> makeFallback();
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
-/// Makes a fallback window a transient child of the host's focused window. The fallback window then closes
-/// with the host's windows and does not keep the application running.
-void followFocus(QQuickWindow &fallback);
+Q_SIGNALS:
+    /// Emitted when the overlay has to cover another window, or to make its items again.
+    void changed();
 
-} // namespace QXHostWindow
+private:
+    void scheduleUpdate();
+    void update();
+    void moveTo(QQuickWindow *window);
+    [[nodiscard]] QQuickWindow *find() const;
+    [[nodiscard]] bool isHostWindow(const QWindow *window) const;
+    [[nodiscard]] bool needsOwn();
+    void makeOwn();
+    void placeOwn();
+
+    QPointer<QQuickWindow> m_host;
+    std::unique_ptr<QQuickWindow> m_own;
+    QTimer m_delay;
+    bool m_isHidden = false;
+    bool m_isRequired = false;
+    bool m_hadWindow = false;
+    bool m_isUpdateScheduled = false;
+};

@@ -2,7 +2,6 @@
 
 #include "Quorvix/QXBreakpointCenter.h"
 #include "Quorvix/QXBreakpointWindow.h"
-#include "Quorvix/QXHostWindow.h"
 #include "Quorvix/QXLog.h"
 #include "Quorvix/QXQmlView.h"
 #include "Quorvix/QXRequestRecorder.h"
@@ -11,7 +10,6 @@
 #include "Controls/QXSafeArea.h"
 
 #include <QtCore/QSettings>
-#include <QtGui/QGuiApplication>
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickWindow>
 
@@ -42,32 +40,13 @@ qreal clampOffset(qreal offset, qreal extent)
 
 } // namespace
 
-QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine()), m_layer(std::make_unique<QXLayer>(overlayLevel))
+QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine())
 {
     m_constraint = QXOverlayPoint::decoded(QSettings().value(dragPositionKey).toByteArray());
-    m_layer->setClaims([this](const QPointF &point) { return hitTest(point); });
-    const auto moved = [this] {
-        Q_EMIT buttonMoved();
-        updateMask();
-    };
-    connect(m_layer.get(), &QQuickItem::widthChanged, this, moved);
-    connect(m_layer.get(), &QQuickItem::heightChanged, this, moved);
-    connect(safeArea(), &QXSafeArea::marginsChanged, this, moved);
-    // Queued, because Qt may emit these signals while it is still changing the window.
-    connect(m_layer.get(), &QXLayer::windowLost, this, &QXOverlay::moveToHostWindow, Qt::QueuedConnection);
-    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXOverlay::moveToHostWindow,
-            Qt::QueuedConnection);
+    connect(&m_host, &QXHostWindow::changed, this, &QXOverlay::coverWindow);
     connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateMask);
-
-    if (QXHostWindow::find()) {
-        moveToHostWindow();
-    } else {
-        m_fallbackWindow = QXHostWindow::makeFallback();
-        m_layer->attach(m_fallbackWindow.get());
-    }
-    m_view = QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
-                             {{QStringLiteral("overlay"), QVariant::fromValue(this)}}, *m_layer);
-    updateMask();
+    connect(this, &QXOverlay::buttonMoved, this, &QXOverlay::updateMask);
+    coverWindow();
 
     auto &notifications = NSNotificationCenter::defaultCenter();
     m_requestsObserver =
@@ -81,75 +60,86 @@ QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine()), m_layer(std::make_un
 
 QXOverlay::~QXOverlay()
 {
-    disconnect(m_layer.get(), nullptr, this, nullptr);
+    delete m_layer;
 }
 
 void QXOverlay::setHidden(bool hidden)
 {
-    m_layer->setVisible(!hidden);
-    if (m_fallbackWindow)
-        m_fallbackWindow->setVisible(!hidden);
-}
-
-bool QXOverlay::isHidden() const
-{
-    return !m_layer->isVisible();
+    m_isHidden = hidden;
+    if (m_layer)
+        m_layer->setVisible(!hidden);
+    m_host.setHidden(hidden);
 }
 
 void QXOverlay::shutDown()
 {
     m_requestsObserver = {};
     m_breakpointObserver = {};
+    m_host.disconnect(this);
     m_breakpointWindow.reset();
     if (m_isShowingRequestList && m_previousFocus)
         m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
 }
 
-QQuickWindow *QXOverlay::window() const
+/// Shows the overlay over the current window, if there is one.
+void QXOverlay::coverWindow()
 {
-    return m_layer->window();
+    QQuickWindow *const host = window();
+    if (!host)
+        return;
+    if (!m_layer)
+        makeLayer();
+    if (m_layer->window() != host) {
+        if (m_isShowingRequestList)
+            m_previousFocus = host->activeFocusItem();
+        m_layer->attach(host);
+        if (m_isShowingRequestList && m_view)
+            m_view->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    }
+    if (m_breakpointWindow)
+        m_breakpointWindow->followHost();
+    else if (m_breakpointAwaitsWindow)
+        showBreakpointWindow();
+    Q_EMIT buttonMoved();
 }
 
-/// Moves the layer to the host's window, if there is one.
-void QXOverlay::moveToHostWindow()
+void QXOverlay::makeLayer()
 {
-    QQuickWindow *const current = m_layer->window();
-    if (current && current != m_fallbackWindow.get() && current->isVisible())
-        return;
-    QQuickWindow *const host = QXHostWindow::find();
-    if (!host) {
-        if (m_fallbackWindow)
-            QXHostWindow::followFocus(*m_fallbackWindow);
-        return;
-    }
-    if (m_isShowingRequestList)
-        m_previousFocus = host->activeFocusItem();
-    m_layer->attach(host);
-    if (m_isShowingRequestList && m_view)
-        m_view->forceActiveFocus(Qt::ActiveWindowFocusReason);
-    if (m_breakpointWindow)
-        m_breakpointWindow->attach(host);
-    m_fallbackWindow.reset();
-    Q_EMIT buttonMoved();
+    m_layer = new QXLayer(overlayLevel);
+    m_layer->setVisible(!m_isHidden);
+    m_layer->setClaims([this](const QPointF &point) { return hitTest(point); });
+    connect(&m_layer->page(), &QQuickItem::widthChanged, this, &QXOverlay::buttonMoved);
+    connect(&m_layer->page(), &QQuickItem::heightChanged, this, &QXOverlay::buttonMoved);
+    connect(safeArea(), &QXSafeArea::marginsChanged, this, &QXOverlay::buttonMoved);
+    // Queued, because the host is still deleting its items.
+    connect(m_layer, &QObject::destroyed, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
+    m_layer->attach(window());
+    m_view = QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
+                             {{QStringLiteral("overlay"), QVariant::fromValue(this)}}, m_layer->page());
 }
 
 // The button's position
 
 QXSafeArea *QXOverlay::safeArea() const
 {
-    return m_layer->safeArea();
+    return m_layer ? m_layer->safeArea() : nullptr;
+}
+
+QRectF QXOverlay::pageRect() const
+{
+    return m_layer ? m_layer->page().boundingRect() : QRectF();
 }
 
 QRectF QXOverlay::safeRect() const
 {
-    return m_layer->boundingRect().marginsRemoved(safeArea()->margins());
+    return m_layer ? pageRect().marginsRemoved(safeArea()->margins()) : QRectF();
 }
 
 QXOverlayPoint QXOverlay::constraint() const
 {
     if (m_constraint)
         return *m_constraint;
-    return {defaultDistance - m_layer->width() * 0.5, m_layer->height() * 0.5 - defaultDistance};
+    return {defaultDistance - pageRect().width() * 0.5, pageRect().height() * 0.5 - defaultDistance};
 }
 
 QPointF QXOverlay::buttonCenter() const
@@ -172,7 +162,6 @@ void QXOverlay::handleButtonPan(const QPointF &translation)
     const QPointF offset = buttonCenter() - area.center() + translation;
     m_constraint =
         QXOverlayPoint{clampOffset(offset.x(), area.width()), clampOffset(offset.y(), area.height())};
-    updateMask();
     Q_EMIT buttonMoved();
 }
 
@@ -187,16 +176,15 @@ bool QXOverlay::hitTest(const QPointF &point) const
     return !isHidden() && (m_isShowingRequestList || buttonFrame().contains(point));
 }
 
-/// The fallback window covers other applications. The mask lets it receive clicks only where something is
-/// visible.
+/// Our own window covers other applications. The mask lets it receive clicks only where something is visible.
 void QXOverlay::updateMask()
 {
-    if (!m_fallbackWindow || !QXHostWindow::windowsCanOverlap())
+    if (!m_host.isOwn())
         return;
     const bool coversWindow = m_isShowingRequestList || m_breakpointWindow;
     const QRect button = buttonFrame().toAlignedRect();
-    m_fallbackWindow->setMask(
-        coversWindow ? QRegion() : button.adjusted(-buttonMargin, -buttonMargin, buttonMargin, buttonMargin));
+    m_host.setMask(coversWindow ? QRegion()
+                                : button.adjusted(-buttonMargin, -buttonMargin, buttonMargin, buttonMargin));
 }
 
 // The badge
@@ -259,24 +247,36 @@ void QXOverlay::requestListDismissed()
 
 void QXOverlay::handleBreakpointChanged()
 {
-    const auto &active = QXBreakpointCenter::shared().activeBreakpoint();
+    const bool isActive = QXBreakpointCenter::shared().activeBreakpoint().has_value();
     QXLog::log(QXLogLevel::info,
                QStringLiteral("[Breakpoint] change active=%1 showingList=%2")
-                   .arg(QXLog::boolText(active.has_value()), QXLog::boolText(m_isShowingRequestList)));
-    const auto isKey = QXLog::boolText(m_breakpointWindow && m_breakpointWindow->isKeyWindow());
-    if (active) {
-        QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] show window id=%1 key=%2")
-                                          .arg(active->id.toString(QUuid::WithoutBraces).toUpper(), isKey));
-        if (!m_breakpointWindow && !window())
-            return;
-        if (!m_breakpointWindow)
-            m_breakpointWindow = std::make_unique<QXBreakpointWindow>(*m_engine, window());
-        m_breakpointWindow->makeKeyAndVisible(*active);
+                   .arg(QXLog::boolText(isActive), QXLog::boolText(m_isShowingRequestList)));
+    // Without a window, the editor has to wait for one.
+    m_host.setRequired(isActive);
+    if (isActive) {
+        showBreakpointWindow();
     } else {
-        QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] hide window key=") + isKey);
+        const bool isKey = m_breakpointWindow && m_breakpointWindow->isKeyWindow();
+        QXLog::log(QXLogLevel::debug,
+                   QStringLiteral("[Breakpoint] hide window key=") + QXLog::boolText(isKey));
         m_breakpointWindow.reset();
-        if (m_fallbackWindow)
-            m_fallbackWindow->setVisible(!isHidden()); // the editor may have changed it
+        m_breakpointAwaitsWindow = false;
+        m_host.setHidden(m_isHidden); // the editor may have changed it
     }
     updateMask();
+}
+
+void QXOverlay::showBreakpointWindow()
+{
+    const QXBreakpointItem &active = *QXBreakpointCenter::shared().activeBreakpoint();
+    const bool isKey = m_breakpointWindow && m_breakpointWindow->isKeyWindow();
+    QXLog::log(QXLogLevel::debug,
+               QStringLiteral("[Breakpoint] show window id=%1 key=%2")
+                   .arg(active.id.toString(QUuid::WithoutBraces).toUpper(), QXLog::boolText(isKey)));
+    m_breakpointAwaitsWindow = !m_breakpointWindow && !m_host.isReachable();
+    if (m_breakpointAwaitsWindow)
+        return;
+    if (!m_breakpointWindow)
+        m_breakpointWindow = std::make_unique<QXBreakpointWindow>(*m_engine, m_host);
+    m_breakpointWindow->makeKeyAndVisible(active);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Quorvix/QXHostWindow.h"
 #include "Quorvix/QXOverlayPoint.h"
 
 #include "Platform/NSNotificationCenter.h"
@@ -16,15 +17,15 @@
 
 class QQmlEngine;
 class QQuickItem;
-class QQuickWindow;
 class QXBreakpointWindow;
 class QXLayer;
 class QXSafeArea;
 
 /// The floating button over the host's window, with the request list that it opens. Main thread only.
 ///
-/// The overlay covers the active window of the host, or a fallback window while the host has none. While the
-/// list is closed, it takes input only at the button. It also shows the breakpoint window.
+/// The overlay covers a window of the host, or one of our own (see QXHostWindow). While the list is closed,
+/// it takes input only at the button. It also shows the breakpoint window. When the host deletes the
+/// overlay's items, the overlay makes them again.
 class QXOverlay : public QObject
 {
     Q_OBJECT
@@ -48,7 +49,7 @@ public:
     ~QXOverlay() override;
 
     void setHidden(bool hidden);
-    [[nodiscard]] bool isHidden() const;
+    [[nodiscard]] bool isHidden() const noexcept { return m_isHidden; }
     /// Disconnects the overlay from the host before it is deleted: it no longer reacts to changes. The
     /// caller must hide the overlay first.
     void shutDown();
@@ -58,14 +59,14 @@ public:
     [[nodiscard]] const QString &badgeText() const noexcept { return m_badgeText; }
     [[nodiscard]] bool presentsRequestList() const noexcept { return m_presentsRequestList; }
     [[nodiscard]] bool isShowingRequestList() const noexcept { return m_isShowingRequestList; }
-    /// The safe area of the overlay's window.
+    /// The safe area of the overlay's window. Null while there is no layer.
     [[nodiscard]] QXSafeArea *safeArea() const;
 
     /// Whether a touch at @p point, in the layer's coordinates, is for the overlay and not for the host.
     [[nodiscard]] bool hitTest(const QPointF &point) const;
 
-    /// The window that the overlay currently covers.
-    [[nodiscard]] QQuickWindow *window() const;
+    /// The window that the overlay currently covers. Null while there is none.
+    [[nodiscard]] QQuickWindow *window() const { return m_host.window(); }
     [[nodiscard]] QXBreakpointWindow *breakpointWindow() const { return m_breakpointWindow.get(); }
 
     /// Opens or closes the request list.
@@ -88,16 +89,20 @@ Q_SIGNALS:
 private:
     void handleRequestsChanged();
     void handleBreakpointChanged();
-    void moveToHostWindow();
+    void showBreakpointWindow();
+    void coverWindow();
+    void makeLayer();
     void updateBadge();
     void updateMask();
+    [[nodiscard]] QRectF pageRect() const;
     [[nodiscard]] QRectF safeRect() const;
     [[nodiscard]] QXOverlayPoint constraint() const;
 
     std::unique_ptr<QQmlEngine> m_engine;
-    std::unique_ptr<QQuickWindow> m_fallbackWindow;
-    std::unique_ptr<QXLayer> m_layer;
-    QQuickItem *m_view = nullptr;
+    QXHostWindow m_host;
+    /// Owned by this object; null when the host has deleted it.
+    QPointer<QXLayer> m_layer;
+    QPointer<QQuickItem> m_view;
     std::unique_ptr<QXBreakpointWindow> m_breakpointWindow;
     QPointer<QQuickItem> m_previousFocus;
     /// The position that the user has chosen for the button; absent while it is at the default position.
@@ -105,6 +110,9 @@ private:
     QString m_badgeText;
     bool m_presentsRequestList = false;
     bool m_isShowingRequestList = false;
+    bool m_isHidden = false;
+    /// Whether a response is held for which there is no window that the user can reach.
+    bool m_breakpointAwaitsWindow = false;
     bool m_badgeScheduled = false;
     Quorvix::NSNotificationObserver m_requestsObserver;
     Quorvix::NSNotificationObserver m_breakpointObserver;

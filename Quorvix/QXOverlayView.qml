@@ -58,6 +58,12 @@ FocusScope {
         onFinished: root.overlay.requestListDismissed()
     }
 
+    // The host may have deleted an earlier view while the list was open.
+    Component.onCompleted: {
+        root.progress = root.overlay.presentsRequestList ? 1 : 0;
+        root.overlay.requestListDismissed();
+    }
+
     Connections {
         target: root.overlay
 

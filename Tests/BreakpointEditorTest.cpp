@@ -181,6 +181,7 @@ void BreakpointEditorTest::comesToTheFront()
             QuorvixClient::shared().show();
         }
         QXOverlay &overlay = *QuorvixClient::shared().overlayWindow();
+        QTRY_VERIFY(overlay.window());
         QWindow other;
         other.show();
         other.requestActivate();

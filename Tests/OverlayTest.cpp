@@ -238,8 +238,8 @@ void OverlayTest::makesDoWithoutAHostWindow()
     client().hide();
     m_window.reset();
     client().show();
+    QTRY_VERIFY(overlay().window() && overlay().window()->isVisible());
     QQuickWindow *const own = overlay().window();
-    QVERIFY(own && own->isVisible());
     QCOMPARE(own->size(), own->screen()->size());
     QVERIFY(ScreenDriver::find(*own, "QXFloatingButton"));
     QWindow plain; // not a Qt Quick window
