@@ -149,6 +149,7 @@ void QXHostWindow::scheduleUpdate()
 void QXHostWindow::update()
 {
     m_isUpdateScheduled = false;
+    m_hadWindow |= hostShowsWindow();
     if (!m_own && isReachable()) {
         m_delay.stop();
         qGuiApp->removeEventFilter(this);
@@ -172,7 +173,6 @@ void QXHostWindow::update()
 void QXHostWindow::moveTo(QQuickWindow *window)
 {
     m_delay.stop();
-    m_hadWindow = true;
     qGuiApp->removeEventFilter(this);
     if (m_host) {
         m_host->removeEventFilter(this);
@@ -205,15 +205,16 @@ QQuickWindow *QXHostWindow::find() const
     return nullptr;
 }
 
-bool QXHostWindow::needsOwn()
+bool QXHostWindow::needsOwn() const
 {
-    if (!hasSeveralWindows())
-        return false;
+    return hasSeveralWindows() && (hostShowsWindow() || m_isRequired || !m_hadWindow);
+}
+
+bool QXHostWindow::hostShowsWindow() const
+{
     const QWindowList windows = QGuiApplication::topLevelWindows();
-    const bool hasWindow = std::any_of(windows.cbegin(), windows.cend(),
-                                       [this](const QWindow *window) { return isHostWindow(window); });
-    m_hadWindow |= hasWindow;
-    return hasWindow || m_isRequired || !m_hadWindow;
+    return std::any_of(windows.cbegin(), windows.cend(),
+                       [this](const QWindow *window) { return isHostWindow(window); });
 }
 
 void QXHostWindow::makeOwn()

@@ -54,7 +54,8 @@ private:
     void moveTo(QQuickWindow *window);
     [[nodiscard]] QQuickWindow *find() const;
     [[nodiscard]] bool isHostWindow(const QWindow *window) const;
-    [[nodiscard]] bool needsOwn();
+    [[nodiscard]] bool needsOwn() const;
+    [[nodiscard]] bool hostShowsWindow() const;
     void makeOwn();
     void placeOwn();
 
@@ -63,6 +64,7 @@ private:
     QTimer m_delay;
     bool m_isHidden = false;
     bool m_isRequired = false;
+    /// Whether the host has shown a window. Before that, the overlay may come without one.
     bool m_hadWindow = false;
     bool m_isUpdateScheduled = false;
 };

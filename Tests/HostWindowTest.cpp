@@ -268,14 +268,10 @@ void HostWindowTest::dialogThatWaitsForTheHeldResponse()
     QTimer::singleShot(100, &dialog, [&] {
         if (!isHeldFirst)
             hold("body");
-        QTRY_VERIFY(QGuiApplication::modalWindow());
         // The editor leaves the blocked window some time after the dialog has opened.
-        const auto released = [&] {
-            if (has("QXContinueButton"))
-                ScreenDriver::click(place(), "QXContinueButton");
-            return !m_delivered.isEmpty();
-        };
-        QTRY_VERIFY(released());
+        QTRY_VERIFY(overlay().window() && QGuiApplication::modalWindow() &&
+                    QGuiApplication::modalWindow()->isAncestorOf(&place(), QWindow::IncludeTransients));
+        press("QXContinueButton");
     });
     QTimer closing;
     connect(&closing, &QTimer::timeout, &dialog, [&] {
