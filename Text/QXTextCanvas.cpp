@@ -4,6 +4,8 @@
 
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QPainter>
+#include <QtQuick/QQuickWindow>
+#include <QtQuick/QSGImageNode>
 
 #include <algorithm>
 #include <cmath>
@@ -25,12 +27,11 @@ qreal columnWidth(const QFontMetricsF &metrics)
 
 } // namespace
 
-QXTextCanvas::QXTextCanvas(QQuickItem *parent) : QQuickPaintedItem(parent)
+QXTextCanvas::QXTextCanvas(QQuickItem *parent) : QQuickItem(parent)
 {
+    setFlag(ItemHasContents);
     setFont(QFont());
-    connect(this, &QXTextCanvas::coloursChanged, this, [this] { update(); });
-    connect(this, &QQuickPaintedItem::fillColorChanged, this,
-            [this] { setOpaquePainting(fillColor().alpha() == 255); });
+    connect(this, &QXTextCanvas::coloursChanged, this, &QQuickItem::polish);
 }
 
 QXTextCanvas::~QXTextCanvas() = default;
@@ -69,7 +70,7 @@ void QXTextCanvas::setScrollOffset(qreal offset)
     if (m_scrollOffset == offset)
         return;
     m_scrollOffset = offset;
-    update();
+    polish();
     Q_EMIT scrollOffsetChanged();
 }
 
@@ -80,27 +81,73 @@ void QXTextCanvas::setSelection(const QXTextSelection &selection)
     m_selection = selection;
     if (isSame)
         return;
-    update();
+    polish();
     Q_EMIT selectionChanged();
 }
 
 void QXTextCanvas::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
 {
-    QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
-    if (newGeometry.width() != oldGeometry.width())
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+    if (newGeometry.size() != oldGeometry.size())
         polish();
+}
+
+void QXTextCanvas::itemChange(ItemChange change, const ItemChangeData &data)
+{
+    if (change == ItemSceneChange || change == ItemVisibleHasChanged ||
+        change == ItemDevicePixelRatioHasChanged)
+        polish();
+    QQuickItem::itemChange(change, data);
 }
 
 void QXTextCanvas::updatePolish()
 {
     breakRows();
+    if (!isVisible())
+        return;
+    m_picture = paintPicture();
+    update();
+}
+
+QImage QXTextCanvas::paintPicture()
+{
+    const qreal scale = window()->effectiveDevicePixelRatio();
+    QImage picture((size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    if (picture.isNull())
+        return picture;
+    picture.fill(m_fillColor);
+    QPainter painter(&picture);
+    painter.scale(picture.width() / width(), picture.height() / height());
+    paint(painter);
+    return picture;
+}
+
+QSGNode *QXTextCanvas::updatePaintNode(QSGNode *before, UpdatePaintNodeData *)
+{
+    auto *node = static_cast<QSGImageNode *>(before);
+    if (m_picture.isNull()) {
+        delete node;
+        return nullptr;
+    }
+    if (!node)
+        node = window()->createImageNode();
+    // Not every graphics back end deletes the texture that is replaced.
+    const std::unique_ptr<QSGTexture> replaced(node->texture());
+    node->setOwnsTexture(false);
+    node->setTexture(window()->createTextureFromImage(m_picture, m_fillColor.alpha() == 255
+                                                                     ? QQuickWindow::TextureIsOpaque
+                                                                     : QQuickWindow::TextureHasAlphaChannel));
+    node->setOwnsTexture(true);
+    node->setFiltering(QSGTexture::Linear);
+    node->setSourceRect(m_picture.rect());
+    node->setRect(boundingRect());
+    return node;
 }
 
 void QXTextCanvas::invalidateRows()
 {
     m_columns = 0;
     clearLayouts();
-    polish();
 }
 
 void QXTextCanvas::breakRows()
@@ -168,7 +215,7 @@ QString QXTextCanvas::rowText(int row) const
 void QXTextCanvas::clearLayouts()
 {
     m_layouts.clear();
-    update();
+    polish();
 }
 
 const QXTextRowLayout &QXTextCanvas::layoutOf(int row) const
@@ -206,11 +253,11 @@ QString QXTextCanvas::rowTextAt(qreal y) const
     return layoutOf(rowAtOffset(y + m_scrollOffset)).text();
 }
 
-void QXTextCanvas::paint(QPainter *painter)
+void QXTextCanvas::paint(QPainter &painter)
 {
     const int last = rowAtOffset(m_scrollOffset + height());
     for (int row = rowAtOffset(m_scrollOffset); row <= last; ++row)
-        paintRow(*painter, row);
+        paintRow(painter, row);
 }
 
 void QXTextCanvas::paintRow(QPainter &painter, int row) const

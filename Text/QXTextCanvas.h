@@ -7,23 +7,29 @@
 
 #include <QtCore/QPointer>
 #include <QtGui/QColor>
-#include <QtQuick/QQuickPaintedItem>
+#include <QtGui/QImage>
+#include <QtQuick/QQuickItem>
 
 #include <memory>
 #include <unordered_map>
 
-/// Paints the visible rows of a document and maps positions to points. Main thread only; the render thread
-/// paints while the main thread is blocked.
+/// Paints the visible rows of a document and maps positions to points. Main thread only.
+///
+/// The rows are painted before a frame, on the main thread, and the render thread only shows the picture:
+/// fonts belong to the thread that uses them first, and a render thread ends with its window or when the
+/// window releases its resources. A layout that a render thread has drawn may keep such a font.
 ///
 /// Rows are as wide as the item and are broken again at most once per frame. Like code, they read from left
 /// to right in every language; within a row, text of either direction is shaped correctly.
-class QXTextCanvas : public QQuickPaintedItem
+class QXTextCanvas : public QQuickItem
 {
     Q_OBJECT
     QML_ANONYMOUS
     Q_PROPERTY(QXTextDocument *document READ document WRITE setDocument NOTIFY documentChanged)
     /// The font; it has to be monospaced.
     Q_PROPERTY(QFont font READ font WRITE setFont NOTIFY fontChanged)
+    /// The background; transparent unless it is set.
+    Q_PROPERTY(QColor fillColor MEMBER m_fillColor NOTIFY coloursChanged)
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY coloursChanged)
     Q_PROPERTY(QColor selectionColor MEMBER m_selectionColor NOTIFY coloursChanged)
     Q_PROPERTY(QColor selectedTextColor MEMBER m_selectedTextColor NOTIFY coloursChanged)
@@ -60,8 +66,6 @@ public:
     [[nodiscard]] QString rowTextAt(qreal y) const;
     [[nodiscard]] const QXTextRows &rows() const { return m_rows; }
 
-    void paint(QPainter *painter) override;
-
 Q_SIGNALS:
     void documentChanged();
     void fontChanged();
@@ -75,8 +79,13 @@ Q_SIGNALS:
 
 protected:
     void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
+    void itemChange(ItemChange change, const ItemChangeData &data) override;
     void updatePolish() override;
+    QSGNode *updatePaintNode(QSGNode *before, UpdatePaintNodeData *) override;
 
+    /// Paints the visible rows. Called before a frame when the item was polished, like after every change
+    /// that is visible.
+    virtual void paint(QPainter &painter);
     /// Breaks the rows now if they have to be broken.
     void breakRows();
     /// The text that a row shows, without its line end.
@@ -91,10 +100,12 @@ private:
     void followEdit(qsizetype position, qsizetype removed, qsizetype added);
     [[nodiscard]] int rowAtOffset(qreal offset) const;
     [[nodiscard]] const QXTextRowLayout &layoutOf(int row) const;
+    [[nodiscard]] QImage paintPicture();
     void paintRow(QPainter &painter, int row) const;
 
     QPointer<QXTextDocument> m_document;
     QFont m_font;
+    QColor m_fillColor = Qt::transparent;
     QColor m_color = Qt::black;
     QColor m_selectionColor = Qt::blue;
     QColor m_selectedTextColor = Qt::white;
@@ -107,5 +118,7 @@ private:
     /// The number of columns per row; 0 when the rows have to be broken.
     int m_columns = 0;
     QXTextSelection m_selection;
+    /// The item in device pixels. Kept, because a window that has released its resources asks for it again.
+    QImage m_picture;
     mutable std::unordered_map<int, std::unique_ptr<QXTextRowLayout>> m_layouts;
 };

@@ -218,7 +218,7 @@ void QXTextEditor::focusOutEvent(QFocusEvent *event)
     setPreedit({}, 0);
     m_blinkTimer.stop();
     m_isCaretShown = false;
-    update();
+    polish();
 }
 
 void QXTextEditor::timerEvent(QTimerEvent *event)
@@ -228,7 +228,7 @@ void QXTextEditor::timerEvent(QTimerEvent *event)
         return;
     }
     m_isCaretShown = !m_isCaretShown;
-    update();
+    polish();
 }
 
 /// Shows the caret and restarts its blinking.
@@ -242,20 +242,20 @@ void QXTextEditor::showCaret()
     if (const int period = QGuiApplication::styleHints()->cursorFlashTime(); period > 1)
         m_blinkTimer.start(period / 2, this);
     updateInputMethod(Qt::ImQueryInput | Qt::ImCurrentSelection | Qt::ImCursorRectangle);
-    update();
+    polish();
 }
 
-void QXTextEditor::paint(QPainter *painter)
+void QXTextEditor::paint(QPainter &painter)
 {
     QXTextView::paint(painter);
     const QRectF caret = visibleCaret();
     if (m_isCaretShown && !isReadOnly())
-        painter->fillRect(caret, color());
+        painter.fillRect(caret, color());
     if (m_preedit.isEmpty())
         return;
     const qreal start = caretAt(selection().cursor()).x();
     const qreal end = caretAt(selection().cursor(), int(m_preedit.size())).x();
-    painter->fillRect(QRectF(qMin(start, end), caret.bottom() - 2, qAbs(end - start), 1), color());
+    painter.fillRect(QRectF(qMin(start, end), caret.bottom() - 2, qAbs(end - start), 1), color());
 }
 
 QRectF QXTextEditor::visibleCaret() const

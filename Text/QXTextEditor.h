@@ -44,7 +44,6 @@ public:
     /// Requests that the page scrolls to the cursor.
     Q_INVOKABLE void showCursor() { revealCursor(); }
 
-    void paint(QPainter *painter) override;
     [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 Q_SIGNALS:
@@ -62,6 +61,7 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
+    void paint(QPainter &painter) override;
 
     [[nodiscard]] bool wantsKey(const QKeyEvent &event) const override;
     [[nodiscard]] QString rowText(int row) const override;

@@ -4,7 +4,8 @@
 
 #include <vector>
 
-/// The layout of one row of a text view. Used by one thread at a time.
+/// The layout of one row of a text view. Only for the thread that creates it, because it keeps fonts of that
+/// thread.
 ///
 /// Positions count units within the row, from 0.
 class QXTextRowLayout
