@@ -11,12 +11,26 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QTextStream>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QStyleHints>
+#include <QtQuick/QQuickWindow>
 
 namespace {
 
 QString pictureName(int number, const char *step)
 {
     return QStringLiteral("%1-%2.png").arg(number, 2, 10, QLatin1Char('0')).arg(QLatin1StringView(step));
+}
+
+/// Switches off what ends or begins after some time by itself, because a busy machine is late: the blinking
+/// cursor, the menu that a long press opens, and the store's messages, which its tabs hide as well.
+void removeTimeLimits(const QQuickWindow &window)
+{
+    constexpr int tenMinutes = 600'000;
+    QGuiApplication::styleHints()->setCursorFlashTime(0);
+    QGuiApplication::styleHints()->setMousePressAndHoldInterval(tenMinutes);
+    if (auto *const notice = window.findChild<QObject *>(QStringLiteral("storeNotice")))
+        notice->setProperty("duration", tenMinutes);
 }
 
 } // namespace
@@ -29,6 +43,7 @@ int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
         out << "cannot write to " << outputFolder << Qt::endl;
         return 1;
     }
+    removeTimeLimits(window);
     TourRobot robot(window);
     StoreStage store(robot, outputFolder);
     InspectorStage inspector(robot, outputFolder);

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto exportLimit = 20s;
+constexpr auto exportLimit = 180s;
 
 } // namespace
 

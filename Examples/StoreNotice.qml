@@ -5,6 +5,9 @@ import QuorvixDemo
 Rectangle {
     id: root
 
+    /// How long a message is shown, in milliseconds.
+    property int duration: 1800
+
     function show(text: string): void {
         label.text = text;
         root.opacity = 1;
@@ -40,7 +43,7 @@ Rectangle {
     Timer {
         id: timer
 
-        interval: 1800
+        interval: root.duration
         onTriggered: root.opacity = 0
     }
 }

@@ -2,6 +2,7 @@
 
 #include "Examples/VisibleItems.h"
 
+#include <QtCore/QAbstractAnimation>
 #include <QtCore/QDateTime>
 #include <QtCore/QDeadlineTimer>
 #include <QtGui/QClipboard>
@@ -18,16 +19,30 @@
 
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr int dragSteps = 12;
-constexpr int frameInterval = 16;
+/// The time between the steps of a drag, in milliseconds by the clock of the simulated events.
+constexpr int dragInterval = 16;
+/// After so many steps a page or an item that still moves is seen at another place.
+constexpr int stepsThatShow = 4;
 /// The angle of one step of a mouse wheel, in eighths of a degree.
 constexpr int wheelStep = 120;
 constexpr int mostTurns = 4;
 /// An upper limit for how far a page still scrolls after fast turns of the wheel, in pixels.
 constexpr double maximumGlide = 500;
-constexpr auto restLimit = 3s;
+
+/// Counts the steps of the animations in the application. Timers tell nothing about them on a busy machine.
+class StepCounter final : public QAbstractAnimation
+{
+public:
+    [[nodiscard]] int duration() const override { return -1; }
+    [[nodiscard]] int count() const noexcept { return m_count; }
+
+protected:
+    void updateCurrentTime(int /*time*/) override { ++m_count; }
+
+private:
+    int m_count = 0;
+};
 
 /// Whether an item matches a name as TourRobot::find() describes it.
 bool isNamed(const QQuickItem *item, const QString &name)
@@ -195,8 +210,8 @@ bool TourRobot::drag(const QString &name, QPoint by)
     const QPoint start = middle(*find(name));
     QTest::mousePress(&m_window, Qt::LeftButton, {}, start);
     for (int step = 1; step <= dragSteps; ++step)
-        QTest::mouseMove(&m_window, start + by * step / dragSteps, frameInterval);
-    QTest::mouseRelease(&m_window, Qt::LeftButton, {}, start + by, frameInterval);
+        QTest::mouseMove(&m_window, start + by * step / dragSteps, dragInterval);
+    QTest::mouseRelease(&m_window, Qt::LeftButton, {}, start + by, dragInterval);
     return true;
 }
 
@@ -227,14 +242,33 @@ bool TourRobot::resize(QSize size)
 bool TourRobot::screenshot(const QString &path)
 {
     QImage picture = m_window.grabWindow();
-    // A picture that never comes to rest is saved when the time limit ends.
-    for (QDeadlineTimer limit(restLimit); !limit.hasExpired();) {
-        QTest::qWait(4 * frameInterval);
+    bool changes = true;
+    for (const QDeadlineTimer limit(defaultTimeout); changes && !limit.hasExpired();) {
+        if (!waitForFrames())
+            return false;
         QImage next = m_window.grabWindow();
-        if (std::exchange(picture, next) == next)
-            break;
+        changes = std::exchange(picture, next) != next;
     }
-    return (!picture.isNull() && picture.save(path)) || complain(QStringLiteral("cannot save ") + path);
+    if (picture.isNull() || !picture.save(path))
+        return complain(QStringLiteral("cannot save ") + path);
+    return !changes || complain(QStringLiteral("the picture never comes to rest"));
+}
+
+bool TourRobot::waitForFrames()
+{
+    StepCounter steps;
+    steps.start();
+    int frames = 0;
+    // Emitted when the items are laid out and the frame shows them.
+    const auto counting = QObject::connect(&m_window, &QQuickWindow::afterAnimating, [&] { ++frames; });
+    const bool done = waitUntil(
+        [&] {
+            m_window.update();
+            return steps.count() >= stepsThatShow && frames >= 2;
+        },
+        QStringLiteral("the window draws nothing"));
+    QObject::disconnect(counting);
+    return done;
 }
 
 bool TourRobot::check(bool condition, const char *otherwise)
@@ -290,16 +324,14 @@ void TourRobot::turnWheel(QPoint at, int turn)
     QWheelEvent wheel(at, m_window.mapToGlobal(at), {}, down, Qt::NoButton, {}, Qt::NoScrollPhase, false);
     wheel.setTimestamp(static_cast<quint64>(QDateTime::currentMSecsSinceEpoch()));
     QCoreApplication::sendEvent(&m_window, &wheel);
-    QTest::qWait(frameInterval);
 }
 
-bool TourRobot::isAtRest() const
+bool TourRobot::isAtRest()
 {
     const QList<QPointF> positions = movingPositions(m_window.contentItem());
     if (positions.isEmpty())
         return true;
-    QTest::qWait(4 * frameInterval);
-    return movingPositions(m_window.contentItem()) == positions;
+    return waitForFrames() && movingPositions(m_window.contentItem()) == positions;
 }
 
 bool TourRobot::waitUntilStill(const QString &name)
@@ -307,7 +339,8 @@ bool TourRobot::waitUntilStill(const QString &name)
     std::optional<QPoint> last;
     return waitUntil(
         [&] {
-            QTest::qWait(2 * frameInterval);
+            if (!waitForFrames())
+                return false;
             const QQuickItem *const item = find(name);
             const auto now = isReady(item) ? std::optional(middle(*item)) : std::nullopt;
             return now && std::exchange(last, now) == now;

@@ -15,7 +15,8 @@ class QQuickWindow;
 class TourRobot final
 {
 public:
-    static constexpr std::chrono::seconds defaultTimeout{8};
+    /// Long enough for a machine that is busy with other things. Only a failure waits so long.
+    static constexpr std::chrono::seconds defaultTimeout{60};
 
     explicit TourRobot(QQuickWindow &window) : m_window(window) {}
 
@@ -55,7 +56,7 @@ public:
     /// Resizes the window and waits until it has this size.
     bool resize(QSize size);
 
-    /// Waits until the picture does not change any more and saves it.
+    /// Waits until the picture does not change any more and saves it. Fails when it never comes to rest.
     bool screenshot(const QString &path);
 
     /// Returns @p condition; when it is false, stores @p otherwise as the complaint.
@@ -65,13 +66,15 @@ public:
 
 private:
     bool complain(const QString &complaint);
+    /// Waits until the animations that run have advanced several times, and the window has drawn their state.
+    bool waitForFrames();
     bool clickWith(Qt::MouseButton button, const QString &name);
     /// The distance that an item lies below the visible part of its page, or above it when negative.
     [[nodiscard]] double distanceFromView(const QQuickItem *item) const;
     bool bringIntoView(const QString &name);
     /// Whether no page scrolls. The positions are compared, because a page whose content changed while it
     /// moved may report for ever that it moves.
-    [[nodiscard]] bool isAtRest() const;
+    [[nodiscard]] bool isAtRest();
     /// Waits until an item stands still and is enabled, so that it can be clicked reliably.
     bool waitUntilStill(const QString &name);
     void turnWheel(QPoint at, int turn);

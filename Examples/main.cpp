@@ -13,7 +13,6 @@
 #include <QtGui/QFontDatabase>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPalette>
-#include <QtGui/QStyleHints>
 #include <QtQml/QQmlApplicationEngine>
 #include <QtQuick/QQuickWindow>
 
@@ -46,14 +45,17 @@ Options readOptions(const QCoreApplication &application)
     return {parser.value(headless), wanted.isEmpty() ? QSize(390, 844) : wanted, parser.isSet(dark)};
 }
 
-/// Selects a platform without a display for the tour. This has to happen before the application is created.
+/// Selects a platform without a display for the tour, unless the environment selects another one. This has to
+/// happen before the application is created.
 void chooseHeadlessPlatform(int argc, char *argv[])
 {
     for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--headless", 10) == 0) {
+        if (std::strncmp(argv[i], "--headless", 10) != 0)
+            continue;
+        if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
+        if (qgetenv("QT_QPA_PLATFORM") == "offscreen" && !qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
             qputenv("QT_QUICK_BACKEND", "software");
-        }
     }
 }
 
@@ -67,7 +69,6 @@ void applyAppearance(const Options &options)
 
 int takeTour(QQuickWindow &window, const QString &folder)
 {
-    QGuiApplication::styleHints()->setCursorFlashTime(0);
     AnimationClock clock(5);
     clock.install();
     return DemoTour::run(window, folder);
