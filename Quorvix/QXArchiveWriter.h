@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <ranges>
 
@@ -24,9 +25,10 @@ public:
     /// Returns the next trace, or null after the last one.
     using Source = std::function<const QXRequestTrace *()>;
 
-    /// Makes a source from a range of traces or of pointers to traces. The range must outlive the source.
+    /// Makes a source from a range of traces or of pointers to traces. The range must outlive the source,
+    /// except a temporary one, which the source keeps.
     template<std::ranges::input_range Range>
-    [[nodiscard]] static Source sourceOf(Range &traces);
+    [[nodiscard]] static Source sourceOf(Range &&traces);
 
     /// Returns the whole document. Only memory limits its size; to write a file, use the overload with a
     /// device.
@@ -48,17 +50,24 @@ public:
 };
 
 template<std::ranges::input_range Range>
-QXArchiveWriter::Source QXArchiveWriter::sourceOf(Range &traces)
+QXArchiveWriter::Source QXArchiveWriter::sourceOf(Range &&traces)
 {
-    return [at = std::ranges::begin(traces), end = std::ranges::end(traces)]() mutable {
-        const QXRequestTrace *trace = nullptr;
-        if (at != end) {
-            if constexpr (std::is_pointer_v<std::ranges::range_value_t<Range>>)
-                trace = *at;
-            else
-                trace = &*at;
-            ++at;
-        }
-        return trace;
-    };
+    if constexpr (!std::is_lvalue_reference_v<Range>) {
+        auto kept = std::make_shared<Range>(std::move(traces));
+        return [kept, source = sourceOf(*kept)] {
+            return source();
+        };
+    } else {
+        return [at = std::ranges::begin(traces), end = std::ranges::end(traces)]() mutable {
+            const QXRequestTrace *trace = nullptr;
+            if (at != end) {
+                if constexpr (std::is_pointer_v<std::ranges::range_value_t<Range>>)
+                    trace = *at;
+                else
+                    trace = &*at;
+                ++at;
+            }
+            return trace;
+        };
+    }
 }

@@ -85,7 +85,7 @@ QList<QXRequestTrace>
 QXRequestRecorder::findRequests(const std::function<bool(const QXRequestTrace &)> &predicate) const
 {
     QList<QXRequestTrace> found;
-    for (const QXRequestTrace &trace : m_requests) {
+    for (const QXRequestTrace &trace : requests()) {
         if (predicate(trace))
             found.append(trace);
     }

@@ -20,8 +20,9 @@ public:
     QXRequestRecorder(const QXRequestRecorder &) = delete;
     QXRequestRecorder &operator=(const QXRequestRecorder &) = delete;
 
-    /// A snapshot of the current traces; later changes do not affect it.
-    [[nodiscard]] const QXTraceList &requests() const noexcept { return m_requests; }
+    /// A snapshot of the current traces; later changes do not affect it. Taking one costs the same for any
+    /// number of traces.
+    [[nodiscard]] QXTraceList requests() const noexcept { return m_requests; }
 
     /// Adds a trace of @p request to the front.
     void record(const QString &id, const Quorvix::URLRequest &request);
@@ -34,7 +35,8 @@ public:
     /// Removes all traces.
     void clear();
 
-    /// Returns copies of the traces for which @p predicate is true, in stored order.
+    /// Returns copies of the traces for which @p predicate is true, in stored order. The predicate may change
+    /// the recorder; the search goes on in the traces of its beginning.
     [[nodiscard]] QList<QXRequestTrace>
     findRequests(const std::function<bool(const QXRequestTrace &)> &predicate) const;
     /// The traces whose URL's path extension contains @p path.

@@ -64,7 +64,9 @@ public:
     [[nodiscard]] bool isEmpty() const noexcept { return m_size == 0; }
 
     /// The trace at a position counted from the newest. @p index must be less than size().
-    [[nodiscard]] const QXRequestTrace &operator[](qsizetype index) const { return cell(index)->trace; }
+    [[nodiscard]] const QXRequestTrace &operator[](qsizetype index) const & { return cell(index)->trace; }
+    /// The trace of a temporary list, which the list may be the last to own: a copy.
+    [[nodiscard]] QXRequestTrace operator[](qsizetype index) && { return cell(index)->trace; }
     [[nodiscard]] const CellPtr &cell(qsizetype index) const;
 
     /// The position of the newest trace with this identifier, or -1. A linear scan from the newest.

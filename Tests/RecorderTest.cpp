@@ -33,6 +33,7 @@ private Q_SLOTS:
     void newestComesFirstAndEveryChangeIsPosted();
     void completionFillsInWhatItWasGiven();
     void finders();
+    void loopsSurviveChangesOfTheRecorder();
     void snapshotsStayAsTheyWere();
     void differencesAreFoundBetweenRelatedLists();
 
@@ -146,6 +147,35 @@ void RecorderTest::finders()
     QCOMPARE(ids(m_recorder.findRequestsByMethod(u"GET"_s)), QStringList({u"D"_s, u"A"_s}));
     QCOMPARE(ids(m_recorder.findRequestsByStatusCode(404)), QStringList(u"A"_s));
     QVERIFY(m_recorder.findRequestsByStatusCode(0).isEmpty());
+}
+
+void RecorderTest::loopsSurviveChangesOfTheRecorder()
+{
+    const auto fill = [this] {
+        m_recorder.clear();
+        for (int i = 0; i < 100; ++i)
+            m_recorder.record(QString::number(i), makeRequest(u"http://host/"_s));
+    };
+    fill();
+    const auto &snapshot = m_recorder.requests();
+    const auto &newest = m_recorder.requests()[0];
+    int seen = 0;
+    for (const QXRequestTrace &trace : m_recorder.requests()) {
+        QCOMPARE(trace.id, QString::number(99 - seen++));
+        seen == 50 ? m_recorder.clear() : m_recorder.record(u"late"_s, makeRequest(u"http://host/"_s));
+    }
+    QCOMPARE(seen, 100);
+    QCOMPARE(snapshot.size(), 100);
+    QCOMPARE(newest.id, u"99"_s);
+    QCOMPARE(m_recorder.requests().size(), 50);
+
+    fill();
+    const auto found = m_recorder.findRequests([this](const QXRequestTrace &trace) {
+        m_recorder.clear();
+        return trace.id.endsWith(u'7');
+    });
+    QCOMPARE(found.size(), 10);
+    QVERIFY(m_recorder.requests().isEmpty());
 }
 
 void RecorderTest::snapshotsStayAsTheyWere()

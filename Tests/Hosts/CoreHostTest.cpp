@@ -46,11 +46,10 @@ void CoreHostTest::writesAnArchiveOfWhatItDid()
     QTRY_VERIFY(body);
     QCOMPARE(*body, "hello");
 
-    const auto &traces = QXRequestRecorder::shared().requests();
+    const auto traces = QXArchiveWriter::sourceOf(QXRequestRecorder::shared().requests());
+    QXRequestRecorder::shared().clear();
     const QJsonObject log =
-        QJsonDocument::fromJson(QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces)))
-            .object()[u"log"]
-            .toObject();
+        QJsonDocument::fromJson(QXArchiveWriter::archive(traces)).object()[u"log"].toObject();
     const QJsonArray entries = log[u"entries"].toArray();
     QCOMPARE(entries.size(), 1);
     QCOMPARE(entries[0][u"request"][u"url"].toString(), url.toString());
