@@ -6,6 +6,9 @@
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QThread>
 
+#include <memory>
+#include <vector>
+
 namespace Quorvix {
 
 namespace {
@@ -15,60 +18,80 @@ using namespace std::chrono_literals;
 /// How long the end of the application waits for a completion handler that is still running.
 constexpr auto shutdownTimeout = 2s;
 
-struct Loading
+class Thread final : public QThread
 {
-    std::mutex mutex;
-    QThread *thread = nullptr;
-    TaskMailbox mailbox;
+public:
+    /// The parent of all objects in this thread.
+    QObject *receiver = nullptr;
+};
 
+class Loading
+{
+public:
     static Loading &instance()
     {
         static auto *const loading = new Loading;
         return *loading;
     }
 
-    void startOnce()
+    void post(std::function<void()> task)
     {
-        const std::scoped_lock lock(mutex);
-        if (thread || !isApplicationRunning)
-            return;
-        thread = new QThread;
-        thread->setObjectName(QStringLiteral("NSURLSession"));
-        thread->start();
-        mailbox.open(thread);
+        m_mailbox.post(std::move(task));
+        const std::scoped_lock lock(m_mutex);
+        startIfNeeded();
     }
 
     void applicationStarts()
     {
-        const std::scoped_lock lock(mutex);
-        isApplicationRunning = true;
-        mailbox.reset();
         qAddPostRoutine([] { instance().applicationEnds(); });
+        const std::scoped_lock lock(m_mutex);
+        m_isApplicationRunning = true;
+        std::erase_if(m_lateThreads, [](const auto &thread) { return thread->isFinished(); });
+        startIfNeeded();
     }
 
     void applicationEnds()
     {
         QObject *receiver = nullptr;
-        QThread *ending = nullptr;
+        std::unique_ptr<Thread> ending;
         {
-            const std::scoped_lock lock(mutex);
-            isApplicationRunning = false;
-            receiver = mailbox.close();
-            ending = std::exchange(thread, nullptr);
+            const std::scoped_lock lock(m_mutex);
+            m_isApplicationRunning = false;
+            receiver = m_mailbox.close();
+            ending = std::move(m_thread);
         }
         if (!ending)
             return;
-        // The receiver deletes its children, the network access managers with their replies, in the thread
-        // that they live in. Running exchanges end without a completion call, because the application is
-        // ending.
+        // From here on no completion handler is called, because the application is ending. Tasks that wait
+        // in the queue are dropped here, and running exchanges in their own thread: the receiver deletes its
+        // children, the network access managers with their replies, in the thread that they live in.
+        ending->requestInterruption();
+        QCoreApplication::removePostedEvents(receiver);
         receiver->deleteLater();
         ending->quit();
-        if (ending->wait(QDeadlineTimer(shutdownTimeout)))
-            delete ending;
+        if (!ending->wait(QDeadlineTimer(shutdownTimeout)))
+            m_lateThreads.push_back(std::move(ending));
     }
 
 private:
-    bool isApplicationRunning = false;
+    /// The caller holds the lock.
+    void startIfNeeded()
+    {
+        if (m_thread || !m_isApplicationRunning || !m_mailbox.hasWaitingTasks())
+            return;
+        m_thread = std::make_unique<Thread>();
+        m_thread->setObjectName(QStringLiteral("NSURLSession"));
+        m_thread->receiver = m_mailbox.open(m_thread.get());
+        m_thread->start();
+    }
+
+    std::mutex m_mutex;
+    std::unique_ptr<Thread> m_thread;
+    bool m_isApplicationRunning = false;
+    TaskMailbox m_mailbox;
+    /// Threads that had not ended in time. A running thread cannot be deleted. In the application's thread
+    /// only.
+    std::vector<std::unique_ptr<Thread>> m_lateThreads;
 };
 
 void followApplication()
@@ -82,14 +105,17 @@ Q_COREAPP_STARTUP_FUNCTION(followApplication)
 
 void LoadingThread::post(std::function<void()> task)
 {
-    Loading &loading = Loading::instance();
-    loading.startOnce();
-    loading.mailbox.post(std::move(task));
+    Loading::instance().post(std::move(task));
 }
 
 QObject *LoadingThread::parent()
 {
-    return Loading::instance().mailbox.receiver();
+    return static_cast<Thread *>(QThread::currentThread())->receiver;
+}
+
+bool LoadingThread::isEnding()
+{
+    return QThread::currentThread()->isInterruptionRequested();
 }
 
 } // namespace Quorvix

@@ -10,8 +10,8 @@ namespace Quorvix {
 namespace MainActor {
 
 /// Runs @p task on the application's thread, in a later turn of its event loop; tasks run in the order in
-/// which they were scheduled. Before there is an application they wait for it; after its end they are
-/// dropped, never run. Returns at once. Any thread.
+/// which they were scheduled. While there is no application they wait for the next one. Those that have not
+/// run when it ends are dropped. Returns at once. Any thread.
 QUORVIX_INTERNAL_EXPORT void schedule(std::function<void()> task);
 
 /// Whether the caller runs on the application's thread. False when there is no application.

@@ -29,28 +29,21 @@ protected:
 
 } // namespace
 
-void TaskMailbox::open(QThread *thread)
+TaskMailbox::Receiver *TaskMailbox::open(QThread *thread)
 {
     const std::scoped_lock lock(m_mutex);
     m_receiver = new TaskReceiver;
     m_receiver->moveToThread(thread);
-    m_ended = false;
     for (auto &task : m_pendingTasks)
         QCoreApplication::postEvent(m_receiver, new TaskEvent(std::move(task)));
     m_pendingTasks.clear();
+    return m_receiver;
 }
 
 TaskMailbox::Receiver *TaskMailbox::close()
 {
     const std::scoped_lock lock(m_mutex);
-    m_ended = true;
     return std::exchange(m_receiver, nullptr);
-}
-
-void TaskMailbox::reset()
-{
-    const std::scoped_lock lock(m_mutex);
-    m_ended = false;
 }
 
 void TaskMailbox::post(std::function<void()> task)
@@ -58,8 +51,14 @@ void TaskMailbox::post(std::function<void()> task)
     const std::scoped_lock lock(m_mutex);
     if (m_receiver)
         QCoreApplication::postEvent(m_receiver, new TaskEvent(std::move(task)));
-    else if (!m_ended)
+    else
         m_pendingTasks.push_back(std::move(task));
+}
+
+bool TaskMailbox::hasWaitingTasks() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return !m_pendingTasks.empty();
 }
 
 } // namespace Quorvix

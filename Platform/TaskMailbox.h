@@ -10,8 +10,8 @@ class QThread;
 
 namespace Quorvix {
 
-/// A queue of tasks for one thread, open only while that thread can run them. Its owner must not destroy it
-/// while another thread may post.
+/// A queue of tasks for one thread, open only while that thread can run them. While it is closed, tasks wait
+/// until it opens again. Its owner must not destroy it while another thread may post.
 class TaskMailbox
 {
 public:
@@ -19,24 +19,22 @@ public:
     /// children.
     using Receiver = QObject;
 
-    /// Starts to deliver to @p thread, first the tasks that were posted before.
-    void open(QThread *thread);
-    /// Stops delivery and returns the receiver; the caller deletes it, which drops the remaining tasks. Null
-    /// when the mailbox is closed.
+    /// Starts to deliver to @p thread, first the tasks that wait. Returns the receiver, which belongs to the
+    /// mailbox until close().
+    Receiver *open(QThread *thread);
+    /// Stops delivery and returns the receiver; the caller deletes it, which drops the tasks that have not
+    /// run. Null when the mailbox is closed.
     [[nodiscard]] Receiver *close();
-    /// Accepts tasks again and keeps them until open().
-    void reset();
 
-    /// Delivers later, in order; keeps the task when not yet open, drops it when closed. Any thread.
+    /// Delivers later, in order; keeps the task while the mailbox is closed. Any thread.
     void post(std::function<void()> task);
 
-    /// The receiver; it may be used in its own thread only.
-    [[nodiscard]] Receiver *receiver() const { return m_receiver; }
+    /// Whether tasks wait until the mailbox opens. Any thread.
+    [[nodiscard]] bool hasWaitingTasks() const;
 
 private:
-    std::mutex m_mutex;
+    mutable std::mutex m_mutex;
     Receiver *m_receiver = nullptr;
-    bool m_ended = false;
     std::vector<std::function<void()>> m_pendingTasks;
 };
 

@@ -14,13 +14,18 @@ URLLoadSession::URLLoadSession(NSURLSessionConfiguration sessionConfiguration)
 
 URLLoadSession::~URLLoadSession()
 {
-    if (m_manager)
-        LoadingThread::post([manager = m_manager] { delete manager; });
+    if (m_manager) {
+        LoadingThread::post([manager = m_manager, parent = m_parent] {
+            if (parent == LoadingThread::parent())
+                delete manager;
+        });
+    }
 }
 
 QNetworkAccessManager *URLLoadSession::manager()
 {
-    if (!m_manager) {
+    if (!m_manager || m_parent != LoadingThread::parent()) {
+        m_parent = LoadingThread::parent();
         m_manager = new QNetworkAccessManager(LoadingThread::parent());
         m_manager->setCookieJar(HTTPCookieStorage::makeJar().release());
     }

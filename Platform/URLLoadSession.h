@@ -22,6 +22,9 @@ struct URLLoadSession
 
 private:
     QPointer<QNetworkAccessManager> m_manager;
+    /// The parent of the manager. It differs from that of the current thread when the manager belongs to the
+    /// thread of an earlier application.
+    const QObject *m_parent = nullptr;
 };
 
 } // namespace Quorvix

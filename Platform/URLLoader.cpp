@@ -2,6 +2,7 @@
 
 #include "Platform/HTTPHeaderName.h"
 #include "Platform/HTTPRedirect.h"
+#include "Platform/LoadingThread.h"
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/UTF8Text.h"
 
@@ -26,7 +27,7 @@ void complete(Task &task, std::optional<QByteArray> data, NSURLResponsePtr respo
     if (task.state.exchange(State::Completed) == State::Completed)
         return;
     const auto completionHandler = std::exchange(task.completionHandler, nullptr);
-    if (completionHandler)
+    if (completionHandler && !LoadingThread::isEnding())
         completionHandler(std::move(data), std::move(response), std::move(error));
 }
 

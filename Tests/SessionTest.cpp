@@ -4,6 +4,8 @@
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/NSURLSession.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QSemaphore>
@@ -273,5 +275,62 @@ void SessionTest::sessionMayGoBeforeItsTasks()
     QVERIFY(done.tryAcquire(1, 10'000));
 }
 
-QTEST_GUILESS_MAIN(SessionTest)
+/// A task that is resumed while there is no application starts with the next one.
+static int startBeforeTheApplication(int argc, char *argv[])
+{
+    QSemaphore done;
+    NSURLSession session;
+    const auto task = session.dataTaskWithRequest(URLRequest(QUrl(u"data:text/plain,early"_s)),
+                                                  [&](auto, auto, auto) { done.release(); });
+    task->resume();
+    const QCoreApplication application(argc, argv);
+    return done.tryAcquire(1, 10'000) ? 0 : 1;
+}
+
+/// The end of the application does not wait for ever for a handler, and calls no other one afterwards.
+static int endWhileAHandlerRuns(int argc, char *argv[])
+{
+    QSemaphore entered;
+    QSemaphore left;
+    std::atomic<int> calls = 0;
+    NSURLSession session;
+    QElapsedTimer timer;
+    {
+        const QCoreApplication application(argc, argv);
+        for (int i = 0; i < 20; ++i) {
+            session
+                .dataTaskWithRequest(URLRequest(QUrl(u"data:text/plain,late"_s)),
+                                     [&](auto, auto, auto) {
+                                         ++calls;
+                                         entered.release();
+                                         left.acquire();
+                                     })
+                ->resume();
+        }
+        entered.acquire();
+        timer.start();
+    }
+    const bool isInTime = timer.elapsed() < 5000;
+    left.release(20);
+    const int next = startBeforeTheApplication(argc, argv);
+    return isInTime && calls == 1 ? next : 1;
+}
+
+int main(int argc, char *argv[])
+{
+    int failures = startBeforeTheApplication(argc, argv);
+    if (failures)
+        qWarning("a task that waits for the application does not start");
+    {
+        const QCoreApplication application(argc, argv);
+        SessionTest test;
+        failures += QTest::qExec(&test, argc, argv);
+    }
+    if (endWhileAHandlerRuns(argc, argv)) {
+        qWarning("a handler disturbs the end of the application");
+        ++failures;
+    }
+    return failures;
+}
+
 #include "SessionTest.moc"

@@ -3,6 +3,7 @@
 #include <Quorvix/QXRequestRecorder.h>
 #include <Quorvix/QXSessionHook.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -19,10 +20,23 @@ class CoreHostTest : public QObject
 {
     Q_OBJECT
 
+public:
+    std::optional<QByteArray> early;
+
 private Q_SLOTS:
+    void taskWaitsForTheApplication();
     void writesAnArchiveOfWhatItDid();
     void loadsNothingOfAScreen();
 };
+
+void CoreHostTest::taskWaitsForTheApplication()
+{
+    QTRY_COMPARE(early, QByteArray("early"));
+    const auto &traces = QXRequestRecorder::shared().requests();
+    QCOMPARE(traces.size(), 1);
+    QVERIFY(traces[0].duration);
+    QXRequestRecorder::shared().clear();
+}
 
 void CoreHostTest::writesAnArchiveOfWhatItDid()
 {
@@ -37,7 +51,6 @@ void CoreHostTest::writesAnArchiveOfWhatItDid()
         });
     });
 
-    QXSessionHook::install();
     std::optional<QByteArray> body;
     const QUrl url(u"http://127.0.0.1:%1/greeting"_s.arg(server.serverPort()));
     NSURLSession::shared()
@@ -67,5 +80,16 @@ void CoreHostTest::loadsNothingOfAScreen()
         QVERIFY2(!loaded.contains(library), library);
 }
 
-QTEST_GUILESS_MAIN(CoreHostTest)
+int main(int argc, char *argv[])
+{
+    CoreHostTest test;
+    QXSessionHook::install();
+    NSURLSession::shared()
+        .dataTaskWithRequest(URLRequest(QUrl(u"data:text/plain,early"_s)),
+                             [&test](auto data, auto, auto) { test.early = data; })
+        ->resume();
+    const QCoreApplication application(argc, argv);
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "CoreHostTest.moc"
