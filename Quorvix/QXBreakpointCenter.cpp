@@ -132,6 +132,13 @@ void QXBreakpointCenter::apply(const std::optional<QString> &statusCode, const s
     release(statusCode, false, body);
 }
 
+void QXBreakpointCenter::dropAll()
+{
+    // The destructors of a host's objects can call this center.
+    const auto active = std::exchange(m_activeBreakpoint, std::nullopt);
+    const auto queue = std::exchange(m_queue, {});
+}
+
 void QXBreakpointCenter::startCooldown()
 {
     m_skipUntil = m_now() + cooldown;

@@ -46,6 +46,10 @@ public:
     /// integer, the status code stays as it was. An absent body text gives an empty body.
     void apply(const std::optional<QString> &statusCode, const std::optional<QString> &body);
 
+    /// Destroys the held responses without delivering them. Called when the application ends; nobody is
+    /// notified.
+    void dropAll();
+
     /// Replaces the clock that measures the cooldown.
     void setClock(Clock clock) { m_now = std::move(clock); }
 

@@ -1,12 +1,14 @@
 #include "Quorvix/QXSessionHook.h"
 
 #include "Quorvix/QXBreakpointCenter.h"
+#include "Quorvix/QXHostCompletion.h"
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Platform/MainActor.h"
 #include "Platform/NSURLSession.h"
 #include "Platform/ObjectRuntime.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QUuid>
 
 #include <mutex>
@@ -46,14 +48,13 @@ NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &
     const QString identifier = makeIdentifier();
     MainActor::schedule([identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
 
-    // Called once, on the session's thread. The host's completion handler is moved to the main thread, so
-    // that its captured objects are destroyed there.
-    auto wrapper = [request, identifier, completion = std::move(completion)](
+    // Called once, on the session's thread.
+    auto wrapper = [request, identifier, completion = QXHostCompletion(std::move(completion))](
                        std::optional<QByteArray> data, NSURLResponsePtr response,
                        std::optional<NSError> error) mutable {
         MainActor::schedule([request, identifier, completion = std::move(completion), data = std::move(data),
                              response = std::move(response), error = std::move(error)] {
-            finish(request, identifier, data, response, error, completion);
+            finish(request, identifier, data, response, error, completion.take());
         });
     };
     auto *const original = NSURLSession::objectClass().implementation<NSURLSession::DataTaskImplementation>(
@@ -61,7 +62,21 @@ NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &
     return original(session, request, std::move(wrapper));
 }
 
+/// What the handlers of the host have captured must not outlive the application.
+void destroyHandlers()
+{
+    QXBreakpointCenter::shared().dropAll();
+    QXHostCompletion::destroyAll();
+}
+
+void followApplication()
+{
+    qAddPostRoutine(destroyHandlers);
+}
+
 } // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(followApplication)
 
 void QXSessionHook::exchange(ObjectClass &sessionClass)
 {

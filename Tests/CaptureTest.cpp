@@ -20,6 +20,9 @@
 #include <vector>
 
 using namespace Quorvix;
+
+using namespace std::chrono_literals;
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -185,34 +188,101 @@ void CaptureTest::thousandExchangesFromManyThreads()
     QCOMPARE(sizes.size(), threads * each);
 }
 
-/// Exchanges that run when the application ends, or that start afterwards, must neither crash nor block.
-static int endWithExchangesInFlight()
+namespace {
+
+/// What became of handlers.
+struct Fates
 {
-    DemoServer server;
-    if (!server.start())
-        return 1;
-    bool heard = false;
-    const auto start = [&](const QString &path) {
-        auto task = NSURLSession::shared().dataTaskWithRequest(URLRequest(server.url(path)),
-                                                               [&](auto, auto, auto) { heard = true; });
+    int made = 0;
+    std::atomic<int> called = 0;
+    std::atomic<int> destroyedHere = 0;
+    std::atomic<int> destroyedElsewhere = 0;
+};
+
+/// Captured by a handler.
+class Witness
+{
+public:
+    explicit Witness(Fates &fates) : m_fates(fates) { ++m_fates.made; }
+    ~Witness()
+    {
+        const bool isHere = std::this_thread::get_id() == m_thread;
+        ++(isHere ? m_fates.destroyedHere : m_fates.destroyedElsewhere);
+    }
+    Q_DISABLE_COPY_MOVE(Witness)
+
+private:
+    Fates &m_fates;
+    const std::thread::id m_thread = std::this_thread::get_id();
+};
+
+NSURLSessionDataTaskPtr makeWitnessedTask(const QUrl &url, Fates &fates)
+{
+    return NSURLSession::shared().dataTaskWithRequest(
+        URLRequest(url),
+        [&fates, witness = std::make_shared<Witness>(fates)](auto, auto, auto) { ++fates.called; });
+}
+
+/// Ends an application in the middle of exchanges. Their handlers are not called, but destroyed on the main
+/// thread.
+void endWithExchangesInFlight(DemoServer &server, Fates &fates, int argc, char *argv[])
+{
+    std::vector<NSURLSessionDataTaskPtr> kept;
+    const QCoreApplication application(argc, argv);
+    const auto resume = [&](const QString &path) {
+        auto task = makeWitnessedTask(server.url(path), fates);
         task->resume();
         return task;
     };
-    int argc = 1;
-    char name[] = "CaptureTest";
-    char *argv[] = {name, nullptr};
-    {
-        const QCoreApplication application(argc, argv);
-        std::vector<NSURLSessionDataTaskPtr> tasks;
-        for (int i = 0; i < 20; ++i)
-            tasks.push_back(start(u"/slow?ms=%1"_s.arg(i * 10)));
-        // Some exchanges complete while nothing runs the main thread's tasks.
-        while (tasks[4]->state() != NSURLSessionDataTask::State::Completed)
-            QThread::yieldCurrentThread();
-    }
-    start(u"/echo"_s);
-    return heard ? 1 : 0;
+    // One is held by a breakpoint, and another one waits behind it.
+    QXBreakpointStore::shared().setRules({*QXBreakpointKey::make(server.url(u"/echo"_s), {})});
+    resume(u"/echo"_s);
+    resume(u"/echo"_s);
+    while (QXBreakpointCenter::shared().queue().empty())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+
+    for (int i = 0; i < 20; ++i)
+        kept.push_back(resume(u"/slow?ms=%1"_s.arg(i * 10)));
+    // Some complete while nothing runs the main thread's tasks.
+    while (kept[4]->state() != NSURLSessionDataTask::State::Completed)
+        QThread::yieldCurrentThread();
+    kept.push_back(makeWitnessedTask(server.url(), fates)); // never resumed
+    std::thread([task = makeWitnessedTask(server.url(), fates)]() mutable { task.reset(); }).join();
+    // A handler that keeps its own task alive.
+    const auto self = std::make_shared<NSURLSessionDataTaskPtr>();
+    *self = NSURLSession::shared().dataTaskWithRequest(
+        URLRequest(server.url(u"/slow?ms=15000"_s)),
+        [self, witness = std::make_shared<Witness>(fates)](auto, auto, auto) {});
+    (*self)->resume();
+    // The application ends before the loading thread reaches all of these.
+    for (int i = 0; i < 100; ++i)
+        resume(u"/slow?ms=15000"_s);
 }
+
+int checkTheEnd(int argc, char *argv[])
+{
+    DemoServer server;
+    Fates fates;
+    if (!server.start())
+        return 1;
+    // Later than the cooldown of the release before.
+    QXBreakpointCenter::shared().setClock([] { return std::chrono::steady_clock::now() + 1s; });
+    for (int round = 0; round < 3; ++round)
+        endWithExchangesInFlight(server, fates, argc, argv);
+    if (fates.called || fates.destroyedElsewhere || fates.destroyedHere != fates.made) {
+        qWarning("handlers: made %d, called %d, destroyed here %d, elsewhere %d", fates.made,
+                 fates.called.load(), fates.destroyedHere.load(), fates.destroyedElsewhere.load());
+        return 1;
+    }
+    // An exchange between two applications belongs to the second one.
+    Fates late;
+    QXBreakpointStore::shared().setRules({});
+    makeWitnessedTask(server.url(u"/echo"_s), late)->resume();
+    const QCoreApplication application(argc, argv);
+    return QTest::qWaitFor([&] { return late.called == 1 && late.destroyedHere == 1; }) ? 0 : 1;
+}
+
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -222,7 +292,7 @@ int main(int argc, char *argv[])
         CaptureTest test;
         failures = QTest::qExec(&test, argc, argv);
     }
-    return failures + endWithExchangesInFlight();
+    return failures + checkTheEnd(argc, argv);
 }
 
 #include "CaptureTest.moc"
