@@ -86,7 +86,7 @@ Flickable {
         const item = root.Window.activeFocusItem;
         if (body.activeFocus) {
             body.editor.showCursor();
-        } else if (content.activeFocus) {
+        } else if (content.activeFocus && item) { // there is no item while the window is being deleted
             const top = content.mapFromItem(item, 0, 0).y;
             root.reveal(top, top + item.height);
         }

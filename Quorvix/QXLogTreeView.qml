@@ -2,7 +2,7 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix
 
-/// A JSON body as a tree whose nodes open and close.
+/// A JSON body as a tree whose nodes open and close. The screen owns its model.
 QXStackScreen {
     id: root
 
@@ -72,4 +72,6 @@ QXStackScreen {
         model: root.viewModel
         alertTitle: qsTranslate("Quorvix", "Share Failed")
     }
+
+    Component.onCompleted: root.viewModel.belongTo(root)
 }

@@ -2,7 +2,40 @@
 
 #include "Quorvix/QXOptionalVariant.h"
 
+#include <QtCore/QPointer>
+#include <QtQml/QQmlEngine>
+
+namespace {
+
+/// The last child of a screen, by which the screen owns a model.
+///
+/// A screen deletes its children in the order in which it got them. Some of them delete their items only in
+/// the next turn of the event loop, and the model has to be there until then.
+class Owner final : public QObject
+{
+public:
+    Owner(QObject &model, QObject &screen) : QObject(&screen), m_model(&model) {}
+    ~Owner() override
+    {
+        if (m_model)
+            m_model->deleteLater();
+    }
+    Q_DISABLE_COPY_MOVE(Owner)
+
+private:
+    QPointer<QObject> m_model;
+};
+
+} // namespace
+
 QXPresentingModel::QXPresentingModel(QObject *parent) : QAbstractListModel(parent) {}
+
+void QXPresentingModel::belongTo(QObject *screen)
+{
+    setParent(nullptr);
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
+    new Owner(*this, *screen);
+}
 
 void QXPresentingModel::presentShareItem(const std::optional<QXShareItem> &item)
 {

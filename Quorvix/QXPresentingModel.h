@@ -28,6 +28,10 @@ class QXPresentingModel : public QAbstractListModel
                    decodedPayloadChanged)
 
 public:
+    /// Makes a screen the owner of the model, which is deleted after the screen and all items in it. The
+    /// screen must be complete.
+    Q_INVOKABLE void belongTo(QObject *screen);
+
     [[nodiscard]] const std::optional<QXShareItem> &shareItem() const noexcept { return m_shareItem; }
     [[nodiscard]] const std::optional<QString> &alertMessage() const noexcept { return m_alertMessage; }
     [[nodiscard]] bool showAlert() const noexcept { return m_showAlert; }

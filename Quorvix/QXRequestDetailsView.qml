@@ -6,7 +6,7 @@ import Quorvix.Controls
 import Quorvix.Text
 import Quorvix
 
-/// The details screen of one exchange. Destroys its model when it is destroyed.
+/// The details screen of one exchange. It owns its model.
 QXStackScreen {
     id: root
 
@@ -134,15 +134,13 @@ QXStackScreen {
         if (_showLogTree)
             root.showLogTree();
     }
-    Component.onDestruction: root.viewModel.destroy()
+    Component.onCompleted: root.viewModel.belongTo(root)
 
     function showLogTree() {
-        const tree = root.viewModel.makeLogTree();
-        const page = root.T.StackView.view.push(Qt.resolvedUrl("QXLogTreeView.qml"), {
+        root.T.StackView.view.push(Qt.resolvedUrl("QXLogTreeView.qml"), {
             presentationLayer: root.presentationLayer,
-            viewModel: tree,
+            viewModel: root.viewModel.makeLogTree(),
             requestPath: root.viewModel._logTreeDestination.requestPath
         });
-        page.Component.destruction.connect(() => tree.destroy());
     }
 }

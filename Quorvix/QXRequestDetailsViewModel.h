@@ -86,7 +86,8 @@ public:
     [[nodiscard]] Q_INVOKABLE bool canDecodeBody(int row) const;
     /// Sets the log tree destination to the body of a section. Does nothing if the section has no document.
     Q_INVOKABLE void openLogTree(int row);
-    /// Makes the tree for the log tree destination. QML owns it. Null if there is no destination.
+    /// Makes the tree for the log tree destination. The screen that shows it becomes its owner. Null if there
+    /// is no destination.
     Q_INVOKABLE QXLogTreeViewModel *makeLogTree() const;
 
     Q_INVOKABLE void shareCurl();

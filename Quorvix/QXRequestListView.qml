@@ -77,6 +77,7 @@ QXScreen {
         page.close.connect(root.close);
         page.breakpointsRequested.connect(() => root.showBreakpoints = true);
         page.rowChosen.connect(root.openDetails);
+        root.viewModel.belongTo(root);
     }
 
     function openDetails(row: int) {

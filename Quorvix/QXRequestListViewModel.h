@@ -53,7 +53,8 @@ public:
     /// Writes the visible traces to a HAR file in the temporary folder and sets shareItem to it. Shows the
     /// alert if this fails.
     Q_INVOKABLE void exportAll();
-    /// Makes the details model of a row from its current trace. QML owns it. Null if the row does not exist.
+    /// Makes the details model of a row from its current trace. The screen that shows it becomes its owner.
+    /// Null if the row does not exist.
     Q_INVOKABLE QXRequestDetailsViewModel *makeDetails(int row) const;
     /// Clears the recorder. The rows are removed when its notification arrives.
     Q_INVOKABLE void clear();

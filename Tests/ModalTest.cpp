@@ -3,6 +3,8 @@
 #include "Tests/ScreenTest.h"
 #include "Tests/TestKit.h"
 
+#include "Quorvix/QXOverlay.h"
+
 #include "Controls/QXControlsModule.h"
 
 #include <QtCore/QScopeGuard>
@@ -62,6 +64,8 @@ private Q_SLOTS:
     void growsWithText();
     void isTranslated_data() { everyScreen(); }
     void isTranslated();
+    void endsWithItsCarrier_data() { everyScreen(); }
+    void endsWithItsCarrier();
     void secondTapIsIgnored();
     void fingerSwipesBack();
     void keysScrollSheets();
@@ -226,6 +230,27 @@ void ModalTest::isTranslated()
         if (!item->inherits("QXTextView") && !text.contains(data))
             QCOMPARE(text, text.toUpper());
     });
+}
+
+/// Nothing complains when a screen is deleted with everything that it shows.
+void ModalTest::endsWithItsCarrier()
+{
+    const std::initializer_list<std::function<void()>> ends{
+        [this] {
+            QuorvixClient::shared().overlayWindow()->dismissRequestList();
+            QTRY_VERIFY(!find("QXRequestListView"));
+        },
+        [] { QuorvixClient::shared().hide(); }, [this] { m_window->close(); },
+        [this] {
+            m_window.reset();
+        }};
+    for (const auto &end : ends) {
+        open();
+        end();
+        QCoreApplication::processEvents();
+        cleanup();
+        init();
+    }
 }
 
 void ModalTest::secondTapIsIgnored()

@@ -18,8 +18,10 @@ Item {
     readonly property alias hasSelection: view.hasSelection
     readonly property alias view: view
 
-    /// The position of the block in the page's viewport, updated before each frame.
+    // Where the block is in the page's viewport, updated before each frame. No binding reads the page, which is
+    // deleted before its blocks are.
     property point place
+    property real pageHeight: 0
 
     /// Emitted for a right click, the Menu key, or a long press. The position is in the block's coordinates.
     signal contextMenuRequested(point position)
@@ -48,7 +50,7 @@ Item {
     Item {
         id: pane
 
-        readonly property real end: Math.min(root.place.y + root.height, root.page.height)
+        readonly property real end: Math.min(root.place.y + root.height, root.pageHeight)
 
         parent: root.page
         x: root.place.x
@@ -104,6 +106,7 @@ Item {
     function follow() {
         const origin = root.mapToItem(root.page, 0, 0);
         root.place = Qt.point(Math.round(origin.x), Math.round(origin.y));
+        root.pageHeight = root.page.height;
     }
 
     function copySelection() {
