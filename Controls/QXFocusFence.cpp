@@ -1,50 +1,25 @@
 #include "Controls/QXFocusFence.h"
 
-#include <QtGui/QKeyEvent>
-#include <QtQuick/QQuickWindow>
-
-namespace {
-
-bool isTab(const QKeyEvent &event)
-{
-    return (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) &&
-           !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
-}
-
-} // namespace
+#include "Controls/QXKeyFilter.h"
 
 QXFocusFence::QXFocusFence(QQuickItem *parent) : QQuickItem(parent) {}
 
 QXFocusFence::~QXFocusFence()
 {
-    if (m_watched)
-        m_watched->removeEventFilter(this);
+    if (m_filter)
+        m_filter->remove(*this);
 }
 
 void QXFocusFence::itemChange(ItemChange change, const ItemChangeData &value)
 {
-    if (change == ItemSceneChange && value.window != m_watched) {
-        if (m_watched)
-            m_watched->removeEventFilter(this);
-        m_watched = value.window;
-        // The filter has to see the key before the items do, because each item would handle it.
-        if (m_watched)
-            m_watched->installEventFilter(this);
+    if (change == ItemSceneChange) {
+        if (m_filter)
+            m_filter->remove(*this);
+        m_filter = value.window ? &QXKeyFilter::of(*value.window) : nullptr;
+        if (m_filter)
+            m_filter->add(*this);
     }
     QQuickItem::itemChange(change, value);
-}
-
-bool QXFocusFence::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() == QEvent::KeyPress && isEnabled() && isVisible()) {
-        const auto &key = static_cast<const QKeyEvent &>(*event);
-        QQuickItem *const focused = m_watched ? m_watched->activeFocusItem() : nullptr;
-        if (isTab(key) && isInside(focused)) {
-            moveFocus(*focused, key.key() == Qt::Key_Tab && !(key.modifiers() & Qt::ShiftModifier));
-            return true;
-        }
-    }
-    return QQuickItem::eventFilter(watched, event);
 }
 
 bool QXFocusFence::isInside(const QQuickItem *item) const
@@ -54,10 +29,14 @@ bool QXFocusFence::isInside(const QQuickItem *item) const
 
 void QXFocusFence::moveFocus(QQuickItem &from, bool forwards)
 {
-    QQuickItem *item = &from;
-    do
+    // When no control inside takes the focus, the chain of controls may not return to the item.
+    const QQuickItem *const first = from.nextItemInFocusChain(forwards);
+    QQuickItem *item = from.nextItemInFocusChain(forwards);
+    while (item && item != &from && !isInside(item)) {
         item = item->nextItemInFocusChain(forwards);
-    while (item && item != &from && !isInside(item));
+        if (item == first)
+            return;
+    }
     if (item && item != &from)
         item->forceActiveFocus(forwards ? Qt::TabFocusReason : Qt::BacktabFocusReason);
 }

@@ -4,10 +4,13 @@
 #include <QtQml/qqmlregistration.h>
 #include <QtQuick/QQuickItem>
 
-/// Keeps the keyboard focus inside the parent item: the Tab key moves from the last control to the first one,
-/// and never to a control beneath. Main thread only.
+class QXKeyFilter;
+
+/// Keeps the keyboard inside the parent item while an item there has the focus: the Tab key moves from the
+/// last control to the first one and never to a control beneath, and the keys that are meant for the parent's
+/// items do not reach the host's shortcuts and items; see QXKeyFilter. Main thread only.
 ///
-/// The fence has no effect while it is disabled or hidden.
+/// The fence has no effect while it is disabled or hidden. The innermost of several fences has the effect.
 class QXFocusFence : public QQuickItem
 {
     Q_OBJECT
@@ -17,14 +20,14 @@ public:
     explicit QXFocusFence(QQuickItem *parent = nullptr);
     ~QXFocusFence() override;
 
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    /// Moves the focus from an item inside the parent item to the next or previous control there.
+    void moveFocus(QQuickItem &from, bool forwards);
 
 protected:
     void itemChange(ItemChange change, const ItemChangeData &value) override;
 
 private:
     [[nodiscard]] bool isInside(const QQuickItem *item) const;
-    void moveFocus(QQuickItem &from, bool forwards);
 
-    QPointer<QQuickWindow> m_watched;
+    QPointer<QXKeyFilter> m_filter;
 };

@@ -8,7 +8,6 @@ FocusScope {
     /// Emitted for Esc and the Back key. The key is accepted even when nothing is connected.
     signal leaveRequested
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape || event.key === Qt.Key_Back
     Keys.onEscapePressed: root.leaveRequested()
     Keys.onBackPressed: root.leaveRequested()
 }

@@ -17,9 +17,7 @@ QXScreen {
     LayoutMirroring.enabled: QXTheme.isMirrored
     LayoutMirroring.childrenInherit: true
 
-    QXFocusFence {
-        enabled: !presentations.isPresenting
-    }
+    QXFocusFence {}
 
     QXShield {
         anchors.fill: parent

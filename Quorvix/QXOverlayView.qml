@@ -15,6 +15,10 @@ FocusScope {
     LayoutMirroring.enabled: QXTheme.isMirrored
     LayoutMirroring.childrenInherit: true
 
+    QXFocusFence {
+        enabled: root.overlay.isShowingRequestList
+    }
+
     QXShield {
         anchors.fill: parent
         enabled: root.overlay.isShowingRequestList

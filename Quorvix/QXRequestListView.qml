@@ -21,9 +21,7 @@ QXScreen {
 
     onLeaveRequested: root.close()
 
-    QXFocusFence {
-        enabled: !root.presentationLayer.isPresenting
-    }
+    QXFocusFence {}
 
     Rectangle {
         anchors.fill: parent
