@@ -149,7 +149,7 @@ void QXHostWindow::scheduleUpdate()
 void QXHostWindow::update()
 {
     m_isUpdateScheduled = false;
-    m_hadWindow |= hostShowsWindow();
+    m_hadWindow |= shownWindow() != nullptr;
     if (!m_own && isReachable()) {
         m_delay.stop();
         qGuiApp->removeEventFilter(this);
@@ -207,14 +207,16 @@ QQuickWindow *QXHostWindow::find() const
 
 bool QXHostWindow::needsOwn() const
 {
-    return hasSeveralWindows() && (hostShowsWindow() || m_isRequired || !m_hadWindow);
+    return hasSeveralWindows() && (shownWindow() || m_isRequired || !m_hadWindow);
 }
 
-bool QXHostWindow::hostShowsWindow() const
+/// Returns any window of the host that is visible, of any kind, or null.
+QWindow *QXHostWindow::shownWindow() const
 {
     const QWindowList windows = QGuiApplication::topLevelWindows();
-    return std::any_of(windows.cbegin(), windows.cend(),
-                       [this](const QWindow *window) { return isHostWindow(window); });
+    const auto found = std::find_if(windows.cbegin(), windows.cend(),
+                                    [this](const QWindow *window) { return isHostWindow(window); });
+    return found == windows.cend() ? nullptr : *found;
 }
 
 void QXHostWindow::makeOwn()
@@ -238,8 +240,10 @@ void QXHostWindow::placeOwn()
     QWindow *parent = QGuiApplication::modalWindow();
     if (!parent && isHostWindow(m_own->transientParent()))
         return;
-    if (!parent)
+    if (!parent && isHostWindow(QGuiApplication::focusWindow()))
         parent = QGuiApplication::focusWindow();
-    if (parent && parent != m_own.get() && parent != m_own->transientParent())
+    if (!parent)
+        parent = shownWindow();
+    if (parent && parent != m_own->transientParent())
         m_own->setTransientParent(parent);
 }

@@ -55,7 +55,7 @@ private:
     [[nodiscard]] QQuickWindow *find() const;
     [[nodiscard]] bool isHostWindow(const QWindow *window) const;
     [[nodiscard]] bool needsOwn() const;
-    [[nodiscard]] bool hostShowsWindow() const;
+    [[nodiscard]] QWindow *shownWindow() const;
     void makeOwn();
     void placeOwn();
 

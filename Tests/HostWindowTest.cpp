@@ -35,6 +35,7 @@ private Q_SLOTS:
     void everyHost_data();
     void everyHost();
     void waitsForTheHostsFirstWindow();
+    void endsWithTheHostsLastWindow();
     void dialogThatWaitsForTheHeldResponse_data();
     void dialogThatWaitsForTheHeldResponse();
     void heldWhileThereIsNoWindow();
@@ -130,6 +131,27 @@ void HostWindowTest::waitsForTheHostsFirstWindow()
     QCOMPARE(overlay().window(), m_host->objects.front().get());
     QTest::qWait(600); // longer than the inspector waits for a window
     QCOMPARE(QGuiApplication::topLevelWindows().size(), 1);
+}
+
+/// The first window is a dialog, and without a window manager no window is active.
+void HostWindowTest::endsWithTheHostsLastWindow()
+{
+    QuorvixClient::shared().start();
+    {
+        QDialog first;
+        first.setAttribute(Qt::WA_ShowWithoutActivating);
+        first.open();
+        QTRY_VERIFY(has("QXFloatingButton"));
+    }
+    auto *const window = m_host->make<QMainWindow>();
+    window->setAttribute(Qt::WA_ShowWithoutActivating);
+    window->show();
+    QTRY_COMPARE(place().transientParent(), window->windowHandle());
+    QTimer::singleShot(0, window, &QWidget::close);
+    QTimer late;
+    connect(&late, &QTimer::timeout, qApp, [] { QCoreApplication::exit(1); });
+    late.start(10'000);
+    QCOMPARE(QApplication::exec(), 0);
 }
 
 void HostWindowTest::dialogThatWaitsForTheHeldResponse_data()
