@@ -7,6 +7,7 @@
 
 #include "Controls/QXSafeArea.h"
 
+#include <QtGui/QRasterWindow>
 #include <QtTest/QSignalSpy>
 
 #include <functional>
@@ -182,7 +183,7 @@ void BreakpointEditorTest::comesToTheFront()
         }
         QXOverlay &overlay = *QuorvixClient::shared().overlayWindow();
         QTRY_VERIFY(overlay.window());
-        QWindow other;
+        QRasterWindow other;
         other.show();
         other.requestActivate();
         QTRY_COMPARE(QGuiApplication::focusWindow(), &other);
@@ -258,8 +259,7 @@ void BreakpointEditorTest::fitsEveryWindow()
     font.setPixelSize(14 * fontScale);
     QGuiApplication::setFont(font);
     hold("line\n"_ba.repeated(100));
-    m_window->resize(size);
-    QTRY_COMPARE(QSizeF(size), m_window->contentItem()->size());
+    QVERIFY(resize(size));
     QTEST(form()->property("interactive").toBool(), "scrolls");
     const QQuickItem *const body = find("QXBodyArea");
     QVERIFY(body->height() >= 4 * editor()->rowHeight());
@@ -288,8 +288,7 @@ void BreakpointEditorTest::fitsEveryWindow()
 void BreakpointEditorTest::scrollsByWheelAndFinger()
 {
     hold("line\n"_ba.repeated(200));
-    m_window->resize(844, 190);
-    QTRY_COMPARE(form()->height(), 190 - 44);
+    QVERIFY(resize({844, 190}));
     const auto scrolled = [this] {
         return form()->property("contentY").toReal();
     };

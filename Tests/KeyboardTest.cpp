@@ -155,7 +155,7 @@ void KeyboardTest::init()
     m_window = std::make_unique<HostWindow>();
     m_window->resize(390, 844);
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(waitForActive(*m_window));
 
     m_engine = std::make_unique<QQmlEngine>();
     QQmlComponent component(m_engine.get());

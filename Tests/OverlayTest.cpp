@@ -4,6 +4,8 @@
 #include "Quorvix/QXBreakpointWindow.h"
 #include "Quorvix/QXOverlay.h"
 
+#include <QtGui/QRasterWindow>
+
 using namespace Qt::StringLiterals;
 using ScreenDriver::drag, ScreenDriver::middle, ScreenDriver::turnWheel;
 
@@ -137,7 +139,7 @@ void OverlayTest::standsWhereItWasLeft()
 {
     const QQuickItem *const button = find("QXFloatingButton");
     QCOMPARE(button->size(), QSizeF(52, 52));
-    QCOMPARE(middle(*button), QPoint(50, 844 - 50));
+    QCOMPARE(middle(*button), QPoint(50, m_window->height() - 50));
     drag(*m_window, middle(*button), QPoint(100, -200));
     QVERIFY(!overlay().isShowingRequestList());
     const QPoint dropped = middle(*button);
@@ -150,10 +152,11 @@ void OverlayTest::standsWhereItWasLeft()
     client().show();
     QCOMPARE(middle(*find("QXFloatingButton")), dropped);
 
+    const QPoint end(m_window->width(), m_window->height());
     drag(*m_window, dropped, QPoint(1, 1) - dropped); // to the corner, where the margin stops it
     QCOMPARE(overlay().buttonCenter(), QPointF(12 + 26, 12 + 26));
-    drag(*m_window, overlay().buttonCenter().toPoint(), QPoint(351, 805));
-    QCOMPARE(overlay().buttonCenter(), QPointF(390 - 38, 844 - 38));
+    drag(*m_window, overlay().buttonCenter().toPoint(), end - QPoint(39, 39));
+    QCOMPARE(overlay().buttonCenter(), QPointF(end - QPoint(38, 38)));
 }
 
 void OverlayTest::unreadablePositionIsIgnored()
@@ -162,20 +165,23 @@ void OverlayTest::unreadablePositionIsIgnored()
         client().hide();
         QSettings().setValue(QXOverlay::dragPositionKey, saved);
         client().show();
-        QCOMPARE(overlay().buttonCenter(), QPointF(50, 844 - 50));
+        QCOMPARE(overlay().buttonCenter(), QPointF(50, m_window->height() - 50));
     }
 }
 
 void OverlayTest::staysInsideWindowsOfEverySize()
 {
-    m_window->resize(844, 390);
-    QTRY_COMPARE(overlay().buttonCenter(), QPointF(50, 390 - 50));
-    drag(*m_window, QPoint(50, 340), QPoint(793, 0));
-    m_window->resize(390, 844);
-    QTRY_COMPARE(m_window->contentItem()->width(), 390);
-    QCOMPARE(overlay().buttonCenter().x(), 390.0 - 38);
-    m_window->resize(844, 390);
-    QTRY_COMPARE(overlay().buttonCenter(), QPointF(844 - 38, 390 - 50)); // still the chosen place
+    const auto fromTheEnd = [&](int x, int y) {
+        return QPointF(x < 0 ? m_window->width() + x : x, m_window->height() + y);
+    };
+    QVERIFY(resize({844, 390}));
+    QTRY_COMPARE(overlay().buttonCenter(), fromTheEnd(50, -50));
+    const QPoint before = overlay().buttonCenter().toPoint();
+    drag(*m_window, before, QPoint(m_window->width() - 1 - before.x(), 0));
+    QVERIFY(resize({390, 844}));
+    QTRY_COMPARE(overlay().buttonCenter().x(), fromTheEnd(-38, 0).x());
+    QVERIFY(resize({844, 390}));
+    QTRY_COMPARE(overlay().buttonCenter(), fromTheEnd(-38, -50)); // still the chosen place
 }
 
 void OverlayTest::whatIsNotTheButtonIsTheHosts()
@@ -242,9 +248,9 @@ void OverlayTest::makesDoWithoutAHostWindow()
     QQuickWindow *const own = overlay().window();
     QCOMPARE(own->size(), own->screen()->size());
     QVERIFY(ScreenDriver::find(*own, "QXFloatingButton"));
-    QWindow plain; // not a Qt Quick window
+    QRasterWindow plain; // not a Qt Quick window
     plain.show();
-    QVERIFY(QTest::qWaitForWindowActive(&plain));
+    QVERIFY(waitForActive(plain));
     // The overlay's own window has a transient parent, so it does not keep the application running.
     QTRY_COMPARE(overlay().window()->transientParent(), &plain);
     m_window = makeWindow(*m_engine, hostQml);

@@ -1,12 +1,15 @@
 #include "Text/QXTextDocument.h"
 #include "Text/QXTextEditor.h"
 
+#include <QtCore/QThread>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QInputMethodEvent>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+#include <atomic>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -44,11 +47,31 @@ class RenderThreadTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void isOnTheDisplayThatWasAskedFor();
     void paintsTheSame_data();
     void paintsTheSame();
     void repaintsAfterEveryChange_data();
     void repaintsAfterEveryChange();
 };
+
+/// The other tests for displays would also pass if Qt had fallen back to software or to the main thread.
+void RenderThreadTest::isOnTheDisplayThatWasAskedFor()
+{
+    QXTextEditor editor;
+    const auto window = makeWindow(editor);
+    std::atomic<QThread *> painter = nullptr;
+    connect(
+        window.get(), &QQuickWindow::beforeRendering, this, [&] { painter = QThread::currentThread(); },
+        Qt::DirectConnection);
+    QVERIFY(waitForFrame(*window));
+    QCOMPARE(QGuiApplication::platformName(), qEnvironmentVariable("QT_QPA_PLATFORM"));
+    const bool hasOpenGL = qEnvironmentVariable("QSG_RHI_BACKEND") == u"opengl";
+    QCOMPARE(window->rendererInterface()->graphicsApi(),
+             hasOpenGL ? QSGRendererInterface::OpenGL : QSGRendererInterface::Software);
+    const bool hasThread = qEnvironmentVariable("QSG_RENDER_LOOP") == u"threaded";
+    QCOMPARE(painter != QThread::currentThread(), hasThread);
+    QCOMPARE(window->effectiveDevicePixelRatio(), qEnvironmentVariable("QT_SCALE_FACTOR", u"1"_s).toDouble());
+}
 
 void RenderThreadTest::paintsTheSame_data()
 {

@@ -36,11 +36,18 @@ protected:
     /// Forgets what earlier tests left; from here on whatever Qt or a screen complains of fails the test.
     static void startAnew();
 
+    /// Waits until a window is shown and takes the keys.
+    [[nodiscard]] static bool waitForActive(QWindow &window);
+
     /// The window of a host that shows nothing, of the size of a phone.
     [[nodiscard]] static std::unique_ptr<QQuickWindow> makeWindow();
 
     /// The window that @p qml describes.
     [[nodiscard]] static std::unique_ptr<QQuickWindow> makeWindow(QQmlEngine &engine, const char *qml);
+
+    /// Gives the window another size and waits for it. Where a device pixel is no whole number of units, the
+    /// size may differ by one.
+    [[nodiscard]] bool resize(QSize size);
 
     /// Adds a rule for a response and holds it by that.
     [[nodiscard]] static bool hold(const QByteArray &body, const Quorvix::DataTaskCompletionHandler &release);

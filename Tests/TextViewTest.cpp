@@ -126,7 +126,7 @@ bool TextViewTest::open(QXTextDocument *document)
         qFatal("%s", qPrintable(component.errorString()));
     m_window.reset(qobject_cast<QQuickWindow *>(
         component.createWithInitialProperties({{u"document"_s, QVariant::fromValue(document)}})));
-    return QTest::qWaitForWindowActive(m_window.get()) &&
+    return waitForActive(*m_window) &&
            QTest::qWaitFor([this] { return view() && view()->contentHeight() > 0 && view()->height() > 0; });
 }
 
