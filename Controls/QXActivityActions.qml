@@ -15,6 +15,16 @@ Rectangle {
     radius: QXTheme.cornerRadius
     color: QXTheme.elevatedBackground
 
+    // An on-screen keyboard that opens for the field makes the area lower.
+    Connections {
+        target: root.scrollArea
+
+        function onHeightChanged() {
+            if (saveField.isEdited)
+                root.scrollArea.reveal(saveField);
+        }
+    }
+
     Timer {
         id: copied
 

@@ -15,6 +15,7 @@ constexpr qreal baseZ = 2'000'000;
 QXLayer::QXLayer(int level) : m_safeArea(new QXSafeArea(this)), m_page(new QQuickItem(this))
 {
     setZ(baseZ + level);
+    connect(m_safeArea, &QXSafeArea::keyboardChanged, this, &QXLayer::fit);
 }
 
 QXLayer::~QXLayer()
@@ -43,7 +44,9 @@ void QXLayer::fit()
     if (!m_content || !m_window)
         return;
     m_safeArea->measure(*m_window);
-    m_page->setSize(m_content->size());
+    m_page->setSize({m_content->width(), m_content->height() - m_safeArea->keyboard()});
+    // Sheets and screens that move in from below would be painted over a keyboard in the host's scene.
+    m_page->setClip(m_safeArea->keyboard() > 0);
 }
 
 bool QXLayer::contains(const QPointF &point) const

@@ -27,7 +27,8 @@ public:
     /// Covers the content of @p window.
     void attach(QQuickWindow *window);
 
-    /// The item as large as the content, the parent of what the layer shows.
+    /// The parent of what the layer shows. It is as large as the content, but ends above an on-screen
+    /// keyboard: a keyboard in the host's scene lies beneath the layer, and must be visible and in reach.
     [[nodiscard]] QQuickItem &page() const { return *m_page; }
 
     /// Sets which points, in the page's coordinates, the layer claims. By default it claims all points.

@@ -1,9 +1,12 @@
 #include "Controls/QXSafeArea.h"
 
+#include <QtGui/QGuiApplication>
+#include <QtGui/QInputMethod>
 #include <QtGui/QScreen>
-#include <QtGui/QWindow>
+#include <QtQuick/QQuickItem>
+#include <QtQuick/QQuickWindow>
 
-#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -22,9 +25,33 @@ QMarginsF marginsOf(const QWindow &window)
             std::max(0.0, qreal(whole.bottom() - available.bottom()))};
 }
 
+/// The height at the bottom of @p window that the on-screen keyboard covers.
+qreal keyboardOf(const QQuickWindow &window)
+{
+    const QInputMethod &method = *QGuiApplication::inputMethod();
+    const QRectF keyboard = method.keyboardRectangle();
+    // The keyboard belongs to the window that has the focus, and may cover other windows.
+    const QWindow *const focused = QGuiApplication::focusWindow();
+    if (!focused || !method.isVisible() || keyboard.isEmpty())
+        return 0;
+    const QRectF content(QPointF(), window.contentItem()->size());
+    const QPointF origin = window.mapFromGlobal(focused->mapToGlobal(keyboard.topLeft()));
+    const QRectF covered = content & QRectF(origin, keyboard.size());
+    // A floating keyboard in the upper half leaves no room above it; the user can move it.
+    if (covered.isEmpty() || covered.center().y() < content.center().y())
+        return 0;
+    return content.bottom() - covered.top();
+}
+
 } // namespace
 
-QXSafeArea::QXSafeArea(QObject *parent) : QObject(parent) {}
+QXSafeArea::QXSafeArea(QObject *parent) : QObject(parent)
+{
+    const QInputMethod *const method = QGuiApplication::inputMethod();
+    connect(method, &QInputMethod::keyboardRectangleChanged, this, &QXSafeArea::scheduleKeyboard);
+    connect(method, &QInputMethod::visibleChanged, this, &QXSafeArea::scheduleKeyboard);
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXSafeArea::scheduleKeyboard);
+}
 
 void QXSafeArea::setMargins(const QMarginsF &margins)
 {
@@ -34,7 +61,29 @@ void QXSafeArea::setMargins(const QMarginsF &margins)
     Q_EMIT marginsChanged();
 }
 
-void QXSafeArea::measure(const QWindow &window)
+void QXSafeArea::measure(QQuickWindow &window)
 {
+    m_window = &window;
     setMargins(marginsOf(window));
+    measureKeyboard();
+}
+
+void QXSafeArea::scheduleKeyboard()
+{
+    // The rectangle of a keyboard can change several times while the keyboard lays itself out, and a screen
+    // that reacts to it tells the keyboard of its cursor.
+    if (std::exchange(m_isKeyboardScheduled, true))
+        return;
+    QMetaObject::invokeMethod(this, &QXSafeArea::measureKeyboard, Qt::QueuedConnection);
+}
+
+void QXSafeArea::measureKeyboard()
+{
+    m_isKeyboardScheduled = false;
+    const qreal keyboard = m_window ? keyboardOf(*m_window) : 0;
+    if (m_keyboard == keyboard)
+        return;
+    m_keyboard = keyboard;
+    Q_EMIT keyboardChanged();
+    Q_EMIT marginsChanged();
 }

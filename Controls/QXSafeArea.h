@@ -2,11 +2,15 @@
 
 #include <QtCore/QMarginsF>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 #include <QtQml/qqmlregistration.h>
 
-class QWindow;
+#include <algorithm>
 
-/// The margins that bars and notches cover at the edges of a window, in points. Main thread only.
+class QQuickWindow;
+
+/// The margins that bars and notches cover at the edges of a window, and the part that an on-screen keyboard
+/// covers, in points. Main thread only.
 class QXSafeArea : public QObject
 {
     Q_OBJECT
@@ -15,6 +19,7 @@ class QXSafeArea : public QObject
     Q_PROPERTY(qreal top READ top NOTIFY marginsChanged)
     Q_PROPERTY(qreal left READ left NOTIFY marginsChanged)
     Q_PROPERTY(qreal right READ right NOTIFY marginsChanged)
+    /// What bars cover above an on-screen keyboard, if there is one.
     Q_PROPERTY(qreal bottom READ bottom NOTIFY marginsChanged)
 
 public:
@@ -22,17 +27,29 @@ public:
 
     [[nodiscard]] const QMarginsF &margins() const noexcept { return m_margins; }
     void setMargins(const QMarginsF &margins);
-    /// Updates the margins to those of @p window.
-    void measure(const QWindow &window);
+    /// Updates the margins and the keyboard to those of @p window, and from now on the keyboard follows that
+    /// of the window.
+    void measure(QQuickWindow &window);
+
+    /// The height at the bottom of the window that an on-screen keyboard covers: a keyboard of the platform,
+    /// or one that is an item of the host's scene. It changes at most once for each turn of the event loop.
+    [[nodiscard]] qreal keyboard() const noexcept { return m_keyboard; }
 
     [[nodiscard]] qreal top() const noexcept { return m_margins.top(); }
     [[nodiscard]] qreal left() const noexcept { return m_margins.left(); }
     [[nodiscard]] qreal right() const noexcept { return m_margins.right(); }
-    [[nodiscard]] qreal bottom() const noexcept { return m_margins.bottom(); }
+    [[nodiscard]] qreal bottom() const noexcept { return std::max(0.0, m_margins.bottom() - m_keyboard); }
 
 Q_SIGNALS:
     void marginsChanged();
+    void keyboardChanged();
 
 private:
+    void scheduleKeyboard();
+    void measureKeyboard();
+
     QMarginsF m_margins;
+    qreal m_keyboard = 0;
+    bool m_isKeyboardScheduled = false;
+    QPointer<QQuickWindow> m_window;
 };

@@ -8,6 +8,7 @@ Column {
     required property UIActivityViewController controller
     property string outcome
     property bool failed: false
+    readonly property alias isEdited: path.activeFocus
 
     spacing: QXTheme.spacing
     leftPadding: QXTheme.margin

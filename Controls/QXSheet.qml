@@ -18,7 +18,6 @@ QXModal {
     default property alias sheetContent: contentItem.data
 
     readonly property bool isCard: width >= 640
-    readonly property real keyboardHeight: InputMethod.visible ? InputMethod.keyboardRectangle.height : 0
     property real dragOffset: 0
 
     Accessible.role: Accessible.Dialog
@@ -29,8 +28,7 @@ QXModal {
     Rectangle {
         id: card
 
-        readonly property real safeInset: root.isCard ? 0 : root.presentationLayer.safeArea.bottom
-        readonly property real bottomInset: Math.max(safeInset, root.keyboardHeight)
+        readonly property real bottomInset: root.isCard ? 0 : root.presentationLayer.safeArea.bottom
         readonly property real roomAbove: root.isCard ? root.height * 0.08 : QXTheme.touchTarget
 
         width: root.isCard ? Math.min(560, root.width - 2 * QXTheme.margin) : root.width

@@ -56,14 +56,12 @@ QXScreen {
 
         anchors.top: bar.bottom
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: Math.max(root.safeArea.bottom, keyboardHeight)
+        anchors.bottomMargin: root.safeArea.bottom
         x: bar.x
         width: bar.width
         enabled: !presentations.isPresenting
         model: root.model
         onContextMenuRequested: position => menu.open(form.body, position.x, position.y)
-
-        readonly property real keyboardHeight: InputMethod.visible ? InputMethod.keyboardRectangle.height : 0
     }
 
     QXPresentationLayer {

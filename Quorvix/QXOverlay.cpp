@@ -125,21 +125,22 @@ QXSafeArea *QXOverlay::safeArea() const
     return m_layer ? m_layer->safeArea() : nullptr;
 }
 
-QRectF QXOverlay::pageRect() const
+QRectF QXOverlay::contentRect() const
 {
-    return m_layer ? m_layer->page().boundingRect() : QRectF();
+    // An on-screen keyboard does not count, so that the button only moves when the keyboard would cover it.
+    return m_layer ? m_layer->page().boundingRect().adjusted(0, 0, 0, safeArea()->keyboard()) : QRectF();
 }
 
 QRectF QXOverlay::safeRect() const
 {
-    return m_layer ? pageRect().marginsRemoved(safeArea()->margins()) : QRectF();
+    return m_layer ? contentRect().marginsRemoved(safeArea()->margins()) : QRectF();
 }
 
 QXOverlayPoint QXOverlay::constraint() const
 {
     if (m_constraint)
         return *m_constraint;
-    return {defaultDistance - pageRect().width() * 0.5, pageRect().height() * 0.5 - defaultDistance};
+    return {defaultDistance - contentRect().width() * 0.5, contentRect().height() * 0.5 - defaultDistance};
 }
 
 QPointF QXOverlay::buttonCenter() const
@@ -148,7 +149,12 @@ QPointF QXOverlay::buttonCenter() const
     // window grows.
     const QRectF area = safeRect();
     const QXOverlayPoint offset = constraint();
-    return area.center() + QPointF(clampOffset(offset.x, area.width()), clampOffset(offset.y, area.height()));
+    const QPointF center =
+        area.center() + QPointF(clampOffset(offset.x, area.width()), clampOffset(offset.y, area.height()));
+    if (!m_layer || safeArea()->keyboard() == 0)
+        return center;
+    const qreal aboveKeyboard = m_layer->page().height() - edgeDistance - buttonRadius;
+    return {center.x(), std::min(center.y(), std::max(aboveKeyboard, m_layer->page().height() / 2))};
 }
 
 QRectF QXOverlay::buttonFrame() const
@@ -173,7 +179,8 @@ void QXOverlay::handleButtonPanEnd()
 
 bool QXOverlay::hitTest(const QPointF &point) const
 {
-    return !isHidden() && (m_isShowingRequestList || buttonFrame().contains(point));
+    const bool coversPoint = m_isShowingRequestList && m_layer && m_layer->page().contains(point);
+    return !isHidden() && (coversPoint || buttonFrame().contains(point));
 }
 
 /// Our own window covers other applications. The mask lets it receive clicks only where something is visible.

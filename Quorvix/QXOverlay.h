@@ -94,7 +94,7 @@ private:
     void makeLayer();
     void updateBadge();
     void updateMask();
-    [[nodiscard]] QRectF pageRect() const;
+    [[nodiscard]] QRectF contentRect() const;
     [[nodiscard]] QRectF safeRect() const;
     [[nodiscard]] QXOverlayPoint constraint() const;
 
