@@ -4,7 +4,10 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QInputMethod>
 #include <QtGui/QKeyEvent>
+#include <QtGui/QStyleHints>
 #include <QtQuick/QQuickWindow>
 
 #include <algorithm>
@@ -132,6 +135,12 @@ bool QXKeyFilter::eventFilter(QObject *watched, QEvent *event)
         return press(static_cast<QKeyEvent &>(*event));
     case QEvent::KeyRelease:
         return release(static_cast<QKeyEvent &>(*event));
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::TouchBegin:
+    case QEvent::TouchEnd:
+        handlePointer(static_cast<const QPointerEvent &>(*event));
+        return false;
     case QEvent::FocusOut:
         // The window does not hear of the releases now.
         m_held.clear();
@@ -202,4 +211,33 @@ bool QXKeyFilter::release(QKeyEvent &event)
     else
         deleteIfIdle();
     return true;
+}
+
+void QXKeyFilter::handlePointer(const QPointerEvent &event)
+{
+    const QPointF point = event.points().isEmpty() ? QPointF() : event.points().constFirst().position();
+    if (event.isBeginEvent()) {
+        m_pressed = point;
+        return;
+    }
+    const bool isTap = event.pointCount() == 1 && (point - m_pressed).manhattanLength() <
+                                                      QGuiApplication::styleHints()->startDragDistance();
+    // Later, because the items get the tap after the filter, and it may move the focus into a field.
+    if (isTap)
+        QMetaObject::invokeMethod(
+            this, [this, point] { hideKeyboardBeside(point); }, Qt::QueuedConnection);
+}
+
+void QXKeyFilter::hideKeyboardBeside(const QPointF &point)
+{
+    const QQuickItem *const focused = m_window.activeFocusItem();
+    const QXFocusFence *const fence = fenceAround(focused);
+    const auto contains = [&](const QQuickItem &item) {
+        return item.contains(item.mapFromScene(point));
+    };
+    // The keyboard itself may be in the scene, outside of the fence. The field keeps the focus, so that a
+    // keyboard of the machine goes on typing into it.
+    if (fence && contains(*fence->parentItem()) && !contains(*focused) &&
+        QGuiApplication::inputMethod()->isVisible())
+        QGuiApplication::inputMethod()->hide();
 }

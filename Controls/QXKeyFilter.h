@@ -2,14 +2,17 @@
 
 #include <QtCore/QList>
 #include <QtCore/QObject>
+#include <QtCore/QPointF>
 #include <QtCore/QSet>
 
 class QKeyEvent;
+class QPointerEvent;
 class QQuickItem;
 class QQuickWindow;
 class QXFocusFence;
 
-/// Gives the keys of a fenced screen to its items alone. Main thread only.
+/// Gives the keys of a fenced screen to its items alone, and hides the on-screen keyboard after a tap beside
+/// the item with keyboard focus. Main thread only.
 ///
 /// A window has one filter, which its fences share. While the item with keyboard focus is behind a fence, the
 /// filter delivers the keys that isForScreens() names. They go from that item up to the fence's parent, and
@@ -46,10 +49,14 @@ private:
     [[nodiscard]] bool overrideShortcut(QKeyEvent &event);
     [[nodiscard]] bool press(QKeyEvent &event);
     [[nodiscard]] bool release(QKeyEvent &event);
+    void handlePointer(const QPointerEvent &event);
+    void hideKeyboardBeside(const QPointF &point);
     void deleteIfIdle();
 
     QQuickWindow &m_window;
     QList<QXFocusFence *> m_fences;
     /// The keys that were pressed behind a fence and are still down.
     QSet<quint64> m_held;
+    /// Where a finger or a button went down; in the window's coordinates.
+    QPointF m_pressed;
 };

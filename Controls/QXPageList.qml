@@ -29,6 +29,10 @@ ListView {
     T.ScrollBar.vertical: QXScrollBar {}
 
     Component.onCompleted: root.scrollToTop()
+    onMovementStarted: {
+        if (InputMethod.visible)
+            InputMethod.hide();
+    }
     onContentYChanged: root.isAtTop = root.contentY <= root.originY - root.topMargin
     // When the height of the title changes, a list that is scrolled down keeps its position.
     onTopMarginChanged: {

@@ -63,7 +63,13 @@ void QXSafeArea::setMargins(const QMarginsF &margins)
 
 void QXSafeArea::measure(QQuickWindow &window)
 {
-    m_window = &window;
+    if (m_window != &window) {
+        if (m_window)
+            m_window->removeEventFilter(this);
+        m_window = &window;
+        m_window->installEventFilter(this);
+        m_isPressed = false;
+    }
     setMargins(marginsOf(window));
     measureKeyboard();
 }
@@ -81,9 +87,30 @@ void QXSafeArea::measureKeyboard()
 {
     m_isKeyboardScheduled = false;
     const qreal keyboard = m_window ? keyboardOf(*m_window) : 0;
-    if (m_keyboard == keyboard)
+    if (m_keyboard == keyboard || (m_isPressed && keyboard < m_keyboard))
         return;
     m_keyboard = keyboard;
     Q_EMIT keyboardChanged();
     Q_EMIT marginsChanged();
+}
+
+bool QXSafeArea::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::TouchBegin:
+        m_isPressed = true;
+        break;
+    case QEvent::MouseButtonRelease:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+    case QEvent::FocusOut:
+        m_isPressed = false;
+        scheduleKeyboard();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
 }

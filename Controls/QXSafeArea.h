@@ -32,13 +32,17 @@ public:
     void measure(QQuickWindow &window);
 
     /// The height at the bottom of the window that an on-screen keyboard covers: a keyboard of the platform,
-    /// or one that is an item of the host's scene. It changes at most once for each turn of the event loop.
+    /// or one that is an item of the host's scene. It changes at most once for each turn of the event loop,
+    /// and does not become smaller while a button or a finger is down: what is pressed has to stay in its
+    /// place.
     [[nodiscard]] qreal keyboard() const noexcept { return m_keyboard; }
 
     [[nodiscard]] qreal top() const noexcept { return m_margins.top(); }
     [[nodiscard]] qreal left() const noexcept { return m_margins.left(); }
     [[nodiscard]] qreal right() const noexcept { return m_margins.right(); }
     [[nodiscard]] qreal bottom() const noexcept { return std::max(0.0, m_margins.bottom() - m_keyboard); }
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
     void marginsChanged();
@@ -51,5 +55,6 @@ private:
     QMarginsF m_margins;
     qreal m_keyboard = 0;
     bool m_isKeyboardScheduled = false;
+    bool m_isPressed = false;
     QPointer<QQuickWindow> m_window;
 };

@@ -14,6 +14,11 @@ Flickable {
 
     Keys.onPressed: event => event.accepted = root.scrollByKey(event.key)
 
+    onMovementStarted: {
+        if (InputMethod.visible)
+            InputMethod.hide();
+    }
+
     /// Scrolls for a key such as Page Down. Returns whether the key is one that scrolls.
     function scrollByKey(key: int): bool {
         switch (key) {

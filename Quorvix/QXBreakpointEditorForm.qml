@@ -25,6 +25,10 @@ Flickable {
 
     T.ScrollBar.vertical: QXScrollBar {}
 
+    onMovementStarted: {
+        if (InputMethod.visible)
+            InputMethod.hide();
+    }
     onHeightChanged: root.showFocus()
     // The body scrolls to its cursor itself. A press in the body must not scroll the form before the cursor
     // has moved there.

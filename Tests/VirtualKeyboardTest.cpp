@@ -114,6 +114,22 @@ void VirtualKeyboardTest::typesIntoTheSearchField()
     QGuiApplication::inputMethod()->commit();
     QTRY_COMPARE(text("QXSearchField").size(), 2);
     QVERIFY(find("QXSearchField")->hasActiveFocus());
+
+    // Taps in the field keep the keyboard, and a tap beside it hides it.
+    click("QXSearchClearButton");
+    click("QXSearchField");
+    QVERIFY(isOpen());
+    click(QPoint(195, 22));
+    QTRY_VERIFY(!isOpen());
+    QTRY_COMPARE(frame("QXRequestList").bottom(), m_window->height());
+    QVERIFY(find("QXSearchField")->hasActiveFocus());
+
+    click("QXSearchField");
+    QVERIFY(waitForRoom("QXRequestList"));
+    drag(*m_window, {195, 500}, {0, -200});
+    QTRY_VERIFY(!isOpen());
+    QTRY_VERIFY(find("QXRequestList")->property("contentY").toReal() > 0);
+    QVERIFY(!find("QXRequestDetailsView"));
 }
 
 void VirtualKeyboardTest::typesIntoTheHeldBody()
@@ -126,8 +142,9 @@ void VirtualKeyboardTest::typesIntoTheHeldBody()
     clickLetters();
     QGuiApplication::inputMethod()->commit();
     QTRY_COMPARE(text("QXTextEditor").size(), 2);
-    QGuiApplication::inputMethod()->hide();
-    QTRY_COMPARE(frame("QXBreakpointEditorForm").bottom(), 844);
+    click("QXBreakpointTitle");
+    QTRY_VERIFY(!isOpen());
+    QTRY_COMPARE(frame("QXBreakpointEditorForm").bottom(), m_window->height());
     click("QXContinueButton");
     QTRY_VERIFY(!find("QXBreakpointEditorView"));
 }
@@ -163,6 +180,16 @@ void VirtualKeyboardTest::sheetShowsItsField()
     const QImage picture = m_window->grabWindow();
     const QPointF edge = (panel().topLeft() + QPointF(3, 5)) * picture.devicePixelRatio();
     QVERIFY(picture.pixelColor(edge.toPoint()).lightness() < 100);
+    // The press takes the focus from the field, but the button stays where it is pressed.
+    m_window->resize(390, 844);
+    QVERIFY(waitForRoom("QXActivitySheet") && waitFor("QXActivityDone"));
+    const QPoint done = middle(*find("QXActivityDone"));
+    QTest::mousePress(m_window.get(), Qt::LeftButton, {}, done);
+    QTRY_VERIFY(!isOpen());
+    QVERIFY(waitFor("QXActivityDone"));
+    QTest::mouseMove(m_window.get(), done + QPoint(1, 1));
+    QTest::mouseRelease(m_window.get(), Qt::LeftButton, {}, done + QPoint(1, 1));
+    QTRY_VERIFY(!find("QXActivitySheet"));
 }
 
 void VirtualKeyboardTest::buttonStaysVisible()
