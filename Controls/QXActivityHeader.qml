@@ -11,7 +11,7 @@ Item {
 
     implicitHeight: Math.max(56, lines.implicitHeight)
     Accessible.role: Accessible.Heading
-    Accessible.name: title + ", " + subtitle
+    Accessible.name: name.text + ", " + subtitle
 
     Rectangle {
         id: tile
@@ -40,9 +40,11 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         spacing: 2
 
-        QXText {
+        QXLabel {
+            id: name
+
             width: parent.width
-            text: root.title
+            content: root.title
             font: QXTheme.headline
             wrapMode: Text.WrapAnywhere
             maximumLineCount: 2

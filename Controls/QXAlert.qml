@@ -16,8 +16,8 @@ QXModal {
     Keys.onPressed: event => event.accepted = texts.scrollByKey(event.key)
 
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: title
-    Accessible.description: message
+    Accessible.name: heading.text
+    Accessible.description: explanation.text
 
     Rectangle {
         anchors.centerIn: parent
@@ -46,10 +46,12 @@ QXModal {
                 topPadding: 20
                 bottomPadding: 20
 
-                QXText {
+                QXLabel {
+                    id: heading
+
                     x: QXTheme.margin
                     width: parent.width - 2 * x
-                    text: root.title
+                    content: root.title
                     font: QXTheme.headline
                     wrapMode: Text.Wrap
                     horizontalAlignment: Text.AlignHCenter
@@ -57,11 +59,13 @@ QXModal {
                 }
 
                 QXText {
+                    id: explanation
+
                     x: QXTheme.margin
                     width: parent.width - 2 * x
                     topPadding: 3
                     visible: text.length > 0
-                    text: root.message
+                    text: QXShortText.beginning(root.message, 1000)
                     font: QXTheme.footnote
                     wrapMode: Text.Wrap
                     horizontalAlignment: Text.AlignHCenter

@@ -16,6 +16,8 @@ FocusScope {
     /// Items below the titles, always visible.
     property alias accessory: accessoryItem.data
 
+    /// What the bar shows of its title.
+    readonly property string shownTitle: QXShortText.beginning(title)
     readonly property real largeTitleHeight: flickable ? Math.ceil(largeTitle.implicitHeight) + 12 : 0
     readonly property real collapsedHeight: QXTheme.touchTarget + accessoryItem.height
     readonly property real scrolled: flickable ? flickable.contentY - flickable.originY + flickable.topMargin : 0
@@ -47,7 +49,7 @@ FocusScope {
             anchors.rightMargin: root.columnMargin
             anchors.bottomMargin: QXTheme.spacing
             visible: root.flickable !== null
-            text: root.title
+            text: root.shownTitle
             font: QXTheme.largeTitle
             fontSizeMode: Text.HorizontalFit
             minimumPixelSize: QXTheme.headline.pixelSize
@@ -80,7 +82,7 @@ FocusScope {
             x: Math.max(roomStart, Math.min((root.width - width) / 2, roomEnd - width))
             anchors.verticalCenter: parent.verticalCenter
             width: Math.min(implicitWidth, roomEnd - roomStart)
-            text: root.title
+            text: root.shownTitle
             font: QXTheme.barTitle
             fontSizeMode: Text.HorizontalFit
             minimumPixelSize: QXTheme.caption.pixelSize

@@ -23,7 +23,7 @@ QXScrollArea {
     boundsBehavior: Flickable.DragOverBounds
 
     Accessible.role: Accessible.Pane
-    Accessible.name: bar.title
+    Accessible.name: bar.shownTitle
 
     Column {
         id: column

@@ -24,7 +24,7 @@ ListView {
     boundsBehavior: Flickable.DragOverBounds
 
     Accessible.role: Accessible.List
-    Accessible.name: bar.title
+    Accessible.name: bar.shownTitle
 
     T.ScrollBar.vertical: QXScrollBar {}
 

@@ -21,7 +21,7 @@ QXModal {
     property real dragOffset: 0
 
     Accessible.role: Accessible.Dialog
-    Accessible.name: title
+    Accessible.name: heading.text
 
     Keys.onPressed: event => event.accepted = root.scrollArea?.scrollByKey(event.key) ?? false
 
@@ -84,12 +84,14 @@ QXModal {
                 color: QXTheme.tertiaryLabel
             }
 
-            QXText {
+            QXLabel {
+                id: heading
+
                 anchors.verticalCenter: done.verticalCenter
                 anchors.left: parent.left
                 anchors.right: parent.right
                 anchors.margins: Math.max(done.width, trailingItems.width) + 2 * QXTheme.spacing
-                text: root.title
+                content: root.title
                 font: QXTheme.barTitle
                 fontSizeMode: Text.HorizontalFit
                 minimumPixelSize: 12

@@ -1,5 +1,7 @@
 #include "Controls/UIActivityViewController.h"
 
+#include "Platform/ShortText.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -82,7 +84,7 @@ QString UIActivityViewController::title() const
 {
     if (isFile())
         return QFileInfo(filePath()).fileName();
-    return text().left(previewLength).trimmed().section(u'\n', 0, 0).left(titleLength);
+    return ShortText::beginning(text().left(previewLength).trimmed().section(u'\n', 0, 0), titleLength);
 }
 
 QString UIActivityViewController::subtitle() const

@@ -10,10 +10,10 @@ Column {
 
     spacing: 4
 
-    QXText {
+    QXLabel {
         objectName: "QXBreakpointTitle"
         width: parent.width
-        text: root.model.displayTitle
+        content: root.model.displayTitle
         font: QXTheme.subheadline
         wrapMode: Text.WrapAnywhere
         maximumLineCount: 3

@@ -12,6 +12,7 @@ Item {
     /// The visible part of the delete button: 0 is none, 1 is all of it, and a larger value stretches it.
     property real uncovered: 0
 
+    readonly property string shownText: QXShortText.beginning(displayText)
     readonly property real direction: QXTheme.isMirrored ? -1 : 1
     readonly property real distance: uncovered * deleteButton.implicitWidth
 
@@ -22,7 +23,7 @@ Item {
     clip: true
     onIsEditingChanged: root.uncovered = 0
 
-    Accessible.name: displayText
+    Accessible.name: shownText
     Accessible.role: Accessible.ListItem
     Accessible.onPressAction: {
         if (root.isEditing)
@@ -97,7 +98,7 @@ Item {
             visible: root.isEditing
             symbol: "minus.circle.fill"
             color: QXTheme.red
-            text: qsTranslate("Quorvix", "Delete %1").arg(root.displayText)
+            text: qsTranslate("Quorvix", "Delete %1").arg(root.shownText)
             onClicked: root.deleteRequested()
         }
 
@@ -113,7 +114,7 @@ Item {
 
             QXText {
                 width: parent.width
-                text: root.displayText
+                text: root.shownText
                 font: QXTheme.subheadline
                 wrapMode: Text.Wrap
                 maximumLineCount: 3

@@ -5,15 +5,15 @@
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXSwiftName.h"
 
+#include "Platform/ShortText.h"
+
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 
+using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// The maximum length of a shown text in UTF-16 code units. A line in a window is always shorter.
-constexpr qsizetype maximumShownLength = 300;
 
 bool breaksLine(QChar unit)
 {
@@ -30,11 +30,7 @@ bool breaksLine(QChar unit)
 /// Returns the beginning of a text on one line.
 QString shortened(QString text)
 {
-    if (text.size() > maximumShownLength) {
-        text.truncate(text[maximumShownLength - 1].isHighSurrogate() ? maximumShownLength - 1
-                                                                     : maximumShownLength);
-        text += u'…';
-    }
+    text = ShortText::beginning(text);
     for (QChar &unit : text) {
         if (breaksLine(unit))
             unit = u' ';
@@ -45,9 +41,9 @@ QString shortened(QString text)
 /// Converts only the bytes that are needed.
 QString shortened(QByteArrayView utf8)
 {
-    constexpr qsizetype bytesPerCharacter = 4;
-    return shortened(
-        QString::fromUtf8(utf8.first(qMin(utf8.size(), (maximumShownLength + 2) * bytesPerCharacter))));
+    // The last character may be cut in two, so it has to lie far behind the end of the line.
+    constexpr qsizetype mostBytes = 4 * (ShortText::longestLine + 64);
+    return shortened(QString::fromUtf8(utf8.first(qMin(utf8.size(), mostBytes))));
 }
 
 QString shownKey(const QXApiTreeField &field)

@@ -31,7 +31,7 @@ T.Control {
     focusPolicy: Qt.StrongFocus
 
     Accessible.role: Accessible.StaticText
-    Accessible.name: label + ", " + (document ? document.beginning : text)
+    Accessible.name: title.text + ", " + (document ? document.beginning : text)
     Accessible.focusable: true
 
     Keys.onPressed: event => {
@@ -56,14 +56,14 @@ T.Control {
         }
     }
 
-    QXText {
+    QXLabel {
         id: title
 
         anchors.left: parent.left
         anchors.leftMargin: root.columnMargin
         y: root.textTop
         width: root.labelWidth
-        text: root.label
+        content: root.label
         font: QXTheme.subheadlineSemibold
         color: QXTheme.secondaryLabel
         wrapMode: Text.Wrap

@@ -66,6 +66,8 @@ private Q_SLOTS:
     void isTranslated();
     void endsWithItsCarrier_data() { everyScreen(); }
     void endsWithItsCarrier();
+    void longTextsAreCut_data();
+    void longTextsAreCut();
     void secondTapIsIgnored();
     void fingerSwipesBack();
     void keysScrollSheets();
@@ -74,6 +76,7 @@ private Q_SLOTS:
 
 private:
     void everyScreen();
+    static void record(URLRequest request);
     /// Opens what a row is about.
     void open();
 
@@ -90,13 +93,19 @@ void ModalTest::init()
     m_hostField->forceActiveFocus();
 
     QXBreakpointStore::shared().insert(*QXBreakpointKey::make(QUrl(u"https://shop.test/held"_s), {}));
-    URLRequest request = Exchanges::makeRequest(u"https://shop.test/v1/users/42"_s);
-    request.allHTTPHeaderFields = {
-        {u"Authorization"_s, QString::fromLatin1(("[1" + QByteArray(",2").repeated(60) + "]").toBase64())}};
-    QXRequestRecorder::shared().record(u"id"_s, request);
-    Exchanges::complete(u"id"_s, 200, "{\"a\":1}");
+    record(Exchanges::makeRequest(u"https://shop.test/v1/users/42"_s));
     click("QXFloatingButton");
     QVERIFY(waitFor("QXRequestRow"));
+}
+
+void ModalTest::record(URLRequest request)
+{
+    HTTPHeaderFields headers = request.allHTTPHeaderFields.value_or(HTTPHeaderFields());
+    headers[u"Authorization"_s] =
+        QString::fromLatin1(("[1" + QByteArray(",2").repeated(60) + "]").toBase64());
+    request.allHTTPHeaderFields = headers;
+    QXRequestRecorder::shared().record(u"id"_s, request);
+    Exchanges::complete(u"id"_s, 200, "{\"a\":1}");
 }
 
 void ModalTest::isFencedAndLeft_data()
@@ -251,6 +260,49 @@ void ModalTest::endsWithItsCarrier()
         cleanup();
         init();
     }
+}
+
+void ModalTest::longTextsAreCut_data()
+{
+    QTest::addColumn<Open>("open");
+    QTest::addColumn<QString>("opened");
+    const Open nothing = [](QQuickWindow &) {
+    };
+    const Open shareMenu = through(openDetails, "QXShareButton");
+    const Open tree = [](QQuickWindow &window) {
+        openDetails(window);
+        const QVariant details = ScreenDriver::find(window, "QXRequestDetailsView")->property("viewModel");
+        auto *const model = details.value<QAbstractItemModel *>();
+        QMetaObject::invokeMethod(model, "openLogTree", Q_ARG(int, model->rowCount() - 1));
+    };
+    QTest::newRow("list") << nothing << u"QXRequestListView"_s;
+    QTest::newRow("breakpoints") << through(nothing, "QXBreakpointsButton") << u"QXBreakpointsListView"_s;
+    QTest::newRow("details") << Open(openDetails) << u"QXRequestDetailsView"_s;
+    QTest::newRow("share sheet") << through(shareMenu, "QXShareCurl") << u"QXActivitySheet"_s;
+    QTest::newRow("tree") << tree << u"QXLogTreeView"_s;
+    QTest::newRow("held response") << nothing << u"QXBreakpointEditorView"_s;
+}
+
+/// Text items never get the long texts that requests can have, and neither do assistive technologies.
+void ModalTest::longTextsAreCut()
+{
+    const QString path = u'/' + QString(30'000, u'p');
+    const QString url = u"https://shop.test"_s + path;
+    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(QUrl(url), {}));
+    QXRequestRecorder::shared().clear();
+    URLRequest request = Exchanges::makeRequest(url, QString(30'000, u'M'));
+    request.allHTTPHeaderFields = {{QString(30'000, u'N'), QString(30'000, u'v')}};
+    record(request);
+    QTRY_COMPARE(findAll("QXRequestRow").size(), 1);
+    if (QLatin1StringView(QTest::currentDataTag()) == "held response"_L1)
+        QVERIFY(hold(
+            "{}", [](auto...) {}, path));
+    open();
+    visitVisible(m_window->contentItem(), [](QQuickItem *item) {
+        const QString text = item->inherits("QQuickText") ? item->property("text").toString() : QString();
+        QVERIFY2(text.size() <= 4096, qPrintable(text.left(20)));
+        QVERIFY2(spoken(item).size() <= 1001, qPrintable(spoken(item).left(20)));
+    });
 }
 
 void ModalTest::secondTapIsIgnored()

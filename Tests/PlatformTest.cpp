@@ -3,6 +3,7 @@
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/NSNotificationCenter.h"
 #include "Platform/ObjectRuntime.h"
+#include "Platform/ShortText.h"
 #include "Platform/URLRequest.h"
 #include "Platform/URLText.h"
 #include "Platform/UTF8Text.h"
@@ -45,6 +46,8 @@ private Q_SLOTS:
     void headerNamesIgnoreCaseInRequests();
     void textIsLostNowhere_data();
     void textIsLostNowhere();
+    void longTextIsCutBetweenCharacters_data();
+    void longTextIsCutBetweenCharacters();
     void headerNamesHaveTheirUsualSpelling_data();
     void headerNamesHaveTheirUsualSpelling();
     void statusText();
@@ -189,6 +192,27 @@ void PlatformTest::textIsLostNowhere()
     QCOMPARE(UTF8Text::exact(bytes), isExact ? std::optional(text) : std::nullopt);
     const QString encoded = QString::fromLatin1(bytes.toPercentEncoding());
     QCOMPARE(percentDecoded(encoded), isExact ? text : encoded);
+}
+
+void PlatformTest::longTextIsCutBetweenCharacters_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("beginning");
+    QTest::addColumn<QString>("ends");
+    QTest::newRow("longest") << u"abcdef"_s << u"abcdef"_s << u"abcdef"_s;
+    QTest::newRow("too long") << u"abcdefg"_s << u"abcdef…"_s << u"abc…efg"_s;
+    QTest::newRow("surrogates") << u"ab\U0001F600de\U0001F600gh"_s << u"ab\U0001F600de…"_s << u"ab…gh"_s;
+    QTest::newRow("combined") << u"abe\u0301dee\u0301gh"_s << u"abe\u0301de…"_s << u"ab…gh"_s;
+    const QString marks(100'000, u'\u0301');
+    QTest::newRow("one huge character")
+        << u"e"_s + marks << u"e"_s + marks.left(5) + u'…' << u"e"_s + marks.left(2) + u'…' + marks.left(3);
+}
+
+void PlatformTest::longTextIsCutBetweenCharacters()
+{
+    QFETCH(const QString, text);
+    QTEST(ShortText::beginning(text, 6), "beginning");
+    QTEST(ShortText::ends(text, 6), "ends");
 }
 
 void PlatformTest::headerNamesHaveTheirUsualSpelling_data()

@@ -95,9 +95,10 @@ std::unique_ptr<QQuickWindow> ScreenTest::makeWindow(QQmlEngine &engine, const c
     return window;
 }
 
-bool ScreenTest::hold(const QByteArray &body, const Quorvix::DataTaskCompletionHandler &release)
+bool ScreenTest::hold(const QByteArray &body, const Quorvix::DataTaskCompletionHandler &release,
+                      const QString &path)
 {
-    const QUrl url(QStringLiteral("http://host/held"));
+    const QUrl url(QStringLiteral("http://host") + path);
     QXBreakpointStore::shared().insert(*QXBreakpointKey::make(url, {}));
     return QXBreakpointCenter::shared().check(Quorvix::URLRequest(url), QStringLiteral("held"), body,
                                               Exchanges::makeResponse(200), {}, release);

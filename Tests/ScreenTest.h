@@ -50,7 +50,8 @@ protected:
     [[nodiscard]] bool resize(QSize size);
 
     /// Adds a rule for a response and holds it by that.
-    [[nodiscard]] static bool hold(const QByteArray &body, const Quorvix::DataTaskCompletionHandler &release);
+    [[nodiscard]] static bool hold(const QByteArray &body, const Quorvix::DataTaskCompletionHandler &release,
+                                   const QString &path = QStringLiteral("/held"));
 
     [[nodiscard]] QQuickItem *find(const char *name) { return ScreenDriver::find(*m_window, name); }
     [[nodiscard]] auto findAll(const char *name) { return ScreenDriver::findAll(*m_window, name); }
