@@ -6,78 +6,28 @@
 #include "Quorvix/QXRequestRowViewModel.h"
 #include "Quorvix/QXTemporaryFile.h"
 
+#include "Platform/ShortText.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QLocale>
+#include <QtCore/QTimerEvent>
 
-#include <algorithm>
-#include <array>
-#include <charconv>
-#include <functional>
-#include <string_view>
+#include <limits>
 #include <variant>
 
 using namespace Quorvix;
 
 namespace {
 
-/// Makes the query of a search text: lower case, without white space at both ends.
-QByteArray queryFor(const QString &searchText)
-{
-    return searchText.trimmed().toLower().toUtf8();
-}
-
-std::string_view view(const QByteArray &bytes)
-{
-    return {bytes.constData(), std::size_t(bytes.size())};
-}
-
-/// A query that is prepared once for many searches. It is a view of the bytes it is made from.
-class Query
-{
-public:
-    explicit Query(const QByteArray &text) : m_text(view(text)), m_searcher(m_text.begin(), m_text.end()) {}
-
-    [[nodiscard]] bool isIn(std::string_view haystack) const
-    {
-        // The searcher is faster only for a text that is long enough to skip ahead.
-        constexpr std::size_t shortest = 2;
-        if (m_text.size() < shortest)
-            return haystack.find(m_text) != std::string_view::npos;
-        return std::search(haystack.begin(), haystack.end(), m_searcher) != haystack.end();
-    }
-
-private:
-    std::string_view m_text;
-    std::boyer_moore_horspool_searcher<std::string_view::const_iterator> m_searcher;
-};
-
-/// Whether the URL, the method or the status code of a trace contains the query.
-bool matches(const QXTraceList::Cell &cell, const Query &query)
-{
-    if (query.isIn(view(cell.searchKey)))
-        return true;
-    if (!cell.trace.response)
-        return false;
-    std::array<char, 24> digits{};
-    const auto end = std::to_chars(digits.begin(), digits.end(), cell.trace.response->statusCode).ptr;
-    return query.isIn({digits.data(), std::size_t(end - digits.data())});
-}
+/// How many bytes of URLs are searched in one turn of the event loop, which takes about a frame. Only
+/// extremely long URLs need more than one turn.
+constexpr qsizetype bytesPerTurn = 16 * 1024 * 1024;
 
 /// Converts a position counted from the newest trace to one counted from the oldest, and back.
 qsizetype reversedIndex(const QXTraceList &requests, qsizetype index)
 {
     return requests.size() - 1 - index;
-}
-
-std::vector<quint32> allMatches(const QXTraceList &requests, const Query &query)
-{
-    std::vector<quint32> found;
-    for (qsizetype position = 0; position < requests.size(); ++position) {
-        if (matches(*requests.cell(reversedIndex(requests, position)), query))
-            found.push_back(quint32(position));
-    }
-    return found;
 }
 
 /// "Quorvix-export-" with the time in seconds since 1970, in the shortest form that keeps the fraction.
@@ -115,14 +65,12 @@ int QXRequestListViewModel::rowCount(const QModelIndex &parent) const
 {
     if (parent.isValid())
         return 0;
-    return isFiltering() ? int(m_matches.size()) : int(m_requests.size());
+    return m_search.isActive() ? int(m_search.matchCount()) : int(m_requests.size());
 }
 
 const QXTraceList::CellPtr &QXRequestListViewModel::cell(int row) const
 {
-    if (!isFiltering())
-        return m_requests.cell(row);
-    return m_requests.cell(reversedIndex(m_requests, m_matches[m_matches.size() - 1 - std::size_t(row)]));
+    return m_requests.cell(m_search.isActive() ? reversedIndex(m_requests, m_search.match(row)) : row);
 }
 
 QVariant QXRequestListViewModel::data(const QModelIndex &index, int role) const
@@ -136,7 +84,7 @@ QVariant QXRequestListViewModel::data(const QModelIndex &index, int role) const
         return request.id;
     case Qt::DisplayRole:
     case TitleRole:
-        return row.title();
+        return ShortText::ends(row.title()); // the row elides it in the middle
     case StatusTextRole:
         return row.statusText();
     case StatusColorRole:
@@ -166,6 +114,9 @@ std::vector<const QXRequestTrace *> QXRequestListViewModel::filteredRequests() c
     traces.reserve(std::size_t(rowCount()));
     for (int row = 0; row < rowCount(); ++row)
         traces.push_back(&trace(row));
+    QXTraceSearch rest = m_search;
+    for (const quint32 position : rest.examine(m_requests, std::numeric_limits<qsizetype>::max()))
+        traces.push_back(&m_requests[reversedIndex(m_requests, position)]);
     return traces;
 }
 
@@ -176,23 +127,42 @@ void QXRequestListViewModel::setSearchText(const QString &text)
     m_searchText = text;
     Q_EMIT _searchTextChanged();
 
-    const QByteArray query = queryFor(text);
-    if (query == m_query)
+    const QByteArray query = QXTraceSearch::queryFor(text);
+    if (query == m_search.query())
         return;
     beginResetModel();
-    if (query.isEmpty()) {
-        m_matches = {};
-    } else if (isFiltering() && query.contains(m_query)) {
-        // A text that contains the longer query also contains the shorter one, so only the current matches
-        // can match.
-        std::erase_if(m_matches, [&, prepared = Query(query)](quint32 position) {
-            return !matches(*m_requests.cell(reversedIndex(m_requests, position)), prepared);
-        });
-    } else {
-        m_matches = allMatches(m_requests, Query(query));
-    }
-    m_query = query;
+    m_search.begin(query, m_requests.size());
+    m_search.addOlder(m_search.examine(m_requests, bytesPerTurn));
     endResetModel();
+    continueSearchLater();
+}
+
+void QXRequestListViewModel::continueSearchLater()
+{
+    // A queued call would run in the same turn of the event loop.
+    if (m_search.isComplete())
+        m_searchTimer.stop();
+    else
+        m_searchTimer.start(0, this);
+}
+
+void QXRequestListViewModel::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() == m_searchTimer.timerId())
+        continueSearch();
+    else
+        QXPresentingModel::timerEvent(event);
+}
+
+void QXRequestListViewModel::continueSearch()
+{
+    const auto found = m_search.examine(m_requests, bytesPerTurn);
+    if (!found.empty()) {
+        beginInsertRows({}, rowCount(), rowCount() + int(found.size()) - 1);
+        m_search.addOlder(found);
+        endInsertRows();
+    }
+    continueSearchLater();
 }
 
 void QXRequestListViewModel::scheduleRefresh()
@@ -220,8 +190,10 @@ void QXRequestListViewModel::resetTo(const QXTraceList &requests)
         return;
     beginResetModel();
     m_requests = requests;
-    m_matches = isFiltering() ? allMatches(m_requests, Query(m_query)) : std::vector<quint32>();
+    m_search.restart(m_requests.size());
+    m_search.addOlder(m_search.examine(m_requests, bytesPerTurn));
     endResetModel();
+    continueSearchLater();
 }
 
 void QXRequestListViewModel::extendTo(const QXTraceList &requests)
@@ -229,20 +201,15 @@ void QXRequestListViewModel::extendTo(const QXTraceList &requests)
     std::vector<qsizetype> changed;
     m_requests.visitDifferences(requests, [&](qsizetype position) { changed.push_back(position); });
     const qsizetype known = m_requests.size();
-    if (isFiltering()) {
+    if (m_search.isActive()) {
         m_requests = requests;
         for (const qsizetype position : changed)
             updateMatch(position);
-        const Query query(m_query);
-        std::vector<quint32> added;
-        for (qsizetype position = known; position < requests.size(); ++position) {
-            if (matches(*requests.cell(reversedIndex(requests, position)), query))
-                added.push_back(quint32(position));
-        }
+        const auto added = m_search.examineFrom(requests, known);
         if (added.empty())
             return;
         beginInsertRows({}, 0, int(added.size()) - 1);
-        m_matches.insert(m_matches.end(), added.begin(), added.end());
+        m_search.addNewer(added);
         endInsertRows();
         return;
     }
@@ -261,20 +228,24 @@ void QXRequestListViewModel::extendTo(const QXTraceList &requests)
 
 void QXRequestListViewModel::updateMatch(qsizetype position)
 {
-    const auto place = std::lower_bound(m_matches.begin(), m_matches.end(), quint32(position));
-    const bool shown = place != m_matches.end() && *place == quint32(position);
-    const bool matching = matches(*m_requests.cell(reversedIndex(m_requests, position)), Query(m_query));
-    const int after = int(m_matches.end() - place);
-    if (shown && matching) {
-        Q_EMIT dataChanged(index(after - 1), index(after - 1));
-    } else if (matching) {
-        beginInsertRows({}, after, after);
-        m_matches.insert(place, quint32(position));
+    const QXTraceSearch::Change change = m_search.examineChange(m_requests, position);
+    const int row = int(change.index);
+    switch (change.kind) {
+    case QXTraceSearch::Change::None:
+        break;
+    case QXTraceSearch::Change::Changed:
+        Q_EMIT dataChanged(index(row), index(row));
+        break;
+    case QXTraceSearch::Change::Added:
+        beginInsertRows({}, row, row);
+        m_search.apply(change, position);
         endInsertRows();
-    } else if (shown) {
-        beginRemoveRows({}, after - 1, after - 1);
-        m_matches.erase(place);
+        break;
+    case QXTraceSearch::Change::Removed:
+        beginRemoveRows({}, row, row);
+        m_search.apply(change, position);
         endRemoveRows();
+        break;
     }
 }
 

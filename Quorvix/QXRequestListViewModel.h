@@ -3,16 +3,19 @@
 #include "Quorvix/QXPresentingModel.h"
 #include "Quorvix/QXRequestDetailsViewModel.h"
 #include "Quorvix/QXTraceList.h"
+#include "Quorvix/QXTraceSearch.h"
 
 #include "Platform/NSNotificationCenter.h"
 
+#include <QtCore/QBasicTimer>
 #include <QtQml/qqmlregistration.h>
 
 /// The request list: the traces of the recorder, filtered by a search text. Main thread only.
 ///
-/// The rows are the traces that match the search, in the recorder's order. A change of the recorder reaches
-/// the model in a later turn of the event loop and affects only the rows it concerns. The cost of a change
-/// does not grow with the number of traces.
+/// The rows are the traces that match the search, in the recorder's order. A search through so many bytes of
+/// URLs that it would block the thread goes on in later turns of the event loop, from the newest trace to the
+/// oldest, and appends rows. A change of the recorder reaches the model in a later turn of the event loop and
+/// affects only the rows it concerns. The cost of a change does not grow with the number of traces.
 class QXRequestListViewModel : public QXPresentingModel
 {
     Q_OBJECT
@@ -45,7 +48,7 @@ public:
 
     /// All captured traces, as of the last change that has reached the model.
     [[nodiscard]] const QXTraceList &requests() const noexcept { return m_requests; }
-    /// The traces that match the search; valid until the model changes.
+    /// All traces that match the search, also those that have no row yet; valid until the model changes.
     [[nodiscard]] std::vector<const QXRequestTrace *> filteredRequests() const;
     /// The trace of a row, which must exist.
     [[nodiscard]] const QXRequestTrace &trace(int row) const { return cell(row)->trace; }
@@ -62,10 +65,14 @@ public:
 Q_SIGNALS:
     void _searchTextChanged();
 
+protected:
+    void timerEvent(QTimerEvent *event) override;
+
 private:
-    [[nodiscard]] bool isFiltering() const { return !m_query.isEmpty(); }
     [[nodiscard]] const QXTraceList::CellPtr &cell(int row) const;
 
+    void continueSearchLater();
+    void continueSearch();
     void scheduleRefresh();
     void refresh();
     void resetTo(const QXTraceList &requests);
@@ -73,10 +80,9 @@ private:
     void updateMatch(qsizetype position);
 
     QString m_searchText;
-    QByteArray m_query;
     QXTraceList m_requests;
-    /// The positions of the matches while a search is active, counted from the oldest trace, ascending.
-    std::vector<quint32> m_matches;
+    QXTraceSearch m_search;
     bool m_refreshScheduled = false;
+    QBasicTimer m_searchTimer;
     Quorvix::NSNotificationObserver m_observer;
 };

@@ -50,6 +50,7 @@ private Q_SLOTS:
     void searches_data();
     void searches();
     void filterAgreesWithALookAtEveryTrace();
+    void longSearchDoesNotBlock();
     void exportHoldsWhatIsVisible();
     void exportFailures();
     void fieldsTellOfTheirChanges_data();
@@ -179,6 +180,40 @@ void RequestListModelTest::filterAgreesWithALookAtEveryTrace()
         }
         QCOMPARE(shown(model), expected.join(QString()));
     }
+}
+
+void RequestListModelTest::longSearchDoesNotBlock()
+{
+    const QString path(300'000, u'x');
+    QString all;
+    QString ones;
+    for (int i = 0; i < 120; ++i) {
+        const QString id = QString::number(i) + u' ';
+        record(id, u"http://host/%1/end%2"_s.arg(path).arg(i));
+        all.prepend(id);
+        if (id.startsWith(u'1'))
+            ones.prepend(id);
+    }
+    QXRequestListViewModel model;
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    const auto rows = [&] {
+        QString ids;
+        for (int row = 0; row < model.rowCount(); ++row)
+            ids += model.trace(row).id;
+        return ids;
+    };
+    model.setSearchText(u"end"_s);
+    QVERIFY(model.rowCount() > 0 && model.rowCount() < 100);
+    QVERIFY(all.startsWith(rows()));
+    QCOMPARE(shown(model), all); // an export misses nothing
+    model.setSearchText(u"end1"_s); // goes on with what is left
+    QVERIFY(ones.startsWith(rows()));
+    for (const int changed : {0, 10, 119})
+        complete(QString::number(changed) + u' ', 200);
+    record(u"new "_s, u"http://host/end1"_s);
+    QTRY_COMPARE(rows(), u"new "_s + ones);
+    model.setSearchText(u"200"_s);
+    QTRY_COMPARE(rows(), u"119 10 0 "_s);
 }
 
 void RequestListModelTest::exportHoldsWhatIsVisible()

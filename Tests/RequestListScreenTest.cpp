@@ -40,6 +40,7 @@ private Q_SLOTS:
     void breakpointsOpenAsASheet();
     void controlsAreNamedAndLargeEnough();
     void appearanceFollowsThePalette();
+    void longUrlsStaySmooth();
 
 private:
     [[nodiscard]] QStringList titles();
@@ -226,6 +227,33 @@ void RequestListScreenTest::appearanceFollowsThePalette()
     QTRY_VERIFY(lightness() < 50);
     QGuiApplication::setPalette(QPalette());
     QTRY_VERIFY(lightness() > 200);
+}
+
+void RequestListScreenTest::longUrlsStaySmooth()
+{
+    const auto timeWith = [this](const QString &filler) {
+        cleanup();
+        init();
+        for (int i = 0; i < 200; ++i)
+            record(u"/items/%1/%2/end"_s.arg(i).arg(filler));
+        QElapsedTimer timer;
+        timer.start();
+        openList();
+        for (int step = 0; step < 50; ++step) {
+            turnWheel(*m_window, QPoint(200, 500), 1);
+            (void)m_window->grabWindow();
+        }
+        press(Qt::Key_F, Qt::ControlModifier);
+        type("items/1");
+        (void)m_window->grabWindow();
+        return timer.elapsed();
+    };
+    const qint64 usual = timeWith(u"usual"_s);
+    const qint64 extreme = timeWith(u"0123456789/"_s.repeated(27'000));
+    QVERIFY2(extreme < 2 * usual + 100, qPrintable(u"%1 ms instead of %2"_s.arg(extreme).arg(usual)));
+    type("59/");
+    QTRY_COMPARE(titles().size(), 1);
+    QVERIFY(titles()[0].startsWith(u"GET /items/159/0123"_s) && titles()[0].endsWith(u"789//end"_s));
 }
 
 QTEST_MAIN(RequestListScreenTest)
