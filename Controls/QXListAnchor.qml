@@ -29,6 +29,18 @@ Item {
             root.moveTo(item.y - root.anchorOffset);
     }
 
+    /// Scrolls to the current row if it is out of view because new rows have moved it.
+    function revealCurrentRow() {
+        if (later.running) {
+            later.stop();
+            root.restore();
+        }
+        const item = root.view.currentItem;
+        if (item && (item.y < root.view.contentY
+                     || item.y + item.height > root.view.contentY + root.view.height - root.view.bottomMargin))
+            root.view.positionViewAtIndex(root.view.currentIndex, ListView.Center);
+    }
+
     function moveTo(position: real) {
         // An assignment stops a flick, so it is made only when the view did not keep its position.
         if (Math.abs(position - root.view.contentY) > 0.5)
@@ -59,6 +71,7 @@ Item {
 
         function onModelAboutToBeReset() {
             later.stop();
+            root.view.currentIndex = -1; // the row that had this index may have another one now
         }
     }
 }

@@ -10,6 +10,9 @@ ListView {
     property real bottomInset: 0
     /// Whether the large title is in full view.
     property bool isAtTop: true
+    /// Whether the current row is highlighted. A key press sets it; a tap clears it, because a tapped row is
+    /// highlighted only while it is pressed.
+    property bool highlightsCurrentRow: false
 
     y: bar.collapsedHeight
     width: bar.width
@@ -28,6 +31,8 @@ ListView {
 
     T.ScrollBar.vertical: QXScrollBar {}
 
+    Keys.onPressed: root.highlightsCurrentRow = true
+
     Component.onCompleted: root.scrollToTop()
     onMovementStarted: {
         if (InputMethod.visible)
@@ -38,6 +43,13 @@ ListView {
     onTopMarginChanged: {
         if (root.isAtTop)
             root.scrollToTop();
+    }
+
+    /// Moves the current row and keyboard focus to the row that the user clicked or tapped.
+    function selectRow(row: int) {
+        root.highlightsCurrentRow = false;
+        root.currentIndex = row;
+        root.forceActiveFocus();
     }
 
     function scrollToTop() {

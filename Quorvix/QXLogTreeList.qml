@@ -9,9 +9,6 @@ QXPageList {
     id: root
 
     required property QXLogTreeViewModel viewModel
-    /// Whether the current row is highlighted. A key press sets it; a tap clears it, because a tapped row is
-    /// highlighted only while it is pressed.
-    property bool highlightsCurrentRow: false
 
     readonly property int pageRows: Math.max(1, Math.floor(height / (currentItem?.height ?? QXTheme.touchTarget)) - 1)
 
@@ -25,7 +22,6 @@ QXPageList {
     Accessible.role: Accessible.Tree
 
     Keys.onPressed: event => {
-        root.highlightsCurrentRow = true;
         event.accepted = true;
         if (event.matches(StandardKey.Copy))
             root.viewModel.copy(root.currentIndex);
@@ -50,13 +46,6 @@ QXPageList {
             root.selectRow(index);
             root.menuRequested(index, row, position);
         }
-    }
-
-    /// Moves the current row and keyboard focus to the row that the user clicked or tapped.
-    function selectRow(row: int) {
-        root.highlightsCurrentRow = false;
-        root.currentIndex = row;
-        root.forceActiveFocus();
     }
 
     function setCurrentRow(row: int) {

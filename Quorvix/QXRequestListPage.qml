@@ -95,9 +95,9 @@ FocusScope {
 
             width: ListView.view.width
             columnMargin: navigationBar.columnMargin
-            isCurrent: ListView.isCurrentItem && list.activeFocus
+            isCurrent: ListView.isCurrentItem && list.highlightsCurrentRow && list.activeFocus
             onClicked: {
-                list.currentIndex = index;
+                list.selectRow(index);
                 root.rowChosen(index);
             }
         }
@@ -109,6 +109,13 @@ FocusScope {
     }
 
     QXListAnchor {
+        id: anchor
+
         view: list
+    }
+
+    onVisibleChanged: {
+        if (visible)
+            anchor.revealCurrentRow();
     }
 }

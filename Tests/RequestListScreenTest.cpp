@@ -34,6 +34,9 @@ private Q_SLOTS:
     void rowsChangeInPlace();
     void searchByKeyboard();
     void keyboardWalksTheRows();
+    void backFocusesTheList();
+    void openedRowStaysInView_data();
+    void openedRowStaysInView();
     void newRowsDoNotMoveWhatIsRead();
     void exportPresentsTheShareSheetEachTime();
     void emptiedListIsNotExported();
@@ -121,6 +124,58 @@ void RequestListScreenTest::keyboardWalksTheRows()
     QTRY_VERIFY(find("QXRequestListView"));
     press(Qt::Key_Down); // the list has the keyboard again
     QTRY_COMPARE(find("QXRequestList")->property("currentIndex").toInt(), 2);
+}
+
+void RequestListScreenTest::backFocusesTheList()
+{
+    record(u"/a"_s);
+    openList();
+    click("QXSearchField");
+    QVERIFY(waitFor("QXRequestRow"));
+    const QPoint place = ScreenDriver::middle(*find("QXRequestRow"));
+    touch(place);
+    lift(place);
+    QVERIFY(waitFor("QXRequestDetailsView"));
+    click("QXBackButton");
+    QTRY_VERIFY(!find("QXRequestDetailsView"));
+    // A focused field would raise the keyboard of a phone.
+    QVERIFY(find("QXRequestList")->hasActiveFocus());
+    const QQuickItem *const row = find("QXRequestRow");
+    QVERIFY(!row->property("pressed").toBool() && !row->property("isCurrent").toBool());
+    press(Qt::Key_Down); // a key shows where it acts
+    QVERIFY(row->property("isCurrent").toBool());
+}
+
+void RequestListScreenTest::openedRowStaysInView_data()
+{
+    QTest::addColumn<int>("arrivals");
+    QTest::addColumn<bool>("areLate");
+    QTest::newRow("a few new rows") << 3 << false;
+    QTest::newRow("more than fit") << 100 << false;
+    QTest::newRow("in the moment of the return") << 100 << true;
+}
+
+void RequestListScreenTest::openedRowStaysInView()
+{
+    QFETCH(const int, arrivals);
+    QFETCH(const bool, areLate);
+    for (int i = 0; i < 40; ++i)
+        record(u"/old/%1"_s.arg(i));
+    openList();
+    QTRY_VERIFY(row(u"GET /old/37"_s));
+    const QQuickItem *const list = find("QXRequestList");
+    click(ScreenDriver::middle(*row(u"GET /old/37"_s)));
+    QVERIFY(waitFor("QXRequestDetailsView"));
+    for (int i = 0; i < arrivals; ++i)
+        record(u"/new/%1"_s.arg(i));
+    if (!areLate)
+        QTRY_COMPARE(list->property("count").toInt(), 40 + arrivals);
+    click("QXBackButton");
+    QTRY_VERIFY(!find("QXRequestDetailsView"));
+    QVERIFY(waitFor("QXRequestRow"));
+    QVERIFY(row(u"GET /old/37"_s));
+    // At the top the list still shows the newest row.
+    QCOMPARE(row(u"GET /new/%1"_s.arg(arrivals - 1)) != nullptr, arrivals == 3);
 }
 
 void RequestListScreenTest::newRowsDoNotMoveWhatIsRead()
