@@ -24,6 +24,8 @@ QXModal {
     Item {
         id: panel
 
+        readonly property real available: root.height - root.bottomEdge - root.edge - QXTheme.touchTarget
+        readonly property real smallestHeight: cancel.height + root.edge + QXTheme.touchTarget
         readonly property real hidden: (1 - root.progress) * (root.height - settled)
         readonly property real settled: root.isCard ? (root.height - height) / 2
                                                     : root.height - height - root.bottomEdge
@@ -31,8 +33,7 @@ QXModal {
         x: (root.width - width) / 2
         y: settled + hidden
         width: Math.min(root.isCard ? 320 * Math.max(1, QXTheme.scale) : 480, root.width - 2 * root.edge)
-        height: Math.min(choices.implicitHeight + root.edge + cancel.height,
-                         root.height - root.bottomEdge - root.edge - QXTheme.touchTarget)
+        height: Math.min(choices.implicitHeight + root.edge + cancel.height, Math.max(available, smallestHeight))
 
         Rectangle {
             id: card

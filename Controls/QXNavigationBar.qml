@@ -81,7 +81,7 @@ FocusScope {
 
             x: Math.max(roomStart, Math.min((root.width - width) / 2, roomEnd - width))
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, roomEnd - roomStart)
+            width: Math.max(0, Math.min(implicitWidth, roomEnd - roomStart))
             text: root.shownTitle
             font: QXTheme.barTitle
             fontSizeMode: Text.HorizontalFit

@@ -29,11 +29,11 @@ QXModal {
         id: card
 
         readonly property real bottomInset: root.isCard ? 0 : root.presentationLayer.safeArea.bottom
-        readonly property real roomAbove: root.isCard ? root.height * 0.08 : QXTheme.touchTarget
+        readonly property real available: root.height - (root.isCard ? 0.16 * root.height : QXTheme.touchTarget)
+        readonly property real smallestHeight: header.height + QXTheme.touchTarget
 
         width: root.isCard ? Math.min(560, root.width - 2 * QXTheme.margin) : root.width
-        height: Math.min(header.height + root.contentHeight + bottomInset,
-                         root.height - roomAbove * (root.isCard ? 2 : 1))
+        height: Math.min(header.height + root.contentHeight + bottomInset, Math.max(available, smallestHeight))
         x: (root.width - width) / 2
         y: (root.isCard ? (root.height - height) / 2 : root.height - height)
            + (1 - root.progress) * (root.isCard ? (root.height + height) / 2 : height) + root.dragOffset
@@ -131,9 +131,8 @@ QXModal {
             id: contentItem
 
             anchors.top: header.bottom
-            anchors.bottom: parent.bottom
-            anchors.bottomMargin: card.bottomInset
             width: parent.width
+            height: Math.max(0, parent.height - header.height - card.bottomInset)
         }
     }
 

@@ -16,11 +16,15 @@ QX_QML_MODULE(linkQuorvixModule, Quorvix, QuorvixScreens)
 
 namespace {
 
+/// The smallest size of a screen. In a smaller window, which cannot be used anyway, a part of it is visible:
+/// parts side by side would get negative sizes.
+constexpr QSizeF smallestSize(240, 100);
+
 void fill(QQuickItem &item, QQuickItem &parent)
 {
     item.setParentItem(&parent);
     const auto fit = [&item, &parent] {
-        item.setSize(parent.size());
+        item.setSize(parent.size().expandedTo(smallestSize));
     };
     QObject::connect(&parent, &QQuickItem::widthChanged, &item, fit);
     QObject::connect(&parent, &QQuickItem::heightChanged, &item, fit);

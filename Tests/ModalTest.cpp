@@ -66,6 +66,8 @@ private Q_SLOTS:
     void isTranslated();
     void endsWithItsCarrier_data() { everyScreen(); }
     void endsWithItsCarrier();
+    void survivesTinyWindows_data() { everyScreen(); }
+    void survivesTinyWindows();
     void longTextsAreCut_data();
     void longTextsAreCut();
     void secondTapIsIgnored();
@@ -260,6 +262,34 @@ void ModalTest::endsWithItsCarrier()
         cleanup();
         init();
     }
+}
+
+/// No binding loops, no warnings, and no item turned inside out.
+void ModalTest::survivesTinyWindows()
+{
+    const auto check = [this] {
+        for (int frame = 0; frame < 3; ++frame) {
+            QCoreApplication::processEvents();
+            (void)m_window->grabWindow();
+        }
+        visitVisible(m_window->contentItem(), [this](const QQuickItem *item) {
+            QVERIFY2(item->width() >= 0 && item->height() >= 0,
+                     qPrintable(u"%1 in %2x%3"_s.arg(QString::fromLatin1(item->metaObject()->className()))
+                                    .arg(m_window->width())
+                                    .arg(m_window->height())));
+        });
+    };
+    open();
+    for (const QSize size : {QSize(1, 1), QSize(50, 50), QSize(0, 300), QSize(120, 80), QSize(200, 100),
+                             QSize(390, 100), QSize(100, 844), QSize(640, 60), QSize(390, 844)}) {
+        m_window->resize(size);
+        check();
+    }
+    m_window->resize(50, 50);
+    QuorvixClient::shared().hide();
+    QuorvixClient::shared().show();
+    QuorvixClient::shared().overlayWindow()->handleFloatingButtonTap();
+    check();
 }
 
 void ModalTest::longTextsAreCut_data()
