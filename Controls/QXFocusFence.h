@@ -20,14 +20,9 @@ public:
     explicit QXFocusFence(QQuickItem *parent = nullptr);
     ~QXFocusFence() override;
 
-    /// Moves the focus from an item inside the parent item to the next or previous control there.
-    void moveFocus(QQuickItem &from, bool forwards);
-
 protected:
     void itemChange(ItemChange change, const ItemChangeData &value) override;
 
 private:
-    [[nodiscard]] bool isInside(const QQuickItem *item) const;
-
     QPointer<QXKeyFilter> m_filter;
 };

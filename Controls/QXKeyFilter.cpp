@@ -1,13 +1,12 @@
 #include "Controls/QXKeyFilter.h"
 
-#include "Controls/QXFocusFence.h"
-
 #include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QInputMethod>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QStyleHints>
+#include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 
 #include <algorithm>
@@ -63,6 +62,24 @@ bool isTab(const QKeyEvent &event)
            !(event.modifiers() & commandModifiers);
 }
 
+/// Moves the focus from an item to the next or previous control inside @p fenced.
+void moveFocus(QQuickItem &from, const QQuickItem &fenced, bool forwards)
+{
+    const auto isInside = [&](const QQuickItem *item) {
+        return item == &fenced || fenced.isAncestorOf(item);
+    };
+    // When no control inside takes the focus, the chain of controls may not return to the item.
+    QQuickItem *const first = from.nextItemInFocusChain(forwards);
+    QQuickItem *item = first;
+    while (item && item != &from && !isInside(item)) {
+        item = item->nextItemInFocusChain(forwards);
+        if (item == first)
+            return;
+    }
+    if (item && item != &from)
+        item->forceActiveFocus(forwards ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+}
+
 /// Delivers a key as the window does, from an item up to its parents, but only as far as @p last.
 void deliver(QKeyEvent &event, QPointer<QQuickItem> item, const QPointer<QQuickItem> &last)
 {
@@ -109,12 +126,12 @@ bool QXKeyFilter::isForScreens(const QKeyEvent &event)
     return !isMachineKey && !isWindowKey && !isToolKey;
 }
 
-void QXKeyFilter::add(QXFocusFence &fence)
+void QXKeyFilter::add(const QQuickItem &fence)
 {
     m_fences.append(&fence);
 }
 
-void QXKeyFilter::remove(QXFocusFence &fence)
+void QXKeyFilter::remove(const QQuickItem &fence)
 {
     m_fences.removeOne(&fence);
     deleteIfIdle();
@@ -151,22 +168,20 @@ bool QXKeyFilter::eventFilter(QObject *watched, QEvent *event)
     }
 }
 
-QXFocusFence *QXKeyFilter::fenceAround(const QQuickItem *item) const
+QQuickItem *QXKeyFilter::fencedAround(QQuickItem *item) const
 {
     for (; item; item = item->parentItem()) {
-        const auto found =
-            std::find_if(m_fences.cbegin(), m_fences.cend(), [item](const QXFocusFence *fence) {
+        if (std::any_of(m_fences.cbegin(), m_fences.cend(), [item](const QQuickItem *fence) {
                 return fence->parentItem() == item && fence->isEnabled() && fence->isVisible();
-            });
-        if (found != m_fences.cend())
-            return *found;
+            }))
+            return item;
     }
     return nullptr;
 }
 
 bool QXKeyFilter::overrideShortcut(QKeyEvent &event)
 {
-    const bool isOurs = fenceAround(m_window.activeFocusItem())
+    const bool isOurs = fencedAround(m_window.activeFocusItem())
                             ? isForScreens(event)
                             : event.isAutoRepeat() && m_held.contains(identity(event));
     if (isOurs)
@@ -177,15 +192,15 @@ bool QXKeyFilter::overrideShortcut(QKeyEvent &event)
 bool QXKeyFilter::press(QKeyEvent &event)
 {
     QQuickItem *const focused = m_window.activeFocusItem();
-    QXFocusFence *const fence = fenceAround(focused);
-    if (fence && isForScreens(event)) {
+    QQuickItem *const fenced = fencedAround(focused);
+    if (fenced && isForScreens(event)) {
         m_held.insert(identity(event));
         event.accept();
         if (isTab(event))
-            fence->moveFocus(*focused,
-                             event.key() == Qt::Key_Tab && !(event.modifiers() & Qt::ShiftModifier));
+            moveFocus(*focused, *fenced,
+                      event.key() == Qt::Key_Tab && !(event.modifiers() & Qt::ShiftModifier));
         else
-            deliver(event, focused, fence->parentItem());
+            deliver(event, focused, fenced);
         return true;
     }
     if (event.isAutoRepeat() && m_held.contains(identity(event))) {
@@ -202,12 +217,12 @@ bool QXKeyFilter::release(QKeyEvent &event)
     if (!m_held.contains(identity(event)))
         return false;
     QQuickItem *const focused = m_window.activeFocusItem();
-    const QXFocusFence *const fence = fenceAround(focused);
+    QQuickItem *const fenced = fencedAround(focused);
     if (!event.isAutoRepeat())
         m_held.remove(identity(event));
     event.accept();
-    if (fence)
-        deliver(event, focused, fence->parentItem());
+    if (fenced)
+        deliver(event, focused, fenced);
     else
         deleteIfIdle();
     return true;
@@ -230,14 +245,13 @@ void QXKeyFilter::handlePointer(const QPointerEvent &event)
 
 void QXKeyFilter::hideKeyboardBeside(const QPointF &point)
 {
-    const QQuickItem *const focused = m_window.activeFocusItem();
-    const QXFocusFence *const fence = fenceAround(focused);
+    QQuickItem *const focused = m_window.activeFocusItem();
+    QQuickItem *const fenced = fencedAround(focused);
     const auto contains = [&](const QQuickItem &item) {
         return item.contains(item.mapFromScene(point));
     };
     // The keyboard itself may be in the scene, outside of the fence. The field keeps the focus, so that a
     // keyboard of the machine goes on typing into it.
-    if (fence && contains(*fence->parentItem()) && !contains(*focused) &&
-        QGuiApplication::inputMethod()->isVisible())
+    if (fenced && contains(*fenced) && !contains(*focused) && QGuiApplication::inputMethod()->isVisible())
         QGuiApplication::inputMethod()->hide();
 }

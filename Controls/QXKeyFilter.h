@@ -9,15 +9,15 @@ class QKeyEvent;
 class QPointerEvent;
 class QQuickItem;
 class QQuickWindow;
-class QXFocusFence;
 
 /// Gives the keys of a fenced screen to its items alone, and hides the on-screen keyboard after a tap beside
 /// the item with keyboard focus. Main thread only.
 ///
-/// A window has one filter, which its fences share. While the item with keyboard focus is behind a fence, the
-/// filter delivers the keys that isForScreens() names. They go from that item up to the fence's parent, and
-/// no further: no shortcut, item, or key handler of the host's window gets them. A key that was pressed
-/// behind a fence stays away from the host until it is released, even if the screen closes in the meantime.
+/// A window has one filter, which its fences share; see QXFocusFence. While the item with keyboard focus is
+/// behind a fence, the filter delivers the keys that isForScreens() names. They go from that item up to the
+/// fence's parent, and no further: no shortcut, item, or key handler of the host's window gets them. A key
+/// that was pressed behind a fence stays away from the host until it is released, even if the screen closes
+/// in the meantime.
 class QXKeyFilter final : public QObject
 {
     Q_OBJECT
@@ -35,17 +35,17 @@ public:
     /// keys to show and hide their tools.
     [[nodiscard]] static bool isForScreens(const QKeyEvent &event);
 
-    void add(QXFocusFence &fence);
+    void add(const QQuickItem &fence);
     /// Removes a fence. The filter deletes itself after the last fence and the last held key.
-    void remove(QXFocusFence &fence);
+    void remove(const QQuickItem &fence);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     explicit QXKeyFilter(QQuickWindow &window);
 
-    /// The innermost fence in effect around an item, or null.
-    [[nodiscard]] QXFocusFence *fenceAround(const QQuickItem *item) const;
+    /// The parent of the innermost fence in effect around an item, or null.
+    [[nodiscard]] QQuickItem *fencedAround(QQuickItem *item) const;
     [[nodiscard]] bool overrideShortcut(QKeyEvent &event);
     [[nodiscard]] bool press(QKeyEvent &event);
     [[nodiscard]] bool release(QKeyEvent &event);
@@ -54,7 +54,7 @@ private:
     void deleteIfIdle();
 
     QQuickWindow &m_window;
-    QList<QXFocusFence *> m_fences;
+    QList<const QQuickItem *> m_fences;
     /// The keys that were pressed behind a fence and are still down.
     QSet<quint64> m_held;
     /// Where a finger or a button went down; in the window's coordinates.
