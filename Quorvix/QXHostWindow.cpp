@@ -108,11 +108,30 @@ void QXHostWindow::setMask(const QRegion &region)
         m_own->setMask(region);
 }
 
+void QXHostWindow::setAcceptsKeyboard(bool accepts)
+{
+    if (!m_own || accepts != m_own->flags().testFlag(Qt::WindowDoesNotAcceptFocus))
+        return;
+    if (accepts) {
+        activate();
+        return;
+    }
+    m_own->setFlag(Qt::WindowDoesNotAcceptFocus);
+    QWindow *const previous = isHostWindow(m_previous) ? m_previous.data() : m_own->transientParent();
+    if (previous && QGuiApplication::focusWindow() == m_own.get())
+        previous->requestActivate();
+}
+
 void QXHostWindow::activate()
 {
     QQuickWindow *const current = window();
     if (!current || !isReachable())
         return;
+    if (m_own) {
+        m_own->setFlag(Qt::WindowDoesNotAcceptFocus, false);
+        if (QGuiApplication::focusWindow() != m_own.get())
+            m_previous = QGuiApplication::focusWindow();
+    }
     // QWindow::show() would make a maximised window a normal one.
     if (current->windowStates() & Qt::WindowMinimized)
         current->setWindowStates(current->windowStates() & ~Qt::WindowMinimized);
@@ -223,7 +242,8 @@ void QXHostWindow::makeOwn()
 {
     m_own = std::make_unique<QQuickWindow>();
     m_own->setColor(Qt::transparent);
-    m_own->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    m_own->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                    Qt::WindowDoesNotAcceptFocus);
     placeOwn();
     if (m_host && m_host->isVisible())
         m_own->setGeometry(m_host->geometry());

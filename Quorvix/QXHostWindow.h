@@ -38,6 +38,9 @@ public:
     /// Limits our own window to a region, on platforms on which something can be below it. An empty region
     /// removes the limit.
     void setMask(const QRegion &region);
+    /// Sets whether our own window takes the keyboard from the host's window, at once and also when it is
+    /// clicked. While it only shows the button it must not, and gives the keyboard back.
+    void setAcceptsKeyboard(bool accepts);
     /// Brings the current window to the front and requests keyboard focus for it. Does not show a window that
     /// the host has hidden.
     void activate();
@@ -61,6 +64,8 @@ private:
 
     QPointer<QQuickWindow> m_host;
     std::unique_ptr<QQuickWindow> m_own;
+    /// The window that had the keyboard before our own.
+    QPointer<QWindow> m_previous;
     QTimer m_delay;
     bool m_isHidden = false;
     bool m_isRequired = false;

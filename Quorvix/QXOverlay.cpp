@@ -183,12 +183,14 @@ bool QXOverlay::hitTest(const QPointF &point) const
     return !isHidden() && (coversPoint || buttonFrame().contains(point));
 }
 
-/// Our own window covers other applications. The mask lets it receive clicks only where something is visible.
+/// Our own window covers other applications. The mask lets it receive clicks only where something is visible,
+/// and it takes the keyboard only for a screen.
 void QXOverlay::updateMask()
 {
     if (!m_host.isOwn())
         return;
     const bool coversWindow = m_isShowingRequestList || m_breakpointWindow;
+    m_host.setAcceptsKeyboard(coversWindow);
     const QRect button = buttonFrame().toAlignedRect();
     m_host.setMask(coversWindow ? QRegion()
                                 : button.adjusted(-buttonMargin, -buttonMargin, buttonMargin, buttonMargin));

@@ -1,8 +1,11 @@
 #include "Tests/Exchanges.h"
 #include "Tests/ScreenTest.h"
 
+#include "Quorvix/QXOverlay.h"
+
 #include "Controls/QXKeyFilter.h"
 
+#include <QtGui/QRasterWindow>
 #include <QtGui/QShortcut>
 
 using namespace Quorvix;
@@ -122,6 +125,7 @@ private Q_SLOTS:
     void keyStaysWithItsScreen();
     void keyStaysWithTheHost();
     void typesDespiteShortcuts();
+    void ownWindowGivesTheKeyboardBack();
 
 private:
     void addShortcuts(const QStringList &keys);
@@ -369,6 +373,29 @@ void KeyboardTest::typesDespiteShortcuts()
         press(key);
     QCOMPARE(text("QXSearchField"), u"a7"_s);
     QCOMPARE(heard(), 0);
+}
+
+void KeyboardTest::ownWindowGivesTheKeyboardBack()
+{
+    QuorvixClient::shared().hide();
+    m_window.reset();
+    QRasterWindow plain; // not a Qt Quick window
+    plain.resize(390, 844);
+    plain.show();
+    QVERIFY(waitForActive(plain));
+    QuorvixClient::shared().show();
+    QTRY_VERIFY(QuorvixClient::shared().overlayWindow()->window());
+    QQuickWindow &own = *QuorvixClient::shared().overlayWindow()->window();
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(own.flags() & Qt::WindowDoesNotAcceptFocus);
+        plain.requestActivate();
+        QVERIFY(waitForActive(plain));
+        ScreenDriver::click(own, "QXFloatingButton");
+        QTRY_COMPARE(QGuiApplication::focusWindow(), &own);
+        QVERIFY(waitForRest(own, "QXRequestRow"));
+        QTest::keyClick(&own, Qt::Key_Escape);
+        QTRY_COMPARE(QGuiApplication::focusWindow(), &plain);
+    }
 }
 
 QTEST_MAIN(KeyboardTest)
