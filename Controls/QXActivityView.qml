@@ -16,6 +16,10 @@ QXSheet {
     Accessible.name: activity.title
 
     onShareItemChanged: root.begin()
+    onVisibleChanged: {
+        if (!visible && !presented)
+            activity.activityItems = [];
+    }
     Component.onCompleted: root.begin()
 
     function begin() {

@@ -29,13 +29,22 @@ QHash<int, QByteArray> QXDecodedPayloadModel::roleNames() const
 
 void QXDecodedPayloadModel::setPayload(const QVariant &value)
 {
-    if (!value.canConvert<QXDecodedPayload>())
-        return;
+    if (value.canConvert<QXDecodedPayload>())
+        show(value.value<QXDecodedPayload>());
+}
+
+void QXDecodedPayloadModel::clear()
+{
+    show({});
+}
+
+void QXDecodedPayloadModel::show(const QXDecodedPayload &payload)
+{
     beginResetModel();
     // The old documents must outlive their delegates, which endResetModel() removes.
     const auto shown = std::move(m_documents);
     m_documents.clear();
-    m_payload = value.value<QXDecodedPayload>();
+    m_payload = payload;
     for (const QXDecodedSection &section : std::as_const(m_payload.sections))
         m_documents.push_back(std::make_unique<QXTextDocument>(section.content));
     endResetModel();

@@ -16,7 +16,7 @@ class QXDecodedPayloadModel : public QAbstractListModel
     Q_OBJECT
     QML_ELEMENT
     /// A QXDecodedPayload. Assigning undefined keeps the last payload, so that a screen that is closing
-    /// still shows it.
+    /// still shows it; clear() removes it.
     Q_PROPERTY(QVariant payload READ payload WRITE setPayload NOTIFY payloadChanged)
     Q_PROPERTY(QString title READ title NOTIFY payloadChanged)
 
@@ -31,12 +31,15 @@ public:
 
     [[nodiscard]] QString title() const { return m_payload.title; }
 
+    Q_INVOKABLE void clear();
+
 Q_SIGNALS:
     void payloadChanged();
 
 private:
     [[nodiscard]] QVariant payload() const { return QVariant::fromValue(m_payload); }
     void setPayload(const QVariant &value);
+    void show(const QXDecodedPayload &payload);
 
     QXDecodedPayload m_payload;
     /// The document of each section.

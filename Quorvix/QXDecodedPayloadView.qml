@@ -21,6 +21,10 @@ QXSheet {
     scrollArea: page
 
     onPayloadChanged: sections.payload = root.payload
+    onVisibleChanged: {
+        if (!visible && !presented)
+            sections.clear();
+    }
     Component.onCompleted: sections.payload = root.payload
 
     QXDecodedPayloadModel {
