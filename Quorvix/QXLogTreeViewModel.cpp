@@ -5,6 +5,7 @@
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXSwiftName.h"
 
+#include "Platform/FreedMemory.h"
 #include "Platform/ShortText.h"
 
 #include <QtGui/QClipboard>
@@ -78,8 +79,14 @@ QXLogTreeViewModel::QXLogTreeViewModel(const QString &json, QObject *parent) : Q
     load(json);
 }
 
+QXLogTreeViewModel::~QXLogTreeViewModel()
+{
+    Quorvix::FreedMemory::note(m_textSize);
+}
+
 void QXLogTreeViewModel::load(QStringView json)
 {
+    m_textSize = json.size();
     auto fields = QXApiTreeParser::parse(json);
     if (!fields) {
         m_parseError = fields.error().localizedDescription;
@@ -236,6 +243,7 @@ void QXLogTreeViewModel::shareSwiftModel(const QString &requestPath)
 {
     if (m_rootFields.isEmpty())
         return presentAlert(makeError(QXExportError::swiftModelNotGenerated).localizedDescription);
+    Quorvix::FreedMemory::note(m_textSize);
     const QString name = QXSwiftName::rootTypeName(requestPath);
     const auto source = QXApiTreeParser::swiftModel(*m_rootFields.constFirst(), name);
     if (!source)

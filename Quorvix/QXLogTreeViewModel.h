@@ -37,6 +37,7 @@ public:
     };
 
     explicit QXLogTreeViewModel(const QString &json, QObject *parent = nullptr);
+    ~QXLogTreeViewModel() override;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
@@ -93,4 +94,5 @@ private:
     Fields m_rootFields;
     QXLogTreeRows m_rows;
     std::optional<QString> m_parseError;
+    qsizetype m_textSize = 0;
 };

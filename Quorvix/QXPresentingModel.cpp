@@ -2,6 +2,8 @@
 
 #include "Quorvix/QXOptionalVariant.h"
 
+#include "Platform/FreedMemory.h"
+
 #include <QtCore/QPointer>
 #include <QtQml/QQmlEngine>
 
@@ -26,6 +28,16 @@ private:
     QPointer<QObject> m_model;
 };
 
+qsizetype textBytes(const QXShareItem &item)
+{
+    qsizetype bytes = 0;
+    for (const QVariant &shared : item.activityItems) {
+        if (shared.typeId() == QMetaType::QString)
+            bytes += shared.toString().size() * qsizetype(sizeof(QChar));
+    }
+    return bytes;
+}
+
 } // namespace
 
 QXPresentingModel::QXPresentingModel(QObject *parent) : QAbstractListModel(parent) {}
@@ -39,8 +51,11 @@ void QXPresentingModel::belongTo(QObject *screen)
 
 void QXPresentingModel::presentShareItem(const std::optional<QXShareItem> &item)
 {
-    m_shareItem = item;
+    const auto former = std::exchange(m_shareItem, item);
     Q_EMIT shareItemChanged();
+    // The share sheet has also kept the item as values of the script engine.
+    if (former)
+        Quorvix::FreedMemory::note(textBytes(*former));
 }
 
 void QXPresentingModel::presentDecodedPayload(std::optional<QXDecodedPayload> payload)

@@ -8,6 +8,9 @@
 #include "Controls/QXQmlModule.h"
 #include "Controls/QXSymbolProvider.h"
 
+#include "Platform/FreedMemory.h"
+#include "Platform/NSNotificationCenter.h"
+
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickItem>
@@ -19,6 +22,21 @@ namespace {
 /// The smallest size of a screen. In a smaller window, which cannot be used anyway, a part of it is visible:
 /// parts side by side would get negative sizes.
 constexpr QSizeF smallestSize(240, 100);
+
+/// Makes an engine release the values of closed screens, which would else wait for its next collection: it
+/// knows nothing of the sizes of our values.
+class Collector final : public QObject
+{
+public:
+    explicit Collector(QQmlEngine &engine)
+        : QObject(&engine), m_observer(Quorvix::NSNotificationCenter::defaultCenter().addObserver(
+                                Quorvix::FreedMemory::willReturn, [&engine] { engine.collectGarbage(); }))
+    {
+    }
+
+private:
+    const Quorvix::NSNotificationObserver m_observer;
+};
 
 void fill(QQuickItem &item, QQuickItem &parent)
 {
@@ -43,6 +61,7 @@ std::unique_ptr<QQmlEngine> QXQmlView::makeEngine()
     engine->addImageProvider(QStringLiteral("symbol"), new QXSymbolProvider);
     // Errors in a screen go to the inspector's log if it is enabled, and never to the standard error output.
     engine->setOutputWarningsToStandardError(false);
+    new Collector(*engine);
     QObject::connect(engine.get(), &QQmlEngine::warnings, [](const QList<QQmlError> &warnings) {
         for (const QQmlError &warning : warnings)
             QXLog::log(QXLogLevel::error, QStringLiteral("[Screen] ") + warning.toString());

@@ -11,10 +11,11 @@
 #include "Quorvix/QXRawDetails.h"
 #include "Quorvix/QXSwiftModelExport.h"
 
+#include "Platform/BackgroundThread.h"
+#include "Platform/FreedMemory.h"
 #include "Platform/MainActor.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QThreadPool>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 
@@ -73,17 +74,19 @@ void QXRequestDetailsViewModel::loadBody(std::size_t row)
     const QByteArray body = m_sections[row].body;
     if (body.size() <= largestSynchronousBody)
         return setBody(row, QXBodyText::readable(body));
-    runInBackground([body] { return QXBodyText::readable(body); },
-                    [this, row](const std::optional<QString> &text) {
-                        setBody(row, text);
-                        checkDecodable(row);
-                    });
+    runInBackground(
+        body.size(), [body] { return QXBodyText::readable(body); },
+        [this, row](const std::optional<QString> &text) {
+            setBody(row, text);
+            checkDecodable(row);
+        });
 }
 
 void QXRequestDetailsViewModel::checkDecodable(std::size_t row)
 {
     const bool isText = !m_documents[row]->isHexadecimal();
     runInBackground(
+        m_sections[row].body.size(),
         [body = m_sections[row].body, text = isText ? bodyText(int(row)) : QString()] {
             return QXPayloadDecoder::hasEncodedCandidate(text.isNull() ? QXBodyText::text(body) : text);
         },
@@ -91,15 +94,17 @@ void QXRequestDetailsViewModel::checkDecodable(std::size_t row)
 }
 
 template<typename Work, typename Finish>
-void QXRequestDetailsViewModel::runInBackground(Work work, Finish finish)
+void QXRequestDetailsViewModel::runInBackground(qsizetype size, Work work, Finish finish)
 {
-    QThreadPool::globalInstance()->start(
-        [token = std::weak_ptr(m_lifetimeToken), work = std::move(work), finish = std::move(finish)] {
+    BackgroundThread::post(
+        [token = std::weak_ptr(m_lifetimeToken), size, work = std::move(work), finish = std::move(finish)] {
             if (token.expired())
                 return;
-            MainActor::schedule([token, finish, outcome = work()] {
+            MainActor::schedule([token, size, finish, outcome = work()] {
                 if (!token.expired())
                     finish(outcome);
+                else
+                    FreedMemory::note(size);
             });
         });
 }
@@ -238,6 +243,7 @@ void QXRequestDetailsViewModel::shareCurl()
 
 void QXRequestDetailsViewModel::shareHarFile()
 {
+    noteExport();
     if (const auto file = QXArchiveWriter::exportTrace(m_request, std::chrono::system_clock::now()))
         presentShareItem(QXShareItem(file.value()));
     else
@@ -257,6 +263,7 @@ void QXRequestDetailsViewModel::shareSwiftModel()
 
 void QXRequestDetailsViewModel::shareRawDetails()
 {
+    noteExport();
     presentShareItem(QXShareItem(rawDetails(m_request, [this](const QByteArray &body) {
         for (int row = 0; row < rowCount(); ++row) {
             if (document(row) && m_sections[std::size_t(row)].body.isSharedWith(body))
@@ -266,9 +273,19 @@ void QXRequestDetailsViewModel::shareRawDetails()
     })));
 }
 
+/// An export needs several times the size of the bodies, until it is done.
+void QXRequestDetailsViewModel::noteExport() const
+{
+    qsizetype size = 0;
+    for (const QXRequestSection &section : m_sections)
+        size += section.body.size();
+    FreedMemory::note(size);
+}
+
 template<typename Artefact>
 void QXRequestDetailsViewModel::share(const Result<Artefact> &artefact)
 {
+    noteExport();
     if (artefact)
         presentShareItem(QXShareItem(artefact.value()));
     else

@@ -114,12 +114,13 @@ private:
     void loadBody(std::size_t row);
     void setBody(std::size_t row, const std::optional<QString> &text);
     void checkDecodable(std::size_t row);
-    /// Calls @p work on another thread and then @p finish with its result on the main thread. Does not call
-    /// @p finish after the model is deleted.
+    /// Calls @p work for a body of @p size bytes on another thread and then @p finish with its result on the
+    /// main thread. Does not call @p finish after the model is deleted.
     template<typename Work, typename Finish>
-    void runInBackground(Work work, Finish finish);
+    void runInBackground(qsizetype size, Work work, Finish finish);
     template<typename Artefact>
     void share(const Quorvix::Result<Artefact> &artefact);
+    void noteExport() const;
     void alert(const QString &title, const QString &message);
 
     const QXRequestTrace m_request;

@@ -1,5 +1,6 @@
 #include "Quorvix/QXRequestRecorder.h"
 
+#include "Platform/FreedMemory.h"
 #include "Platform/MainActor.h"
 #include "Platform/NSNotificationCenter.h"
 
@@ -49,6 +50,7 @@ void QXRequestRecorder::record(const QString &id, const URLRequest &request)
 {
     Q_ASSERT(MainActor::isCurrent());
     QXRequestTrace trace(id, request);
+    m_bodyBytes += trace.body ? trace.body->size() : 0;
     QByteArray key = searchKey(trace);
     m_requests.prepend(std::make_shared<const QXTraceList::Cell>(
         QXTraceList::Cell{std::move(trace), Clock::now(), std::move(key)}));
@@ -70,6 +72,7 @@ void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &resp
         trace.error = QXFailureNote(*error);
     if (const auto *http = dynamic_cast<const NSHTTPURLResponse *>(response.get()))
         trace.response = QXResponseTrace(*http, data);
+    m_bodyBytes += data ? data->size() : 0;
     m_requests.replace(index, std::move(cell));
     postChange();
 }
@@ -78,6 +81,7 @@ void QXRequestRecorder::clear()
 {
     Q_ASSERT(MainActor::isCurrent());
     m_requests = {};
+    FreedMemory::note(std::exchange(m_bodyBytes, 0));
     postChange();
 }
 

@@ -32,7 +32,8 @@ public:
     void complete(const QString &id, const Quorvix::NSURLResponsePtr &response,
                   const std::optional<QByteArray> &data, const std::optional<Quorvix::NSError> &error);
 
-    /// Removes all traces.
+    /// Removes all traces. The memory of large bodies returns to the system soon after the last snapshot of
+    /// them is destroyed.
     void clear();
 
     /// Returns copies of the traces for which @p predicate is true, in stored order. The predicate may change
@@ -48,4 +49,6 @@ public:
 
 private:
     QXTraceList m_requests;
+    /// The sum of what all bodies needed when they arrived.
+    qsizetype m_bodyBytes = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "Text/QXTextRows.h"
 
+#include "Platform/FreedMemory.h"
 #include "Platform/HexDigit.h"
 
 using Quorvix::hexDigit;
@@ -32,6 +33,11 @@ QXTextDocument::QXTextDocument(const QString &text, QObject *parent) : QObject(p
 QXTextDocument::QXTextDocument(const QByteArray &bytes, QObject *parent)
     : QObject(parent), m_bytes(bytes), m_isHexadecimal(true)
 {
+}
+
+QXTextDocument::~QXTextDocument()
+{
+    Quorvix::FreedMemory::note(m_text.size() * qsizetype(sizeof(QChar)) + m_bytes.size());
 }
 
 qsizetype QXTextDocument::length() const

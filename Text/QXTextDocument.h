@@ -25,6 +25,7 @@ public:
     explicit QXTextDocument(const QString &text, QObject *parent = nullptr);
     /// Shares the bytes.
     explicit QXTextDocument(const QByteArray &bytes, QObject *parent = nullptr);
+    ~QXTextDocument() override;
 
     [[nodiscard]] bool isHexadecimal() const noexcept { return m_isHexadecimal; }
     [[nodiscard]] qsizetype length() const;
