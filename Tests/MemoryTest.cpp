@@ -158,12 +158,11 @@ void MemoryTest::use(const QByteArray &usage, const QByteArray &body)
     Exchanges::complete(u"id"_s, 200, body);
     click("QXFloatingButton");
     openDetails();
-    if (usage.startsWith("tree")) {
+    if (usage == "tree and model") {
         click("QXLogTreeButton");
         QVERIFY(QTest::qWaitFor([this] { return find("QXLogTreeView"); }, 20'000));
         QVERIFY(waitFor("QXLogTreeView"));
-        if (usage == "tree and model")
-            useSheet("QXShareModelButton", "QXActivitySheet", body);
+        useSheet("QXShareModelButton", "QXActivitySheet", body);
         press(Qt::Key_Escape);
         QTRY_VERIFY(!find("QXLogTreeView"));
     } else if (usage == "decoded") {
@@ -181,8 +180,7 @@ void MemoryTest::screensGiveBackWhatABodyNeeded_data()
 {
     QTest::addColumn<QByteArray>("body");
     const QByteArray json = jsonBody(bodySize());
-    for (const char *usage : {"details", "tree", "tree and model", "QXShareCurl", "QXShareHarFile",
-                              "QXShareMockServerFile", "QXShareSwiftModel", "QXShareRawDetails"})
+    for (const char *usage : {"details", "tree and model", "QXShareMockServerFile", "QXShareRawDetails"})
         QTest::newRow(usage) << json;
     QTest::newRow("decoded") << encodedBody(bodySize());
 }
