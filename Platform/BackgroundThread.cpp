@@ -1,5 +1,7 @@
 #include "Platform/BackgroundThread.h"
 
+#include "Platform/ApplicationEnd.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThreadPool>
 
@@ -27,7 +29,7 @@ QThreadPool &pool()
 
 void followApplication()
 {
-    qAddPostRoutine([] {
+    ApplicationEnd::call([] {
         pool().clear();
         pool().waitForDone(int(shutdownTimeout.count()));
     });

@@ -1,5 +1,6 @@
 #include "Platform/LoadingThread.h"
 
+#include "Platform/ApplicationEnd.h"
 #include "Platform/TaskMailbox.h"
 
 #include <QtCore/QCoreApplication>
@@ -43,7 +44,7 @@ public:
 
     void applicationStarts()
     {
-        qAddPostRoutine([] { instance().applicationEnds(); });
+        ApplicationEnd::call([] { instance().applicationEnds(); });
         const std::scoped_lock lock(m_mutex);
         m_isApplicationRunning = true;
         std::erase_if(m_lateThreads, [](const auto &thread) { return thread->isFinished(); });

@@ -8,9 +8,13 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtCore/QTimer>
 #include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
 #include <QtTest/QTest>
+
+#include <cstdlib>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
@@ -26,6 +30,7 @@ public:
 private Q_SLOTS:
     void taskWaitsForTheApplication();
     void writesAnArchiveOfWhatItDid();
+    void mayExitWithoutDestroyingItsApplication();
     void loadsNothingOfAScreen();
 };
 
@@ -69,6 +74,33 @@ void CoreHostTest::writesAnArchiveOfWhatItDid()
     QCOMPARE(entries[0][u"response"][u"content"][u"text"].toString(), u"hello"_s);
 }
 
+/// Many hosts never destroy their application object: they end with exit().
+static int exitInTheMiddle(int argc, char *argv[])
+{
+    const auto *const application = new QCoreApplication(argc, argv);
+    QXSessionHook::install();
+    const URLRequest request(QUrl(QString::fromLocal8Bit(argv[1])));
+    for (int i = 0; i < 200; ++i)
+        NSURLSession::shared().dataTaskWithRequest(request, [](auto, auto, auto) {})->resume();
+    QTimer::singleShot(QString::fromLocal8Bit(argv[2]).toInt(), [] { std::exit(0); });
+    return application->exec();
+}
+
+void CoreHostTest::mayExitWithoutDestroyingItsApplication()
+{
+    QTcpServer server; // accepts and never answers
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    const QString url = u"http://127.0.0.1:%1/"_s.arg(server.serverPort());
+    for (int delay = 0; delay < 10; ++delay) {
+        QProcess host;
+        host.setProcessChannelMode(QProcess::ForwardedChannels);
+        host.start(QCoreApplication::applicationFilePath(), {url, QString::number(delay)});
+        QVERIFY(host.waitForFinished());
+        QCOMPARE(host.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(host.exitCode(), 0);
+    }
+}
+
 void CoreHostTest::loadsNothingOfAScreen()
 {
     QFile maps(u"/proc/self/maps"_s);
@@ -82,6 +114,8 @@ void CoreHostTest::loadsNothingOfAScreen()
 
 int main(int argc, char *argv[])
 {
+    if (argc == 3 && qstrncmp(argv[1], "http", 4) == 0)
+        return exitInTheMiddle(argc, argv);
     CoreHostTest test;
     QXSessionHook::install();
     NSURLSession::shared()
