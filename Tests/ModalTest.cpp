@@ -251,7 +251,7 @@ void ModalTest::endsWithItsCarrier()
             QuorvixClient::shared().overlayWindow()->dismissRequestList();
             QTRY_VERIFY(!find("QXRequestListView"));
         },
-        [] { QuorvixClient::shared().hide(); }, [this] { m_window->close(); },
+        [] { QuorvixClient::shared().hide(); },
         [this] {
             m_window.reset();
         }};
