@@ -5,8 +5,11 @@ Item {
     id: root
 
     required property ListView view
+    /// Whether new rows leave the current row in view, even in a list at its very top.
+    property bool keepsCurrentRow: false
 
     property bool holds: false
+    property bool reveals: false
     property int anchorRow: -1
     property real anchorOffset: 0
 
@@ -14,27 +17,23 @@ Item {
         root.anchorRow = root.view.indexAt(0, root.view.contentY + 1);
         const item = root.view.itemAtIndex(root.anchorRow);
         root.holds = item !== null && root.view.contentY > root.view.originY - root.view.topMargin + 1;
+        root.reveals = root.keepsCurrentRow;
         if (root.holds)
             root.anchorOffset = item.y - root.view.contentY;
     }
 
     function restore() {
         root.view.forceLayout();
-        if (!root.holds) {
-            root.moveTo(root.view.originY - root.view.topMargin);
-            return;
-        }
-        const item = root.view.itemAtIndex(root.anchorRow);
+        const item = root.holds ? root.view.itemAtIndex(root.anchorRow) : null;
         if (item)
             root.moveTo(item.y - root.anchorOffset);
+        else if (!root.holds)
+            root.moveTo(root.view.originY - root.view.topMargin);
+        if (root.reveals)
+            root.revealCurrentRow();
     }
 
-    /// Scrolls to the current row if it is out of view because new rows have moved it.
     function revealCurrentRow() {
-        if (later.running) {
-            later.stop();
-            root.restore();
-        }
         const item = root.view.currentItem;
         if (item && (item.y < root.view.contentY
                      || item.y + item.height > root.view.contentY + root.view.height - root.view.bottomMargin))

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix
 
@@ -109,13 +110,8 @@ FocusScope {
     }
 
     QXListAnchor {
-        id: anchor
-
         view: list
-    }
-
-    onVisibleChanged: {
-        if (visible)
-            anchor.revealCurrentRow();
+        // The user comes back to the row that he has opened.
+        keepsCurrentRow: root.T.StackView.status !== T.StackView.Active
     }
 }

@@ -170,9 +170,10 @@ void RequestListScreenTest::openedRowStaysInView()
         record(u"/new/%1"_s.arg(i));
     if (!areLate)
         QTRY_COMPARE(list->property("count").toInt(), 40 + arrivals);
-    click("QXBackButton");
+    press(Qt::Key_Escape);
     QTRY_VERIFY(!find("QXRequestDetailsView"));
     QVERIFY(waitFor("QXRequestRow"));
+    QTRY_COMPARE(list->property("count").toInt(), 40 + arrivals);
     QVERIFY(row(u"GET /old/37"_s));
     // At the top the list still shows the newest row.
     QCOMPARE(row(u"GET /new/%1"_s.arg(arrivals - 1)) != nullptr, arrivals == 3);
