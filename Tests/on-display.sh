@@ -10,6 +10,10 @@ set -euo pipefail
 kind=${1:?usage: on-display.sh xvfb|weston|eglfs PROGRAM [ARGUMENT...]}
 shift
 folder=$(mktemp -d)
+# Programs that run at the same time share neither settings nor temporary files.
+export HOME=$folder/home TMPDIR=$folder/tmp XDG_RUNTIME_DIR=$folder
+unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_CACHE_HOME
+mkdir "$HOME" "$TMPDIR"
 started=()
 
 say() { printf 'on-display: %s\n' "$*" >&2; }
@@ -68,7 +72,7 @@ start_window_manager() {
 # The compositor's own headless mode has no keyboard and no pointer, which no user's display lacks. Therefore its
 # screen is a window of the X server.
 start_compositor() {
-    export XDG_RUNTIME_DIR=$folder WAYLAND_DISPLAY=wayland-test
+    export WAYLAND_DISPLAY=wayland-test
     start weston env -u WAYLAND_DISPLAY weston --backend=x11-backend.so --use-pixman --socket="$WAYLAND_DISPLAY" \
         --width=1400 --height=1000 --idle-time=0 --no-config
     await weston test -S "$folder/$WAYLAND_DISPLAY"
@@ -98,7 +102,7 @@ case $kind in
         ;;
 esac
 
-unset QT_QUICK_BACKEND
+unset QT_QUICK_BACKEND QT_SCREEN_SCALE_FACTORS QT_SCALE_FACTOR_ROUNDING_POLICY
 export QT_QPA_PLATFORM=$platform QSG_RENDER_LOOP=threaded QSG_RHI_BACKEND=opengl LIBGL_ALWAYS_SOFTWARE=1
 status=0
 "$@" || status=$?
