@@ -47,6 +47,8 @@ private Q_SLOTS:
     void tellsOfEdits();
     void keepsTheCaretInSight();
     void composes();
+    void bearsAnyComposition_data();
+    void bearsAnyComposition();
     void tellsInputMethodsLittle();
     void tapPlacesTheCaret();
     void bytesAreOnlyRead();
@@ -209,6 +211,42 @@ void TextEditorTest::composes()
     QInputMethodEvent selecting({}, {{QInputMethodEvent::Selection, 1, 2}});
     QCoreApplication::sendEvent(editor(), &selecting);
     QCOMPARE(editor()->selectedText(), u"ne"_s);
+}
+
+void TextEditorTest::bearsAnyComposition_data()
+{
+    QTest::addColumn<int>("start");
+    QTest::addColumn<int>("length");
+    constexpr int least = std::numeric_limits<int>::min();
+    constexpr int most = std::numeric_limits<int>::max();
+    QTest::newRow("before the text") << -100 << 5;
+    QTest::newRow("behind the text") << 100 << 5;
+    QTest::newRow("beyond the end") << 2 << 100;
+    QTest::newRow("backwards") << 2 << -5;
+    QTest::newRow("within a character") << 2 << 1;
+    QTest::newRow("a sum that is too small") << -5 << least;
+    QTest::newRow("a sum that is too large") << 5 << most;
+    QTest::newRow("the smallest numbers") << least << least;
+    QTest::newRow("the largest numbers") << most << most;
+}
+
+void TextEditorTest::bearsAnyComposition()
+{
+    QFETCH(int, start);
+    QFETCH(int, length);
+    editor()->setText(u"a😀b"_s);
+    for (const auto type :
+         {QInputMethodEvent::TextFormat, QInputMethodEvent::Cursor, QInputMethodEvent::Language,
+          QInputMethodEvent::Ruby, QInputMethodEvent::Selection}) {
+        QInputMethodEvent event(u"x😀"_s, {{type, start, length}});
+        QCoreApplication::sendEvent(editor(), &event);
+        QVERIFY(editor()->selection().start() >= 0);
+        QVERIFY(editor()->selection().end() <= editor()->text().size());
+    }
+    compose({}, u"y"_s, start, length);
+    QVERIFY(editor()->text().contains(u'y'));
+    QVERIFY(editor()->selection().cursor() <= editor()->text().size());
+    m_window->grabWindow();
 }
 
 void TextEditorTest::tellsInputMethodsLittle()

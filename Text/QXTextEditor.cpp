@@ -314,7 +314,7 @@ void QXTextEditor::inputMethodEvent(QInputMethodEvent *event)
             return qBound<qsizetype>(0, told + offset, document()->length());
         };
         if (attribute.type == QInputMethodEvent::Selection)
-            selectFrom(position(attribute.start), position(attribute.start + attribute.length));
+            selectFrom(position(attribute.start), position(qsizetype{attribute.start} + attribute.length));
         else if (attribute.type == QInputMethodEvent::Cursor)
             cursor = attribute.start;
     }
