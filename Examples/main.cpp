@@ -1,6 +1,7 @@
 #include "Examples/AnimationClock.h"
 #include "Examples/DemoServer.h"
 #include "Examples/DemoTour.h"
+#include "Examples/Monkey.h"
 #include "Examples/StoreClient.h"
 #include "Examples/StoreImages.h"
 
@@ -16,7 +17,8 @@
 #include <QtQml/QQmlApplicationEngine>
 #include <QtQuick/QQuickWindow>
 
-#include <cstring>
+#include <algorithm>
+#include <string_view>
 
 namespace {
 
@@ -26,6 +28,9 @@ struct Options
     QString tourFolder;
     QSize size{390, 844};
     bool dark = false;
+    /// The number of events of the monkey; 0 without it.
+    int monkeyEvents = 0;
+    quint64 seed = 1;
 };
 
 Options readOptions(const QCoreApplication &application)
@@ -36,27 +41,35 @@ Options readOptions(const QCoreApplication &application)
     const QCommandLineOption size(QStringLiteral("size"), QStringLiteral("The window's size."),
                                   QStringLiteral("WxH"), QStringLiteral("390x844"));
     const QCommandLineOption dark(QStringLiteral("dark"), QStringLiteral("Start with a dark palette."));
+    const QCommandLineOption monkey(QStringLiteral("monkey"), QStringLiteral("Play <events> random events."),
+                                    QStringLiteral("events"), QStringLiteral("0"));
+    const QCommandLineOption seed(QStringLiteral("seed"), QStringLiteral("The seed of the random events."),
+                                  QStringLiteral("seed"), QStringLiteral("1"));
     QCommandLineParser parser;
     parser.addHelpOption();
-    parser.addOptions({headless, size, dark});
+    parser.addOptions({headless, size, dark, monkey, seed});
     parser.process(application);
     const QStringList sides = parser.value(size).split(u'x');
     const QSize wanted(sides.value(0).toInt(), sides.value(1).toInt());
-    return {parser.value(headless), wanted.isEmpty() ? QSize(390, 844) : wanted, parser.isSet(dark)};
+    return {parser.value(headless), wanted.isEmpty() ? QSize(390, 844) : wanted, parser.isSet(dark),
+            parser.value(monkey).toInt(), parser.value(seed).toULongLong()};
 }
 
-/// Selects a platform without a display for the tour, unless the environment selects another one. This has to
-/// happen before the application is created.
-void chooseHeadlessPlatform(int argc, char *argv[])
+bool hasOption(int argc, char *argv[], std::string_view option)
 {
-    for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--headless", 10) != 0)
-            continue;
-        if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-            qputenv("QT_QPA_PLATFORM", "offscreen");
-        if (qgetenv("QT_QPA_PLATFORM") == "offscreen" && !qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
-            qputenv("QT_QUICK_BACKEND", "software");
-    }
+    return std::any_of(argv, argv + argc, [&](std::string_view argument) {
+        return argument.substr(0, argument.find('=')) == option;
+    });
+}
+
+/// Selects a platform without a display, unless the environment selects another one. This has to happen
+/// before the application is created.
+void chooseHeadlessPlatform()
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qgetenv("QT_QPA_PLATFORM") == "offscreen" && !qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
+        qputenv("QT_QUICK_BACKEND", "software");
 }
 
 void applyAppearance(const Options &options)
@@ -70,7 +83,9 @@ void applyAppearance(const Options &options)
 int takeTour(QQuickWindow &window, const QString &folder)
 {
     AnimationClock clock(5);
-    clock.install();
+    // A render loop with a thread has an animation driver of its own.
+    if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
+        clock.install();
     return DemoTour::run(window, folder);
 }
 
@@ -78,7 +93,11 @@ int takeTour(QQuickWindow &window, const QString &folder)
 
 int main(int argc, char *argv[])
 {
-    chooseHeadlessPlatform(argc, argv);
+    const bool isMonkey = hasOption(argc, argv, "--monkey");
+    if (isMonkey)
+        Monkey::moveFolders();
+    if (isMonkey || hasOption(argc, argv, "--headless"))
+        chooseHeadlessPlatform();
     const QGuiApplication application(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Alder and Clay"));
     QCoreApplication::setApplicationName(QStringLiteral("Store"));
@@ -100,13 +119,24 @@ int main(int argc, char *argv[])
     engine.setInitialProperties({{QStringLiteral("store"), QVariant::fromValue(&store)},
                                  {QStringLiteral("width"), options.size.width()},
                                  {QStringLiteral("height"), options.size.height()}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/QuorvixDemo/Main.qml")));
-    auto *const window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
+    const auto openWindow = [&engine] {
+        engine.load(QUrl(QStringLiteral("qrc:/qt/qml/QuorvixDemo/Main.qml")));
+        return engine.rootObjects().isEmpty()
+                   ? nullptr
+                   : qobject_cast<QQuickWindow *>(engine.rootObjects().constLast());
+    };
+    auto *const window = openWindow();
     if (!window)
         return 1;
     inspector.show();
     if (!options.tourFolder.isEmpty())
         QTimer::singleShot(
             0, window, [window, &options] { QCoreApplication::exit(takeTour(*window, options.tourFolder)); });
+    if (options.monkeyEvents > 0) {
+        QTimer::singleShot(0, &store, [&] {
+            Monkey monkey(*window, openWindow, store, server.url(), options.seed);
+            QCoreApplication::exit(monkey.play(options.monkeyEvents));
+        });
+    }
     return QGuiApplication::exec();
 }
