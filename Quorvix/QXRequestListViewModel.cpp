@@ -22,7 +22,7 @@ namespace {
 
 /// How many bytes of URLs are searched in one turn of the event loop, which takes about a frame. Only
 /// extremely long URLs need more than one turn.
-constexpr qsizetype bytesPerTurn = 16 * 1024 * 1024;
+constexpr qsizetype bytesPerTurn = 16'777'216;
 
 /// Converts a position counted from the newest trace to one counted from the oldest, and back.
 qsizetype reversedIndex(const QXTraceList &requests, qsizetype index)
