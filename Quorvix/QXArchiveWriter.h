@@ -53,7 +53,7 @@ template<std::ranges::input_range Range>
 QXArchiveWriter::Source QXArchiveWriter::sourceOf(Range &&traces)
 {
     if constexpr (!std::is_lvalue_reference_v<Range>) {
-        auto kept = std::make_shared<Range>(std::move(traces));
+        auto kept = std::make_shared<Range>(std::forward<Range>(traces));
         return [kept, source = sourceOf(*kept)] {
             return source();
         };
