@@ -15,11 +15,15 @@ constexpr qreal baseZ = 2'000'000;
 QXLayer::QXLayer(int level) : m_safeArea(new QXSafeArea(this)), m_page(new QQuickItem(this))
 {
     setZ(baseZ + level);
+    // The focus inside leaves the window with the layer, whatever moved it inside.
+    setFlag(ItemIsFocusScope);
     connect(m_safeArea, &QXSafeArea::keyboardChanged, this, &QXLayer::fit);
 }
 
 QXLayer::~QXLayer()
 {
+    // While all items are alive: the window would go on sending keys to a deleted one.
+    setParentItem(nullptr);
     // The screens use the safe area, so they have to be deleted before it.
     delete m_page;
 }
@@ -33,6 +37,8 @@ void QXLayer::attach(QQuickWindow *window)
     m_window = window;
     connect(window, &QWindow::screenChanged, this, &QXLayer::fit);
     m_content = window->contentItem();
+    // The focus of a moved item would stay in both windows.
+    setFocus(false);
     setParentItem(m_content);
     connect(m_content, &QQuickItem::widthChanged, this, &QXLayer::fit);
     connect(m_content, &QQuickItem::heightChanged, this, &QXLayer::fit);

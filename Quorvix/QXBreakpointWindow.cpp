@@ -128,6 +128,6 @@ void QXBreakpointWindow::takeFocus()
 /// editor.
 void QXBreakpointWindow::returnFocus()
 {
-    if (m_editor && m_editor->hasFocus() && m_previousFocus)
+    if (m_editor && m_layer && m_layer->hasFocus() && m_previousFocus)
         m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
 }
