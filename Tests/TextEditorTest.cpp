@@ -7,6 +7,8 @@
 
 #include <QtTest/QSignalSpy>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 namespace {
