@@ -37,6 +37,7 @@ bool isHarmless(const QString &message)
         QStringLiteral("QStandardPaths: "),             // about the environment of the process
         QStringLiteral("Mouse event at"),               // a drag may leave the window
         QStringLiteral("OpenType support missing"),     // of a script in a font of the system
+        QStringLiteral("QUnifiedTimer::"),              // about the clock of the animations
         QStringLiteral("QXcbClipboard: "),              // about other clients of the display
     };
     // The store shows no picture when its held response is released without a body.

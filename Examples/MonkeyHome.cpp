@@ -8,6 +8,8 @@
 #include <QtQuick/QQuickWindow>
 #include <QtTest/QTest>
 
+#include <utility>
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -95,16 +97,22 @@ bool MonkeyHome::deleteRules(QQuickWindow &window, const std::function<bool()> &
     const auto name = [](const char *text) {
         return QString::fromLatin1(text);
     };
-    const bool opened = robot.click(name("QXFloatingButton")) && robot.click(name("QXBreakpointsButton")) &&
-                        robot.waitFor(name("QXBreakpointsListView"));
-    bool deleted = opened;
+    const auto rows = [&] {
+        const QQuickItem *const last = robot.find(name("QXBreakpointRow"));
+        return std::pair(robot.count(name("QXBreakpointRow")),
+                         last ? last->property("displayText").toString() : QString());
+    };
+    // The button must not cover the row that is to be deleted.
+    bool deleted = robot.waitFor(name("QXFloatingButton")) &&
+                   robot.drag(name("QXFloatingButton"), {window.width(), window.height()}) &&
+                   robot.click(name("QXFloatingButton")) && robot.click(name("QXBreakpointsButton")) &&
+                   robot.waitFor(name("QXBreakpointsListView"));
     while (deleted && robot.find(name("QXBreakpointRow"))) {
-        const int before = robot.count(name("QXBreakpointRow"));
+        const auto before = rows();
         deleted =
             (robot.find(name("QXBreakpointMinusButton")) || robot.click(name("QXBreakpointsEditButton"))) &&
             robot.clickFirst(name("QXBreakpointMinusButton")) &&
-            robot.waitUntil([&] { return robot.count(name("QXBreakpointRow")) != before; },
-                            QStringLiteral("the rule remains"));
+            robot.waitUntil([&] { return rows() != before; }, QStringLiteral("the rule remains"));
     }
     if (!deleted)
         MonkeyGuard::complain(QStringLiteral("cannot delete the rules: ") + robot.complaint() +
