@@ -12,12 +12,19 @@ constexpr qreal baseZ = 2'000'000;
 
 } // namespace
 
-QXLayer::QXLayer(int level) : m_safeArea(new QXSafeArea(this)), m_page(new QQuickItem(this))
+QXLayer::QXLayer(QQuickWindow &window, int level)
+    : m_safeArea(new QXSafeArea(this)), m_page(new QQuickItem(this)), m_window(&window),
+      m_content(window.contentItem())
 {
     setZ(baseZ + level);
     // The focus inside leaves the window with the layer, whatever moved it inside.
     setFlag(ItemIsFocusScope);
+    setParentItem(m_content);
     connect(m_safeArea, &QXSafeArea::keyboardChanged, this, &QXLayer::fit);
+    connect(m_window, &QWindow::screenChanged, this, &QXLayer::fit);
+    connect(m_content, &QQuickItem::widthChanged, this, &QXLayer::fit);
+    connect(m_content, &QQuickItem::heightChanged, this, &QXLayer::fit);
+    fit();
 }
 
 QXLayer::~QXLayer()
@@ -26,23 +33,6 @@ QXLayer::~QXLayer()
     setParentItem(nullptr);
     // The screens use the safe area, so they have to be deleted before it.
     delete m_page;
-}
-
-void QXLayer::attach(QQuickWindow *window)
-{
-    if (m_content)
-        m_content->disconnect(this);
-    if (m_window)
-        m_window->disconnect(this);
-    m_window = window;
-    connect(window, &QWindow::screenChanged, this, &QXLayer::fit);
-    m_content = window->contentItem();
-    // The focus of a moved item would stay in both windows.
-    setFocus(false);
-    setParentItem(m_content);
-    connect(m_content, &QQuickItem::widthChanged, this, &QXLayer::fit);
-    connect(m_content, &QQuickItem::heightChanged, this, &QXLayer::fit);
-    fit();
 }
 
 void QXLayer::fit()

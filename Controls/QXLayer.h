@@ -20,12 +20,12 @@ class QXLayer final : public QQuickItem
 public:
     using Claims = std::function<bool(const QPointF &)>;
 
-    /// Layers of a higher level cover those of a lower one.
-    explicit QXLayer(int level);
+    /// Covers the content of @p window. Layers of a higher level cover those of a lower one.
+    ///
+    /// A layer stays with its window. Qt Quick loses track of the keyboard focus when items with the focus
+    /// move from one window to another, so another window needs another layer.
+    QXLayer(QQuickWindow &window, int level);
     ~QXLayer() override;
-
-    /// Covers the content of @p window.
-    void attach(QQuickWindow *window);
 
     /// The parent of what the layer shows. It is as large as the content, but ends above an on-screen
     /// keyboard: a keyboard in the host's scene lies beneath the layer, and must be visible and in reach.

@@ -39,22 +39,29 @@ QXBreakpointWindow::~QXBreakpointWindow()
     const QWindow *const window = m_layer ? m_layer->window() : nullptr;
     if (m_previousWindow && m_previousWindow->isVisible() && window && window->isActive())
         m_previousWindow->requestActivate();
-    // Deleted later, because a handler of the editor may be running now; the model after the editor.
-    if (m_layer) {
-        m_layer->setVisible(false);
-        m_layer->deleteLater();
-    }
+    dropLayer();
+    // After the editor.
     if (m_model)
         m_model.release()->deleteLater();
 }
 
 void QXBreakpointWindow::makeLayer()
 {
-    m_layer = new QXLayer(breakpointLevel);
+    m_layer = new QXLayer(*m_host.window(), breakpointLevel);
     // Queued, because the host is still deleting its items.
     QObject::connect(m_layer, &QObject::destroyed, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
     m_previousFocus = focusItem(*m_host.window());
-    m_layer->attach(m_host.window());
+}
+
+void QXBreakpointWindow::dropLayer()
+{
+    if (!m_layer)
+        return;
+    m_layer->disconnect(&m_host);
+    m_layer->setVisible(false);
+    // Deleted later, because a handler of the editor may be running now.
+    m_layer->deleteLater();
+    m_layer = nullptr;
 }
 
 void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
@@ -86,14 +93,10 @@ void QXBreakpointWindow::followHost()
 {
     if (m_layer && m_layer->window() == m_host.window())
         return;
-    if (m_layer) {
-        returnFocus();
-        m_previousFocus = focusItem(*m_host.window());
-        m_layer->attach(m_host.window());
-    } else {
-        makeLayer();
-        makeEditor();
-    }
+    returnFocus();
+    dropLayer();
+    makeLayer();
+    makeEditor();
     takeFocus();
     activate();
 }

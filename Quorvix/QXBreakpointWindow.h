@@ -28,8 +28,8 @@ public:
     /// Shows an editor for @p item and takes keyboard focus, also from another window. Replaces the previous
     /// editor, unless it is for the same item.
     void makeKeyAndVisible(const QXBreakpointItem &item);
-    /// Moves the layer to the current window of the host, and makes its items again if the host has deleted
-    /// them. The user's edits are kept.
+    /// Shows the editor in the current window of the host, again if the host has deleted its items. The
+    /// user's edits are kept.
     void followHost();
     /// Sets the item that gets keyboard focus when the editor closes. With null, no item gets it.
     void setPreviousFocus(QQuickItem *item);
@@ -41,6 +41,7 @@ public:
 
 private:
     void makeLayer();
+    void dropLayer();
     void makeEditor();
     void activate();
     void takeFocus();

@@ -14,6 +14,7 @@
 #include <QtQuick/QQuickWindow>
 
 #include <algorithm>
+#include <tuple>
 
 using namespace Quorvix;
 
@@ -60,7 +61,8 @@ QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine())
 
 QXOverlay::~QXOverlay()
 {
-    delete m_layer;
+    // Before the engine.
+    qDeleteAll(findChildren<QXLayer *>(QString(), Qt::FindDirectChildrenOnly));
 }
 
 void QXOverlay::setHidden(bool hidden)
@@ -84,18 +86,12 @@ void QXOverlay::shutDown()
 /// Shows the overlay over the current window, if there is one.
 void QXOverlay::coverWindow()
 {
-    QQuickWindow *const host = window();
-    if (!host)
+    if (!window())
         return;
+    if (m_layer && m_layer->window() != window())
+        dropLayer();
     if (!m_layer)
         makeLayer();
-    if (m_layer->window() != host) {
-        if (m_isShowingRequestList)
-            m_previousFocus = host->activeFocusItem();
-        m_layer->attach(host);
-        if (m_isShowingRequestList && m_view)
-            m_view->forceActiveFocus(Qt::ActiveWindowFocusReason);
-    }
     if (m_breakpointWindow)
         m_breakpointWindow->followHost();
     else if (m_breakpointAwaitsWindow)
@@ -103,9 +99,23 @@ void QXOverlay::coverWindow()
     Q_EMIT buttonMoved();
 }
 
+void QXOverlay::dropLayer()
+{
+    m_layer->disconnect(&m_host);
+    if (m_isShowingRequestList && m_previousFocus)
+        m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    m_layer->setVisible(false);
+    // Deleted later, because a handler of a screen may be running now.
+    m_layer->deleteLater();
+    m_layer = nullptr;
+}
+
 void QXOverlay::makeLayer()
 {
-    m_layer = new QXLayer(overlayLevel);
+    if (m_isShowingRequestList)
+        m_previousFocus = window()->activeFocusItem();
+    m_layer = new QXLayer(*window(), overlayLevel);
+    m_layer->setParent(this);
     m_layer->setVisible(!m_isHidden);
     m_layer->setClaims([this](const QPointF &point) { return hitTest(point); });
     connect(&m_layer->page(), &QQuickItem::widthChanged, this, &QXOverlay::buttonMoved);
@@ -113,9 +123,8 @@ void QXOverlay::makeLayer()
     connect(safeArea(), &QXSafeArea::marginsChanged, this, &QXOverlay::buttonMoved);
     // Queued, because the host is still deleting its items.
     connect(m_layer, &QObject::destroyed, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
-    m_layer->attach(window());
-    m_view = QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
-                             {{QStringLiteral("overlay"), QVariant::fromValue(this)}}, m_layer->page());
+    std::ignore = QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
+                                  {{QStringLiteral("overlay"), QVariant::fromValue(this)}}, m_layer->page());
 }
 
 // The button's position

@@ -92,6 +92,7 @@ private:
     void showBreakpointWindow();
     void coverWindow();
     void makeLayer();
+    void dropLayer();
     void updateBadge();
     void updateMask();
     [[nodiscard]] QRectF contentRect() const;
@@ -100,9 +101,8 @@ private:
 
     std::unique_ptr<QQmlEngine> m_engine;
     QXHostWindow m_host;
-    /// Owned by this object; null when the host has deleted it.
+    /// The layer in the current window, a child of this object. Null when the host has deleted it.
     QPointer<QXLayer> m_layer;
-    QPointer<QQuickItem> m_view;
     std::unique_ptr<QXBreakpointWindow> m_breakpointWindow;
     QPointer<QQuickItem> m_previousFocus;
     /// The position that the user has chosen for the button; absent while it is at the default position.

@@ -217,24 +217,26 @@ void BreakpointEditorTest::movesToAnotherWindow()
 {
     hold("body");
     QTRY_VERIFY(hasFocus("QXStatusCodeField"));
-    auto *const safeArea = find("QXBreakpointEditorView")->property("safeArea").value<QXSafeArea *>();
+    const auto safeArea = [this] {
+        return find("QXBreakpointEditorView")->property("safeArea").value<QXSafeArea *>();
+    };
     const auto fieldStart = [this] {
         return sceneRect(*find("QXStatusCodeField")).left();
     };
     const qreal start = fieldStart();
-    safeArea->setMargins({30, 0, 0, 0});
+    safeArea()->setMargins({30, 0, 0, 0});
     QVERIFY(fieldStart() > start);
     m_window->resize(800, 600);
-    QTRY_VERIFY(safeArea->margins().isNull());
+    QTRY_VERIFY(safeArea()->margins().isNull());
 
-    safeArea->setMargins({30, 0, 0, 0});
+    safeArea()->setMargins({30, 0, 0, 0});
     auto next = makeWindow(m_engine, hostQml);
     next->resize(800, 600);
     QTRY_COMPARE(next->contentItem()->size(), QSizeF(800, 600));
     m_window->hide();
     m_window.swap(next);
-    QTRY_VERIFY(hasFocus("QXStatusCodeField"));
-    QVERIFY(safeArea->margins().isNull());
+    QTRY_VERIFY(find("QXStatusCodeField") && hasFocus("QXStatusCodeField"));
+    QVERIFY(safeArea()->margins().isNull());
     click("QXContinueButton");
     QTRY_VERIFY(hasFocus("field"));
     QVERIFY(ScreenDriver::find(*next, "field")->hasFocus());
