@@ -167,8 +167,10 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
         const QScopedValueRollback releasing(m_releasing, item.id);
         // The handler can run an event loop that waits for another held response. Only the user can release
         // that one, so it becomes active in the event loop, and not when the handler ends.
-        QMetaObject::invokeMethod(
-            &m_context, [this, id = item.id] { promoteAfter(id); }, Qt::QueuedConnection);
+        MainActor::schedule([this, token = std::weak_ptr(m_lifetimeToken), id = item.id] {
+            if (!token.expired())
+                promoteAfter(id);
+        });
         item.completion(body, response, item.error);
     }
     promoteAfter(item.id);

@@ -3,9 +3,8 @@
 #include "Quorvix/QXBreakpointItem.h"
 #include "Quorvix/QuorvixNotifications.h"
 
-#include <QtCore/QObject>
-
 #include <deque>
+#include <memory>
 
 /// Holds the responses that match a rule in one queue and releases them one by one. Main thread only.
 class QUORVIX_INTERNAL_EXPORT QXBreakpointCenter
@@ -68,6 +67,6 @@ private:
     /// The item whose completion handler runs; null while none does. The handler can run an event loop, in
     /// which release() can be called again.
     QUuid m_releasing;
-    /// Drops what is queued when the center goes.
-    QObject m_context;
+    /// Expires with the center; scheduled tasks check it.
+    std::shared_ptr<const void> m_lifetimeToken = std::make_shared<char>();
 };

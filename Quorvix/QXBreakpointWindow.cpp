@@ -75,7 +75,11 @@ void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
             m_model.release()->deleteLater();
         m_item = item.id;
         m_model = std::make_unique<QXBreakpointEditorModel>(item);
-        makeEditor();
+        // The host may have just deleted the layer. Without a window, the editor waits for the next one.
+        if (!m_layer && m_host.window())
+            makeLayer();
+        if (m_layer)
+            makeEditor();
     }
     takeFocus();
     activate();

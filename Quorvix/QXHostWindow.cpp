@@ -6,15 +6,9 @@
 #include <QtQuick/QQuickWindow>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace {
-
-using namespace std::chrono_literals;
-
-/// The time in which the host can show a window before we make our own.
-constexpr auto ownWindowDelay = 400ms;
 
 bool isPlatform(const QStringList &names)
 {
@@ -26,6 +20,13 @@ bool hasSeveralWindows()
 {
     return !isPlatform({QStringLiteral("eglfs"), QStringLiteral("minimalegl"), QStringLiteral("vkkhrdisplay"),
                         QStringLiteral("android"), QStringLiteral("ios"), QStringLiteral("wasm")});
+}
+
+/// Whether input goes through the parts of a window that its mask leaves out. Where it does not, a window
+/// that covers the screen takes all input from the host.
+bool windowsHaveMasks()
+{
+    return !isPlatform({QStringLiteral("linuxfb"), QStringLiteral("vnc")});
 }
 
 /// Whether windows can overlap. Where they cannot, nothing is below a window, and Qt prints a warning when
@@ -78,6 +79,15 @@ QXHostWindow::QXHostWindow()
 }
 
 QXHostWindow::~QXHostWindow() = default;
+
+void QXHostWindow::stop()
+{
+    m_isStopped = true;
+    m_delay.stop();
+    qGuiApp->removeEventFilter(this);
+    if (m_host)
+        m_host->removeEventFilter(this);
+}
 
 QQuickWindow *QXHostWindow::window() const
 {
@@ -141,7 +151,8 @@ void QXHostWindow::activate()
     current->requestActivate();
 }
 
-/// Sees the events of the whole application only while there is no window of the host to cover.
+/// Sees the events of the host's window, and those of the whole application only while there is no window of
+/// the host to cover.
 bool QXHostWindow::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
@@ -168,6 +179,8 @@ void QXHostWindow::scheduleUpdate()
 void QXHostWindow::update()
 {
     m_isUpdateScheduled = false;
+    if (m_isStopped)
+        return;
     m_hadWindow |= shownWindow() != nullptr;
     if (!m_own && isReachable()) {
         m_delay.stop();
@@ -183,6 +196,7 @@ void QXHostWindow::update()
             Q_EMIT changed();
     } else if (m_own) {
         placeOwn();
+        showClosedOwn();
     } else if (!m_delay.isActive()) {
         qGuiApp->installEventFilter(this);
         m_delay.start();
@@ -226,7 +240,8 @@ QQuickWindow *QXHostWindow::find() const
 
 bool QXHostWindow::needsOwn() const
 {
-    return hasSeveralWindows() && (shownWindow() || m_isRequired || !m_hadWindow);
+    const bool isWanted = windowsHaveMasks() && (shownWindow() || !m_hadWindow);
+    return hasSeveralWindows() && (isWanted || m_isRequired);
 }
 
 /// Returns any window of the host that is visible, of any kind, or null.
@@ -264,6 +279,22 @@ void QXHostWindow::placeOwn()
         parent = QGuiApplication::focusWindow();
     if (!parent)
         parent = shownWindow();
-    if (parent && parent != m_own->transientParent())
-        m_own->setTransientParent(parent);
+    if (!parent || parent == m_own->transientParent())
+        return;
+    // A host can have made our window the parent of its own. Qt does not end when it looks for the first
+    // window of a circle.
+    for (QWindow *window = parent; window; window = window->transientParent()) {
+        if (window->transientParent() == m_own.get())
+            window->setTransientParent(m_own->transientParent());
+    }
+    m_own->setTransientParent(parent);
+}
+
+/// Shows our own window again after the user has closed it like any other window.
+void QXHostWindow::showClosedOwn()
+{
+    if (m_isHidden || m_own->isVisible())
+        return;
+    Q_EMIT closed();
+    m_own->setVisible(true);
 }

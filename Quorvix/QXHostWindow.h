@@ -4,6 +4,7 @@
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
 
+#include <chrono>
 #include <memory>
 
 class QQuickWindow;
@@ -21,8 +22,14 @@ class QXHostWindow : public QObject
     Q_OBJECT
 
 public:
+    /// The time in which the host can show a window before we make our own.
+    static constexpr std::chrono::milliseconds ownWindowDelay{400};
+
     QXHostWindow();
     ~QXHostWindow() override;
+
+    /// Stops to react to the host's windows, for good.
+    void stop();
 
     /// The current window. Null while there is none; then changed() announces the next one.
     [[nodiscard]] QQuickWindow *window() const;
@@ -50,6 +57,8 @@ public:
 Q_SIGNALS:
     /// Emitted when the overlay has to cover another window, or to make its items again.
     void changed();
+    /// Emitted when the user has closed our own window, which is shown again.
+    void closed();
 
 private:
     void scheduleUpdate();
@@ -61,6 +70,7 @@ private:
     [[nodiscard]] QWindow *shownWindow() const;
     void makeOwn();
     void placeOwn();
+    void showClosedOwn();
 
     QPointer<QQuickWindow> m_host;
     std::unique_ptr<QQuickWindow> m_own;
@@ -72,4 +82,5 @@ private:
     /// Whether the host has shown a window. Before that, the overlay may come without one.
     bool m_hadWindow = false;
     bool m_isUpdateScheduled = false;
+    bool m_isStopped = false;
 };

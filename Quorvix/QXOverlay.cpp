@@ -45,6 +45,7 @@ QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine())
 {
     m_constraint = QXOverlayPoint::decoded(QSettings().value(dragPositionKey).toByteArray());
     connect(&m_host, &QXHostWindow::changed, this, &QXOverlay::coverWindow);
+    connect(&m_host, &QXHostWindow::closed, this, &QXOverlay::dismissRequestList);
     connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateMask);
     connect(this, &QXOverlay::buttonMoved, this, &QXOverlay::updateMask);
     coverWindow();
@@ -78,6 +79,7 @@ void QXOverlay::shutDown()
     m_requestsObserver = {};
     m_breakpointObserver = {};
     m_host.disconnect(this);
+    m_host.stop();
     m_breakpointWindow.reset();
     if (m_isShowingRequestList && m_previousFocus)
         m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);

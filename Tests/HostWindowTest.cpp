@@ -7,7 +7,6 @@
 #include <QtCore/QTemporaryFile>
 #include <QtCore/QTimer>
 #include <QtGui/QScreen>
-#include <QtTest/QSignalSpy>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QMainWindow>
@@ -45,6 +44,9 @@ private Q_SLOTS:
     void secondPressReleasesNothing();
     void hostClearsItsScene_data();
     void hostClearsItsScene();
+    void handlerClearsTheScene();
+    void ownWindowSurvives_data();
+    void ownWindowSurvives();
     void windowOfItsContentsSizeShrinks();
 
 private:
@@ -123,13 +125,12 @@ void HostWindowTest::everyHost()
 
 void HostWindowTest::waitsForTheHostsFirstWindow()
 {
-    QSignalSpy focused(qGuiApp, &QGuiApplication::focusWindowChanged);
     QuorvixClient::shared().start();
-    QTest::qWait(50);
+    QCoreApplication::processEvents();
     makeQuickWindow(*m_host);
     QTRY_VERIFY(has("QXFloatingButton"));
     QCOMPARE(overlay().window(), m_host->objects.front().get());
-    QTest::qWait(600); // longer than the inspector waits for a window
+    QTest::qWait(QXHostWindow::ownWindowDelay.count() * 3 / 2);
     QCOMPARE(QGuiApplication::topLevelWindows().size(), 1);
 }
 
@@ -325,6 +326,56 @@ void HostWindowTest::hostClearsItsScene()
         ScreenTest::cleanup();
         m_host = std::make_unique<Host>();
     }
+}
+
+/// The next held response comes up before the host has returned from deleting all items.
+void HostWindowTest::handlerClearsTheScene()
+{
+    makeQuickWindow(*m_host);
+    QuorvixClient::shared().show();
+    QVERIFY(
+        ScreenTest::hold("first", [](const auto &...) { qDeleteAll(place().contentItem()->childItems()); }));
+    hold("second");
+    press("QXContinueButton");
+    QTRY_VERIFY(has("QXTextEditor"));
+    press("QXContinueButton");
+    QTRY_COMPARE(m_delivered, QByteArrayList{"200 second"});
+}
+
+void HostWindowTest::ownWindowSurvives_data()
+{
+    QTest::addColumn<bool>("isHeld");
+    QTest::newRow("list") << false;
+    QTest::newRow("editor") << true;
+}
+
+/// The user closes our window like any other, and the host makes it the parent of a dialog.
+void HostWindowTest::ownWindowSurvives()
+{
+    QFETCH(bool, isHeld);
+    m_host->make<QMainWindow>()->show();
+    QuorvixClient::shared().show();
+    press("QXFloatingButton");
+    QTRY_VERIFY(has("QXRequestListView"));
+    if (isHeld) {
+        hold("body");
+        QTRY_VERIFY(has("QXContinueButton"));
+    }
+    place().close();
+    QTRY_VERIFY(place().isVisible() && !overlay().isShowingRequestList());
+    for (int i = 0; i < 2; ++i) {
+        auto *const dialog = m_host->make<QDialog>();
+        dialog->winId();
+        dialog->windowHandle()->setTransientParent(&place());
+        dialog->setModal(true);
+        dialog->show();
+        QTRY_VERIFY(dialog->windowHandle()->isAncestorOf(&place(), QWindow::IncludeTransients));
+    }
+    if (isHeld)
+        press("QXContinueButton");
+    QTRY_COMPARE(m_delivered.size(), isHeld ? 1 : 0);
+    press("QXFloatingButton");
+    QTRY_VERIFY(has("QXRequestListView"));
 }
 
 void HostWindowTest::windowOfItsContentsSizeShrinks()

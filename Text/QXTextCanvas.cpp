@@ -103,8 +103,10 @@ void QXTextCanvas::itemChange(ItemChange change, const ItemChangeData &data)
 void QXTextCanvas::updatePolish()
 {
     breakRows();
-    if (!isVisible())
+    if (!isVisible()) {
+        m_picture = {};
         return;
+    }
     m_picture = paintPicture();
     update();
 }
@@ -165,7 +167,7 @@ void QXTextCanvas::breakRows()
     const qsizetype topPosition = m_rows.start(top);
     const bool isFirst = std::exchange(m_columns, columns) == 0;
     m_document->breakInto(m_rows, columns);
-    clearLayouts();
+    m_layouts.clear();
     setContentHeight(m_rows.count() * m_rowHeight);
     if (const int moved = m_rows.rowAt(topPosition) - top; !isFirst && m_scrollOffset > 0 && moved != 0)
         Q_EMIT topRowMoved(moved * m_rowHeight);
