@@ -35,6 +35,13 @@ QXLayer::~QXLayer()
     delete m_page;
 }
 
+void QXLayer::itemChange(ItemChange change, const ItemChangeData &value)
+{
+    QQuickItem::itemChange(change, value);
+    if (change == ItemParentHasChanged && value.item != m_content)
+        Q_EMIT lost();
+}
+
 void QXLayer::fit()
 {
     if (!m_content || !m_window)

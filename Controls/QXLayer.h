@@ -39,6 +39,14 @@ public:
 
     [[nodiscard]] bool contains(const QPointF &point) const override;
 
+Q_SIGNALS:
+    /// Emitted when the layer is no longer in its window: the host has deleted or removed it, or the window
+    /// is being destroyed.
+    void lost();
+
+protected:
+    void itemChange(ItemChange change, const ItemChangeData &value) override;
+
 private:
     void fit();
 

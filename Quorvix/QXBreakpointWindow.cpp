@@ -7,23 +7,12 @@
 #include "Controls/QXLayer.h"
 #include "Controls/QXSafeArea.h"
 
-#include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickWindow>
 
 namespace {
 
 /// The level of the breakpoint window. It is above the overlay.
 constexpr int breakpointLevel = 2002;
-
-/// The item with keyboard focus in a window. If the window is not active, the item that gets the focus when
-/// the window becomes active.
-QQuickItem *focusItem(const QQuickWindow &window)
-{
-    QQuickItem *item = window.contentItem();
-    while (item->isFocusScope() && item->scopedFocusItem())
-        item = item->scopedFocusItem();
-    return item == window.contentItem() ? nullptr : item;
-}
 
 } // namespace
 
@@ -36,9 +25,7 @@ QXBreakpointWindow::QXBreakpointWindow(QQmlEngine &engine, QXHostWindow &host)
 QXBreakpointWindow::~QXBreakpointWindow()
 {
     returnFocus();
-    const QWindow *const window = m_layer ? m_layer->window() : nullptr;
-    if (m_previousWindow && m_previousWindow->isVisible() && window && window->isActive())
-        m_previousWindow->requestActivate();
+    m_host.activatePrevious();
     dropLayer();
     // After the editor.
     if (m_model)
@@ -49,8 +36,8 @@ void QXBreakpointWindow::makeLayer()
 {
     m_layer = new QXLayer(*m_host.window(), breakpointLevel);
     // Queued, because the host is still deleting its items.
-    QObject::connect(m_layer, &QObject::destroyed, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
-    m_previousFocus = focusItem(*m_host.window());
+    QObject::connect(m_layer, &QXLayer::lost, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
+    m_previousFocus.remember(*m_host.window());
 }
 
 void QXBreakpointWindow::dropLayer()
@@ -82,7 +69,7 @@ void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
             makeEditor();
     }
     takeFocus();
-    activate();
+    m_host.activate();
 }
 
 void QXBreakpointWindow::makeEditor()
@@ -102,27 +89,17 @@ void QXBreakpointWindow::followHost()
     makeLayer();
     makeEditor();
     takeFocus();
-    activate();
+    m_host.activate();
 }
 
-void QXBreakpointWindow::setPreviousFocus(QQuickItem *item)
+void QXBreakpointWindow::setPreviousFocus(const QXFocusMemory &focus)
 {
-    m_previousFocus = item;
+    m_previousFocus.remember(focus);
 }
 
 bool QXBreakpointWindow::isKeyWindow() const
 {
     return m_editor && m_editor->hasActiveFocus();
-}
-
-void QXBreakpointWindow::activate()
-{
-    QWindow *const active = QGuiApplication::focusWindow();
-    // QWindow::isActive() is true for the windows that belong to the active one, too.
-    if (m_host.window() == active)
-        return;
-    m_previousWindow = active;
-    m_host.activate();
 }
 
 void QXBreakpointWindow::takeFocus()
@@ -135,6 +112,6 @@ void QXBreakpointWindow::takeFocus()
 /// editor.
 void QXBreakpointWindow::returnFocus()
 {
-    if (m_editor && m_layer && m_layer->hasFocus() && m_previousFocus)
-        m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    if (m_editor && m_layer && m_layer->hasFocus())
+        m_previousFocus.restore(*m_layer);
 }

@@ -2,8 +2,9 @@
 
 #include "Quorvix/QXBreakpointItem.h"
 
+#include "Controls/QXFocusMemory.h"
+
 #include <QtCore/QPointer>
-#include <QtGui/QWindow>
 
 #include <memory>
 
@@ -31,8 +32,8 @@ public:
     /// Shows the editor in the current window of the host, again if the host has deleted its items. The
     /// user's edits are kept.
     void followHost();
-    /// Sets the item that gets keyboard focus when the editor closes. With null, no item gets it.
-    void setPreviousFocus(QQuickItem *item);
+    /// Sets where the keyboard focus goes when the editor closes.
+    void setPreviousFocus(const QXFocusMemory &focus);
 
     /// Whether the editor has keyboard focus.
     [[nodiscard]] bool isKeyWindow() const;
@@ -43,7 +44,6 @@ private:
     void makeLayer();
     void dropLayer();
     void makeEditor();
-    void activate();
     void takeFocus();
     void returnFocus();
 
@@ -54,7 +54,5 @@ private:
     QUuid m_item;
     std::unique_ptr<QXBreakpointEditorModel> m_model;
     QPointer<QQuickItem> m_editor;
-    QPointer<QQuickItem> m_previousFocus;
-    /// The window that was active before the layer's window.
-    QPointer<QWindow> m_previousWindow;
+    QXFocusMemory m_previousFocus;
 };

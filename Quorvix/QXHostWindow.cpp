@@ -73,7 +73,7 @@ QXHostWindow::QXHostWindow()
     m_delay.setSingleShot(true);
     m_delay.setInterval(ownWindowDelay);
     connect(&m_delay, &QTimer::timeout, this, &QXHostWindow::makeOwn);
-    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXHostWindow::scheduleUpdate);
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &QXHostWindow::followFocus);
     qGuiApp->installEventFilter(this);
     update();
 }
@@ -127,9 +127,9 @@ void QXHostWindow::setAcceptsKeyboard(bool accepts)
         return;
     }
     m_own->setFlag(Qt::WindowDoesNotAcceptFocus);
-    QWindow *const previous = isHostWindow(m_previous) ? m_previous.data() : m_own->transientParent();
-    if (previous && QGuiApplication::focusWindow() == m_own.get())
-        previous->requestActivate();
+    if (!m_previous)
+        m_previous = m_own->transientParent();
+    activatePrevious();
 }
 
 void QXHostWindow::activate()
@@ -137,11 +137,12 @@ void QXHostWindow::activate()
     QQuickWindow *const current = window();
     if (!current || !isReachable())
         return;
-    if (m_own) {
+    if (m_own)
         m_own->setFlag(Qt::WindowDoesNotAcceptFocus, false);
-        if (QGuiApplication::focusWindow() != m_own.get())
-            m_previous = QGuiApplication::focusWindow();
-    }
+    // QWindow::isActive() is true for the windows that belong to the active one, too.
+    if (QGuiApplication::focusWindow() == current)
+        return;
+    m_previous = QGuiApplication::focusWindow();
     // QWindow::show() would make a maximised window a normal one.
     if (current->windowStates() & Qt::WindowMinimized)
         current->setWindowStates(current->windowStates() & ~Qt::WindowMinimized);
@@ -149,6 +150,21 @@ void QXHostWindow::activate()
     if (windowsCanOverlap())
         current->raise();
     current->requestActivate();
+}
+
+void QXHostWindow::activatePrevious()
+{
+    QWindow *const previous = std::exchange(m_previous, nullptr);
+    if (isHostWindow(previous) && QGuiApplication::focusWindow() == window())
+        previous->requestActivate();
+}
+
+void QXHostWindow::followFocus(QWindow *focused)
+{
+    // The host can open a window while a screen of ours has the keyboard.
+    if (m_previous && isHostWindow(focused) && focused != window())
+        m_previous = focused;
+    scheduleUpdate();
 }
 
 /// Sees the events of the host's window, and those of the whole application only while there is no window of

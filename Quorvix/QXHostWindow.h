@@ -51,6 +51,9 @@ public:
     /// Brings the current window to the front and requests keyboard focus for it. Does not show a window that
     /// the host has hidden.
     void activate();
+    /// Gives the keyboard back to the window that had it before activate(), or to another one that had it
+    /// since then, unless the current window does not have it.
+    void activatePrevious();
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -61,6 +64,7 @@ Q_SIGNALS:
     void closed();
 
 private:
+    void followFocus(QWindow *focused);
     void scheduleUpdate();
     void update();
     void moveTo(QQuickWindow *window);
@@ -74,7 +78,7 @@ private:
 
     QPointer<QQuickWindow> m_host;
     std::unique_ptr<QQuickWindow> m_own;
-    /// The window that had the keyboard before our own.
+    /// The window that had the keyboard before activate(), or since then.
     QPointer<QWindow> m_previous;
     QTimer m_delay;
     bool m_isHidden = false;

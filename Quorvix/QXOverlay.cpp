@@ -81,8 +81,8 @@ void QXOverlay::shutDown()
     m_host.disconnect(this);
     m_host.stop();
     m_breakpointWindow.reset();
-    if (m_isShowingRequestList && m_previousFocus)
-        m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    if (m_isShowingRequestList && m_layer)
+        m_previousFocus.restore(*m_layer);
 }
 
 /// Shows the overlay over the current window, if there is one.
@@ -104,8 +104,8 @@ void QXOverlay::coverWindow()
 void QXOverlay::dropLayer()
 {
     m_layer->disconnect(&m_host);
-    if (m_isShowingRequestList && m_previousFocus)
-        m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    if (m_isShowingRequestList)
+        m_previousFocus.restore(*m_layer);
     m_layer->setVisible(false);
     // Deleted later, because a handler of a screen may be running now.
     m_layer->deleteLater();
@@ -115,7 +115,7 @@ void QXOverlay::dropLayer()
 void QXOverlay::makeLayer()
 {
     if (m_isShowingRequestList)
-        m_previousFocus = window()->activeFocusItem();
+        m_previousFocus.remember(*window());
     m_layer = new QXLayer(*window(), overlayLevel);
     m_layer->setParent(this);
     m_layer->setVisible(!m_isHidden);
@@ -124,7 +124,7 @@ void QXOverlay::makeLayer()
     connect(&m_layer->page(), &QQuickItem::heightChanged, this, &QXOverlay::buttonMoved);
     connect(safeArea(), &QXSafeArea::marginsChanged, this, &QXOverlay::buttonMoved);
     // Queued, because the host is still deleting its items.
-    connect(m_layer, &QObject::destroyed, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
+    connect(m_layer, &QXLayer::lost, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
     std::ignore = QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
                                   {{QStringLiteral("overlay"), QVariant::fromValue(this)}}, m_layer->page());
 }
@@ -237,7 +237,8 @@ void QXOverlay::handleFloatingButtonTap()
         dismissRequestList();
         return;
     }
-    m_previousFocus = window() ? window()->activeFocusItem() : nullptr;
+    if (window())
+        m_previousFocus.remember(*window());
     m_isShowingRequestList = true;
     m_presentsRequestList = true;
     Q_EMIT presentationChanged();
@@ -259,8 +260,8 @@ void QXOverlay::requestListDismissed()
     Q_EMIT presentationChanged();
     if (m_breakpointWindow && m_breakpointWindow->editor())
         m_breakpointWindow->setPreviousFocus(m_previousFocus); // the editor has keyboard focus now
-    else if (m_previousFocus)
-        m_previousFocus->forceActiveFocus(Qt::ActiveWindowFocusReason);
+    else if (m_layer)
+        m_previousFocus.restore(*m_layer);
 }
 
 // The breakpoint window

@@ -3,6 +3,8 @@
 #include "Quorvix/QXHostWindow.h"
 #include "Quorvix/QXOverlayPoint.h"
 
+#include "Controls/QXFocusMemory.h"
+
 #include "Platform/NSNotificationCenter.h"
 
 #include <QtCore/QObject>
@@ -104,7 +106,7 @@ private:
     /// The layer in the current window, a child of this object. Null when the host has deleted it.
     QPointer<QXLayer> m_layer;
     std::unique_ptr<QXBreakpointWindow> m_breakpointWindow;
-    QPointer<QQuickItem> m_previousFocus;
+    QXFocusMemory m_previousFocus;
     /// The position that the user has chosen for the button; absent while it is at the default position.
     std::optional<QXOverlayPoint> m_constraint;
     QString m_badgeText;

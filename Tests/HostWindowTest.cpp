@@ -45,6 +45,7 @@ private Q_SLOTS:
     void hostClearsItsScene_data();
     void hostClearsItsScene();
     void handlerClearsTheScene();
+    void focusReturnsToTheNewestWindow();
     void ownWindowSurvives_data();
     void ownWindowSurvives();
     void windowOfItsContentsSizeShrinks();
@@ -286,7 +287,7 @@ void HostWindowTest::secondPressReleasesNothing()
 void HostWindowTest::hostClearsItsScene_data()
 {
     QTest::addColumn<QByteArray>("then");
-    for (const char *then : {"hide", "another window", "next scene", "exit"})
+    for (const char *then : {"hide", "another window", "next scene", "removed only", "exit"})
         QTest::newRow(then) << QByteArray(then);
 }
 
@@ -306,7 +307,12 @@ void HostWindowTest::hostClearsItsScene()
         }
         QTRY_VERIFY(has(isHeld ? "QXBreakpointEditorView" : "QXRequestListView"));
         const auto items = window->contentItem()->childItems();
-        qDeleteAll(items);
+        if (then == "removed only") {
+            for (QQuickItem *const item : items)
+                item->setParentItem(nullptr);
+        } else {
+            qDeleteAll(items);
+        }
         if (then == "exit") {
             QVERIFY(QMetaObject::invokeMethod(qApp, "aboutToQuit"));
         } else if (then == "hide") {
@@ -347,6 +353,27 @@ void HostWindowTest::ownWindowSurvives_data()
     QTest::addColumn<bool>("isHeld");
     QTest::newRow("list") << false;
     QTest::newRow("editor") << true;
+}
+
+void HostWindowTest::focusReturnsToTheNewestWindow()
+{
+    if (QGuiApplication::platformName() == "wayland"_L1)
+        QSKIP("A program cannot activate its windows there");
+    makeQuickWindow(*m_host);
+    QuorvixClient::shared().show();
+    QTRY_VERIFY(has("QXFloatingButton"));
+    auto *const first = m_host->make<QDialog>();
+    first->show();
+    QVERIFY(waitForActive(*first->windowHandle()));
+    hold("body");
+    QTRY_COMPARE(QGuiApplication::focusWindow(), &place());
+    auto *const second = m_host->make<QDialog>();
+    second->show();
+    second->activateWindow();
+    QVERIFY(waitForActive(*second->windowHandle()));
+    place().requestActivate();
+    press("QXContinueButton");
+    QTRY_COMPARE(QGuiApplication::focusWindow(), second->windowHandle());
 }
 
 /// The user closes our window like any other, and the host makes it the parent of a dialog.

@@ -232,11 +232,17 @@ void OverlayTest::twoTapsOpenAndClose()
 void OverlayTest::liesAboveTheHostsDialogs()
 {
     QObject *const dialog = m_window->findChild<QObject *>(u"dialog"_s);
+    dialog->setProperty("focus", true);
     QVERIFY(QMetaObject::invokeMethod(dialog, "open"));
-    QTRY_VERIFY(dialog->property("opened").toBool());
+    QTRY_VERIFY(dialog->property("opened").toBool() && dialog->property("activeFocus").toBool());
     click("QXFloatingButton");
     QTRY_VERIFY(find("QXRequestListView"));
     QVERIFY(dialog->property("opened").toBool());
+    // The dialog that had the focus closes beneath the list.
+    QVERIFY(QMetaObject::invokeMethod(dialog, "close"));
+    QTRY_VERIFY(!dialog->property("visible").toBool());
+    overlay().dismissRequestList();
+    QTRY_VERIFY(find("field")->hasActiveFocus());
 }
 
 void OverlayTest::makesDoWithoutAHostWindow()
