@@ -153,6 +153,7 @@ bool QXKeyFilter::eventFilter(QObject *watched, QEvent *event)
     case QEvent::KeyRelease:
         return release(static_cast<QKeyEvent &>(*event));
     case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
     case QEvent::TouchBegin:
     case QEvent::TouchEnd:
@@ -208,6 +209,7 @@ bool QXKeyFilter::press(QKeyEvent &event)
         return true;
     }
     m_held.remove(identity(event)); // its release was lost
+    deleteIfIdle();
     return false;
 }
 

@@ -15,6 +15,7 @@
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QStyleHints>
+#include <QtQuick/QQuickItem>
 #include <QtTest/QTest>
 
 #include <unistd.h>

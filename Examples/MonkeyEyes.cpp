@@ -112,7 +112,7 @@ void MonkeyEyes::look(QQuickWindow &window)
 QString MonkeyEyes::chooseName(MonkeyRandom &random) const
 {
     for (const Guide &guide : guides) {
-        const QString name = QString::fromLatin1(guide.item);
+        QString name = QString::fromLatin1(guide.item);
         if (m_front.contains(name) && random.chance(guide.percent))
             return name;
     }

@@ -5,9 +5,9 @@
 #include <QtCore/QPointer>
 #include <QtCore/QSet>
 #include <QtCore/QString>
+#include <QtQuick/QQuickItem>
 
 class MonkeyRandom;
-class QQuickItem;
 class QQuickWindow;
 
 /// What the monkey sees of a window: its visible named items and the screens. Main thread only.

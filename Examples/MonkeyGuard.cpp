@@ -33,12 +33,13 @@ pthread_t mainThread;
 bool isHarmless(const QString &message)
 {
     static const QStringList beginnings{
-        QStringLiteral("This plugin does not support"), // of the platform "offscreen"
-        QStringLiteral("QStandardPaths: "),             // about the environment of the process
-        QStringLiteral("Mouse event at"),               // a drag may leave the window
-        QStringLiteral("OpenType support missing"),     // of a script in a font of the system
-        QStringLiteral("QUnifiedTimer::"),              // about the clock of the animations
-        QStringLiteral("QXcbClipboard: "),              // about other clients of the display
+        QStringLiteral("This plugin does not support"),         // of the platform "offscreen"
+        QStringLiteral("QStandardPaths: "),                     // about the environment of the process
+        QStringLiteral("Mouse event at"),                       // a drag may leave the window
+        QStringLiteral("OpenType support missing"),             // of a script in a font of the system
+        QStringLiteral("QUnifiedTimer::"),                      // about the clock of the animations
+        QStringLiteral("QXcbClipboard: "),                      // about other clients of the display
+        QStringLiteral("QQuickTextInputPrivate::setSelection"), // the input method selects beyond the text
     };
     // The store shows no picture when its held response is released without a body.
     return message.endsWith(QStringLiteral("Not a picture")) ||

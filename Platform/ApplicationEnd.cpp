@@ -27,11 +27,11 @@ struct ExitRoutines
 
 void ApplicationEnd::call(Routine routine)
 {
-    static thread_local ExitRoutines exit;
+    static thread_local ExitRoutines ofThread;
 
     qAddPostRoutine(routine);
-    if (std::find(exit.routines.cbegin(), exit.routines.cend(), routine) == exit.routines.cend())
-        exit.routines.push_back(routine);
+    if (std::find(ofThread.routines.cbegin(), ofThread.routines.cend(), routine) == ofThread.routines.cend())
+        ofThread.routines.push_back(routine);
 }
 
 } // namespace Quorvix

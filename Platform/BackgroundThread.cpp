@@ -5,6 +5,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThreadPool>
 
+#include <atomic>
 #include <chrono>
 
 namespace Quorvix {
@@ -27,9 +28,16 @@ QThreadPool &pool()
     return *pool;
 }
 
+/// Whether there is an application whose end ends the thread.
+std::atomic<bool> isOpen = false;
+
 void followApplication()
 {
+    isOpen = true;
+    // Called a second time at the end of the process, which need not wait again.
     ApplicationEnd::call([] {
+        if (!isOpen.exchange(false))
+            return;
         pool().clear();
         pool().waitForDone(int(shutdownTimeout.count()));
     });
@@ -41,7 +49,8 @@ Q_COREAPP_STARTUP_FUNCTION(followApplication)
 
 void BackgroundThread::post(std::function<void()> work)
 {
-    pool().start(std::move(work));
+    if (isOpen)
+        pool().start(std::move(work));
 }
 
 } // namespace Quorvix

@@ -13,8 +13,8 @@ namespace Quorvix {
 /// left behind in each thread of the pool.
 namespace BackgroundThread {
 
-/// Runs @p work in this thread, in order. Work that has not begun when the application ends is dropped. Any
-/// thread.
+/// Runs @p work in this thread, in order. Work that has not begun when the application ends is dropped, and
+/// so is work that is posted while there is no application. Any thread.
 QUORVIX_INTERNAL_EXPORT void post(std::function<void()> work);
 
 } // namespace BackgroundThread

@@ -8,6 +8,7 @@
 #include <QtCore/QTimer>
 
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 #if defined(__GLIBC__)
@@ -30,10 +31,21 @@ constexpr auto delay = 200ms;
 constexpr std::size_t blockSize = 1 << 16;
 constexpr std::size_t arenaPartSize = 1 << 26;
 
+/// The free memory up to which it is returned, beside what was noted. It takes about 0.1 ms for each megabyte
+/// and keeps other threads from allocating meanwhile. A host that keeps more free memory than this for itself
+/// is not kept waiting.
+constexpr std::size_t otherFreeMemory = 64'000'000;
+/// The free memory for each byte that was noted: what was built from a body and is destroyed with it.
+constexpr std::size_t factor = 16;
+
 /// malloc_trim() returns all free memory except the end of the arenas of other threads than the main one.
 /// That of the current thread becomes free memory in the middle while a block is in use behind it.
-void trim()
+void trim([[maybe_unused]] std::size_t noted)
 {
+#if __GLIBC_PREREQ(2, 33)
+    if (mallinfo2().fordblks > otherFreeMemory + factor * noted)
+        return;
+#endif
     std::vector<void *> blocks(arenaPartSize / blockSize);
     for (void *&block : blocks)
         block = std::malloc(blockSize);
@@ -46,11 +58,14 @@ void trim()
 }
 #endif
 
+/// What was noted since memory was returned last. Main thread only.
+std::size_t noted = 0;
+
 void returnMemory()
 {
     NSNotificationCenter::defaultCenter().post(FreedMemory::willReturn);
 #if defined(__GLIBC__)
-    BackgroundThread::post(trim);
+    BackgroundThread::post([bytes = std::exchange(noted, 0)] { trim(bytes); });
 #endif
 }
 
@@ -63,6 +78,7 @@ void FreedMemory::note(qsizetype bytes)
     QCoreApplication *const application = QCoreApplication::instance();
     if (bytes < largeAmount || !application)
         return;
+    noted += std::size_t(bytes);
     if (!timer) {
         timer = new QTimer(application);
         timer->setSingleShot(true);

@@ -205,7 +205,7 @@ void RequestListModelTest::longSearchDoesNotBlock()
     model.setSearchText(u"end"_s);
     QVERIFY(model.rowCount() > 0 && model.rowCount() < 100);
     QVERIFY(all.startsWith(rows()));
-    QCOMPARE(shown(model), all); // an export misses nothing
+    QCOMPARE(shown(model), all);    // an export misses nothing
     model.setSearchText(u"end1"_s); // goes on with what is left
     QVERIFY(ones.startsWith(rows()));
     for (const int changed : {0, 10, 119})
