@@ -29,6 +29,8 @@ FocusScope {
         model: root.overlay.isShowingRequestList ? 1 : 0
 
         delegate: QXRequestListView {
+            // Hidden before it is deleted, so that a press on one of its items ends while its models exist.
+            visible: root.overlay.presentsRequestList || root.progress > 0
             y: root.height * (1 - root.progress)
             width: root.width
             height: root.height

@@ -18,7 +18,10 @@ T.Control {
     property Flickable page: null
     property real blockHeight: 0
 
-    readonly property real textHeight: Math.max(title.implicitHeight, document ? blockHeight : value.implicitHeight)
+    // Read in any case: a text lays itself out when its height is read for the first time, which would change
+    // the height within its own binding.
+    readonly property real valueHeight: value.implicitHeight
+    readonly property real textHeight: Math.max(title.implicitHeight, document ? blockHeight : valueHeight)
     readonly property real textTop: (height - textHeight) / 2
     readonly property real labelWidth: Math.min(100 * Math.max(1, QXTheme.scale), 0.4 * (width - 2 * columnMargin))
 
