@@ -18,10 +18,7 @@ T.Control {
     property Flickable page: null
     property real blockHeight: 0
 
-    // Read in any case: a text lays itself out when its height is read for the first time, which would change
-    // the height within its own binding.
-    readonly property real valueHeight: value.implicitHeight
-    readonly property real textHeight: Math.max(title.implicitHeight, document ? blockHeight : valueHeight)
+    readonly property real textHeight: Math.max(title.implicitHeight, document ? blockHeight : value.implicitHeight)
     readonly property real textTop: (height - textHeight) / 2
     readonly property real labelWidth: Math.min(100 * Math.max(1, QXTheme.scale), 0.4 * (width - 2 * columnMargin))
 
@@ -76,8 +73,10 @@ T.Control {
     QXText {
         id: value
 
-        anchors.left: title.right
-        anchors.leftMargin: QXTheme.spacing
+        // Not beside the title: the title moves with the height of the row while it lays itself out, and the
+        // value would change the height once more.
+        anchors.left: parent.left
+        anchors.leftMargin: root.columnMargin + root.labelWidth + QXTheme.spacing
         anchors.right: parent.right
         anchors.rightMargin: root.columnMargin
         y: root.textTop

@@ -5,6 +5,7 @@
 #include "Quorvix/QXRequestDetailsViewModel.h"
 
 #include <QtCore/QPointer>
+#include <QtCore/QScopeGuard>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
@@ -26,6 +27,7 @@ private Q_SLOTS:
     void pagesGoWithTheirModels();
     void controlsAreReachedNamedAndLargeEnough();
     void largeTextsAreShownWhole();
+    void rowsGrowWithTheText();
 
 private:
     void openDetails(const QString &url = u"https://shop.test/v1/users/42"_s,
@@ -40,6 +42,7 @@ void RequestDetailsScreenTest::openDetails(const QString &url, const QByteArray 
 {
     URLRequest request = Exchanges::makeRequest(url);
     request.allHTTPHeaderFields = {{u"Accept"_s, u"text/html"_s},
+                                   {u"X-Name-That-Wraps"_s, u"words that wrap"_s},
                                    {u"Authorization"_s, u"eyJ1c2VyIjoic29tZW9uZSJ9"_s}};
     QXRequestRecorder::shared().record(u"id"_s, request);
     Exchanges::complete(u"id"_s, 200, body);
@@ -263,6 +266,22 @@ void RequestDetailsScreenTest::largeTextsAreShownWhole()
     QVERIFY(row(u"URL"_s)->height() > 50'000);
     QTRY_VERIFY(find("QXBodyBlock") && find("QXBodyBlock")->height() > 100'000); // it follows later
     QVERIFY(find("QXLogTreeButton")->isEnabled());
+}
+
+/// A row lays out its label and its value while the height of the row changes with them.
+void RequestDetailsScreenTest::rowsGrowWithTheText()
+{
+    const QFont usual = QGuiApplication::font();
+    const auto restore = qScopeGuard([&] { QGuiApplication::setFont(usual); });
+    openDetails(u"https://shop.test/v1/users/42?"_s + u"a=1&"_s.repeated(60));
+    const qreal before = row(u"URL"_s)->height();
+    for (const int size : {32, 9, 24, 40}) {
+        QFont font = usual;
+        font.setPixelSize(size);
+        QGuiApplication::setFont(font);
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(row(u"URL"_s)->height() > before);
 }
 
 QTEST_MAIN(RequestDetailsScreenTest)
