@@ -140,9 +140,10 @@ void QXHostWindow::activate()
     if (m_own)
         m_own->setFlag(Qt::WindowDoesNotAcceptFocus, false);
     // QWindow::isActive() is true for the windows that belong to the active one, too.
-    if (QGuiApplication::focusWindow() == current)
+    if (QGuiApplication::focusWindow() == current && !m_requested)
         return;
-    m_previous = QGuiApplication::focusWindow();
+    m_previous = m_requested ? m_requested.data() : QGuiApplication::focusWindow();
+    m_requested = nullptr;
     // QWindow::show() would make a maximised window a normal one.
     if (current->windowStates() & Qt::WindowMinimized)
         current->setWindowStates(current->windowStates() & ~Qt::WindowMinimized);
@@ -155,12 +156,15 @@ void QXHostWindow::activate()
 void QXHostWindow::activatePrevious()
 {
     QWindow *const previous = std::exchange(m_previous, nullptr);
-    if (isHostWindow(previous) && QGuiApplication::focusWindow() == window())
-        previous->requestActivate();
+    if (!isHostWindow(previous) || QGuiApplication::focusWindow() != window())
+        return;
+    m_requested = previous;
+    previous->requestActivate();
 }
 
 void QXHostWindow::followFocus(QWindow *focused)
 {
+    m_requested = nullptr;
     // The host can open a window while a screen of ours has the keyboard.
     if (m_previous && isHostWindow(focused) && focused != window())
         m_previous = focused;

@@ -80,6 +80,8 @@ private:
     std::unique_ptr<QQuickWindow> m_own;
     /// The window that had the keyboard before activate(), or since then.
     QPointer<QWindow> m_previous;
+    /// The window to which activatePrevious() gives the keyboard, until the platform has done so.
+    QPointer<QWindow> m_requested;
     QTimer m_delay;
     bool m_isHidden = false;
     bool m_isRequired = false;

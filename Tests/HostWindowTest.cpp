@@ -46,6 +46,7 @@ private Q_SLOTS:
     void hostClearsItsScene();
     void handlerClearsTheScene();
     void focusReturnsToTheNewestWindow();
+    void editorKeepsTheKeyboardFromTheLeavingList();
     void ownWindowSurvives_data();
     void ownWindowSurvives();
     void windowOfItsContentsSizeShrinks();
@@ -374,6 +375,25 @@ void HostWindowTest::focusReturnsToTheNewestWindow()
     place().requestActivate();
     press("QXContinueButton");
     QTRY_COMPARE(QGuiApplication::focusWindow(), second->windowHandle());
+}
+
+/// The list gives the keyboard back to the host in the same moment in which the editor asks for it.
+void HostWindowTest::editorKeepsTheKeyboardFromTheLeavingList()
+{
+    auto *const window = m_host->make<QMainWindow>();
+    window->show();
+    QVERIFY(waitForActive(*window->windowHandle()));
+    QuorvixClient::shared().show();
+    press("QXFloatingButton");
+    QTRY_VERIFY(has("QXRequestListView") && QGuiApplication::focusWindow() == &place());
+    connect(&overlay(), &QXOverlay::presentationChanged, this, [this] {
+        if (!overlay().isShowingRequestList())
+            hold("body");
+    });
+    overlay().dismissRequestList();
+    QTRY_VERIFY(has("QXBreakpointEditorView"));
+    QTest::qWait(100); // for what is on its way
+    QVERIFY(overlay().breakpointWindow()->isKeyWindow());
 }
 
 /// The user closes our window like any other, and the host makes it the parent of a dialog.
