@@ -42,6 +42,7 @@ class QXOverlay : public QObject
     /// the list is closing.
     Q_PROPERTY(bool presentsRequestList READ presentsRequestList NOTIFY presentationChanged)
     Q_PROPERTY(bool isShowingRequestList READ isShowingRequestList NOTIFY presentationChanged)
+    /// Constant for a view: another window has another layer, and its own view.
     Q_PROPERTY(QXSafeArea *safeArea READ safeArea CONSTANT)
 
 public:
