@@ -9,7 +9,8 @@ namespace Quorvix {
 
 namespace {
 
-/// Names whose usual spelling is not simply a capital letter at the start of each word.
+/// Names whose usual spelling is not simply a capital letter at the start of each word, in alphabetical order
+/// regardless of case.
 constexpr std::array unusualNames{
     "A-IM",
     "Accept-CH",
@@ -140,10 +141,10 @@ QByteArray capitalized(QByteArray name)
 
 QByteArray HTTPHeaderName::usualSpelling(const QByteArray &name)
 {
-    const auto found = std::find_if(unusualNames.begin(), unusualNames.end(), [&](const char *unusual) {
-        return qstricmp(unusual, name.constData()) == 0;
-    });
-    if (found != unusualNames.end())
+    const auto *const found =
+        std::lower_bound(unusualNames.begin(), unusualNames.end(), name.constData(),
+                         [](const char *left, const char *right) { return qstricmp(left, right) < 0; });
+    if (found != unusualNames.end() && qstricmp(*found, name.constData()) == 0)
         return *found;
     return hasCapital(name) ? name : capitalized(name);
 }

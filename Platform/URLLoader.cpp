@@ -1,10 +1,8 @@
 #include "Platform/URLLoader.h"
 
-#include "Platform/HTTPHeaderName.h"
 #include "Platform/HTTPRedirect.h"
 #include "Platform/LoadingThread.h"
-#include "Platform/NSHTTPURLResponse.h"
-#include "Platform/UTF8Text.h"
+#include "Platform/ReplyOutcome.h"
 
 #include <QtNetwork/QNetworkRequest>
 #include <QtNetwork/QSslError>
@@ -18,8 +16,6 @@ namespace {
 using Task = URLLoadTask;
 using TaskPtr = std::shared_ptr<Task>;
 using State = URLLoadTask::State;
-
-constexpr char certificateErrorProperty[] = "certificateError";
 
 void complete(Task &task, std::optional<QByteArray> data, NSURLResponsePtr response,
               std::optional<NSError> error)
@@ -95,100 +91,11 @@ QNetworkReply *send(QNetworkAccessManager &manager, const QNetworkRequest &reque
     return manager.sendCustomRequest(request, method);
 }
 
-// The response
+// The result
 
-QString decodeField(const QByteArray &bytes)
+std::optional<NSURLErrorCode> transportError(const QNetworkReply &reply, const Task &task)
 {
-    const std::optional<QString> text = UTF8Text::exact(bytes);
-    return text ? *text : QString::fromLatin1(bytes);
-}
-
-NSURLResponsePtr makeResponse(const QNetworkReply &reply)
-{
-    const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    if (!status.isValid())
-        return reply.error() == QNetworkReply::NoError ? std::make_shared<const NSURLResponse>(reply.url())
-                                                       : nullptr;
-    const bool http2 = reply.attribute(QNetworkRequest::Http2WasUsedAttribute).toBool();
-    NSHeaderFields fields;
-    for (const auto &[name, value] : reply.rawHeaderPairs())
-        fields.insert_or_assign(decodeField(HTTPHeaderName::usualSpelling(name)), decodeField(value));
-    return std::make_shared<const NSHTTPURLResponse>(
-        reply.url(), status.toLongLong(), http2 ? QStringLiteral("HTTP/2.0") : QStringLiteral("HTTP/1.1"),
-        std::move(fields));
-}
-
-NSURLErrorCode codeForCertificate(QSslError::SslError error)
-{
-    switch (error) {
-    case QSslError::CertificateExpired:
-        return NSURLErrorServerCertificateHasBadDate;
-    case QSslError::CertificateNotYetValid:
-        return NSURLErrorServerCertificateNotYetValid;
-    case QSslError::SelfSignedCertificateInChain:
-    case QSslError::UnableToGetLocalIssuerCertificate:
-        return NSURLErrorServerCertificateHasUnknownRoot;
-    default:
-        return NSURLErrorServerCertificateUntrusted;
-    }
-}
-
-/// The error that ended the transport. An HTTP status code is not an error: it arrives as a response.
-std::optional<NSURLErrorCode> transportError(const QNetworkReply &reply, State state)
-{
-    const bool hasStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
-    switch (reply.error()) {
-    case QNetworkReply::NoError:
-        return std::nullopt;
-    case QNetworkReply::OperationCanceledError:
-        return state == State::Canceling ? NSURLErrorCancelled : NSURLErrorTimedOut;
-    case QNetworkReply::TimeoutError:
-    case QNetworkReply::ProxyTimeoutError:
-        return NSURLErrorTimedOut;
-    case QNetworkReply::HostNotFoundError:
-    case QNetworkReply::ProxyNotFoundError:
-        return NSURLErrorCannotFindHost;
-    case QNetworkReply::ConnectionRefusedError:
-    case QNetworkReply::ProxyConnectionRefusedError:
-        return NSURLErrorCannotConnectToHost;
-    case QNetworkReply::RemoteHostClosedError:
-    case QNetworkReply::ProxyConnectionClosedError:
-    case QNetworkReply::NetworkSessionFailedError:
-        return NSURLErrorNetworkConnectionLost;
-    case QNetworkReply::TemporaryNetworkFailureError:
-        return NSURLErrorNotConnectedToInternet;
-    case QNetworkReply::SslHandshakeFailedError: {
-        const QVariant certificate = reply.property(certificateErrorProperty);
-        return certificate.isValid() ? codeForCertificate(QSslError::SslError(certificate.toInt()))
-                                     : NSURLErrorSecureConnectionFailed;
-    }
-    case QNetworkReply::ProtocolUnknownError:
-        return NSURLErrorUnsupportedURL;
-    case QNetworkReply::ProtocolFailure:
-        return NSURLErrorCannotParseResponse;
-    case QNetworkReply::ProtocolInvalidOperationError:
-        if (!hasStatus)
-            return NSURLErrorCannotParseResponse;
-        break;
-    case QNetworkReply::ContentNotFoundError:
-    case QNetworkReply::ContentAccessDenied:
-    case QNetworkReply::ContentGoneError:
-        if (!hasStatus)
-            return NSURLErrorResourceUnavailable;
-        break;
-    case QNetworkReply::UnknownContentError:
-        if (!hasStatus)
-            return NSURLErrorCannotDecodeContentData;
-        break;
-    case QNetworkReply::UnknownNetworkError:
-        return NSURLErrorCannotConnectToHost;
-    case QNetworkReply::UnknownProxyError:
-        return NSURLErrorCannotConnectToHost;
-    default:
-        break;
-    }
-    // Qt's remaining errors mean a status of 400 and above.
-    return hasStatus ? std::nullopt : std::optional(NSURLErrorUnknown);
+    return ReplyOutcome::transportError(reply, task.state == State::Canceling);
 }
 
 void fail(Task &task, NSURLErrorCode code)
@@ -198,8 +105,8 @@ void fail(Task &task, NSURLErrorCode code)
 
 void finish(Task &task, QNetworkReply &reply)
 {
-    const auto code = transportError(reply, task.state);
-    auto response = makeResponse(reply);
+    const auto code = transportError(reply, task);
+    auto response = ReplyOutcome::response(reply);
     if (code)
         complete(task, std::nullopt, std::move(response), makeURLError(*code));
     else
@@ -226,7 +133,7 @@ void handleFinished(const TaskPtr &task, QNetworkReply &reply)
     reply.deleteLater();
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     auto next = HTTPRedirect::follow(task->current, status, reply.rawHeader("Location"));
-    if (!next || transportError(reply, task->state))
+    if (!next || transportError(reply, *task))
         return finish(*task, reply);
     if (++task->redirects > HTTPRedirect::maximum)
         return fail(*task, NSURLErrorHTTPTooManyRedirects);
@@ -244,8 +151,7 @@ void sendCurrent(const TaskPtr &task)
              task->current.httpBody);
     task->reply = reply;
     QObject::connect(reply, &QNetworkReply::sslErrors, reply, [reply](const QList<QSslError> &errors) {
-        if (!errors.isEmpty())
-            reply->setProperty(certificateErrorProperty, int(errors.constFirst().error()));
+        ReplyOutcome::noteCertificateErrors(*reply, errors);
     });
     QObject::connect(reply, &QNetworkReply::finished, reply, [task, reply] { handleFinished(task, *reply); });
 }

@@ -1,0 +1,124 @@
+#include "Platform/ReplyOutcome.h"
+
+#include "Platform/HTTPHeaderName.h"
+#include "Platform/NSHTTPURLResponse.h"
+#include "Platform/UTF8Text.h"
+
+#include <QtNetwork/QNetworkReply>
+#include <QtNetwork/QSslError>
+
+namespace Quorvix {
+
+namespace {
+
+constexpr char certificateErrorProperty[] = "certificateError";
+
+NSURLErrorCode codeForCertificate(QSslError::SslError error)
+{
+    switch (error) {
+    case QSslError::CertificateExpired:
+        return NSURLErrorServerCertificateHasBadDate;
+    case QSslError::CertificateNotYetValid:
+        return NSURLErrorServerCertificateNotYetValid;
+    case QSslError::SelfSignedCertificateInChain:
+    case QSslError::UnableToGetLocalIssuerCertificate:
+        return NSURLErrorServerCertificateHasUnknownRoot;
+    default:
+        return NSURLErrorServerCertificateUntrusted;
+    }
+}
+
+} // namespace
+
+QString ReplyOutcome::fieldText(const QByteArray &bytes)
+{
+    const std::optional<QString> text = UTF8Text::exact(bytes);
+    return text ? *text : QString::fromLatin1(bytes);
+}
+
+QString ReplyOutcome::fieldName(const QByteArray &bytes)
+{
+    return fieldText(HTTPHeaderName::usualSpelling(bytes));
+}
+
+NSURLResponsePtr ReplyOutcome::response(const QNetworkReply &reply)
+{
+    const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    if (!status.isValid())
+        return reply.error() == QNetworkReply::NoError ? std::make_shared<const NSURLResponse>(reply.url())
+                                                       : nullptr;
+    const bool http2 = reply.attribute(QNetworkRequest::Http2WasUsedAttribute).toBool();
+    NSHeaderFields fields;
+    for (const auto &[name, value] : reply.rawHeaderPairs())
+        fields.insert_or_assign(fieldName(name), fieldText(value));
+    return std::make_shared<const NSHTTPURLResponse>(
+        reply.url(), status.toLongLong(), http2 ? QStringLiteral("HTTP/2.0") : QStringLiteral("HTTP/1.1"),
+        std::move(fields));
+}
+
+void ReplyOutcome::noteCertificateErrors(QNetworkReply &reply, const QList<QSslError> &errors)
+{
+    if (!errors.isEmpty())
+        reply.setProperty(certificateErrorProperty, int(errors.constFirst().error()));
+}
+
+std::optional<NSURLErrorCode> ReplyOutcome::transportError(const QNetworkReply &reply, bool isCancelled)
+{
+    // Qt also reports a status of 400 and above as an error.
+    const bool isStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() >= 400;
+    switch (reply.error()) {
+    case QNetworkReply::NoError:
+        return std::nullopt;
+    case QNetworkReply::OperationCanceledError:
+        return isCancelled ? NSURLErrorCancelled : NSURLErrorTimedOut;
+    case QNetworkReply::TimeoutError:
+    case QNetworkReply::ProxyTimeoutError:
+        return NSURLErrorTimedOut;
+    case QNetworkReply::HostNotFoundError:
+    case QNetworkReply::ProxyNotFoundError:
+        return NSURLErrorCannotFindHost;
+    case QNetworkReply::ConnectionRefusedError:
+    case QNetworkReply::ProxyConnectionRefusedError:
+        return NSURLErrorCannotConnectToHost;
+    case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::ProxyConnectionClosedError:
+    case QNetworkReply::NetworkSessionFailedError:
+        return NSURLErrorNetworkConnectionLost;
+    case QNetworkReply::TemporaryNetworkFailureError:
+        return NSURLErrorNotConnectedToInternet;
+    case QNetworkReply::SslHandshakeFailedError: {
+        const QVariant certificate = reply.property(certificateErrorProperty);
+        return certificate.isValid() ? codeForCertificate(QSslError::SslError(certificate.toInt()))
+                                     : NSURLErrorSecureConnectionFailed;
+    }
+    case QNetworkReply::TooManyRedirectsError:
+        return NSURLErrorHTTPTooManyRedirects;
+    case QNetworkReply::ProtocolUnknownError:
+        return NSURLErrorUnsupportedURL;
+    case QNetworkReply::ProtocolFailure:
+        return NSURLErrorCannotParseResponse;
+    case QNetworkReply::ProtocolInvalidOperationError:
+        if (!isStatus)
+            return NSURLErrorCannotParseResponse;
+        break;
+    case QNetworkReply::ContentNotFoundError:
+    case QNetworkReply::ContentAccessDenied:
+    case QNetworkReply::ContentGoneError:
+        if (!isStatus)
+            return NSURLErrorResourceUnavailable;
+        break;
+    case QNetworkReply::UnknownContentError:
+        if (!isStatus)
+            return NSURLErrorCannotDecodeContentData;
+        break;
+    case QNetworkReply::UnknownNetworkError:
+        return NSURLErrorCannotConnectToHost;
+    case QNetworkReply::UnknownProxyError:
+        return NSURLErrorCannotConnectToHost;
+    default:
+        break;
+    }
+    return isStatus ? std::nullopt : std::optional(NSURLErrorUnknown);
+}
+
+} // namespace Quorvix
