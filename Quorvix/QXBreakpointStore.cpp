@@ -3,13 +3,62 @@
 #include <QtCore/QCollator>
 
 #include <algorithm>
+#include <atomic>
+#include <mutex>
+
+namespace {
+
+/// A copy of the shared store's rules, for all threads.
+class PublishedRules
+{
+public:
+    static PublishedRules &instance()
+    {
+        static auto *const rules = new PublishedRules;
+        return *rules;
+    }
+
+    void publish(const QXBreakpointStore::Rules &rules)
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_rules = rules;
+        m_hasAny = !rules.isEmpty();
+    }
+
+    bool matches(const QUrl &url, const QString &method)
+    {
+        // Nearly always there is no rule, and then a request costs no lock.
+        if (!m_hasAny)
+            return false;
+        const auto key = QXBreakpointKey::make(url, method);
+        const std::scoped_lock lock(m_mutex);
+        return key && m_rules.contains(*key);
+    }
+
+private:
+    std::atomic<bool> m_hasAny = false;
+    std::mutex m_mutex;
+    QXBreakpointStore::Rules m_rules;
+};
+
+} // namespace
 
 QXBreakpointStore::QXBreakpointStore() = default;
 
 QXBreakpointStore &QXBreakpointStore::shared()
 {
-    static auto *const store = new QXBreakpointStore;
+    static auto *const store = [] {
+        auto *const made = new QXBreakpointStore;
+        connect(made, &QXBreakpointStore::rulesChanged, made,
+                [made] { PublishedRules::instance().publish(made->rules()); });
+        return made;
+    }();
     return *store;
+}
+
+bool QXBreakpointStore::matches(const QUrl &url, const QString &method)
+{
+    return PublishedRules::instance().matches(url, method);
 }
 
 void QXBreakpointStore::setRules(const Rules &rules)

@@ -6,7 +6,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QSet>
 
-/// The breakpoint rules that are switched on. They are kept in memory only. Main thread only.
+/// The breakpoint rules that are switched on. They are kept in memory only. Main thread only, except for
+/// matches().
 class QUORVIX_INTERNAL_EXPORT QXBreakpointStore final : public QObject
 {
     Q_OBJECT
@@ -27,6 +28,9 @@ public:
 
     /// The rules sorted by display text in the user's language, ignoring case.
     [[nodiscard]] QList<QXBreakpointKey> sortedRules() const;
+
+    /// Whether the shared store contains the key of a request. Any thread.
+    [[nodiscard]] static bool matches(const QUrl &url, const QString &method);
 
 Q_SIGNALS:
     /// Emitted before the rules change.

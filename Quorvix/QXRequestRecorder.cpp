@@ -8,8 +8,6 @@ using namespace Quorvix;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 QByteArray searchKey(const QXRequestTrace &trace)
 {
     QByteArray key;
@@ -46,19 +44,31 @@ QXRequestRecorder &QXRequestRecorder::shared()
     return *recorder;
 }
 
-void QXRequestRecorder::record(const QString &id, const URLRequest &request)
+void QXRequestRecorder::record(const QString &id, const URLRequest &request, const QXMoment &start)
 {
     Q_ASSERT(MainActor::isCurrent());
-    QXRequestTrace trace(id, request);
-    m_bodyBytes += trace.body ? trace.body->size() : 0;
-    QByteArray key = searchKey(trace);
-    m_requests.prepend(std::make_shared<const QXTraceList::Cell>(
-        QXTraceList::Cell{std::move(trace), Clock::now(), std::move(key)}));
+    m_requests.prepend(makeCell(id, request, start));
+    postChange();
+}
+
+void QXRequestRecorder::amend(const QString &id, const URLRequest &request)
+{
+    Q_ASSERT(MainActor::isCurrent());
+    const qsizetype index = m_requests.indexOf(id);
+    if (index < 0)
+        return;
+    const QXTraceList::CellPtr old = m_requests.cell(index);
+    auto cell = makeCell(id, request, {old->trace.date, old->recordedAt});
+    cell->trace.response = old->trace.response;
+    cell->trace.error = old->trace.error;
+    cell->trace.duration = old->trace.duration;
+    m_requests.replace(index, std::move(cell));
     postChange();
 }
 
 void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &response,
-                                 const std::optional<QByteArray> &data, const std::optional<NSError> &error)
+                                 const std::optional<QByteArray> &data, const std::optional<NSError> &error,
+                                 const QXMoment &end)
 {
     Q_ASSERT(MainActor::isCurrent());
     const qsizetype index = m_requests.indexOf(id);
@@ -67,7 +77,7 @@ void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &resp
 
     auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
     QXRequestTrace &trace = cell->trace;
-    trace.duration = std::chrono::duration<double>(Clock::now() - cell->recordedAt).count();
+    trace.duration = std::chrono::duration<double>(end.steady - cell->recordedAt).count();
     if (error)
         trace.error = QXFailureNote(*error);
     if (const auto *http = dynamic_cast<const NSHTTPURLResponse *>(response.get()))
@@ -83,6 +93,17 @@ void QXRequestRecorder::clear()
     m_requests = {};
     FreedMemory::note(std::exchange(m_bodyBytes, 0));
     postChange();
+}
+
+std::shared_ptr<QXTraceList::Cell> QXRequestRecorder::makeCell(const QString &id, const URLRequest &request,
+                                                               const QXMoment &start)
+{
+    QXRequestTrace trace(id, request);
+    trace.date = start.date;
+    m_bodyBytes += trace.body ? trace.body->size() : 0;
+    QByteArray key = searchKey(trace);
+    return std::make_shared<QXTraceList::Cell>(
+        QXTraceList::Cell{std::move(trace), start.steady, std::move(key)});
 }
 
 QList<QXRequestTrace>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Quorvix/QXMoment.h"
 #include "Quorvix/QXTraceList.h"
 #include "Quorvix/QuorvixNotifications.h"
 
@@ -24,13 +25,19 @@ public:
     /// number of traces.
     [[nodiscard]] QXTraceList requests() const noexcept { return m_requests; }
 
-    /// Adds a trace of @p request to the front.
-    void record(const QString &id, const Quorvix::URLRequest &request);
+    /// Adds a trace of @p request, which started at @p start, to the front.
+    void record(const QString &id, const Quorvix::URLRequest &request,
+                const QXMoment &start = QXMoment::now());
+
+    /// Replaces the request of the newest trace with this identifier; does nothing if there is none. Its date
+    /// and result stay.
+    void amend(const QString &id, const Quorvix::URLRequest &request);
 
     /// Stores the result in the newest trace with this identifier; does nothing if there is none. A response
-    /// that is not an HTTP response is ignored, together with its data.
+    /// that is not an HTTP response is ignored, together with its data. The duration ends at @p end.
     void complete(const QString &id, const Quorvix::NSURLResponsePtr &response,
-                  const std::optional<QByteArray> &data, const std::optional<Quorvix::NSError> &error);
+                  const std::optional<QByteArray> &data, const std::optional<Quorvix::NSError> &error,
+                  const QXMoment &end = QXMoment::now());
 
     /// Removes all traces. The memory of large bodies returns to the system soon after the last snapshot of
     /// them is destroyed.
@@ -48,6 +55,9 @@ public:
     [[nodiscard]] QList<QXRequestTrace> findRequestsByMethod(const QString &method) const;
 
 private:
+    std::shared_ptr<QXTraceList::Cell> makeCell(const QString &id, const Quorvix::URLRequest &request,
+                                                const QXMoment &start);
+
     QXTraceList m_requests;
     /// The sum of what all bodies needed when they arrived.
     qsizetype m_bodyBytes = 0;

@@ -1,0 +1,72 @@
+#include "Quorvix/QXExchange.h"
+
+#include "Quorvix/QXBreakpointCenter.h"
+#include "Quorvix/QXRequestRecorder.h"
+
+#include "Platform/MainActor.h"
+
+#include <QtCore/QUuid>
+
+#include <utility>
+
+using namespace Quorvix;
+
+namespace {
+
+QString makeIdentifier()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+}
+
+} // namespace
+
+QXExchange::QXExchange(const URLRequest &request) : m_id(makeIdentifier()), m_request(request)
+{
+    MainActor::schedule([id = m_id, request, now = QXMoment::now()] {
+        QXRequestRecorder::shared().record(id, request, now);
+    });
+}
+
+QXExchange::QXExchange(QXExchange &&other) noexcept
+    : m_id(std::move(other.m_id)), m_request(std::move(other.m_request)),
+      m_isComplete(std::exchange(other.m_isComplete, true))
+{
+}
+
+QXExchange::~QXExchange()
+{
+    if (!m_isComplete)
+        complete(nullptr, std::nullopt, makeURLError(NSURLErrorCancelled));
+}
+
+void QXExchange::amend(const URLRequest &request)
+{
+    if (m_isComplete)
+        return;
+    m_request = request;
+    MainActor::schedule([id = m_id, request] { QXRequestRecorder::shared().amend(id, request); });
+}
+
+void QXExchange::complete(const NSURLResponsePtr &response, const std::optional<QByteArray> &data,
+                          const std::optional<NSError> &error)
+{
+    if (std::exchange(m_isComplete, true))
+        return;
+    MainActor::schedule([id = m_id, response, data, error, now = QXMoment::now()] {
+        QXRequestRecorder::shared().complete(id, response, data, error, now);
+    });
+}
+
+void QXExchange::complete(const NSURLResponsePtr &response, const std::optional<QByteArray> &data,
+                          const std::optional<NSError> &error, DataTaskCompletionHandler deliver)
+{
+    if (std::exchange(m_isComplete, true))
+        return;
+    MainActor::schedule([id = m_id, request = m_request, response, data, error, now = QXMoment::now(),
+                         deliver = std::move(deliver)] {
+        if (QXBreakpointCenter::shared().check(request, id, data, response, error, deliver))
+            return;
+        QXRequestRecorder::shared().complete(id, response, data, error, now);
+        deliver(data, response, error);
+    });
+}

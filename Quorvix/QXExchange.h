@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Platform/NSURLSessionTask.h"
+#include "Platform/URLRequest.h"
+
+/// One HTTP exchange, as a client of HTTP reports it: any library can be recorded with it.
+///
+/// @code
+/// QXExchange exchange(request); // appears in the list
+/// // ... the library does its work ...
+/// exchange.complete(response, body, error);
+/// @endcode
+///
+/// The exchange starts when the object is made. An object that is destroyed before it was completed reports
+/// that the exchange was cancelled. An object may be used by one thread at a time, which may be any thread:
+/// the recorder gets all that is reported later, on the main thread.
+class QUORVIX_CORE_EXPORT QXExchange final
+{
+public:
+    explicit QXExchange(const Quorvix::URLRequest &request);
+    ~QXExchange();
+
+    QXExchange(QXExchange &&other) noexcept;
+    QXExchange &operator=(QXExchange &&) = delete;
+    Q_DISABLE_COPY(QXExchange)
+
+    /// A new identifier for every exchange: a UUID in upper case, which the trace gets, too.
+    [[nodiscard]] const QString &id() const noexcept { return m_id; }
+
+    /// Replaces what was reported about the request: for clients that know headers or the body only later.
+    /// Does nothing after complete().
+    void amend(const Quorvix::URLRequest &request);
+
+    /// Reports the result; the duration ends now. A response that is not an HTTP response is ignored,
+    /// together with its data. Only the first call has an effect.
+    void complete(const Quorvix::NSURLResponsePtr &response, const std::optional<QByteArray> &data,
+                  const std::optional<Quorvix::NSError> &error);
+
+    /// Reports the result and hands it to @p deliver on the main thread: at once if no breakpoint rule
+    /// matches the request, else when the user releases the response, possibly edited.
+    void complete(const Quorvix::NSURLResponsePtr &response, const std::optional<QByteArray> &data,
+                  const std::optional<Quorvix::NSError> &error, Quorvix::DataTaskCompletionHandler deliver);
+
+private:
+    QString m_id;
+    Quorvix::URLRequest m_request;
+    bool m_isComplete = false;
+};
