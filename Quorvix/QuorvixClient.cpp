@@ -1,6 +1,7 @@
 #include "Quorvix/QuorvixClient.h"
 
 #include "Quorvix/QXLog.h"
+#include "Quorvix/QXNetworkAccessManagerFactory.h"
 #include "Quorvix/QXOverlay.h"
 #include "Quorvix/QXSessionHook.h"
 
@@ -33,6 +34,12 @@ QuorvixClient &QuorvixClient::shared()
 
 void QuorvixClient::start()
 {
+    show();
+}
+
+void QuorvixClient::start(QQmlEngine &engine)
+{
+    QXNetworkAccessManagerFactory::install(engine);
     show();
 }
 

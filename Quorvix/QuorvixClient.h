@@ -5,6 +5,7 @@
 
 #include <memory>
 
+class QQmlEngine;
 class QXOverlay;
 
 /// The entry point for a host application.
@@ -12,6 +13,8 @@ class QXOverlay;
 /// @code
 /// QuorvixClient::shared().start(); // captures every data task from now on and shows the floating button
 /// @endcode
+///
+/// The requests of a QXNetworkAccessManager are captured without this, too.
 class QUORVIX_EXPORT QuorvixClient
 {
 public:
@@ -24,6 +27,9 @@ public:
 
     /// The same as show().
     void start();
+    /// Captures what @p engine loads from the network, and shows the button. Called before the engine loads
+    /// anything. Main thread only.
+    void start(QQmlEngine &engine);
     /// Shows the floating button over the active Qt Quick window. Does nothing without a QGuiApplication.
     /// Main thread only.
     void show();

@@ -15,8 +15,13 @@ set(QUORVIX_PUBLIC_HEADERS
     Platform/Result.h
     Platform/URLRequest.h
     Quorvix/QXArchiveWriter.h
+    Quorvix/QXExchange.h
     Quorvix/QXFailureNote.h
     Quorvix/QXLogLevel.h
+    Quorvix/QXMoment.h
+    Quorvix/QXNetworkAccessManager.h
+    Quorvix/QXNetworkAccessManagerFactory.h
+    Quorvix/QXNetworkCapture.h
     Quorvix/QXRequestRecorder.h
     Quorvix/QXRequestTrace.h
     Quorvix/QXResponseTrace.h
@@ -57,5 +62,5 @@ quorvix_product(QuorvixCore
 quorvix_product(Quorvix
     EXPORT_NAME Quorvix
     ROOMS ${QUORVIX_SCREEN_ROOMS}
-    PUBLIC QuorvixCore Qt6::Core
-    PRIVATE Qt6::Gui Qt6::Qml Qt6::Quick Qt6::Svg)
+    PUBLIC QuorvixCore Qt6::Core Qt6::Qml
+    PRIVATE Qt6::Gui Qt6::Quick Qt6::Svg)

@@ -1,0 +1,63 @@
+#include "Quorvix/QXDelegatingManager.h"
+
+#include "Quorvix/QXNetworkCapture.h"
+#include "Quorvix/QXNetworkReply.h"
+
+#include <QtNetwork/QAuthenticator>
+#include <QtNetwork/QNetworkCookieJar>
+#include <QtNetwork/QNetworkProxy>
+
+namespace {
+
+/// Makes the request through the public functions of @p host, because createRequest() is not one of them.
+QNetworkReply *send(QNetworkAccessManager &host, QNetworkAccessManager::Operation operation,
+                    const QNetworkRequest &request, QIODevice *body)
+{
+    switch (operation) {
+    case QNetworkAccessManager::HeadOperation:
+        return host.head(request);
+    case QNetworkAccessManager::PutOperation:
+        return host.put(request, body);
+    case QNetworkAccessManager::PostOperation:
+        return host.post(request, body);
+    case QNetworkAccessManager::DeleteOperation:
+        return host.deleteResource(request);
+    case QNetworkAccessManager::CustomOperation:
+        return host.sendCustomRequest(
+            request, request.attribute(QNetworkRequest::CustomVerbAttribute).toByteArray(), body);
+    case QNetworkAccessManager::GetOperation:
+    case QNetworkAccessManager::UnknownOperation:
+        break;
+    }
+    return host.get(request);
+}
+
+} // namespace
+
+QXDelegatingManager::QXDelegatingManager(QNetworkAccessManager *host, QObject *parent)
+    : QNetworkAccessManager(parent), m_host(host)
+{
+    m_host->setParent(this);
+    if (QNetworkCookieJar *const jar = host->cookieJar()) {
+        QObject *const owner = jar->parent();
+        setCookieJar(jar);
+        jar->setParent(owner);
+    }
+    connect(host, &QNetworkAccessManager::authenticationRequired, this,
+            [this](QNetworkReply *reply, QAuthenticator *authenticator) {
+                QXNetworkReply *const outer = QXNetworkReply::outerOf(reply);
+                Q_EMIT authenticationRequired(outer ? outer : reply, authenticator);
+            });
+    connect(host, &QNetworkAccessManager::proxyAuthenticationRequired, this,
+            &QNetworkAccessManager::proxyAuthenticationRequired);
+}
+
+QXDelegatingManager::~QXDelegatingManager() = default;
+
+QNetworkReply *QXDelegatingManager::createRequest(Operation operation, const QNetworkRequest &request,
+                                                  QIODevice *body)
+{
+    return QXNetworkCapture::capture(this, operation, request, body, [&](QIODevice *upload) {
+        return send(*m_host, operation, request, upload);
+    });
+}

@@ -1,0 +1,432 @@
+#include "Quorvix/QXNetworkReply.h"
+
+#include "Quorvix/QXUploadTee.h"
+
+#include "Platform/NSHTTPURLResponse.h"
+#include "Platform/ReplyOutcome.h"
+
+#include <QtCore/QHash>
+#include <QtNetwork/QSslConfiguration>
+#include <QtNetwork/QSslError>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <mutex>
+#include <utility>
+
+using namespace Quorvix;
+
+namespace {
+
+/// A server can announce any length, so no more than this is reserved before the bytes arrive.
+constexpr qint64 largestReservation = 64'000'000;
+/// The attributes that Qt gives to its replies.
+constexpr std::array replyAttributes{
+    QNetworkRequest::HttpStatusCodeAttribute,        QNetworkRequest::HttpReasonPhraseAttribute,
+    QNetworkRequest::RedirectionTargetAttribute,     QNetworkRequest::ConnectionEncryptedAttribute,
+    QNetworkRequest::SourceIsFromCacheAttribute,     QNetworkRequest::HttpPipeliningWasUsedAttribute,
+    QNetworkRequest::DownloadBufferAttribute,        QNetworkRequest::Http2WasUsedAttribute,
+    QNetworkRequest::OriginalContentLengthAttribute,
+};
+/// The attributes that a host can give to replies of its own: those of Qt end far below the first number, and
+/// those of hosts begin with QNetworkRequest::User.
+constexpr int endOfQtAttributes = 64;
+constexpr int userAttributes = 16;
+
+/// The inner replies and those that wrap them.
+class Wrappers
+{
+public:
+    static Wrappers &instance()
+    {
+        static auto *const wrappers = new Wrappers;
+        return *wrappers;
+    }
+
+    void insert(const QNetworkReply *inner, QXNetworkReply *outer)
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_outer.insert(inner, outer);
+    }
+
+    void remove(const QNetworkReply *inner)
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_outer.remove(inner);
+    }
+
+    QXNetworkReply *outerOf(const QNetworkReply *inner)
+    {
+        const std::scoped_lock lock(m_mutex);
+        return m_outer.value(inner);
+    }
+
+private:
+    std::mutex m_mutex;
+    QHash<const QNetworkReply *, QXNetworkReply *> m_outer;
+};
+
+/// Gives the memory back that a growing buffer has too much.
+void squeeze(QByteArray &bytes)
+{
+    if (bytes.capacity() > bytes.size() + bytes.size() / 8)
+        bytes.squeeze();
+}
+
+HTTPHeaderFields headersOf(const QNetworkRequest &request)
+{
+    HTTPHeaderFields fields;
+    const QList<QByteArray> names = request.rawHeaderList();
+    for (const QByteArray &name : names)
+        fields.insert(ReplyOutcome::fieldName(name), ReplyOutcome::fieldText(request.rawHeader(name)));
+    return fields;
+}
+
+URLRequest requestOf(const QNetworkReply &inner, const QXNetworkReply::Source &source)
+{
+    const QNetworkRequest sent = inner.request();
+    URLRequest request(sent.url());
+    request.httpMethod = source.method;
+    HTTPHeaderFields fields = headersOf(sent);
+    if (!fields.isEmpty())
+        request.allHTTPHeaderFields = std::move(fields);
+    request.httpBody = source.body;
+    return request;
+}
+
+} // namespace
+
+QXNetworkReply::QXNetworkReply(QNetworkReply *inner, Source source, QObject *parent)
+    : QNetworkReply(parent), m_inner(inner), m_innerKey(inner), m_source(std::move(source)),
+      m_exchange(requestOf(*inner, m_source))
+{
+    // The manager deletes its children in any order, but the inner reply must go with this one.
+    inner->setParent(nullptr);
+    Wrappers::instance().insert(inner, this);
+    setObjectName(inner->objectName());
+    const QList<QByteArray> properties = inner->dynamicPropertyNames();
+    for (const QByteArray &name : properties)
+        setProperty(name.constData(), inner->property(name.constData()));
+    QNetworkReply::setReadBufferSize(inner->readBufferSize());
+    setOpenMode(inner->openMode());
+    setRequest(inner->request());
+    mirrorState();
+    mirrorAddress();
+    mirrorResponse();
+    connectInner();
+    // A synchronous request has ended already.
+    if (isFinished()) {
+        drain();
+        complete();
+    }
+}
+
+QXNetworkReply::~QXNetworkReply()
+{
+    if (!m_isComplete) {
+        m_isCancelled = true;
+        if (m_inner)
+            drain();
+        complete();
+    }
+    Wrappers::instance().remove(m_innerKey);
+    if (m_inner) {
+        m_inner->disconnect(this);
+        // Before the device from which it uploads, which is a member or a child of this reply.
+        delete m_inner;
+    }
+}
+
+QXNetworkReply *QXNetworkReply::outerOf(const QNetworkReply *inner)
+{
+    return Wrappers::instance().outerOf(inner);
+}
+
+void QXNetworkReply::connectInner()
+{
+    connect(m_inner, &QNetworkReply::socketStartedConnecting, this, &QNetworkReply::socketStartedConnecting);
+    connect(m_inner, &QNetworkReply::requestSent, this, &QNetworkReply::requestSent);
+    connect(m_inner, &QNetworkReply::uploadProgress, this, [this](qint64 sent, qint64 total) {
+        mirrorState();
+        Q_EMIT uploadProgress(sent, total);
+    });
+    connect(m_inner, &QNetworkReply::redirected, this, [this](const QUrl &url) {
+        mirrorAddress();
+        mirrorResponse();
+        Q_EMIT redirected(url);
+    });
+    connect(this, &QNetworkReply::redirectAllowed, m_inner, &QNetworkReply::redirectAllowed);
+    connect(m_inner, &QNetworkReply::encrypted, this, &QNetworkReply::encrypted);
+    connect(m_inner, &QNetworkReply::preSharedKeyAuthenticationRequired, this,
+            &QNetworkReply::preSharedKeyAuthenticationRequired);
+    connect(m_inner, &QNetworkReply::sslErrors, this, [this](const QList<QSslError> &errors) {
+        ReplyOutcome::noteCertificateErrors(*m_inner, errors);
+        Q_EMIT sslErrors(errors);
+    });
+    connect(m_inner, &QNetworkReply::metaDataChanged, this, &QXNetworkReply::innerMetaDataChanged);
+    connect(m_inner, &QNetworkReply::readyRead, this, &QXNetworkReply::innerReadyRead);
+    connect(m_inner, &QNetworkReply::downloadProgress, this, &QXNetworkReply::innerDownloadProgress);
+    connect(m_inner, &QNetworkReply::errorOccurred, this, &QXNetworkReply::innerErrorOccurred);
+    connect(m_inner, &QNetworkReply::aboutToClose, this, &QXNetworkReply::innerAboutToClose);
+    connect(m_inner, &QNetworkReply::readChannelFinished, this, &QXNetworkReply::innerReadChannelFinished);
+    connect(m_inner, &QNetworkReply::finished, this, &QXNetworkReply::innerFinished);
+}
+
+void QXNetworkReply::mirrorState()
+{
+    if (m_inner->error() != error())
+        setError(m_inner->error(), m_inner->errorString());
+    if (m_inner->isFinished())
+        setFinished(true);
+}
+
+void QXNetworkReply::mirrorAddress()
+{
+    setUrl(m_inner->url());
+    setOperation(m_inner->operation());
+}
+
+void QXNetworkReply::mirrorResponse()
+{
+    mirrorHeaders(*m_inner);
+    const auto mirror = [this](QNetworkRequest::Attribute code) {
+        if (const QVariant value = m_inner->attribute(code); value.isValid())
+            setAttribute(code, value);
+    };
+    if (m_inner->inherits("QNetworkReplyHttpImpl")) {
+        std::for_each(replyAttributes.begin(), replyAttributes.end(), mirror);
+        return;
+    }
+    for (int code = 0; code < endOfQtAttributes; ++code)
+        mirror(static_cast<QNetworkRequest::Attribute>(code));
+    for (int code = 0; code < userAttributes; ++code)
+        mirror(static_cast<QNetworkRequest::Attribute>(QNetworkRequest::User + code));
+}
+
+void QXNetworkReply::mirrorHeaders(const QNetworkReply &from)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    setHeaders(from.headers());
+#else
+    if (from.rawHeaderPairs() == rawHeaderPairs())
+        return;
+    const QList<QByteArray> old = rawHeaderList();
+    for (const QByteArray &name : old)
+        setRawHeader(name, QByteArray());
+    for (const auto &[name, value] : from.rawHeaderPairs())
+        setRawHeader(name, value);
+#endif
+}
+
+// What the host calls
+
+void QXNetworkReply::abort()
+{
+    if (!m_inner)
+        return;
+    if (!m_inner->isFinished())
+        m_isCancelled = true;
+    m_inner->abort();
+}
+
+void QXNetworkReply::close()
+{
+    if (!m_inner)
+        return QNetworkReply::close();
+    if (!m_inner->isFinished())
+        m_isCancelled = true;
+    m_inner->close();
+}
+
+void QXNetworkReply::setReadBufferSize(qint64 size)
+{
+    QNetworkReply::setReadBufferSize(size);
+    if (m_inner)
+        m_inner->setReadBufferSize(size);
+}
+
+void QXNetworkReply::ignoreSslErrors()
+{
+    if (m_inner)
+        m_inner->ignoreSslErrors();
+}
+
+void QXNetworkReply::ignoreSslErrorsImplementation(const QList<QSslError> &errors)
+{
+    if (m_inner)
+        m_inner->ignoreSslErrors(errors);
+}
+
+void QXNetworkReply::sslConfigurationImplementation(QSslConfiguration &configuration) const
+{
+    if (m_inner)
+        configuration = m_inner->sslConfiguration();
+}
+
+void QXNetworkReply::setSslConfigurationImplementation(const QSslConfiguration &configuration)
+{
+    if (m_inner)
+        m_inner->setSslConfiguration(configuration);
+}
+
+bool QXNetworkReply::isSequential() const
+{
+    return !m_inner || m_inner->isSequential();
+}
+
+qint64 QXNetworkReply::bytesAvailable() const
+{
+    const qint64 own = QNetworkReply::bytesAvailable() + m_body.size() - m_position;
+    return m_inner && m_inner->isOpen() ? own + m_inner->bytesAvailable() : own;
+}
+
+bool QXNetworkReply::canReadLine() const
+{
+    return QNetworkReply::canReadLine() || m_body.indexOf('\n', m_position) >= 0 ||
+           (m_inner && m_inner->canReadLine());
+}
+
+bool QXNetworkReply::waitForReadyRead(int milliseconds)
+{
+    return m_inner && m_inner->waitForReadyRead(milliseconds);
+}
+
+qint64 QXNetworkReply::readData(char *data, qint64 maxSize)
+{
+    if (const qint64 ready = m_body.size() - m_position; ready > 0) {
+        const qint64 size = std::min(ready, maxSize);
+        std::memcpy(data, m_body.constData() + m_position, std::size_t(size));
+        m_position += size;
+        return size;
+    }
+    if (!m_inner)
+        return -1;
+    // The inner reply lets the server go on when it is asked for more than it has: not before the host is.
+    const qint64 available = m_inner->bytesAvailable();
+    const qint64 size = m_inner->read(data, available > 0 ? std::min(available, maxSize) : maxSize);
+    if (size > 0) {
+        m_body.append(data, size);
+        m_position += size;
+    }
+    return size;
+}
+
+// What the inner reply tells
+
+bool QXNetworkReply::readsThrough() const
+{
+    // Qt saves a compressed body in its cache while it is read.
+    return readBufferSize() > 0 || m_inner->hasRawHeader("Content-Encoding");
+}
+
+void QXNetworkReply::drain()
+{
+    if (!m_inner->isOpen())
+        return;
+    for (qint64 size = m_inner->bytesAvailable(); size > 0; size = m_inner->bytesAvailable()) {
+        if (m_body.isEmpty()) {
+            // Not copied if the reply has these bytes in one piece.
+            m_body = m_inner->read(size);
+            const qint64 length = m_inner->header(QNetworkRequest::ContentLengthHeader).toLongLong();
+            if (m_body.isEmpty())
+                return;
+            if (length > m_body.size())
+                m_body.reserve(std::min(length, largestReservation));
+            continue;
+        }
+        const qsizetype before = m_body.size();
+        m_body.resize(before + size);
+        const qint64 read = m_inner->read(m_body.data() + before, size);
+        m_body.resize(before + std::max<qint64>(read, 0));
+        if (read <= 0)
+            return;
+    }
+}
+
+void QXNetworkReply::innerMetaDataChanged()
+{
+    mirrorAddress();
+    mirrorResponse();
+    m_hasResponse = true;
+    Q_EMIT metaDataChanged();
+}
+
+void QXNetworkReply::innerReadyRead()
+{
+    if (!readsThrough())
+        drain();
+    mirrorState();
+    Q_EMIT readyRead();
+}
+
+void QXNetworkReply::innerDownloadProgress(qint64 received, qint64 total)
+{
+    mirrorState();
+    Q_EMIT downloadProgress(received, total);
+}
+
+void QXNetworkReply::innerErrorOccurred(QNetworkReply::NetworkError error)
+{
+    mirrorState();
+    mirrorResponse();
+    Q_EMIT errorOccurred(error);
+}
+
+void QXNetworkReply::innerAboutToClose()
+{
+    // The bytes that the host has not read are lost with this.
+    drain();
+    QNetworkReply::close();
+    m_position = m_body.size();
+}
+
+void QXNetworkReply::innerReadChannelFinished()
+{
+    mirrorState();
+    Q_EMIT readChannelFinished();
+}
+
+void QXNetworkReply::innerFinished()
+{
+    drain();
+    mirrorState();
+    if (!m_hasResponse)
+        mirrorResponse();
+    complete();
+    Q_EMIT finished();
+}
+
+// The report
+
+std::optional<NSError> QXNetworkReply::transportError() const
+{
+    if (!m_inner)
+        return makeURLError(NSURLErrorCancelled);
+    if (!m_inner->isFinished() && m_isCancelled)
+        return makeURLError(NSURLErrorCancelled);
+    const auto code = ReplyOutcome::transportError(*m_inner, m_isCancelled);
+    return code ? std::optional(makeURLError(*code)) : std::nullopt;
+}
+
+void QXNetworkReply::complete(const DataTaskCompletionHandler &deliver)
+{
+    if (std::exchange(m_isComplete, true))
+        return;
+    squeeze(m_body);
+    if (m_source.tee && m_inner) {
+        m_source.body = m_source.tee->copy();
+        m_exchange.amend(requestOf(*m_inner, m_source));
+    }
+    const NSURLResponsePtr response = m_inner ? ReplyOutcome::response(*m_inner) : nullptr;
+    if (deliver)
+        m_exchange.complete(response, m_body, transportError(), deliver);
+    else
+        m_exchange.complete(response, m_body, transportError());
+}
+
+void QXNetworkReply::setBody(const QByteArray &body)
+{
+    m_body = body;
+    m_position = 0;
+}

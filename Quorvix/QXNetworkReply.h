@@ -1,0 +1,105 @@
+#pragma once
+
+#include "Quorvix/QXExchange.h"
+#include "Quorvix/QXUploadTee.h"
+
+#include <QtCore/QPointer>
+#include <QtNetwork/QNetworkReply>
+
+#include <memory>
+#include <optional>
+
+/// The reply that a host gets from a captured manager. It behaves like the reply that Qt has made, the inner
+/// one: it has the same state, emits the same signals in the same order, and delivers the same bytes. What
+/// the host reads is kept for the inspector.
+///
+/// Bytes are taken from the inner reply as they arrive, and the host and the inspector share them. If the
+/// host limits the read buffer, or the body is compressed, then bytes are taken from the inner reply only
+/// when the host reads them.
+class QXNetworkReply : public QNetworkReply
+{
+    Q_OBJECT
+
+public:
+    /// What a request consists of, beside the reply.
+    struct Source
+    {
+        /// The method as it is sent.
+        QString method;
+        /// The body of the request. A body that is read from a device is known only later.
+        std::optional<QByteArray> body;
+        /// Copies the body from the host's device; null if there is none.
+        std::unique_ptr<QXUploadTee> tee;
+    };
+
+    /// Takes ownership of @p inner, which may still be a child of its manager.
+    QXNetworkReply(QNetworkReply *inner, Source source, QObject *parent);
+    ~QXNetworkReply() override;
+
+    /// The reply that wraps @p inner; null if there is none. Any thread.
+    [[nodiscard]] static QXNetworkReply *outerOf(const QNetworkReply *inner);
+
+    void abort() override;
+    void close() override;
+    void setReadBufferSize(qint64 size) override;
+    void ignoreSslErrors() override;
+
+    [[nodiscard]] bool isSequential() const override;
+    [[nodiscard]] qint64 bytesAvailable() const override;
+    [[nodiscard]] bool canReadLine() const override;
+    bool waitForReadyRead(int milliseconds) override;
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override;
+    void sslConfigurationImplementation(QSslConfiguration &configuration) const override;
+    void setSslConfigurationImplementation(const QSslConfiguration &configuration) override;
+    void ignoreSslErrorsImplementation(const QList<QSslError> &errors) override;
+
+    // What the inner reply has emitted.
+    virtual void innerMetaDataChanged();
+    virtual void innerReadyRead();
+    virtual void innerDownloadProgress(qint64 received, qint64 total);
+    virtual void innerErrorOccurred(QNetworkReply::NetworkError error);
+    virtual void innerAboutToClose();
+    virtual void innerReadChannelFinished();
+    virtual void innerFinished();
+
+    /// Null after it was deleted by someone else.
+    [[nodiscard]] QNetworkReply *inner() const { return m_inner; }
+    /// Whether bytes are taken from the inner reply only when the host reads them.
+    [[nodiscard]] virtual bool readsThrough() const;
+
+    /// Whether the host ended the exchange: Qt reports a time-out with the same error.
+    [[nodiscard]] bool isCancelled() const { return m_isCancelled; }
+
+    /// Copies what the inner reply says about itself: its error and whether it has finished, its address, and
+    /// its headers and attributes.
+    void mirrorState();
+    void mirrorAddress();
+    void mirrorResponse();
+    /// Takes all bytes that the inner reply has.
+    void drain();
+    /// Reports the result to the inspector, once. If @p deliver is given, it is called on the main thread
+    /// with the result, which the user may have edited at a breakpoint before.
+    void complete(const Quorvix::DataTaskCompletionHandler &deliver = nullptr);
+    /// Replaces the bytes that the host reads from now on.
+    void setBody(const QByteArray &body);
+
+private:
+    void connectInner();
+    void mirrorHeaders(const QNetworkReply &from);
+    [[nodiscard]] std::optional<Quorvix::NSError> transportError() const;
+
+    QPointer<QNetworkReply> m_inner;
+    const QNetworkReply *const m_innerKey;
+    Source m_source;
+    QXExchange m_exchange;
+    /// All bytes that were taken from the inner reply.
+    QByteArray m_body;
+    /// How many of them the host has read.
+    qsizetype m_position = 0;
+    bool m_isCancelled = false;
+    bool m_isComplete = false;
+    /// Whether the headers and attributes are those of the last response.
+    bool m_hasResponse = false;
+};
