@@ -1,0 +1,346 @@
+// Measures what the capture of Qt's network access manager costs: the processor time of a host for each
+// request, alternately with and without capture, and the memory that recorded bodies keep. The server and the
+// hosts are processes of their own: the server's time does not make the difference look smaller, and each
+// host starts with the same heap.
+
+#include "Quorvix/QXRequestRecorder.h"
+
+#include "Benchmarks/Contest.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEventLoop>
+#include <QtCore/QHash>
+#include <QtCore/QProcess>
+#include <QtCore/QSocketNotifier>
+#include <QtCore/QTimer>
+#include <QtNetwork/QNetworkAccessManager>
+#include <QtNetwork/QNetworkReply>
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
+
+#include <ctime>
+#include <malloc.h>
+#include <unistd.h>
+
+#if __has_include("Quorvix/QXNetworkAccessManager.h")
+#include "Quorvix/QXNetworkAccessManager.h"
+#else
+// Compares two plain ones until there is another.
+#define QUORVIX_WITHOUT_CAPTURE
+using QXNetworkAccessManager = QNetworkAccessManager;
+#endif
+
+using Contest::require;
+
+namespace {
+
+constexpr int rounds = 40;
+/// Qt opens six connections to a host, so no request waits in a queue.
+constexpr int concurrent = 6;
+/// The requests before each measurement.
+constexpr int leading = 2 * concurrent;
+
+// The server
+
+QByteArray bodyOf(qsizetype size)
+{
+    QByteArray body(size, Qt::Uninitialized);
+    for (qsizetype i = 0; i < size; ++i)
+        body[i] = char('a' + (i * 7 + i / 251) % 26);
+    return body;
+}
+
+/// Answers "GET /{size}" with a body of that size.
+void serve(QTcpSocket &socket)
+{
+    static QHash<QByteArray, QByteArray> answers;
+    while (socket.canReadLine()) {
+        const QByteArray line = socket.readLine();
+        if (!line.startsWith("GET /"))
+            continue;
+        QByteArray &answer = answers[line.split(' ').at(1)];
+        if (answer.isEmpty()) {
+            const QByteArray body = bodyOf(line.split(' ').at(1).mid(1).toLongLong());
+            answer = "HTTP/1.1 200 OK\r\nContent-Type: application/octet-stream\r\nServer: benchmark\r\n"
+                     "Content-Length: " +
+                     QByteArray::number(body.size()) + "\r\n\r\n" + body;
+        }
+        socket.write(answer);
+    }
+}
+
+/// Prints its port and serves until its standard input is closed, which the end of the other process does.
+int runServer()
+{
+    QTcpServer server;
+    QObject::connect(&server, &QTcpServer::newConnection, &server, [&] {
+        QTcpSocket *const socket = server.nextPendingConnection();
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] { serve(*socket); });
+        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    });
+    require(server.listen(QHostAddress::LocalHost), "the server has no port");
+    std::printf("%d\n", int(server.serverPort()));
+    std::fflush(stdout);
+    QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&input, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
+    return QCoreApplication::exec();
+}
+
+quint16 startServer(QProcess &process)
+{
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--server")});
+    while (!process.canReadLine())
+        require(process.waitForReadyRead(10'000), "the server does not start");
+    return quint16(process.readLine().trimmed().toUInt());
+}
+
+// The host
+
+enum class Reading {
+    AtFinished,
+    AtEachReadyRead,
+};
+
+/// Sends one request and reads its body as hosts do.
+void get(QNetworkAccessManager &manager, const QUrl &url, Reading reading,
+         const std::function<void(const QByteArray &)> &finished)
+{
+    QNetworkReply *const reply = manager.get(QNetworkRequest(url));
+    auto body = std::make_shared<QByteArray>();
+    if (reading == Reading::AtEachReadyRead) {
+        QObject::connect(reply, &QNetworkReply::readyRead, reply,
+                         [reply, body] { body->append(reply->readAll()); });
+    }
+    QObject::connect(reply, &QNetworkReply::finished, reply, [reply, body, finished] {
+        reply->deleteLater();
+        require(reply->error() == QNetworkReply::NoError, "a request failed");
+        finished(body->isEmpty() ? reply->readAll() : body->append(reply->readAll()));
+    });
+}
+
+/// Sends requests, several at a time.
+void exchange(QNetworkAccessManager &manager, const QUrl &url, Reading reading, int requests,
+              const std::function<void(const QByteArray &)> &check)
+{
+    QEventLoop loop;
+    int started = 0;
+    int ended = 0;
+    std::function<void()> next = [&] {
+        if (started++ >= requests)
+            return;
+        get(manager, url, reading, [&](const QByteArray &body) {
+            check(body);
+            if (++ended == requests)
+                loop.quit();
+            next();
+        });
+    };
+    for (int i = 0; i < concurrent; ++i)
+        next();
+    loop.exec();
+    QCoreApplication::processEvents(); // deletes the last replies
+}
+
+/// Waits until the recorder, on the main thread, has completed its traces, perhaps later than the host gets
+/// the bodies.
+void awaitTraces(int requests)
+{
+    const auto isComplete = [&] {
+        const QXTraceList traces = QXRequestRecorder::shared().requests();
+        return traces.size() == requests &&
+               std::all_of(traces.begin(), traces.end(),
+                           [](const QXRequestTrace &trace) { return trace.duration.has_value(); });
+    };
+    while (!isComplete())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void checkTraces(const QByteArray &expected)
+{
+    for (const QXRequestTrace &trace : QXRequestRecorder::shared().requests()) {
+        require(trace.response && trace.response->statusCode == 200 && !trace.error, "a trace is wrong");
+        require(trace.response->body == expected, "a recorded body differs");
+    }
+}
+
+/// User and system time of all threads of this process, in microseconds.
+double processorTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e6 + double(time.tv_nsec) / 1e3;
+}
+
+/// The memory that the program has allocated, in bytes.
+double allocated()
+{
+    const auto info = mallinfo2();
+    return double(info.uordblks + info.hblkhd);
+}
+
+/// The measurements of one host.
+struct Figures
+{
+    /// Microseconds of processor time for each request.
+    double time;
+    /// Bytes allocated for each request and still in use.
+    double memory;
+    /// The sum of the capacities of all recorded bodies by the sum of their sizes.
+    double capacity;
+};
+
+/// Sends requests and measures all but the first ones, which open the connections and find an empty heap.
+Figures measure(QNetworkAccessManager &manager, const QString &kind, const QUrl &url, Reading reading,
+                int requests)
+{
+#ifdef QUORVIX_WITHOUT_CAPTURE
+    const bool isCaptured = false;
+#else
+    const bool isCaptured = kind == u"captured";
+#endif
+    const bool isKeeping = kind == u"keeping";
+    std::vector<QByteArray> kept;
+    const QByteArray expected = bodyOf(url.path().mid(1).toLongLong());
+    // Hosts do not compare bodies, so this is no part of the measurement.
+    exchange(manager, url, reading, leading,
+             [&](const QByteArray &body) { require(body == expected, "a body differs"); });
+    if (isCaptured)
+        awaitTraces(leading);
+
+    const double memory = allocated();
+    const double start = processorTime();
+    exchange(manager, url, reading, requests, [&](const QByteArray &body) {
+        require(body.size() == expected.size(), "a body has another size");
+        if (isKeeping)
+            kept.push_back(body);
+    });
+    if (isCaptured)
+        awaitTraces(leading + requests);
+    const double end = processorTime();
+    Figures figures{(end - start) / requests, (allocated() - memory) / requests, 0};
+
+    checkTraces(expected);
+    const QXTraceList traces = QXRequestRecorder::shared().requests();
+    require(isCaptured || traces.isEmpty(), "the plain manager is captured");
+    for (const QXRequestTrace &trace : traces)
+        figures.capacity +=
+            double(trace.response->body->capacity()) / double(expected.size() * traces.size());
+    return figures;
+}
+
+void runHost(const QStringList &arguments)
+{
+    const QString kind = arguments.at(2);
+    const auto reading = Reading(arguments.at(4).toInt());
+    QTimer::singleShot(60'000, qApp, [] { require(false, "an exchange does not end"); });
+    std::unique_ptr<QNetworkAccessManager> manager;
+    if (kind == u"captured")
+        manager = std::make_unique<QXNetworkAccessManager>();
+    else
+        manager = std::make_unique<QNetworkAccessManager>();
+    const Figures figures = measure(*manager, kind, QUrl(arguments.at(3)), reading, arguments.at(5).toInt());
+    std::printf("%f %f %f\n", figures.time, figures.memory, figures.capacity);
+}
+
+// The comparison
+
+struct Load
+{
+    const char *name;
+    const char *path;
+    int requests;
+    Reading reading;
+    double target;
+};
+
+Figures host(const char *kind, const QUrl &server, const Load &load)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(QCoreApplication::applicationFilePath(),
+                  {QStringLiteral("--host"), QString::fromLatin1(kind),
+                   server.resolved(QUrl(QString::fromLatin1(load.path))).toString(),
+                   QString::number(int(load.reading)), QString::number(load.requests)});
+    require(process.waitForFinished(60'000) && process.exitCode() == 0, "a host failed");
+    const QList<QByteArray> numbers = process.readAll().trimmed().split(' ');
+    require(numbers.size() == 3, "a host has no figures");
+    return {numbers[0].toDouble(), numbers[1].toDouble(), numbers[2].toDouble()};
+}
+
+struct Kind
+{
+    const char *name;
+    const char *kind;
+};
+
+/// The second plain host shows the noise. The one that keeps its bodies shows how much of the difference is
+/// due to the memory, which every new body takes from the system and which a plain host uses again.
+constexpr Kind kinds[] = {
+    {"plain", "plain"},
+    {"plain again", "plain"},
+    {"plain, and keeps its bodies", "keeping"},
+    {"captured", "captured"},
+};
+
+void measureTime(const QUrl &server, const Load &load)
+{
+    std::vector<double> times[std::size(kinds)];
+    for (int round = 0; round < rounds; ++round) {
+        for (size_t i = 0; i < std::size(kinds); ++i) {
+            const size_t next = round % 2 == 0 ? i : std::size(kinds) - 1 - i;
+            times[next].push_back(host(kinds[next].kind, server, load).time);
+        }
+    }
+    std::printf("\n%s, target %.2f\n", load.name, load.target);
+    const double plain = Contest::median(times[0]);
+    for (size_t i = 0; i < std::size(kinds); ++i) {
+        std::sort(times[i].begin(), times[i].end());
+        std::printf("  %-28s %9.1f us %8.3f   %.3f to %.3f\n", kinds[i].name, Contest::median(times[i]),
+                    Contest::median(times[i]) / plain, times[i][rounds / 4] / plain,
+                    times[i][rounds * 3 / 4] / plain);
+    }
+}
+
+void measureMemory(const QUrl &server, const Load &load)
+{
+    const Figures figures = host("captured", server, load);
+    std::printf("  %-28s %12.3f %12.0f bytes\n", load.name, figures.capacity, figures.memory);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.contains(QStringLiteral("--server")))
+        return runServer();
+    if (arguments.contains(QStringLiteral("--host"))) {
+        runHost(arguments);
+        return 0;
+    }
+    QProcess process;
+    QUrl server(QStringLiteral("http://127.0.0.1"));
+    server.setPort(startServer(process));
+
+    std::printf("Processor time of a host for each request and its ratio to the first host: medians of %d "
+                "processes\nof each kind, and the ratios between which half of them are\n",
+                rounds);
+    for (const Load &load : {
+             Load{"200 bytes, read at the end", "/200", 1000, Reading::AtFinished, 1.05},
+             Load{"200 bytes, read at each readyRead", "/200", 1000, Reading::AtEachReadyRead, 1.05},
+             Load{"4 MB, read at the end", "/4000000", 48, Reading::AtFinished, 1.10},
+             Load{"4 MB, read at each readyRead", "/4000000", 48, Reading::AtEachReadyRead, 1.10},
+         })
+        measureTime(server, load);
+
+    std::printf("\nMemory of recorded exchanges\n  %-28s %12s %18s\n", "", "capacity/size", "for each");
+    measureMemory(server, {"3,000 bodies of 189 bytes", "/189", 3000, Reading::AtFinished, 0});
+    measureMemory(server, {"20 bodies of 4 MB", "/4000000", 20, Reading::AtFinished, 0});
+
+    process.closeWriteChannel();
+    process.waitForFinished();
+    return 0;
+}
