@@ -103,6 +103,15 @@ void fail(Task &task, NSURLErrorCode code)
     complete(task, std::nullopt, nullptr, makeURLError(code));
 }
 
+/// Qt reads into a buffer of at least 32 kB, and of up to twice the size of a large body. The recorder keeps
+/// the buffer, so it is made smaller while nobody shares it: the memory allocator does that in place.
+QByteArray readBody(QNetworkReply &reply)
+{
+    QByteArray body = reply.readAll();
+    body.squeeze();
+    return body;
+}
+
 void finish(Task &task, QNetworkReply &reply)
 {
     const auto code = transportError(reply, task);
@@ -110,7 +119,7 @@ void finish(Task &task, QNetworkReply &reply)
     if (code)
         complete(task, std::nullopt, std::move(response), makeURLError(*code));
     else
-        complete(task, reply.readAll(), std::move(response), std::nullopt);
+        complete(task, readBody(reply), std::move(response), std::nullopt);
 }
 
 /// Why a request cannot be sent; absent when it can.

@@ -71,6 +71,8 @@ private Q_SLOTS:
     void nothingCanBeInjected();
     void redirects();
     void contentIsDecoded();
+    void bodiesNeedNoMoreThanTheirSize_data();
+    void bodiesNeedNoMoreThanTheirSize();
     void failures_data();
     void failures();
     void serverWithoutTls();
@@ -154,6 +156,22 @@ void SessionTest::contentIsDecoded()
     const Outcome outcome = load(m_session, request(u"/api/v1/articles"_s));
     QVERIFY(outcome.http()->allHeaderFields().contains(u"Content-Encoding"_s));
     QVERIFY(!QJsonDocument::fromJson(*outcome.data).isNull());
+}
+
+void SessionTest::bodiesNeedNoMoreThanTheirSize_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("small") << u"/binary?size=189"_s;
+    QTest::newRow("large") << u"/binary?size=4000000"_s;
+    QTest::newRow("decoded") << u"/api/v1/articles"_s;
+    QTest::newRow("empty") << u"/status/204"_s;
+}
+
+void SessionTest::bodiesNeedNoMoreThanTheirSize()
+{
+    QFETCH(const QString, path);
+    const Outcome outcome = load(m_session, request(path));
+    QCOMPARE(outcome.data.value().capacity(), outcome.data->size());
 }
 
 void SessionTest::failures_data()
