@@ -31,6 +31,12 @@ QString pathExtension(const QUrl &url)
     return dot > 0 ? name.mid(dot + 1) : QString();
 }
 
+qsizetype bodyBytes(const QXRequestTrace &trace)
+{
+    const auto &response = trace.response;
+    return (trace.body ? trace.body->size() : 0) + (response && response->body ? response->body->size() : 0);
+}
+
 void postChange()
 {
     NSNotificationCenter::defaultCenter().post(QuorvixRequestsChanged);
@@ -47,7 +53,9 @@ QXRequestRecorder &QXRequestRecorder::shared()
 void QXRequestRecorder::record(const QString &id, const URLRequest &request, const QXMoment &start)
 {
     Q_ASSERT(MainActor::isCurrent());
-    m_requests.prepend(makeCell(id, request, start));
+    auto cell = makeCell(id, request, start);
+    m_bodyBytes += bodyBytes(cell->trace);
+    m_requests.prepend(std::move(cell));
     postChange();
 }
 
@@ -62,8 +70,7 @@ void QXRequestRecorder::amend(const QString &id, const URLRequest &request)
     cell->trace.response = old->trace.response;
     cell->trace.error = old->trace.error;
     cell->trace.duration = old->trace.duration;
-    m_requests.replace(index, std::move(cell));
-    postChange();
+    replace(index, std::move(cell));
 }
 
 void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &response,
@@ -75,22 +82,62 @@ void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &resp
     if (index < 0)
         return;
 
+    m_refreshers.remove(id);
     auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
     QXRequestTrace &trace = cell->trace;
+    // A preview is no result: an exchange ends alike, whether or not the user looked at it.
+    if (!trace.duration)
+        trace.response.reset();
     trace.duration = std::chrono::duration<double>(end.steady - cell->recordedAt).count();
     if (error)
         trace.error = QXFailureNote(*error);
     if (const auto *http = dynamic_cast<const NSHTTPURLResponse *>(response.get()))
         trace.response = QXResponseTrace(*http, data);
-    m_bodyBytes += data ? data->size() : 0;
+    replace(index, std::move(cell));
+}
+
+void QXRequestRecorder::progress(const QString &id, const NSURLResponsePtr &response,
+                                 const std::optional<QByteArray> &data)
+{
+    Q_ASSERT(MainActor::isCurrent());
+    const auto *http = dynamic_cast<const NSHTTPURLResponse *>(response.get());
+    const qsizetype index = m_requests.indexOf(id);
+    if (!http || index < 0 || m_requests[index].duration)
+        return;
+    auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
+    cell->trace.response = QXResponseTrace(*http, data);
+    replace(index, std::move(cell));
+}
+
+void QXRequestRecorder::replace(qsizetype index, QXTraceList::CellPtr cell)
+{
+    m_bodyBytes += bodyBytes(cell->trace) - bodyBytes(m_requests[index]);
     m_requests.replace(index, std::move(cell));
     postChange();
+}
+
+void QXRequestRecorder::setRefresher(const QString &id, std::function<void()> refresher)
+{
+    Q_ASSERT(MainActor::isCurrent());
+    const qsizetype index = m_requests.indexOf(id);
+    if (index >= 0 && !m_requests[index].duration)
+        m_refreshers[id] = std::move(refresher);
+}
+
+bool QXRequestRecorder::refresh(const QString &id)
+{
+    Q_ASSERT(MainActor::isCurrent());
+    const auto refresher = m_refreshers.value(id); // a copy, because the call may end the exchange
+    if (refresher)
+        refresher();
+    return refresher != nullptr;
 }
 
 void QXRequestRecorder::clear()
 {
     Q_ASSERT(MainActor::isCurrent());
     m_requests = {};
+    m_refreshers.clear();
     FreedMemory::note(std::exchange(m_bodyBytes, 0));
     postChange();
 }
@@ -100,7 +147,6 @@ std::shared_ptr<QXTraceList::Cell> QXRequestRecorder::makeCell(const QString &id
 {
     QXRequestTrace trace(id, request);
     trace.date = start.date;
-    m_bodyBytes += trace.body ? trace.body->size() : 0;
     QByteArray key = searchKey(trace);
     return std::make_shared<QXTraceList::Cell>(
         QXTraceList::Cell{std::move(trace), start.steady, std::move(key)});

@@ -4,6 +4,7 @@
 #include "Quorvix/QXTraceList.h"
 #include "Quorvix/QuorvixNotifications.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QList>
 
 /// The store of captured exchanges, newest first, kept in memory until clear(). Main thread only.
@@ -39,6 +40,19 @@ public:
                   const std::optional<QByteArray> &data, const std::optional<Quorvix::NSError> &error,
                   const QXMoment &end = QXMoment::now());
 
+    /// Stores what has arrived so far in the newest trace with this identifier: a response without a
+    /// duration. It stays until the next call or the completion. Does nothing if there is no such trace, if
+    /// the trace is complete, or if the response is not an HTTP response.
+    void progress(const QString &id, const Quorvix::NSURLResponsePtr &response,
+                  const std::optional<QByteArray> &data);
+    /// Sets what refresh() calls: the source of a running exchange, which answers with progress() or
+    /// complete(), at once or later. Does nothing if there is no running trace with this identifier. The
+    /// function is destroyed when the exchange completes and by clear().
+    void setRefresher(const QString &id, std::function<void()> refresher);
+    /// Asks the source of a running exchange for what has arrived so far. Returns whether there is one to
+    /// ask.
+    bool refresh(const QString &id);
+
     /// Removes all traces. The memory of large bodies returns to the system soon after the last snapshot of
     /// them is destroyed.
     void clear();
@@ -55,10 +69,12 @@ public:
     [[nodiscard]] QList<QXRequestTrace> findRequestsByMethod(const QString &method) const;
 
 private:
-    std::shared_ptr<QXTraceList::Cell> makeCell(const QString &id, const Quorvix::URLRequest &request,
-                                                const QXMoment &start);
+    static std::shared_ptr<QXTraceList::Cell> makeCell(const QString &id, const Quorvix::URLRequest &request,
+                                                       const QXMoment &start);
+    void replace(qsizetype index, QXTraceList::CellPtr cell);
 
     QXTraceList m_requests;
     /// The sum of what all bodies needed when they arrived.
     qsizetype m_bodyBytes = 0;
+    QHash<QString, std::function<void()>> m_refreshers;
 };

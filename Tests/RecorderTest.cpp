@@ -32,6 +32,7 @@ private Q_SLOTS:
     void responseHeadersAreAllTextOrAbsent();
     void newestComesFirstAndEveryChangeIsPosted();
     void completionFillsInWhatItWasGiven();
+    void runningExchangesShowWhatHasArrived();
     void finders();
     void loopsSurviveChangesOfTheRecorder();
     void snapshotsStayAsTheyWere();
@@ -126,6 +127,45 @@ void RecorderTest::completionFillsInWhatItWasGiven()
     QVERIFY(trace.error);
     QCOMPARE(trace.response->body->constData(), body.constData()); // the same bytes, not a copy
     QCOMPARE(m_posts, 4);
+}
+
+void RecorderTest::runningExchangesShowWhatHasArrived()
+{
+    int asked = 0;
+    const auto askable = [&](const QString &id) {
+        m_recorder.record(id, makeRequest(u"http://host/"_s));
+        m_recorder.setRefresher(id, [&asked] { ++asked; });
+    };
+    askable(u"A"_s);
+    QVERIFY(m_recorder.refresh(u"A"_s) && !m_recorder.refresh(u"B"_s));
+    QCOMPARE(asked, 1);
+
+    m_posts = 0;
+    m_recorder.progress(u"A"_s, makeResponse(206), "half");
+    m_recorder.progress(u"A"_s, std::make_shared<const NSURLResponse>(std::nullopt), "not HTTP");
+    m_recorder.progress(u"B"_s, makeResponse(200), {});
+    QCOMPARE(m_posts, 1);
+    QXRequestTrace trace = m_recorder.requests()[0];
+    QVERIFY(!trace.duration && !trace.error);
+    QCOMPARE(trace.response->statusCode, 206);
+    QCOMPARE(trace.response->body, "half");
+
+    m_recorder.complete(u"A"_s, nullptr, {}, makeURLError(NSURLErrorTimedOut));
+    m_recorder.progress(u"A"_s, makeResponse(200), "late");
+    m_recorder.setRefresher(u"A"_s, [&asked] { ++asked; });
+    QVERIFY(!m_recorder.requests()[0].response && !m_recorder.refresh(u"A"_s));
+    askable(u"B"_s);
+    m_recorder.clear();
+    QVERIFY(!m_recorder.refresh(u"B"_s));
+    QCOMPARE(asked, 1);
+
+    askable(u"C"_s);
+    m_recorder.setRefresher(u"C"_s, [&, token = std::make_shared<int>(7)] {
+        m_recorder.complete(u"C"_s, makeResponse(200), {}, {});
+        asked = *token; // still exists while it runs
+    });
+    QVERIFY(m_recorder.refresh(u"C"_s) && m_recorder.requests()[0].duration);
+    QCOMPARE(asked, 7);
 }
 
 void RecorderTest::finders()
