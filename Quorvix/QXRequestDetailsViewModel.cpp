@@ -9,6 +9,7 @@
 #include "Quorvix/QXOptionalVariant.h"
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXRawDetails.h"
+#include "Quorvix/QXRequestRecorder.h"
 #include "Quorvix/QXSwiftModelExport.h"
 
 #include "Platform/BackgroundThread.h"
@@ -52,31 +53,112 @@ QVariantList asVariants(const QList<QXRequestValue> &values)
     return variants;
 }
 
+bool isSame(const QXRequestSection &left, const QXRequestSection &right)
+{
+    return left.kind == right.kind && left.title == right.title && left.values == right.values &&
+           left.group == right.group && left.body.isSharedWith(right.body);
+}
+
+/// Whether the source of a running exchange has told what has arrived, since @p before.
+bool hasAnswer(const QXRequestTrace &before, const QXRequestTrace &now)
+{
+    return now.duration ||
+           (now.response && (!before.response || before.response->date != now.response->date));
+}
+
 } // namespace
 
 QXRequestDetailsViewModel::QXRequestDetailsViewModel(const QXRequestTrace &request, QObject *parent)
-    : QXPresentingModel(parent), m_request(request), m_sections(requestSections(request)),
-      m_documents(m_sections.size()), m_decodable(m_sections.size()),
+    : QXPresentingModel(parent), m_request(request),
       m_alertTitle(QCoreApplication::translate("Quorvix", "Export Failed"))
 {
     connect(&QXBreakpointStore::shared(), &QXBreakpointStore::rulesChanged, this,
             &QXRequestDetailsViewModel::breakpointEnabledChanged);
-    for (std::size_t row = 0; row < m_sections.size(); ++row) {
-        if (m_sections[row].kind == QXRequestSection::Kind::Body)
-            loadBody(row);
-    }
+    addRows(requestSections(request));
+    refresh();
 }
 
 QXRequestDetailsViewModel::~QXRequestDetailsViewModel() = default;
 
+/// Asks the source of a running exchange for what has arrived so far, and shows its answer.
+void QXRequestDetailsViewModel::refresh()
+{
+    auto &recorder = QXRequestRecorder::shared();
+    const QXTraceList requests = recorder.requests();
+    const qsizetype index = requests.indexOf(m_request.id);
+    if (m_request.duration || index < 0)
+        return;
+    // A trace keeps its position counted from the oldest one until the recorder is cleared.
+    const auto observe = [this, asked = requests.cell(index), position = requests.size() - index] {
+        const QXTraceList current = QXRequestRecorder::shared().requests();
+        const bool exists = current.size() >= position;
+        const auto cell = exists ? current.cell(current.size() - position) : nullptr;
+        if (cell && cell->trace == asked->trace && !hasAnswer(asked->trace, cell->trace))
+            return;
+        m_observer = {};
+        // Another observer may be about to delete this model.
+        if (cell && cell->trace == asked->trace)
+            QMetaObject::invokeMethod(
+                this, [this, cell] { show(cell->trace); }, Qt::QueuedConnection);
+    };
+    m_observer = NSNotificationCenter::defaultCenter().addObserver(QuorvixRequestsChanged, observe);
+    if (!recorder.refresh(m_request.id))
+        m_observer = {};
+}
+
+/// Changes to a later state of the exchange. The rows above the first difference stay, and with them the
+/// place to which the user has scrolled.
+void QXRequestDetailsViewModel::show(const QXRequestTrace &trace)
+{
+    m_request = trace;
+    std::vector<QXRequestSection> sections = requestSections(trace);
+    std::size_t same = 0;
+    while (same < std::min(sections.size(), m_rows.size()) && isSame(sections[same], m_rows[same].section))
+        ++same;
+    removeRowsFrom(same);
+    sections.erase(sections.begin(), sections.begin() + std::ptrdiff_t(same));
+    addRows(std::move(sections));
+}
+
+void QXRequestDetailsViewModel::addRows(std::vector<QXRequestSection> sections)
+{
+    if (sections.empty())
+        return;
+    const std::size_t first = m_rows.size();
+    beginInsertRows({}, int(first), int(first + sections.size()) - 1);
+    for (QXRequestSection &section : sections)
+        m_rows.push_back({std::move(section), nullptr, {}});
+    endInsertRows();
+    for (std::size_t row = first; row < m_rows.size(); ++row) {
+        if (m_rows[row].section.kind == QXRequestSection::Kind::Body)
+            loadBody(row);
+    }
+}
+
+void QXRequestDetailsViewModel::removeRowsFrom(std::size_t first)
+{
+    if (first == m_rows.size())
+        return;
+    beginRemoveRows({}, int(first), int(m_rows.size()) - 1);
+    for (std::size_t row = first; row < m_rows.size(); ++row) {
+        if (m_rows[row].document)
+            m_rows[row].document->deleteLater(); // after the items that show it
+    }
+    m_rows.resize(first);
+    endRemoveRows();
+}
+
 void QXRequestDetailsViewModel::loadBody(std::size_t row)
 {
-    const QByteArray body = m_sections[row].body;
+    const QByteArray body = m_rows[row].section.body;
     if (body.size() <= largestSynchronousBody)
         return setBody(row, QXBodyText::readable(body));
     runInBackground(
         body.size(), [body] { return QXBodyText::readable(body); },
-        [this, row](const std::optional<QString> &text) {
+        [this, row, body](const std::optional<QString> &text) {
+            const Row *const shown = rowWithBody(row, body);
+            if (!shown || shown->document)
+                return;
             setBody(row, text);
             checkDecodable(row);
         });
@@ -84,13 +166,22 @@ void QXRequestDetailsViewModel::loadBody(std::size_t row)
 
 void QXRequestDetailsViewModel::checkDecodable(std::size_t row)
 {
-    const bool isText = !m_documents[row]->isHexadecimal();
+    const bool isText = !m_rows[row].document->isHexadecimal();
     runInBackground(
-        m_sections[row].body.size(),
-        [body = m_sections[row].body, text = isText ? bodyText(int(row)) : QString()] {
+        m_rows[row].section.body.size(),
+        [body = m_rows[row].section.body, text = isText ? bodyText(int(row)) : QString()] {
             return QXPayloadDecoder::hasEncodedCandidate(text.isNull() ? QXBodyText::text(body) : text);
         },
-        [this, row](bool canDecode) { m_decodable[row] = canDecode; });
+        [this, row, body = m_rows[row].section.body](bool canDecode) {
+            if (Row *const shown = rowWithBody(row, body))
+                shown->decodable = canDecode;
+        });
+}
+
+QXRequestDetailsViewModel::Row *QXRequestDetailsViewModel::rowWithBody(std::size_t row,
+                                                                       const QByteArray &body)
+{
+    return row < m_rows.size() && m_rows[row].section.body.isSharedWith(body) ? &m_rows[row] : nullptr;
 }
 
 template<typename Work, typename Finish>
@@ -111,21 +202,21 @@ void QXRequestDetailsViewModel::runInBackground(qsizetype size, Work work, Finis
 
 void QXRequestDetailsViewModel::setBody(std::size_t row, const std::optional<QString> &text)
 {
-    m_documents[row] =
-        text ? new QXTextDocument(*text, this) : new QXTextDocument(m_sections[row].body, this);
+    m_rows[row].document =
+        text ? new QXTextDocument(*text, this) : new QXTextDocument(m_rows[row].section.body, this);
     Q_EMIT dataChanged(index(int(row)), index(int(row)), {DocumentRole});
 }
 
 int QXRequestDetailsViewModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_sections.size());
+    return parent.isValid() ? 0 : int(m_rows.size());
 }
 
 QVariant QXRequestDetailsViewModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
-    const QXRequestSection &section = m_sections[std::size_t(index.row())];
+    const QXRequestSection &section = m_rows[std::size_t(index.row())].section;
     switch (role) {
     case KindRole:
         return kindFor(section.kind);
@@ -137,7 +228,7 @@ QVariant QXRequestDetailsViewModel::data(const QModelIndex &index, int role) con
     case ExpandedRole:
         return section.group && shows(*section.group);
     case DocumentRole:
-        return QVariant::fromValue(m_documents[std::size_t(index.row())]);
+        return QVariant::fromValue(m_rows[std::size_t(index.row())].document);
     default:
         return {};
     }
@@ -171,9 +262,9 @@ void QXRequestDetailsViewModel::setBreakpointEnabled(bool enabled)
 
 void QXRequestDetailsViewModel::toggleGroup(int row)
 {
-    if (row < 0 || row >= rowCount() || !m_sections[std::size_t(row)].group)
+    if (row < 0 || row >= rowCount() || !m_rows[std::size_t(row)].section.group)
         return;
-    const Group group = *m_sections[std::size_t(row)].group;
+    const Group group = *m_rows[std::size_t(row)].section.group;
     if (!m_expandedGroups.remove(group))
         m_expandedGroups.insert(group);
     Q_EMIT groupsChanged();
@@ -205,7 +296,7 @@ void QXRequestDetailsViewModel::decodeValue(const QString &text)
 
 QXTextDocument *QXRequestDetailsViewModel::document(int row) const
 {
-    return row >= 0 && row < rowCount() ? m_documents[std::size_t(row)] : nullptr;
+    return row >= 0 && row < rowCount() ? m_rows[std::size_t(row)].document : nullptr;
 }
 
 QString QXRequestDetailsViewModel::bodyText(int row) const
@@ -217,7 +308,7 @@ bool QXRequestDetailsViewModel::canDecodeBody(int row) const
 {
     if (!document(row))
         return false;
-    const std::optional<bool> &known = m_decodable[std::size_t(row)];
+    const std::optional<bool> &known = m_rows[std::size_t(row)].decodable;
     return known ? *known : canDecodeValue(bodyText(row));
 }
 
@@ -266,7 +357,7 @@ void QXRequestDetailsViewModel::shareRawDetails()
     noteExport();
     presentShareItem(QXShareItem(rawDetails(m_request, [this](const QByteArray &body) {
         for (int row = 0; row < rowCount(); ++row) {
-            if (document(row) && m_sections[std::size_t(row)].body.isSharedWith(body))
+            if (document(row) && m_rows[std::size_t(row)].section.body.isSharedWith(body))
                 return bodyText(row);
         }
         return QXBodyText::text(body);
@@ -277,8 +368,8 @@ void QXRequestDetailsViewModel::shareRawDetails()
 void QXRequestDetailsViewModel::noteExport() const
 {
     qsizetype size = 0;
-    for (const QXRequestSection &section : m_sections)
-        size += section.body.size();
+    for (const Row &row : m_rows)
+        size += row.section.body.size();
     FreedMemory::note(size);
 }
 

@@ -6,6 +6,7 @@
 
 #include "Text/QXTextDocument.h"
 
+#include "Platform/NSNotificationCenter.h"
 #include "Platform/Result.h"
 
 #include <QtCore/QSet>
@@ -18,8 +19,9 @@ class QXLogTreeViewModel;
 /// All information about one exchange, as the sections of the details screen, with the actions of that
 /// screen. Main thread only.
 ///
-/// The model keeps the trace that it was made with; later changes in the recorder do not affect it. A large
-/// body is converted to text on another thread; its section has no document until then.
+/// The model keeps the trace that it was made with; later changes in the recorder do not affect it. But it
+/// asks the source of a running exchange for what has arrived, and changes to the trace with the first
+/// answer. A large body is converted to text on another thread; its section has no document until then.
 class QXRequestDetailsViewModel final : public QXPresentingModel
 {
     Q_OBJECT
@@ -109,8 +111,22 @@ private:
     [[nodiscard]] QVariant logTreeDestinationValue() const;
     void setLogTreeDestinationValue(const QVariant &value);
 
-    /// The document of a section's body, owned by the model, or null.
+    struct Row
+    {
+        QXRequestSection section;
+        /// The document of the body, owned by the model, or null.
+        QXTextDocument *document = nullptr;
+        /// Whether the body can be decoded; absent while this is not known.
+        std::optional<bool> decodable;
+    };
+
     [[nodiscard]] QXTextDocument *document(int row) const;
+    /// The row if its body is still this one, or null.
+    [[nodiscard]] Row *rowWithBody(std::size_t row, const QByteArray &body);
+    void refresh();
+    void show(const QXRequestTrace &trace);
+    void addRows(std::vector<QXRequestSection> sections);
+    void removeRowsFrom(std::size_t first);
     void loadBody(std::size_t row);
     void setBody(std::size_t row, const std::optional<QString> &text);
     void checkDecodable(std::size_t row);
@@ -123,15 +139,13 @@ private:
     void noteExport() const;
     void alert(const QString &title, const QString &message);
 
-    const QXRequestTrace m_request;
-    std::vector<QXRequestSection> m_sections;
-    /// The document of each section's body, owned by the model, or null.
-    std::vector<QXTextDocument *> m_documents;
-    /// Whether each section's body can be decoded; absent while this is not known.
-    std::vector<std::optional<bool>> m_decodable;
+    QXRequestTrace m_request;
+    std::vector<Row> m_rows;
     QSet<Group> m_expandedGroups;
     QString m_alertTitle;
     std::optional<QXLogTreeDestination> m_logTreeDestination;
+    /// Exists only until the source of a running exchange has answered.
+    Quorvix::NSNotificationObserver m_observer;
     /// Exists as long as the model. Tasks on other threads hold a weak pointer to it.
     std::shared_ptr<const bool> m_lifetimeToken = std::make_shared<const bool>(true);
 };

@@ -7,6 +7,7 @@
 #include "Quorvix/QXRequestDetailsViewModel.h"
 
 #include "Platform/HTTPCookieStorage.h"
+#include "Platform/MainActor.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
@@ -85,6 +86,7 @@ private Q_SLOTS:
     void bodyTexts_data();
     void bodyTexts();
     void largeBodiesAreMadeReadableElsewhere();
+    void runningExchangesAreAskedOnce();
     void datesAndByteCounts();
     void copyingIsConfirmed();
     void logTreeOfABody();
@@ -243,6 +245,66 @@ void RequestDetailsModelTest::largeBodiesAreMadeReadableElsewhere()
     QTRY_VERIFY(document(model, u"RESPONSE BODY"_s));
     QCOMPARE(changed.size(), 1);
     QCOMPARE(document(model, u"RESPONSE BODY"_s)->text(), QXBodyText::text(*trace.response->body));
+}
+
+void RequestDetailsModelTest::runningExchangesAreAskedOnce()
+{
+    auto &recorder = QXRequestRecorder::shared();
+    const QString id = u"running"_s;
+    const auto shown = [](const QXRequestDetailsViewModel &model) {
+        const QXTextDocument *const body = document(model, u"RESPONSE BODY"_s);
+        return body ? body->text() : QString();
+    };
+    const auto durations = [](const QXRequestDetailsViewModel &model) {
+        return values(model, u"REQUEST"_s).filter(u"Duration"_s).size();
+    };
+    recorder.clear();
+    URLRequest request = Exchanges::makeRequest(user);
+    request.httpBody = QByteArray(1'000'000, 'x'); // its text arrives after the answer
+    recorder.record(id, request);
+    const auto answer = [&](const QByteArray &body) {
+        recorder.progress(id, Exchanges::makeResponse(200), body);
+    };
+    const auto running = [&] {
+        return recorder.requests()[recorder.requests().indexOf(id)];
+    };
+
+    QXRequestDetailsViewModel unasked(running());
+    recorder.setRefresher(id, [&] { MainActor::schedule([&] { answer("half"); }); });
+    QXRequestDetailsViewModel model(running());
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    recorder.amend(id, request);
+    Exchanges::record(u"another"_s, user);
+    QCOMPARE(shown(model), QString());
+    QTRY_COMPARE(shown(model), u"half"_s);
+    QTRY_VERIFY(document(model, u"REQUEST BODY"_s));
+    QCOMPARE(removed.size(), 0);
+    QCOMPARE(durations(model), 0);
+    QCOMPARE(model.request().response->body, "half");
+
+    // The previous answer is shown until the next one.
+    recorder.setRefresher(id, [&] { answer(QByteArray(500'000, 'y')); });
+    QXRequestDetailsViewModel again(running());
+    const QAbstractItemModelTester againTester(&again,
+                                               QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QCOMPARE(shown(again), u"half"_s);
+    QTRY_COMPARE(shown(again).size(), 500'000);
+
+    recorder.setRefresher(id, [&] { Exchanges::complete(id, 200, "whole"); });
+    QXRequestDetailsViewModel last(running());
+    QTRY_COMPARE(shown(last), u"whole"_s);
+    QCOMPARE(durations(last), 1);
+    QCOMPARE(shown(model), u"half"_s);
+    QCOMPARE(shown(unasked), QString());
+
+    recorder.record(id, request);
+    recorder.setRefresher(id, [&] { recorder.clear(); });
+    const QXRequestDetailsViewModel cleared(running());
+    Exchanges::record(id, user);
+    Exchanges::complete(id, 200, "of another exchange");
+    QCoreApplication::processEvents();
+    QCOMPARE(shown(cleared), QString());
 }
 
 void RequestDetailsModelTest::datesAndByteCounts()

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void breakpointSwitch();
     void withoutUrlSwitchAndExportFail();
     void shareMenuCancelsAndShares();
+    void runningExchangesShowWhatHasArrived();
     void pagesGoWithTheirModels();
     void controlsAreReachedNamedAndLargeEnough();
     void largeTextsAreShownWhole();
@@ -214,6 +215,28 @@ void RequestDetailsScreenTest::shareMenuCancelsAndShares()
     press(Qt::Key_Escape);
     QTRY_VERIFY(!model()->shareItem());
     QTRY_COMPARE(m_window->activeFocusItem(), find("QXShareButton"));
+}
+
+void RequestDetailsScreenTest::runningExchangesShowWhatHasArrived()
+{
+    Exchanges::record(u"id"_s, u"https://shop.test/v1/events"_s);
+    click("QXFloatingButton");
+    for (const QByteArray &body : {"half"_ba, "half of it"_ba}) {
+        QXRequestRecorder::shared().setRefresher(u"id"_s, [body] {
+            QXRequestRecorder::shared().progress(u"id"_s, Exchanges::makeResponse(200), body);
+        });
+        click("QXRequestRow");
+        QVERIFY(waitFor("QXRequestDetailsView"));
+        const auto shown = [&] {
+            const QQuickItem *const block = find("QXBodyBlock");
+            return block ? block->property("document").value<QXTextDocument *>()->text() : QString();
+        };
+        QTRY_COMPARE(shown(), QString::fromUtf8(body));
+        QVERIFY(row(u"Status Code"_s) && !row(u"Duration"_s));
+        press(Qt::Key_Escape);
+        QTRY_VERIFY(!find("QXRequestDetailsView"));
+        QTRY_COMPARE(text("QXRequestRow", "statusText"), u"200"_s);
+    }
 }
 
 void RequestDetailsScreenTest::pagesGoWithTheirModels()
