@@ -3,6 +3,7 @@
 // hosts are processes of their own: the server's time does not make the difference look smaller, and each
 // host starts with the same heap.
 
+#include "Quorvix/QXNetworkAccessManager.h"
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Benchmarks/Contest.h"
@@ -21,14 +22,6 @@
 #include <ctime>
 #include <malloc.h>
 #include <unistd.h>
-
-#if __has_include("Quorvix/QXNetworkAccessManager.h")
-#include "Quorvix/QXNetworkAccessManager.h"
-#else
-// Compares two plain ones until there is another.
-#define QUORVIX_WITHOUT_CAPTURE
-using QXNetworkAccessManager = QNetworkAccessManager;
-#endif
 
 using Contest::require;
 
@@ -195,11 +188,7 @@ struct Figures
 Figures measure(QNetworkAccessManager &manager, const QString &kind, const QUrl &url, Reading reading,
                 int requests)
 {
-#ifdef QUORVIX_WITHOUT_CAPTURE
-    const bool isCaptured = false;
-#else
     const bool isCaptured = kind == u"captured";
-#endif
     const bool isKeeping = kind == u"keeping";
     std::vector<QByteArray> kept;
     const QByteArray expected = bodyOf(url.path().mid(1).toLongLong());
@@ -232,7 +221,7 @@ Figures measure(QNetworkAccessManager &manager, const QString &kind, const QUrl 
 
 void runHost(const QStringList &arguments)
 {
-    const QString kind = arguments.at(2);
+    const QString &kind = arguments.at(2);
     const auto reading = Reading(arguments.at(4).toInt());
     QTimer::singleShot(60'000, qApp, [] { require(false, "an exchange does not end"); });
     std::unique_ptr<QNetworkAccessManager> manager;
