@@ -121,6 +121,22 @@ constexpr std::array unusualNames{
     "X-XSS-Protection",
 };
 
+char lowerCase(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// Compares regardless of case. Nearly always the first characters decide, so this is faster than a function
+/// of the library.
+bool isBefore(const char *left, const char *right)
+{
+    while (*left && lowerCase(*left) == lowerCase(*right)) {
+        ++left;
+        ++right;
+    }
+    return static_cast<uchar>(lowerCase(*left)) < static_cast<uchar>(lowerCase(*right));
+}
+
 bool hasCapital(QByteArrayView name)
 {
     return std::any_of(name.begin(), name.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
@@ -142,9 +158,8 @@ QByteArray capitalized(QByteArray name)
 QByteArray HTTPHeaderName::usualSpelling(const QByteArray &name)
 {
     const auto *const found =
-        std::lower_bound(unusualNames.begin(), unusualNames.end(), name.constData(),
-                         [](const char *left, const char *right) { return qstricmp(left, right) < 0; });
-    if (found != unusualNames.end() && qstricmp(*found, name.constData()) == 0)
+        std::lower_bound(unusualNames.begin(), unusualNames.end(), name.constData(), isBefore);
+    if (found != unusualNames.end() && !isBefore(name.constData(), *found))
         return *found;
     return hasCapital(name) ? name : capitalized(name);
 }

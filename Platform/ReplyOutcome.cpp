@@ -4,8 +4,11 @@
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/UTF8Text.h"
 
+#include <QtCore/QHash>
 #include <QtNetwork/QNetworkReply>
 #include <QtNetwork/QSslError>
+
+#include <algorithm>
 
 namespace Quorvix {
 
@@ -32,13 +35,25 @@ NSURLErrorCode codeForCertificate(QSslError::SslError error)
 
 QString ReplyOutcome::fieldText(const QByteArray &bytes)
 {
+    // Nearly all are ASCII, for which the check of UTF-8 takes several times as long as this one.
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<uchar>(c) < 0x80; }))
+        return QString::fromLatin1(bytes);
     const std::optional<QString> text = UTF8Text::exact(bytes);
     return text ? *text : QString::fromLatin1(bytes);
 }
 
 QString ReplyOutcome::fieldName(const QByteArray &bytes)
 {
-    return fieldText(HTTPHeaderName::usualSpelling(bytes));
+    // Servers send the same few names again and again. So the traces share their texts.
+    constexpr qsizetype mostNames = 256;
+    static thread_local QHash<QByteArray, QString> names;
+    const auto known = names.constFind(bytes);
+    if (known != names.cend())
+        return *known;
+    const QString name = fieldText(HTTPHeaderName::usualSpelling(bytes));
+    if (names.size() < mostNames)
+        names.insert(bytes, name);
+    return name;
 }
 
 NSURLResponsePtr ReplyOutcome::response(const QNetworkReply &reply)

@@ -15,7 +15,8 @@ namespace {
 
 QString makeIdentifier()
 {
-    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+    const QByteArray text = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
+    return QString::fromLatin1(text);
 }
 
 } // namespace
@@ -45,6 +46,14 @@ void QXExchange::amend(const URLRequest &request)
         return;
     m_request = request;
     MainActor::schedule([id = m_id, request] { QXRequestRecorder::shared().amend(id, request); });
+}
+
+void QXExchange::progress(const NSURLResponsePtr &response, const std::optional<QByteArray> &data)
+{
+    if (m_isComplete)
+        return;
+    MainActor::schedule(
+        [id = m_id, response, data] { QXRequestRecorder::shared().progress(id, response, data); });
 }
 
 void QXExchange::complete(const NSURLResponsePtr &response, const std::optional<QByteArray> &data,

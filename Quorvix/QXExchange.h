@@ -31,6 +31,9 @@ public:
     /// Does nothing after complete().
     void amend(const Quorvix::URLRequest &request);
 
+    /// Reports what has arrived so far of a response that takes long. It is kept until the next report.
+    void progress(const Quorvix::NSURLResponsePtr &response, const std::optional<QByteArray> &data);
+
     /// Reports the result; the duration ends now. A response that is not an HTTP response is ignored,
     /// together with its data. Only the first call has an effect.
     void complete(const Quorvix::NSURLResponsePtr &response, const std::optional<QByteArray> &data,

@@ -2,12 +2,16 @@
 
 #include "Quorvix/QXBreakpointStore.h"
 #include "Quorvix/QXHeldNetworkReply.h"
+#include "Quorvix/QXRequestRecorder.h"
 #include "Quorvix/QXUploadTee.h"
+
+#include "Platform/MainActor.h"
 
 #include <QtCore/QBuffer>
 #include <QtNetwork/QAuthenticator>
 
 #include <atomic>
+#include <mutex>
 
 namespace {
 
@@ -72,6 +76,10 @@ void QXNetworkCapture::setIncludesLocalUrls(bool includes)
 
 void QXNetworkCapture::attach(QNetworkAccessManager *manager)
 {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        Quorvix::MainActor::schedule([] { QXRequestRecorder::shared().addSource(&QXNetworkReply::refresh); });
+    });
     manager->setProperty(attachedProperty, true);
     // Qt passes one copy of the arguments to all slots in turn. So the first slot can replace the reply.
     QObject::connect(manager, &QNetworkAccessManager::authenticationRequired, manager,

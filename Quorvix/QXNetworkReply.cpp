@@ -6,6 +6,7 @@
 #include "Platform/ReplyOutcome.h"
 
 #include <QtCore/QHash>
+#include <QtCore/QMetaMethod>
 #include <QtNetwork/QSslConfiguration>
 #include <QtNetwork/QSslError>
 
@@ -62,6 +63,20 @@ public:
         return m_outer.value(inner);
     }
 
+    /// Calls @p ask for the reply of this exchange, which cannot be destroyed meanwhile.
+    template<typename Ask>
+    bool ask(const QString &id, Ask ask)
+    {
+        const std::scoped_lock lock(m_mutex);
+        const auto found = std::find_if(m_outer.cbegin(), m_outer.cend(), [&](const QXNetworkReply *reply) {
+            return reply->exchangeId() == id;
+        });
+        if (found == m_outer.cend())
+            return false;
+        ask(*found);
+        return true;
+    }
+
 private:
     std::mutex m_mutex;
     QHash<const QNetworkReply *, QXNetworkReply *> m_outer;
@@ -99,7 +114,7 @@ URLRequest requestOf(const QNetworkReply &inner, const QXNetworkReply::Source &s
 
 QXNetworkReply::QXNetworkReply(QNetworkReply *inner, Source source, QObject *parent)
     : QNetworkReply(parent), m_inner(inner), m_innerKey(inner), m_source(std::move(source)),
-      m_exchange(requestOf(*inner, m_source))
+      m_exchange(requestOf(*inner, m_source)), m_isOfQt(inner->inherits("QNetworkReplyHttpImpl"))
 {
     // The manager deletes its children in any order, but the inner reply must go with this one.
     inner->setParent(nullptr);
@@ -113,7 +128,11 @@ QXNetworkReply::QXNetworkReply(QNetworkReply *inner, Source source, QObject *par
     setRequest(inner->request());
     mirrorState();
     mirrorAddress();
-    mirrorResponse();
+    constexpr auto encrypted = QNetworkRequest::ConnectionEncryptedAttribute;
+    if (m_isOfQt && !inner->isFinished())
+        setAttribute(encrypted, inner->attribute(encrypted));
+    else
+        mirrorResponse();
     connectInner();
     // A synchronous request has ended already.
     if (isFinished()) {
@@ -132,7 +151,6 @@ QXNetworkReply::~QXNetworkReply()
     }
     Wrappers::instance().remove(m_innerKey);
     if (m_inner) {
-        m_inner->disconnect(this);
         // Before the device from which it uploads, which is a member or a child of this reply.
         delete m_inner;
     }
@@ -145,18 +163,20 @@ QXNetworkReply *QXNetworkReply::outerOf(const QNetworkReply *inner)
 
 void QXNetworkReply::connectInner()
 {
-    connect(m_inner, &QNetworkReply::socketStartedConnecting, this, &QNetworkReply::socketStartedConnecting);
-    connect(m_inner, &QNetworkReply::requestSent, this, &QNetworkReply::requestSent);
-    connect(m_inner, &QNetworkReply::uploadProgress, this, [this](qint64 sent, qint64 total) {
-        mirrorState();
-        Q_EMIT uploadProgress(sent, total);
-    });
-    connect(m_inner, &QNetworkReply::redirected, this, [this](const QUrl &url) {
-        mirrorAddress();
-        mirrorResponse();
-        Q_EMIT redirected(url);
-    });
-    connect(this, &QNetworkReply::redirectAllowed, m_inner, &QNetworkReply::redirectAllowed);
+    connect(m_inner, &QNetworkReply::redirected, this, &QXNetworkReply::innerRedirected);
+    connect(m_inner, &QNetworkReply::metaDataChanged, this, &QXNetworkReply::innerMetaDataChanged);
+    connect(m_inner, &QNetworkReply::readyRead, this, &QXNetworkReply::innerReadyRead);
+    connect(m_inner, &QNetworkReply::finished, this, &QXNetworkReply::innerFinished);
+    if (url().scheme() == QLatin1StringView("https"))
+        connectTls();
+    // A reply of Qt closes itself only after a time-out.
+    if (!m_isOfQt || request().transferTimeout() > 0)
+        connect(m_inner, &QNetworkReply::aboutToClose, this, &QXNetworkReply::innerAboutToClose);
+}
+
+void QXNetworkReply::connectTls()
+{
+    m_isTlsConnected = true;
     connect(m_inner, &QNetworkReply::encrypted, this, &QNetworkReply::encrypted);
     connect(m_inner, &QNetworkReply::preSharedKeyAuthenticationRequired, this,
             &QNetworkReply::preSharedKeyAuthenticationRequired);
@@ -164,13 +184,48 @@ void QXNetworkReply::connectInner()
         ReplyOutcome::noteCertificateErrors(*m_inner, errors);
         Q_EMIT sslErrors(errors);
     });
-    connect(m_inner, &QNetworkReply::metaDataChanged, this, &QXNetworkReply::innerMetaDataChanged);
-    connect(m_inner, &QNetworkReply::readyRead, this, &QXNetworkReply::innerReadyRead);
-    connect(m_inner, &QNetworkReply::downloadProgress, this, &QXNetworkReply::innerDownloadProgress);
-    connect(m_inner, &QNetworkReply::errorOccurred, this, &QXNetworkReply::innerErrorOccurred);
-    connect(m_inner, &QNetworkReply::aboutToClose, this, &QXNetworkReply::innerAboutToClose);
-    connect(m_inner, &QNetworkReply::readChannelFinished, this, &QXNetworkReply::innerReadChannelFinished);
-    connect(m_inner, &QNetworkReply::finished, this, &QXNetworkReply::innerFinished);
+}
+
+/// Connections take much of the time of a short exchange. So the signals that hosts seldom use are passed on
+/// only when the host connects to them. Any thread.
+void QXNetworkReply::connectNotify(const QMetaMethod &signal)
+{
+    static const std::array wanted{
+        QMetaMethod::fromSignal(&QNetworkReply::socketStartedConnecting),
+        QMetaMethod::fromSignal(&QNetworkReply::requestSent),
+        QMetaMethod::fromSignal(&QNetworkReply::uploadProgress),
+        QMetaMethod::fromSignal(&QNetworkReply::downloadProgress),
+        QMetaMethod::fromSignal(&QNetworkReply::readChannelFinished),
+        QMetaMethod::fromSignal(&QNetworkReply::errorOccurred),
+    };
+    const auto found = std::find(wanted.begin(), wanted.end(), signal);
+    const unsigned bit = 1U << (found - wanted.begin());
+    if (found == wanted.end() || (m_wantedSignals.fetch_or(bit) & bit) || !m_inner)
+        return;
+    switch (found - wanted.begin()) {
+    case 0:
+        connect(m_inner, &QNetworkReply::socketStartedConnecting, this,
+                &QNetworkReply::socketStartedConnecting);
+        break;
+    case 1:
+        connect(m_inner, &QNetworkReply::requestSent, this, &QNetworkReply::requestSent);
+        break;
+    case 2:
+        connect(m_inner, &QNetworkReply::uploadProgress, this, [this](qint64 sent, qint64 total) {
+            mirrorState();
+            Q_EMIT uploadProgress(sent, total);
+        });
+        break;
+    case 3:
+        connect(m_inner, &QNetworkReply::downloadProgress, this, &QXNetworkReply::innerDownloadProgress);
+        break;
+    case 4:
+        connect(m_inner, &QNetworkReply::readChannelFinished, this,
+                &QXNetworkReply::innerReadChannelFinished);
+        break;
+    default:
+        connect(m_inner, &QNetworkReply::errorOccurred, this, &QXNetworkReply::innerErrorOccurred);
+    }
 }
 
 void QXNetworkReply::mirrorState()
@@ -190,11 +245,12 @@ void QXNetworkReply::mirrorAddress()
 void QXNetworkReply::mirrorResponse()
 {
     mirrorHeaders(*m_inner);
+    m_isCompressed = hasRawHeader("Content-Encoding");
     const auto mirror = [this](QNetworkRequest::Attribute code) {
         if (const QVariant value = m_inner->attribute(code); value.isValid())
             setAttribute(code, value);
     };
-    if (m_inner->inherits("QNetworkReplyHttpImpl")) {
+    if (m_isOfQt) {
         std::for_each(replyAttributes.begin(), replyAttributes.end(), mirror);
         return;
     }
@@ -225,8 +281,7 @@ void QXNetworkReply::abort()
 {
     if (!m_inner)
         return;
-    if (!m_inner->isFinished())
-        m_isCancelled = true;
+    noteCancelling();
     m_inner->abort();
 }
 
@@ -234,9 +289,18 @@ void QXNetworkReply::close()
 {
     if (!m_inner)
         return QNetworkReply::close();
-    if (!m_inner->isFinished())
-        m_isCancelled = true;
+    noteCancelling();
     m_inner->close();
+}
+
+/// Qt closes a running reply before it emits anything else.
+void QXNetworkReply::noteCancelling()
+{
+    if (m_inner->isFinished())
+        return;
+    m_isCancelled = true;
+    if (m_isOfQt)
+        innerAboutToClose();
 }
 
 void QXNetworkReply::setReadBufferSize(qint64 size)
@@ -317,7 +381,7 @@ qint64 QXNetworkReply::readData(char *data, qint64 maxSize)
 bool QXNetworkReply::readsThrough() const
 {
     // Qt saves a compressed body in its cache while it is read.
-    return readBufferSize() > 0 || m_inner->hasRawHeader("Content-Encoding");
+    return readBufferSize() > 0 || m_isCompressed;
 }
 
 void QXNetworkReply::drain()
@@ -342,6 +406,17 @@ void QXNetworkReply::drain()
         if (read <= 0)
             return;
     }
+}
+
+void QXNetworkReply::innerRedirected(const QUrl &url)
+{
+    mirrorAddress();
+    mirrorResponse();
+    if (!m_isTlsConnected && url.scheme() == QLatin1StringView("https"))
+        connectTls();
+    if (!std::exchange(m_isRedirected, true))
+        connect(this, &QNetworkReply::redirectAllowed, m_inner, &QNetworkReply::redirectAllowed);
+    Q_EMIT redirected(url);
 }
 
 void QXNetworkReply::innerMetaDataChanged()
@@ -423,6 +498,25 @@ void QXNetworkReply::complete(const DataTaskCompletionHandler &deliver)
         m_exchange.complete(response, m_body, transportError(), deliver);
     else
         m_exchange.complete(response, m_body, transportError());
+}
+
+bool QXNetworkReply::refresh(const QString &id)
+{
+    return Wrappers::instance().ask(id, [](QXNetworkReply *reply) {
+        QMetaObject::invokeMethod(
+            reply, [reply] { reply->reportProgress(); }, Qt::QueuedConnection);
+    });
+}
+
+void QXNetworkReply::reportProgress()
+{
+    if (m_isComplete || !m_inner)
+        return;
+    QByteArray soFar = m_body;
+    // What Qt has decompressed it would also have saved in its cache.
+    if (!m_isCompressed && m_inner->isOpen())
+        soFar += m_inner->peek(m_inner->bytesAvailable());
+    m_exchange.progress(ReplyOutcome::response(*m_inner), soFar);
 }
 
 void QXNetworkReply::setBody(const QByteArray &body)

@@ -6,6 +6,7 @@
 #include <QtCore/QPointer>
 #include <QtNetwork/QNetworkReply>
 
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -38,6 +39,12 @@ public:
 
     /// The reply that wraps @p inner; null if there is none. Any thread.
     [[nodiscard]] static QXNetworkReply *outerOf(const QNetworkReply *inner);
+    /// Makes the running exchange with this identifier report what has arrived so far, soon, in its own
+    /// thread. Returns whether there is one. Any thread.
+    static bool refresh(const QString &id);
+
+    /// The identifier of the exchange, which never changes. Any thread.
+    [[nodiscard]] const QString &exchangeId() const { return m_exchange.id(); }
 
     void abort() override;
     void close() override;
@@ -50,6 +57,7 @@ public:
     bool waitForReadyRead(int milliseconds) override;
 
 protected:
+    void connectNotify(const QMetaMethod &signal) override;
     qint64 readData(char *data, qint64 maxSize) override;
     void sslConfigurationImplementation(QSslConfiguration &configuration) const override;
     void setSslConfigurationImplementation(const QSslConfiguration &configuration) override;
@@ -87,6 +95,10 @@ protected:
 
 private:
     void connectInner();
+    void connectTls();
+    void noteCancelling();
+    void reportProgress();
+    void innerRedirected(const QUrl &url);
     void mirrorHeaders(const QNetworkReply &from);
     [[nodiscard]] std::optional<Quorvix::NSError> transportError() const;
 
@@ -102,4 +114,11 @@ private:
     bool m_isComplete = false;
     /// Whether the headers and attributes are those of the last response.
     bool m_hasResponse = false;
+    /// Whether Qt made the inner reply, not the host: then its attributes are known.
+    const bool m_isOfQt;
+    bool m_isTlsConnected = false;
+    bool m_isRedirected = false;
+    bool m_isCompressed = false;
+    /// The signals that are only passed on because the host has connected to them, one bit for each.
+    std::atomic<unsigned> m_wantedSignals = 0;
 };

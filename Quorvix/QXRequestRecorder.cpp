@@ -4,6 +4,8 @@
 #include "Platform/MainActor.h"
 #include "Platform/NSNotificationCenter.h"
 
+#include <algorithm>
+
 using namespace Quorvix;
 
 namespace {
@@ -128,9 +130,16 @@ bool QXRequestRecorder::refresh(const QString &id)
 {
     Q_ASSERT(MainActor::isCurrent());
     const auto refresher = m_refreshers.value(id); // a copy, because the call may end the exchange
-    if (refresher)
-        refresher();
-    return refresher != nullptr;
+    if (!refresher)
+        return std::any_of(m_sources.cbegin(), m_sources.cend(), [&](const auto &ask) { return ask(id); });
+    refresher();
+    return true;
+}
+
+void QXRequestRecorder::addSource(std::function<bool(const QString &)> refresher)
+{
+    Q_ASSERT(MainActor::isCurrent());
+    m_sources.append(std::move(refresher));
 }
 
 void QXRequestRecorder::clear()

@@ -49,6 +49,9 @@ public:
     /// complete(), at once or later. Does nothing if there is no running trace with this identifier. The
     /// function is destroyed when the exchange completes and by clear().
     void setRefresher(const QString &id, std::function<void()> refresher);
+    /// Adds a source of many exchanges, which refresh() asks when nobody has set a function for the exchange:
+    /// it returns whether it knows the exchange. For the life of the process.
+    void addSource(std::function<bool(const QString &id)> refresher);
     /// Asks the source of a running exchange for what has arrived so far. Returns whether there is one to
     /// ask.
     bool refresh(const QString &id);
@@ -77,4 +80,5 @@ private:
     /// The sum of what all bodies needed when they arrived.
     qsizetype m_bodyBytes = 0;
     QHash<QString, std::function<void()>> m_refreshers;
+    QList<std::function<bool(const QString &)>> m_sources;
 };

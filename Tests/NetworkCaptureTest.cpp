@@ -133,6 +133,8 @@ private Q_SLOTS:
     void holdsAMatchingReply();
     void heldReplyCanBeEnded_data();
     void heldReplyCanBeEnded();
+    void showsWhatHasArrivedSoFar_data();
+    void showsWhatHasArrivedSoFar();
     void recordsAnyOtherClient();
 
 private:
@@ -506,6 +508,39 @@ void NetworkCaptureTest::heldReplyCanBeEnded()
     QCOMPARE(newest().response->statusCode, 200);
     QCoreApplication::processEvents();
     QVERIFY(finished.count() <= 1);
+}
+
+void NetworkCaptureTest::showsWhatHasArrivedSoFar_data()
+{
+    QTest::addColumn<qint64>("bufferSize");
+    QTest::newRow("stream") << qint64(0);
+    QTest::newRow("bounded, and nobody reads") << qint64(1000);
+}
+
+void NetworkCaptureTest::showsWhatHasArrivedSoFar()
+{
+    QFETCH(qint64, bufferSize);
+    Tap tap;
+    tap.first = {"HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\ndata: 1\n"};
+    QXNetworkAccessManager manager;
+    const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(tap.url())));
+    reply->setReadBufferSize(bufferSize);
+    QTRY_COMPARE(reply->bytesAvailable(), 8);
+    const auto trace = [] {
+        return recorder().requests()[0];
+    };
+    QVERIFY(!trace().response);
+
+    QVERIFY(recorder().refresh(trace().id));
+    QTRY_VERIFY(trace().response);
+    QCOMPARE(trace().response->body, "data: 1\n"_ba);
+    QVERIFY(!trace().duration);
+
+    tap.write("data: 2\n");
+    QTRY_COMPARE(reply->bytesAvailable(), 16);
+    recorder().refresh(trace().id);
+    QTRY_COMPARE(trace().response->body, "data: 1\ndata: 2\n"_ba);
+    QCOMPARE(reply->readAll(), "data: 1\ndata: 2\n"_ba);
 }
 
 void NetworkCaptureTest::recordsAnyOtherClient()
