@@ -10,17 +10,6 @@ using namespace Quorvix;
 
 namespace {
 
-QByteArray searchKey(const QXRequestTrace &trace)
-{
-    QByteArray key;
-    if (trace.url)
-        key = trace.url->toEncoded().toLower();
-    key += '\0';
-    if (trace.method)
-        key += trace.method->toLower().toUtf8();
-    return key;
-}
-
 /// The text after the last dot of the last path component. Empty without a dot, and for a name whose only
 /// dot is its first character.
 QString pathExtension(const QUrl &url)
@@ -156,9 +145,7 @@ std::shared_ptr<QXTraceList::Cell> QXRequestRecorder::makeCell(const QString &id
 {
     QXRequestTrace trace(id, request);
     trace.date = start.date;
-    QByteArray key = searchKey(trace);
-    return std::make_shared<QXTraceList::Cell>(
-        QXTraceList::Cell{std::move(trace), start.steady, std::move(key)});
+    return std::make_shared<QXTraceList::Cell>(QXTraceList::Cell{std::move(trace), start.steady, {}});
 }
 
 QList<QXRequestTrace>

@@ -22,8 +22,8 @@ public:
         /// The time when the exchange was recorded, on a clock that the user cannot change.
         std::chrono::steady_clock::time_point recordedAt;
         /// The text that a search looks through: the URL and the method in lower case as UTF-8, separated by
-        /// a NUL.
-        QByteArray searchKey;
+        /// a NUL. Null until the first search, because most programs never search. Main thread only.
+        mutable QByteArray searchKey;
     };
     using CellPtr = std::shared_ptr<const Cell>;
 

@@ -9,6 +9,8 @@ namespace {
 
 /// What it costs to examine a trace with a very short URL, as a number of bytes.
 constexpr qsizetype costPerTrace = 64;
+/// What it costs to make the text of a trace, at least.
+constexpr qsizetype costOfKey = 1000;
 
 std::string_view view(const QByteArray &bytes)
 {
@@ -27,14 +29,30 @@ struct Examination
     qsizetype cost = 0;
 };
 
+QByteArray searchKey(const QXRequestTrace &trace)
+{
+    QByteArray key;
+    if (trace.url)
+        key = trace.url->toEncoded().toLower();
+    key += '\0';
+    if (trace.method)
+        key += trace.method->toLower().toUtf8();
+    return key;
+}
+
 /// Examines whether the URL, the method or the status code of a trace contains the query.
 Examination examined(const QXTraceList::Cell &cell, std::string_view query)
 {
     // Searchers that are prepared for a query are slower for the short ones that people type.
     constexpr std::size_t npos = std::string_view::npos;
+    qsizetype cost = 0;
+    if (cell.searchKey.isNull()) {
+        cell.searchKey = searchKey(cell.trace);
+        cost = costOfKey + 4 * cell.searchKey.size();
+    }
     if (const std::size_t place = view(cell.searchKey).find(query); place != npos)
-        return {true, qsizetype(place)};
-    const qsizetype cost = cell.searchKey.size();
+        return {true, cost + qsizetype(place)};
+    cost += cell.searchKey.size();
     if (!cell.trace.response)
         return {false, cost};
     std::array<char, 24> digits{};
