@@ -85,7 +85,8 @@ private:
 /// Gives the memory back that a growing buffer has too much.
 void squeeze(QByteArray &bytes)
 {
-    if (bytes.capacity() > bytes.size() + bytes.size() / 8)
+    constexpr qsizetype page = 4096;
+    if (bytes.capacity() > bytes.size() + std::min(page, bytes.size() / 8))
         bytes.squeeze();
 }
 
