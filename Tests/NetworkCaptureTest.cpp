@@ -372,7 +372,7 @@ void NetworkCaptureTest::capturesManagersOfTheHost()
     QNetworkReply *const reply = manager->post(request(u"/echo"_s), "body"_ba);
     QVERIFY(finished.wait());
     QCOMPARE(finished.constFirst().constFirst().value<QNetworkReply *>(), reply);
-    QVERIFY(reply->readAll().contains("X-Host"));
+    QVERIFY(reply->readAll().toLower().contains("x-host")); // newer Qt sends names in lower case
     QCOMPARE(newest().headers->value(u"X-Host"_s), u"yes"_s);
     QCOMPARE(newest().body, "body"_ba);
     QCOMPARE(recorder().requests().size(), 1);
