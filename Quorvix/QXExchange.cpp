@@ -5,6 +5,7 @@
 
 #include "Platform/MainActor.h"
 
+#include <QtCore/QScopedValueRollback>
 #include <QtCore/QUuid>
 
 #include <utility>
@@ -19,17 +20,21 @@ QString makeIdentifier()
     return QString::fromLatin1(text);
 }
 
+/// Whether the recorder changes now: its observers may themselves begin or end an exchange. Main thread only.
+bool isReporting = false;
+
 } // namespace
 
-QXExchange::QXExchange(const URLRequest &request) : m_id(makeIdentifier()), m_request(request)
+QXExchange::QXExchange(const URLRequest &request)
+    : m_id(makeIdentifier()), m_request(request), m_isRecorded(MainActor::isCurrent() && !isReporting)
 {
-    MainActor::schedule([id = m_id, request, now = QXMoment::now()] {
+    report([id = m_id, request, now = QXMoment::now()] {
         QXRequestRecorder::shared().record(id, request, now);
     });
 }
 
 QXExchange::QXExchange(QXExchange &&other) noexcept
-    : m_id(std::move(other.m_id)), m_request(std::move(other.m_request)),
+    : m_id(std::move(other.m_id)), m_request(std::move(other.m_request)), m_isRecorded(other.m_isRecorded),
       m_isComplete(std::exchange(other.m_isComplete, true))
 {
 }
@@ -40,20 +45,30 @@ QXExchange::~QXExchange()
         complete(nullptr, std::nullopt, makeURLError(NSURLErrorCancelled));
 }
 
+/// Tells the recorder, at once where that is possible: a scheduled task wakes the event loop, which takes
+/// longer than the task. The reports of an exchange that began on another thread stay in their order.
+template<typename Task>
+void QXExchange::report(Task task)
+{
+    if (!m_isRecorded || !MainActor::isCurrent() || isReporting)
+        return MainActor::schedule(std::move(task));
+    const QScopedValueRollback reporting(isReporting, true);
+    task();
+}
+
 void QXExchange::amend(const URLRequest &request)
 {
     if (m_isComplete)
         return;
     m_request = request;
-    MainActor::schedule([id = m_id, request] { QXRequestRecorder::shared().amend(id, request); });
+    report([id = m_id, request] { QXRequestRecorder::shared().amend(id, request); });
 }
 
 void QXExchange::progress(const NSURLResponsePtr &response, const std::optional<QByteArray> &data)
 {
     if (m_isComplete)
         return;
-    MainActor::schedule(
-        [id = m_id, response, data] { QXRequestRecorder::shared().progress(id, response, data); });
+    report([id = m_id, response, data] { QXRequestRecorder::shared().progress(id, response, data); });
 }
 
 void QXExchange::complete(const NSURLResponsePtr &response, const std::optional<QByteArray> &data,
@@ -61,7 +76,7 @@ void QXExchange::complete(const NSURLResponsePtr &response, const std::optional<
 {
     if (std::exchange(m_isComplete, true))
         return;
-    MainActor::schedule([id = m_id, response, data, error, now = QXMoment::now()] {
+    report([id = m_id, response, data, error, now = QXMoment::now()] {
         QXRequestRecorder::shared().complete(id, response, data, error, now);
     });
 }

@@ -13,7 +13,8 @@
 ///
 /// The exchange starts when the object is made. An object that is destroyed before it was completed reports
 /// that the exchange was cancelled. An object may be used by one thread at a time, which may be any thread:
-/// the recorder gets all that is reported later, on the main thread.
+/// the recorder gets all that is reported on the main thread: at once if the exchange belongs to that thread,
+/// else later.
 class QUORVIX_CORE_EXPORT QXExchange final
 {
 public:
@@ -45,7 +46,12 @@ public:
                   const std::optional<Quorvix::NSError> &error, Quorvix::DataTaskCompletionHandler deliver);
 
 private:
+    template<typename Task>
+    void report(Task task);
+
     QString m_id;
     Quorvix::URLRequest m_request;
+    /// Whether the recorder has the trace already, or else gets it with a scheduled task.
+    bool m_isRecorded = false;
     bool m_isComplete = false;
 };
