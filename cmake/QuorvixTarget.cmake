@@ -102,6 +102,10 @@ function(quorvix_product target)
     endif()
     target_include_directories(${target} SYSTEM INTERFACE
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    # The headers in the build tree are links. g++ would replace a system header by the target of its link, and look
+    # there for the headers that it includes.
+    target_compile_options(${target} INTERFACE
+        $<BUILD_INTERFACE:$<$<CXX_COMPILER_ID:GNU>:-fno-canonical-system-headers>>)
     target_link_libraries(${target} PUBLIC ${product_PUBLIC} PRIVATE ${product_PRIVATE})
 endfunction()
 
