@@ -1,0 +1,411 @@
+#include "Tests/NetworkPlays.h"
+
+#include <QtCore/QBuffer>
+#include <QtCore/QDataStream>
+#include <QtCore/QFile>
+#include <QtCore/QTimer>
+#include <QtNetwork/QHttpMultiPart>
+#include <QtNetwork/QNetworkCookie>
+#include <QtNetwork/QNetworkCookieJar>
+#include <QtTest/QTest>
+
+using namespace Qt::StringLiterals;
+
+using Stage = NetworkStage;
+using Answer = ScriptedServer::Answer;
+using Request = QNetworkRequest;
+
+namespace {
+
+const QByteArrayList parts{"first line\r\nsecond", " half\nthird line\n", "the rest"};
+const QString text = u"text/plain"_s;
+
+/// A device without a position, whose content arrives bit by bit.
+class Stream final : public QIODevice
+{
+public:
+    explicit Stream(const QByteArrayList &bits) : m_bits(bits) { open(ReadOnly | Unbuffered); }
+
+    [[nodiscard]] bool isSequential() const override { return true; }
+    [[nodiscard]] bool atEnd() const override { return m_bits.isEmpty(); }
+    [[nodiscard]] qint64 bytesAvailable() const override { return m_bits.value(0).size(); }
+
+protected:
+    qint64 readData(char *data, qint64 size) override
+    {
+        if (m_bits.isEmpty())
+            return -1;
+        const QByteArray bit = m_bits.first().left(size);
+        m_bits.first().remove(0, bit.size());
+        memcpy(data, bit.constData(), size_t(bit.size()));
+        if (m_bits.first().isEmpty()) {
+            m_bits.removeFirst();
+            QTimer::singleShot(0, this,
+                               m_bits.isEmpty() ? &QIODevice::readChannelFinished : &QIODevice::readyRead);
+        }
+        return bit.size();
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    QByteArrayList m_bits;
+};
+
+QHttpMultiPart *form()
+{
+    auto *const form = new QHttpMultiPart(QHttpMultiPart::FormDataType);
+    form->setBoundary("fence");
+    QHttpPart field;
+    field.setHeader(Request::ContentDispositionHeader, u"form-data; name=\"a\""_s);
+    field.setBody("1");
+    form->append(field);
+    return form;
+}
+
+} // namespace
+
+void NetworkPlays::row(const QByteArray &name, const Stage::Play &play, Manager manager)
+{
+    QTest::newRow(name) << play << manager << ScriptedServer::Transport::Plain;
+}
+
+void NetworkPlays::secureRow(const QByteArray &name, const Stage::Play &play)
+{
+    QTest::newRow(name) << play << Manager::Itself << ScriptedServer::Transport::Encrypted;
+}
+
+Answer NetworkPlays::inParts(const QByteArray &head, const QByteArrayList &body, bool closes)
+{
+    return {QByteArrayList{QByteArray(), head + "\r\n"} + body, closes};
+}
+
+Answer NetworkPlays::inPartsWithLength(const QByteArray &status, const QByteArrayList &body)
+{
+    return inParts("HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(body.join().size()) +
+                       "\r\n",
+                   body);
+}
+
+void NetworkPlays::goOn(Stage &stage, QNetworkReply *reply)
+{
+    if (reply == stage.diary.replies().front() && !reply->isFinished())
+        stage.server.release();
+}
+
+void NetworkPlays::goOnAtEachPart(Stage &stage)
+{
+    for (const char *signal : {"requestSent", "metaDataChanged", "readyRead"})
+        stage.each(signal, goOn);
+}
+
+void NetworkPlays::addAnswers()
+{
+    const QByteArray page = "<p>page</p>";
+    // "zipped text", ten times.
+    const QByteArray gzip = QByteArray::fromBase64("H4sIAAAAAAACA6vKLChITVEoSa0oqaI9EwB+wXhtbgAAAA==");
+    const std::pair<const char *, Answer> answers[] = {
+        {"200",
+         {{httpAnswer("200 OK", page,
+                      "Content-Type: text/html; charset=utf-8\r\nETag: \"1\"\r\nServer: s\r\n")}}},
+        {"200 without a body", {{httpAnswer("200 OK", "")}}},
+        {"204", {{"HTTP/1.1 204 No Content\r\n\r\n"}}},
+        {"304", {{"HTTP/1.1 304 Not Modified\r\nETag: \"1\"\r\n\r\n"}}},
+        {"400", {{httpAnswer("400 Bad Request", page)}}},
+        {"401 without a challenge", {{httpAnswer("401 Unauthorized", page)}}},
+        {"403", {{httpAnswer("403 Forbidden", page)}}},
+        {"404", {{httpAnswer("404 Not Found", page)}}},
+        {"405", {{httpAnswer("405 Method Not Allowed", page)}}},
+        {"409", {{httpAnswer("409 Conflict", page)}}},
+        {"410", {{httpAnswer("410 Gone", page)}}},
+        {"418 with an unusual reason",
+         {{httpAnswer("418 I'm a t\xE9"
+                      "apot",
+                      page)}}},
+        {"500", {{httpAnswer("500 Internal Server Error", page)}}},
+        {"501", {{httpAnswer("501 Not Implemented", page)}}},
+        {"503", {{httpAnswer("503 Service Unavailable", page, "Retry-After: 1\r\n")}}},
+        {"two cookies",
+         {{httpAnswer("200 OK", page, "Set-Cookie: a=1; Path=/\r\nSet-Cookie: b=2; HttpOnly\r\n")}}},
+        {"repeated fields", {{httpAnswer("200 OK", page, "X-A: 1\r\nx-b: 2\r\nX-A: 3\r\nX-Empty:\r\n")}}},
+        {"known fields",
+         {{httpAnswer("200 OK", page,
+                      "Last-Modified: Sun, 06 Nov 1994 08:49:37 GMT\r\nContent-Disposition: "
+                      "attachment; filename=a\r\nIf-Match: \"2\"\r\nLocation: /x\r\n")}}},
+        {"chunked",
+         {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2;x=y\r\nde\r\n0\r\nT: "
+           "1\r\n\r\n"}}},
+        {"chunked, broken", {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nxyz\r\nabc\r\n"}, true}},
+        {"chunked, closed midway",
+         {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nabc", ""}, true}},
+        {"gzip", {{httpAnswer("200 OK", gzip, "Content-Encoding: gzip\r\n")}}},
+        {"gzip, broken", {{httpAnswer("200 OK", gzip.left(20) + "broken", "Content-Encoding: gzip\r\n")}}},
+        {"gzip, not compressed", {{httpAnswer("200 OK", page, "Content-Encoding: gzip\r\n")}}},
+        {"deflate", {{httpAnswer("200 OK", qCompress(page).mid(4), "Content-Encoding: deflate\r\n")}}},
+        {"unknown encoding", {{httpAnswer("200 OK", page, "Content-Encoding: other\r\n")}}},
+        {"until the connection closes", {{"HTTP/1.1 200 OK\r\n\r\n" + page}, true}},
+        {"HTTP/1.0", {{"HTTP/1.0 200 OK\r\n\r\n" + page}, true}},
+        {"longer than its length", {{"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n" + page}, true}},
+        {"shorter than its length", {{"HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n" + page, ""}, true}},
+        {"closed within the head", {{"HTTP/1.1 200 OK\r\nContent-"}, true}},
+        {"closed at once", {{""}, true}},
+        {"no HTTP", {{"hello\r\n\r\n"}, true}},
+        {"informational first", {{"HTTP/1.1 100 Continue\r\n\r\n" + httpAnswer("200 OK", page)}}},
+    };
+    for (const auto &[name, answer] : answers) {
+        for (const char *verb : {"GET", "HEAD", "POST"}) {
+            // What follows the head would be a second answer.
+            if (qstrcmp(verb, "HEAD") == 0 && !answer.parts.first().contains(" 4"))
+                continue;
+            row(QByteArray(verb) + ' ' + name, [answer = answer, verb](Stage &stage) {
+                stage.server.answer("/", {answer});
+                stage.manager->setCookieJar(new QNetworkCookieJar);
+                stage.on("readyRead", goOn);
+                if (answer.parts.first().contains("chunked"))
+                    stage.diary.flow();
+                Request request = stage.request();
+                request.setHeader(Request::ContentTypeHeader, text);
+                if (qstrcmp(verb, "POST") == 0)
+                    stage.watch(stage.manager->post(request, QByteArray("question")));
+                else
+                    stage.watch(*verb == 'G' ? stage.manager->get(request) : stage.manager->head(request));
+                stage.finish();
+                stage.diary.note("cookies", stage.manager->cookieJar()->cookiesForUrl(stage.request().url()));
+            });
+        }
+    }
+}
+
+void NetworkPlays::addRequests()
+{
+    using Send = QNetworkReply *(*)(Stage &, Request &);
+    const std::pair<const char *, Send> verbs[] = {
+        {"HEAD",
+         [](Stage &s, Request &r) {
+             return s.manager->head(r);
+         }},
+        {"GET",
+         [](Stage &s, Request &r) {
+             return s.manager->get(r);
+         }},
+        {"DELETE",
+         [](Stage &s, Request &r) {
+             return s.manager->deleteResource(r);
+         }},
+        {"OPTIONS",
+         [](Stage &s, Request &r) {
+             return s.manager->sendCustomRequest(r, "OPTIONS");
+         }},
+        {"PATCH bytes",
+         [](Stage &s, Request &r) {
+             return s.manager->sendCustomRequest(r, "PATCH", QByteArray("bytes"));
+         }},
+        {"DELETE bytes",
+         [](Stage &s, Request &r) {
+             return s.manager->sendCustomRequest(r, "DELETE", QByteArray("bytes"));
+         }},
+        {"POST bytes",
+         [](Stage &s, Request &r) {
+             return s.manager->post(r, QByteArray("bytes"));
+         }},
+        {"POST no bytes",
+         [](Stage &s, Request &r) {
+             return s.manager->post(r, QByteArray());
+         }},
+        {"POST no device",
+         [](Stage &s, Request &r) {
+             return s.manager->post(r, static_cast<QIODevice *>(nullptr));
+         }},
+        {"POST many bytes",
+         [](Stage &s, Request &r) {
+             return s.manager->post(r, QByteArray(300'000, 'x'));
+         }},
+        {"PUT bytes",
+         [](Stage &s, Request &r) {
+             return s.manager->put(r, QByteArray("bytes"));
+         }},
+        {"POST form",
+         [](Stage &s, Request &r) {
+             return s.manager->post(r, form());
+         }},
+        {"PUT form",
+         [](Stage &s, Request &r) {
+             return s.manager->put(r, form());
+         }},
+        {"PATCH form",
+         [](Stage &s, Request &r) {
+             return s.manager->sendCustomRequest(r, "PATCH", form());
+         }},
+        {"POST buffer from its middle",
+         [](Stage &s, Request &r) {
+             auto *const buffer = new QBuffer(s.manager);
+             buffer->setData("0123456789");
+             buffer->open(QIODevice::ReadOnly);
+             buffer->seek(4);
+             return s.manager->post(r, buffer);
+         }},
+        {"PUT file",
+         [](Stage &s, Request &r) {
+             auto *const file = new QFile(s.folder.filePath(u"file"_s), s.manager);
+             file->open(QIODevice::ReadWrite);
+             file->write(QByteArray(50'000, 'y'));
+             file->seek(0);
+             return s.manager->put(r, file);
+         }},
+        {"POST closed device",
+         [](Stage &s, Request &r) {
+             return s.manager->post(r, new QBuffer(s.manager));
+         }},
+        {"POST stream",
+         [](Stage &s, Request &r) {
+             auto *const stream = new Stream(parts);
+             stream->setParent(s.manager);
+             return s.manager->post(r, stream);
+         }},
+        {"POST unbuffered stream",
+         [](Stage &s, Request &r) {
+             r.setAttribute(Request::DoNotBufferUploadDataAttribute, true);
+             r.setHeader(Request::ContentLengthHeader, parts.join().size());
+             auto *const stream = new Stream(parts);
+             stream->setParent(s.manager);
+             return s.manager->post(r, stream);
+         }},
+        {"GET with everything",
+         [](Stage &s, Request &r) {
+             r.setRawHeader("X-Custom", "1");
+             r.setHeader(Request::UserAgentHeader, u"host"_s);
+             r.setAttribute(Request::User, u"mine"_s);
+             r.setAttribute(Request::Attribute(Request::User + 1), 42);
+             r.setAttribute(Request::EmitAllUploadProgressSignalsAttribute, true);
+             r.setAttribute(Request::HttpPipeliningAllowedAttribute, true);
+             r.setAttribute(Request::Http2AllowedAttribute, false);
+             r.setPriority(Request::HighPriority);
+             r.setTransferTimeout(60'000);
+             r.setOriginatingObject(&s.diary);
+             r.setMaximumRedirectsAllowed(7);
+             return s.manager->get(r);
+         }},
+    };
+    for (const auto &[name, send] : verbs) {
+        row(name, [send = send](Stage &stage) {
+            stage.server.answer("/", {{{httpAnswer("200 OK", "")}}});
+            Request request = stage.request();
+            stage.watch(send(stage, request));
+        });
+    }
+}
+
+void NetworkPlays::addReaders()
+{
+    using Read = void (*)(ReplyDiary &, QNetworkReply &);
+    const std::pair<const char *, Read> readers[] = {
+        {"all", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.readAll()); }},
+        {"three bytes", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.read(3)); }},
+        {"no bytes", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.read(0), r.peek(0), r.atEnd()); }},
+        {"more than there is",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             char data[100];
+             d.note("read", r.read(data, 100));
+             d.note("beyond", r.read(data, 1), r.getChar(data), r.atEnd(), r.errorString());
+         }},
+        {"whole lines",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             while (r.canReadLine())
+                 d.note("line", r.readLine());
+         }},
+        {"lines", [](ReplyDiary &d, QNetworkReply &r) { d.note("line", r.readLine(), r.canReadLine()); }},
+        {"short lines", [](ReplyDiary &d, QNetworkReply &r) { d.note("line", r.readLine(4)); }},
+        {"peeking", [](ReplyDiary &d, QNetworkReply &r) { d.note("peek", r.peek(4), r.peek(99), r.bytesAvailable()); }},
+        {"peeking first", [](ReplyDiary &d, QNetworkReply &r) { d.note("peek", r.peek(2)), d.note("read", r.readAll()); }},
+        {"back again",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             char c = 0;
+             d.note("got", r.getChar(&c), c);
+             r.ungetChar('x');
+             d.note("back", r.bytesAvailable(), r.peek(3), r.pos());
+         }},
+        {"in text mode",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             r.setTextModeEnabled(true);
+             d.note("text", r.readAll());
+         }},
+        {"skipping", [](ReplyDiary &d, QNetworkReply &r) { d.note("skip", r.skip(4)), d.note("read", r.read(4)); }},
+        {"and rolling back",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             r.startTransaction();
+             d.note("tried", r.read(20), r.isTransactionStarted());
+             r.rollbackTransaction();
+             d.note("back", r.bytesAvailable(), r.peek(5));
+         }},
+        {"and committing",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             r.startTransaction();
+             d.note("tried", r.read(20));
+             r.commitTransaction();
+         }},
+        {"within one transaction",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             if (!r.isTransactionStarted())
+                 r.startTransaction();
+             d.note("tried", r.read(5), r.bytesAvailable());
+         }},
+        {"from a stream",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             QDataStream stream(&r);
+             QByteArray bytes(30, ' ');
+             stream.startTransaction();
+             stream.readRawData(bytes.data(), 30);
+             d.note("whole", stream.commitTransaction(), bytes);
+         }},
+        {"nothing", [](ReplyDiary &, QNetworkReply &) {}},
+        {"and writing", [](ReplyDiary &d, QNetworkReply &r) { d.note("write", r.write("x"), r.putChar('x')); }},
+        {"and seeking", [](ReplyDiary &d, QNetworkReply &r) { d.note("seek", r.seek(0), r.reset(), r.size()); }},
+        {"and waiting",
+         [](ReplyDiary &d, QNetworkReply &r) { d.note("wait", r.waitForReadyRead(1), r.waitForBytesWritten(1)); }},
+        {"and opening again", [](ReplyDiary &d, QNetworkReply &r) { d.note("open", r.open(QIODevice::ReadOnly)); }},
+        {"with a bound that comes and goes",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             r.setReadBufferSize(r.readBufferSize() == 0 ? 1000 : 0);
+             d.note("read", r.read(2), r.readBufferSize());
+         }},
+    };
+    const auto chunk = [](const QByteArray &bytes) {
+        return QByteArray::number(bytes.size(), 16) + "\r\n" + bytes + "\r\n";
+    };
+    // Not compressed, so that each part yields something.
+    const QByteArray zipped = qCompress(parts.join(), 0).mid(4);
+    const std::tuple<const char *, Answer, qint64> bodies[] = {
+        {"with a length", inPartsWithLength("200 OK", parts), 0},
+        {"without the download buffer", inPartsWithLength("200 OK", parts), -1},
+        {"with a bound", inPartsWithLength("200 OK", parts), 1000},
+        {"in chunks",
+         inParts("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n",
+                 {chunk(parts[0]), chunk(parts[1]), chunk(parts[2]) + chunk({})}),
+         0},
+        {"until it closes", inParts("HTTP/1.1 200 OK\r\n", parts, true), 0},
+        {"compressed",
+         inPartsWithLength("200 OK\r\nContent-Encoding: deflate", {zipped.left(20), zipped.mid(20)}), 0},
+        {"compressed, with a bound",
+         inPartsWithLength("200 OK\r\nContent-Encoding: deflate", {zipped.left(20), zipped.mid(20)}), 1000},
+        {"of a failure", inPartsWithLength("404 Not Found", parts), 0},
+    };
+    for (const auto &[body, answer, bound] : bodies) {
+        for (const auto &[way, read] : readers) {
+            row(QByteArray("body ") + body + ", read " + way,
+                [answer = answer, bound = bound, read = read](Stage &stage) {
+                    stage.server.answer("/", {answer});
+                    goOnAtEachPart(stage);
+                    stage.each("readyRead", [read](Stage &s, QNetworkReply *reply) {
+                        read(s.diary, *reply);
+                        goOn(s, reply);
+                    });
+                    stage.on("finished", [read](Stage &s, QNetworkReply *reply) { read(s.diary, *reply); });
+                    Request request = stage.request();
+                    if (bound < 0)
+                        request.setAttribute(Request::MaximumDownloadBufferSizeAttribute, 0);
+                    QNetworkReply *const reply = stage.get(request);
+                    if (bound > 0)
+                        reply->setReadBufferSize(bound);
+                });
+        }
+    }
+}
