@@ -1,5 +1,7 @@
 #include "Tests/NetworkPlays.h"
 
+#include "Quorvix/QXNetworkAccessManager.h"
+
 #include <QtTest/QTest>
 
 #include <algorithm>
@@ -8,7 +10,7 @@ using namespace NetworkPlays;
 
 namespace {
 
-using Ours = QNetworkAccessManager;
+using Ours = QXNetworkAccessManager;
 using Play = NetworkStage::Play;
 using Transport = ScriptedServer::Transport;
 
