@@ -361,6 +361,11 @@ void NetworkPlays::addReaders()
         {"and seeking", [](ReplyDiary &d, QNetworkReply &r) { d.note("seek", r.seek(0), r.reset(), r.size()); }},
         {"and waiting",
          [](ReplyDiary &d, QNetworkReply &r) { d.note("wait", r.waitForReadyRead(1), r.waitForBytesWritten(1)); }},
+        {"and aborting",
+         [](ReplyDiary &d, QNetworkReply &r) {
+             r.abort();
+             d.note("read", r.readAll(), r.bytesAvailable());
+         }},
         {"and opening again", [](ReplyDiary &d, QNetworkReply &r) { d.note("open", r.open(QIODevice::ReadOnly)); }},
         {"with a bound that comes and goes",
          [](ReplyDiary &d, QNetworkReply &r) {

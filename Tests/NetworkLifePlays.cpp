@@ -32,7 +32,8 @@ void NetworkPlays::addCaches()
          httpAnswer("200 OK", "another")},
         {"compressed", httpAnswer("200 OK", qCompress(page).mid(4), "Content-Encoding: deflate\r\n" + fresh),
          ""},
-        {"before a failure", httpAnswer("200 OK", page), httpAnswer("500 Internal Server Error", "broken")},
+        {"before a failure", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n4\r\npage\r\n0\r\n\r\n",
+         "HTTP/1.1 500 Internal Server Error\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n"},
         {"redirect", httpAnswer("301 Moved", page, "Location: /end\r\n" + fresh),
          httpAnswer("200 OK", "another")},
     };
@@ -154,14 +155,14 @@ void NetworkPlays::addLives()
     });
     row("slots that are called later", [](Stage &stage) {
         stage.server.answer("/", {inPartsWithLength("404 Not Found", {"a", "b"})});
-        goOnAtEachPart(stage);
+        stage.on("requestSent", goOn);
         Reply *const reply = stage.get();
         const auto note = [&stage, reply] {
             stage.diary.note("later", reply->isFinished(), reply->bytesAvailable(), int(reply->error()));
+            goOn(stage, reply);
         };
         QObject::connect(reply, &Reply::metaDataChanged, &stage.diary, note, Qt::QueuedConnection);
         QObject::connect(reply, &Reply::readyRead, &stage.diary, note, Qt::QueuedConnection);
-        QObject::connect(reply, &Reply::errorOccurred, &stage.diary, note, Qt::QueuedConnection);
         QObject::connect(reply, &Reply::finished, &stage.diary, note, Qt::QueuedConnection);
     });
     const std::pair<const char *, Stage::Play> subclassed[] = {

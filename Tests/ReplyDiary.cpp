@@ -172,6 +172,6 @@ bool ReplyDiary::isLucky(const QByteArray &signal, QNetworkReply *reply)
     if (signal == "metaDataChanged")
         m_sent.remove(reply);
     if (signal == "socketStartedConnecting")
-        return reply->isFinished() || std::exchange(m_connecting[reply], true);
+        return reply->isFinished() || reply != m_replies.front() || std::exchange(m_isConnecting, true);
     return signal == "requestSent" && (reply->isFinished() || std::exchange(m_sent[reply], true));
 }

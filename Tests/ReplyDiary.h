@@ -76,8 +76,8 @@ private:
     std::vector<QPointer<QNetworkReply>> m_replies;
     Reaction m_reaction;
     QHash<QByteArray, qint64> m_progress;
-    QHash<QNetworkReply *, bool> m_connecting;
     QHash<QNetworkReply *, bool> m_sent;
+    bool m_isConnecting = false;
     bool m_flows = false;
     bool m_keepsProgress = false;
 };
