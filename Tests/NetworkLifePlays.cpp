@@ -33,7 +33,7 @@ void NetworkPlays::addCaches()
         {"compressed", httpAnswer("200 OK", qCompress(page).mid(4), "Content-Encoding: deflate\r\n" + fresh),
          ""},
         {"before a failure", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n4\r\npage\r\n0\r\n\r\n",
-         "HTTP/1.1 500 Internal Server Error\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n"},
+         "HTTP/1.1 500 Internal Server Error\r\nTransfer-Encoding: chunked\r\n\r\n"},
         {"redirect", httpAnswer("301 Moved", page, "Location: /end\r\n" + fresh),
          httpAnswer("200 OK", "another")},
     };
@@ -48,7 +48,10 @@ void NetworkPlays::addCaches()
                 auto *const cache = new QNetworkDiskCache(stage.manager);
                 cache->setCacheDirectory(stage.folder.path());
                 stage.manager->setCache(cache);
-                stage.server.answer("/", {{{first}}, {{second}, second.isEmpty()}});
+                // The new answer never ends where Qt takes the old one in its place.
+                const QByteArrayList changed =
+                    second.contains("chunked") ? QByteArrayList{second, {}} : QByteArrayList{second};
+                stage.server.answer("/", {{{first}}, {changed, second.isEmpty()}});
                 stage.server.answer("/end", {{{httpAnswer("200 OK", "end", fresh)}}});
                 stage.each("readyRead", [](Stage &s, Reply *reply) { s.diary.note("read", reply->read(4)); });
                 Request request = stage.request();
@@ -180,7 +183,9 @@ void NetworkPlays::addLives()
          }},
     };
     for (const auto &[name, play] : subclassed)
-        row(QByteArray("a host's own manager, ") + name, play, Manager::Subclass);
+        for (const Manager manager : {Manager::Subclass, Manager::Wrapped, Manager::OneLine})
+            row(QByteArray("a host's own manager, ") + name + ' ' + QByteArray::number(int(manager)), play,
+                manager);
     for (const char *status : {"200 OK", "404 Not Found", "302 Found"}) {
         row(QByteArray("synchronous ") + status, [status](Stage &stage) {
             stage.server.answer("/", {{{httpAnswer(status, "bytes", "Location: /end\r\n")}}});

@@ -5,8 +5,9 @@
 /// The plays of the comparison, as rows of a table with the columns "play", "manager" and "transport".
 namespace NetworkPlays {
 
-/// What kind of manager a play needs.
-enum class Manager { Itself, Subclass };
+/// What kind of manager a play needs: one without a class of its own; or one of a class of the host's, which
+/// is captured by its base class, by a wrapper, or by a line in its createRequest().
+enum class Manager { Itself, Subclass, Wrapped, OneLine };
 
 void row(const QByteArray &name, const NetworkStage::Play &play, Manager manager = Manager::Itself);
 void secureRow(const QByteArray &name, const NetworkStage::Play &play);
