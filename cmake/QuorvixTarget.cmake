@@ -90,8 +90,9 @@ function(quorvix_product target)
         add_library(Quorvix::${product_EXPORT_NAME} ALIAS ${target})
         set_target_properties(${target} PROPERTIES EXPORT_NAME ${product_EXPORT_NAME})
     endif()
+    # With its AUTOMOC off, CMake leaves out what the rooms' AUTOMOC adds, if a host's target with AUTOMOC links the
+    # product from a folder above.
     set_target_properties(${target} PROPERTIES
-        AUTOMOC OFF
         LINKER_LANGUAGE CXX
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
