@@ -27,7 +27,6 @@ using Contest::require;
 
 namespace {
 
-constexpr int rounds = 40;
 /// Qt opens six connections to a host, so no request waits in a queue.
 constexpr int concurrent = 6;
 /// The requests before each measurement.
@@ -241,6 +240,7 @@ struct Load
     const char *path;
     int requests;
     Reading reading;
+    int rounds;
     double target;
 };
 
@@ -273,22 +273,25 @@ constexpr Kind kinds[] = {
     {"captured", "captured"},
 };
 
+/// The hosts of a round run one after the other, so that the load of the machine is about the same for all.
 void measureTime(const QUrl &server, const Load &load)
 {
     std::vector<double> times[std::size(kinds)];
-    for (int round = 0; round < rounds; ++round) {
+    std::vector<double> ratios[std::size(kinds)];
+    for (int round = 0; round < load.rounds; ++round) {
         for (size_t i = 0; i < std::size(kinds); ++i) {
             const size_t next = round % 2 == 0 ? i : std::size(kinds) - 1 - i;
             times[next].push_back(host(kinds[next].kind, server, load).time);
         }
+        for (size_t i = 0; i < std::size(kinds); ++i)
+            ratios[i].push_back(times[i].back() / times[0].back());
     }
     std::printf("\n%s, target %.2f\n", load.name, load.target);
-    const double plain = Contest::median(times[0]);
     for (size_t i = 0; i < std::size(kinds); ++i) {
-        std::sort(times[i].begin(), times[i].end());
+        std::sort(ratios[i].begin(), ratios[i].end());
         std::printf("  %-28s %9.1f us %8.3f   %.3f to %.3f\n", kinds[i].name, Contest::median(times[i]),
-                    Contest::median(times[i]) / plain, times[i][rounds / 4] / plain,
-                    times[i][rounds * 3 / 4] / plain);
+                    Contest::median(ratios[i]), ratios[i][ratios[i].size() / 4],
+                    ratios[i][ratios[i].size() * 3 / 4]);
     }
 }
 
@@ -314,20 +317,20 @@ int main(int argc, char *argv[])
     QUrl server(QStringLiteral("http://127.0.0.1"));
     server.setPort(startServer(process));
 
-    std::printf("Processor time of a host for each request and its ratio to the first host: medians of %d "
-                "processes\nof each kind, and the ratios between which half of them are\n",
-                rounds);
+    std::printf(
+        "Processor time of a host for each request and its ratio to the first host of the same round: "
+        "medians,\nand the ratios between which half of the rounds are\n");
     for (const Load &load : {
-             Load{"200 bytes, read at the end", "/200", 1000, Reading::AtFinished, 1.05},
-             Load{"200 bytes, read at each readyRead", "/200", 1000, Reading::AtEachReadyRead, 1.05},
-             Load{"4 MB, read at the end", "/4000000", 48, Reading::AtFinished, 1.10},
-             Load{"4 MB, read at each readyRead", "/4000000", 48, Reading::AtEachReadyRead, 1.10},
+             Load{"200 bytes, read at the end", "/200", 500, Reading::AtFinished, 100, 1.05},
+             Load{"200 bytes, read at each readyRead", "/200", 500, Reading::AtEachReadyRead, 100, 1.05},
+             Load{"4 MB, read at the end", "/4000000", 48, Reading::AtFinished, 40, 1.10},
+             Load{"4 MB, read at each readyRead", "/4000000", 48, Reading::AtEachReadyRead, 40, 1.10},
          })
         measureTime(server, load);
 
     std::printf("\nMemory of recorded exchanges\n  %-28s %12s %18s\n", "", "capacity/size", "for each");
-    measureMemory(server, {"3,000 bodies of 189 bytes", "/189", 3000, Reading::AtFinished, 0});
-    measureMemory(server, {"20 bodies of 4 MB", "/4000000", 20, Reading::AtFinished, 0});
+    measureMemory(server, {"3,000 bodies of 189 bytes", "/189", 3000, Reading::AtFinished, 1, 0});
+    measureMemory(server, {"20 bodies of 4 MB", "/4000000", 20, Reading::AtFinished, 1, 0});
 
     process.closeWriteChannel();
     process.waitForFinished();
