@@ -246,7 +246,7 @@ void QXNetworkReply::mirrorAddress()
 void QXNetworkReply::mirrorResponse()
 {
     mirrorHeaders(*m_inner);
-    m_isCompressed = hasRawHeader("Content-Encoding");
+    m_isCompressed = hasRawHeader("Content-Encoding") && request().rawHeader("Accept-Encoding").isEmpty();
     const auto mirror = [this](QNetworkRequest::Attribute code) {
         if (const QVariant value = m_inner->attribute(code); value.isValid())
             setAttribute(code, value);
@@ -304,6 +304,19 @@ void QXNetworkReply::noteCancelling()
         innerAboutToClose();
 }
 
+/// Opening or closing a device empties its buffer. Qt keeps a compressed body elsewhere, and some others.
+void QXNetworkReply::loseUnread()
+{
+    if (!m_isCompressed && !attribute(QNetworkRequest::DownloadBufferAttribute).isValid())
+        m_position = m_body.size();
+}
+
+bool QXNetworkReply::open(OpenMode mode)
+{
+    loseUnread();
+    return QNetworkReply::open(mode);
+}
+
 void QXNetworkReply::setReadBufferSize(qint64 size)
 {
     QNetworkReply::setReadBufferSize(size);
@@ -348,7 +361,7 @@ qint64 QXNetworkReply::bytesAvailable() const
 
 bool QXNetworkReply::canReadLine() const
 {
-    return QNetworkReply::canReadLine() || m_body.indexOf('\n', m_position) >= 0 ||
+    return QNetworkReply::canReadLine() || (!m_isCompressed && m_body.indexOf('\n', m_position) >= 0) ||
            (m_inner && m_inner->canReadLine());
 }
 
@@ -361,7 +374,9 @@ qint64 QXNetworkReply::readData(char *data, qint64 maxSize)
 {
     if (const qint64 ready = m_body.size() - m_position; ready > 0) {
         const qint64 size = std::min(ready, maxSize);
-        std::memcpy(data, m_body.constData() + m_position, std::size_t(size));
+        // A host that reads no bytes need not have a place for them.
+        if (size > 0)
+            std::memcpy(data, m_body.constData() + m_position, std::size_t(size));
         m_position += size;
         return size;
     }
@@ -381,8 +396,10 @@ qint64 QXNetworkReply::readData(char *data, qint64 maxSize)
 
 bool QXNetworkReply::readsThrough() const
 {
-    // Qt saves a compressed body in its cache while it is read.
-    return readBufferSize() > 0 || m_isCompressed;
+    // Qt saves a compressed body in its cache while it is read, and must itself come to the end of what it has
+    // in its cache.
+    return readBufferSize() > 0 || m_isCompressed ||
+           m_inner->attribute(QNetworkRequest::SourceIsFromCacheAttribute).toBool();
 }
 
 void QXNetworkReply::drain()
@@ -445,6 +462,7 @@ void QXNetworkReply::innerDownloadProgress(qint64 received, qint64 total)
 void QXNetworkReply::innerErrorOccurred(QNetworkReply::NetworkError error)
 {
     mirrorState();
+    mirrorAddress();
     mirrorResponse();
     Q_EMIT errorOccurred(error);
 }
@@ -454,7 +472,7 @@ void QXNetworkReply::innerAboutToClose()
     // The bytes that the host has not read are lost with this.
     drain();
     QNetworkReply::close();
-    m_position = m_body.size();
+    loseUnread();
 }
 
 void QXNetworkReply::innerReadChannelFinished()
@@ -467,8 +485,8 @@ void QXNetworkReply::innerFinished()
 {
     drain();
     mirrorState();
-    if (!m_hasResponse)
-        mirrorResponse();
+    mirrorAddress();
+    mirrorResponse();
     complete();
     Q_EMIT finished();
 }

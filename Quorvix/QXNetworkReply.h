@@ -46,6 +46,7 @@ public:
     /// The identifier of the exchange, which never changes. Any thread.
     [[nodiscard]] const QString &exchangeId() const { return m_exchange.id(); }
 
+    bool open(OpenMode mode) override;
     void abort() override;
     void close() override;
     void setReadBufferSize(qint64 size) override;
@@ -97,6 +98,7 @@ private:
     void connectInner();
     void connectTls();
     void noteCancelling();
+    void loseUnread();
     void reportProgress();
     void innerRedirected(const QUrl &url);
     void mirrorHeaders(const QNetworkReply &from);
