@@ -114,10 +114,15 @@ private Q_SLOTS:
         ofQt->wait();
         ours->start();
         ours->wait();
-        for (const QByteArrayList &seen : {actual, onThread}) {
-            // A few plays have more than one end, because Qt works on two threads and repeats requests.
-            for (int attempts = 8; attempts > 0 && seen != expected; --attempts)
+        // When Qt follows a redirect, it sends the former request again if its thread is slow.
+        const bool isRepeated = QByteArray(QTest::currentDataTag()).contains("redirect");
+        for (QByteArrayList seen : {actual, onThread}) {
+            // A few plays have more than one end, because Qt works on two threads.
+            for (int attempts = 8; attempts > 0 && seen != expected; --attempts) {
                 expected = NetworkStage::perform(qts(manager), play, transport);
+                if (isRepeated && seen != expected)
+                    seen = NetworkStage::perform(captured(manager), play, transport);
+            }
             if (seen != expected)
                 QFAIL(difference(expected, seen).constData());
         }

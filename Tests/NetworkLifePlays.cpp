@@ -83,11 +83,14 @@ void NetworkPlays::addFailures()
                             "data:,hello", "data:text/html;base64,PGI+", "data:broken"}) {
         row(QByteArray("local URL ") + url, [url](Stage &stage) {
             const QUrl address(QString::fromLatin1(url).replace(u"FOLDER"_s, stage.folder.path()));
-            const Reply *const put = stage.watch(stage.manager->put(Request(address), QByteArray("x")));
-            stage.diary.note("class", put->metaObject()->className());
-            stage.finish();
+            // Qt writes files in the working directory for some of the others.
+            if (address.isLocalFile()) {
+                Reply *const put = stage.watch(stage.manager->put(Request(address), QByteArray("x")));
+                stage.diary.note("class", put->metaObject()->className());
+                stage.finish();
+            }
             QFile file(address.toLocalFile());
-            if (file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
+            if (address.isLocalFile() && file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
                 file.setFileTime(QDateTime::fromSecsSinceEpoch(1'000'000'000), QFile::FileModificationTime);
             stage.diary.note("class", stage.get(Request(address))->metaObject()->className());
         });
