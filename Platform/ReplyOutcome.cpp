@@ -46,12 +46,13 @@ QString ReplyOutcome::fieldName(const QByteArray &bytes)
 {
     // Servers send the same few names again and again. So the traces share their texts.
     constexpr qsizetype mostNames = 256;
+    constexpr qsizetype longestName = 64;
     static thread_local QHash<QByteArray, QString> names;
     const auto known = names.constFind(bytes);
     if (known != names.cend())
         return *known;
     const QString name = fieldText(HTTPHeaderName::usualSpelling(bytes));
-    if (names.size() < mostNames)
+    if (names.size() < mostNames && bytes.size() <= longestName)
         names.insert(bytes, name);
     return name;
 }

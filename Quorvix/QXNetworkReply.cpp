@@ -271,6 +271,9 @@ void QXNetworkReply::mirrorHeaders(const QNetworkReply &from)
     const QList<QByteArray> old = rawHeaderList();
     for (const QByteArray &name : old)
         setRawHeader(name, QByteArray());
+    // Qt keeps the first length of several, which it would not find in the joined text.
+    if (const QVariant length = from.header(QNetworkRequest::ContentLengthHeader); length.isValid())
+        setHeader(QNetworkRequest::ContentLengthHeader, length);
     for (const auto &[name, value] : from.rawHeaderPairs())
         setRawHeader(name, value);
 #endif
@@ -486,7 +489,9 @@ void QXNetworkReply::innerFinished()
     drain();
     mirrorState();
     mirrorAddress();
-    mirrorResponse();
+    // A reply from the cache says so only after it has reported its headers.
+    if (!m_hasResponse || !m_isOfQt)
+        mirrorResponse();
     complete();
     Q_EMIT finished();
 }
