@@ -57,6 +57,21 @@ QString ReplyOutcome::fieldName(const QByteArray &bytes)
     return name;
 }
 
+URLRequest ReplyOutcome::request(const QNetworkReply &reply, const QString &method,
+                                 const std::optional<QByteArray> &body)
+{
+    const QNetworkRequest sent = reply.request();
+    URLRequest request(sent.url());
+    request.httpMethod = method;
+    request.httpBody = body;
+    const QList<QByteArray> names = sent.rawHeaderList();
+    if (!names.isEmpty())
+        request.allHTTPHeaderFields.emplace();
+    for (const QByteArray &name : names)
+        request.allHTTPHeaderFields->insert(fieldName(name), fieldText(sent.rawHeader(name)));
+    return request;
+}
+
 NSURLResponsePtr ReplyOutcome::response(const QNetworkReply &reply)
 {
     const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);

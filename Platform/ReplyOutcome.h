@@ -2,6 +2,7 @@
 
 #include "Platform/NSError.h"
 #include "Platform/NSURLResponse.h"
+#include "Platform/URLRequest.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
@@ -20,6 +21,10 @@ namespace ReplyOutcome {
 [[nodiscard]] QString fieldName(const QByteArray &bytes);
 /// The value of a header: UTF-8, or Latin-1 if it is not UTF-8.
 [[nodiscard]] QString fieldText(const QByteArray &bytes);
+
+/// What the reply has asked for, with the headers that Qt has added so far.
+[[nodiscard]] URLRequest request(const QNetworkReply &reply, const QString &method,
+                                 const std::optional<QByteArray> &body);
 
 /// The response that has arrived so far. Null if there is none.
 [[nodiscard]] NSURLResponsePtr response(const QNetworkReply &reply);

@@ -1,27 +1,22 @@
 #include "Quorvix/QXNetworkReply.h"
 
-#include "Quorvix/QXUploadTee.h"
+#include "Quorvix/QXReplyRegistry.h"
 
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/ReplyOutcome.h"
 
-#include <QtCore/QHash>
 #include <QtCore/QMetaMethod>
 #include <QtNetwork/QSslConfiguration>
 #include <QtNetwork/QSslError>
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <mutex>
 #include <utility>
 
 using namespace Quorvix;
 
 namespace {
 
-/// A server can announce any length, so no more than this is reserved before the bytes arrive.
-constexpr qint64 largestReservation = 64'000'000;
 /// The attributes that Qt gives to its replies.
 constexpr std::array replyAttributes{
     QNetworkRequest::HttpStatusCodeAttribute,        QNetworkRequest::HttpReasonPhraseAttribute,
@@ -35,91 +30,16 @@ constexpr std::array replyAttributes{
 constexpr int endOfQtAttributes = 64;
 constexpr int userAttributes = 16;
 
-/// The inner replies and those that wrap them.
-class Wrappers
-{
-public:
-    static Wrappers &instance()
-    {
-        static auto *const wrappers = new Wrappers;
-        return *wrappers;
-    }
-
-    void insert(const QNetworkReply *inner, QXNetworkReply *outer)
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_outer.insert(inner, outer);
-    }
-
-    void remove(const QNetworkReply *inner)
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_outer.remove(inner);
-    }
-
-    QXNetworkReply *outerOf(const QNetworkReply *inner)
-    {
-        const std::scoped_lock lock(m_mutex);
-        return m_outer.value(inner);
-    }
-
-    /// Calls @p ask for the reply of this exchange, which cannot be destroyed meanwhile.
-    template<typename Ask>
-    bool ask(const QString &id, Ask ask)
-    {
-        const std::scoped_lock lock(m_mutex);
-        const auto found = std::find_if(m_outer.cbegin(), m_outer.cend(), [&](const QXNetworkReply *reply) {
-            return reply->exchangeId() == id;
-        });
-        if (found == m_outer.cend())
-            return false;
-        ask(*found);
-        return true;
-    }
-
-private:
-    std::mutex m_mutex;
-    QHash<const QNetworkReply *, QXNetworkReply *> m_outer;
-};
-
-/// Gives the memory back that a growing buffer has too much.
-void squeeze(QByteArray &bytes)
-{
-    constexpr qsizetype page = 4096;
-    if (bytes.capacity() > bytes.size() + std::min(page, bytes.size() / 8))
-        bytes.squeeze();
-}
-
-HTTPHeaderFields headersOf(const QNetworkRequest &request)
-{
-    HTTPHeaderFields fields;
-    const QList<QByteArray> names = request.rawHeaderList();
-    for (const QByteArray &name : names)
-        fields.insert(ReplyOutcome::fieldName(name), ReplyOutcome::fieldText(request.rawHeader(name)));
-    return fields;
-}
-
-URLRequest requestOf(const QNetworkReply &inner, const QXNetworkReply::Source &source)
-{
-    const QNetworkRequest sent = inner.request();
-    URLRequest request(sent.url());
-    request.httpMethod = source.method;
-    HTTPHeaderFields fields = headersOf(sent);
-    if (!fields.isEmpty())
-        request.allHTTPHeaderFields = std::move(fields);
-    request.httpBody = source.body;
-    return request;
-}
-
 } // namespace
 
 QXNetworkReply::QXNetworkReply(QNetworkReply *inner, Source source, QObject *parent)
     : QNetworkReply(parent), m_inner(inner), m_innerKey(inner), m_source(std::move(source)),
-      m_exchange(requestOf(*inner, m_source)), m_isOfQt(inner->inherits("QNetworkReplyHttpImpl"))
+      m_exchange(ReplyOutcome::request(*inner, m_source.method, m_source.body)),
+      m_isOfQt(inner->inherits("QNetworkReplyHttpImpl"))
 {
     // The manager deletes its children in any order, but the inner reply must go with this one.
     inner->setParent(nullptr);
-    Wrappers::instance().insert(inner, this);
+    QXReplyRegistry::shared().insert(inner, this);
     setObjectName(inner->objectName());
     const QList<QByteArray> properties = inner->dynamicPropertyNames();
     for (const QByteArray &name : properties)
@@ -150,7 +70,7 @@ QXNetworkReply::~QXNetworkReply()
             drain();
         complete();
     }
-    Wrappers::instance().remove(m_innerKey);
+    QXReplyRegistry::shared().remove(m_innerKey);
     if (m_inner) {
         // Before the device from which it uploads, which is a member or a child of this reply.
         delete m_inner;
@@ -159,7 +79,7 @@ QXNetworkReply::~QXNetworkReply()
 
 QXNetworkReply *QXNetworkReply::outerOf(const QNetworkReply *inner)
 {
-    return Wrappers::instance().outerOf(inner);
+    return QXReplyRegistry::shared().outerOf(inner);
 }
 
 void QXNetworkReply::connectInner()
@@ -311,7 +231,7 @@ void QXNetworkReply::noteCancelling()
 void QXNetworkReply::loseUnread()
 {
     if (!m_isCompressed && !attribute(QNetworkRequest::DownloadBufferAttribute).isValid())
-        m_position = m_body.size();
+        m_body.loseUnread();
 }
 
 bool QXNetworkReply::open(OpenMode mode)
@@ -358,13 +278,13 @@ bool QXNetworkReply::isSequential() const
 
 qint64 QXNetworkReply::bytesAvailable() const
 {
-    const qint64 own = QNetworkReply::bytesAvailable() + m_body.size() - m_position;
+    const qint64 own = QNetworkReply::bytesAvailable() + m_body.unread();
     return m_inner && m_inner->isOpen() ? own + m_inner->bytesAvailable() : own;
 }
 
 bool QXNetworkReply::canReadLine() const
 {
-    return QNetworkReply::canReadLine() || (!m_isCompressed && m_body.indexOf('\n', m_position) >= 0) ||
+    return QNetworkReply::canReadLine() || (!m_isCompressed && m_body.hasLine()) ||
            (m_inner && m_inner->canReadLine());
 }
 
@@ -375,58 +295,22 @@ bool QXNetworkReply::waitForReadyRead(int milliseconds)
 
 qint64 QXNetworkReply::readData(char *data, qint64 maxSize)
 {
-    if (const qint64 ready = m_body.size() - m_position; ready > 0) {
-        const qint64 size = std::min(ready, maxSize);
-        // A host that reads no bytes need not have a place for them.
-        if (size > 0)
-            std::memcpy(data, m_body.constData() + m_position, std::size_t(size));
-        m_position += size;
-        return size;
-    }
-    if (!m_inner)
-        return -1;
-    // The inner reply lets the server go on when it is asked for more than it has: not before the host is.
-    const qint64 available = m_inner->bytesAvailable();
-    const qint64 size = m_inner->read(data, available > 0 ? std::min(available, maxSize) : maxSize);
-    if (size > 0) {
-        m_body.append(data, size);
-        m_position += size;
-    }
-    return size;
+    return m_body.read(m_inner, data, maxSize);
 }
 
 // What the inner reply tells
 
 bool QXNetworkReply::readsThrough() const
 {
-    // Qt saves a compressed body in its cache while it is read, and must itself come to the end of what it has
-    // in its cache.
+    // Qt saves a compressed body in its cache while it is read, and must itself come to the end of what it
+    // has in its cache.
     return readBufferSize() > 0 || m_isCompressed ||
            m_inner->attribute(QNetworkRequest::SourceIsFromCacheAttribute).toBool();
 }
 
 void QXNetworkReply::drain()
 {
-    if (!m_inner->isOpen())
-        return;
-    for (qint64 size = m_inner->bytesAvailable(); size > 0; size = m_inner->bytesAvailable()) {
-        if (m_body.isEmpty()) {
-            // Not copied if the reply has these bytes in one piece.
-            m_body = m_inner->read(size);
-            const qint64 length = m_inner->header(QNetworkRequest::ContentLengthHeader).toLongLong();
-            if (m_body.isEmpty())
-                return;
-            if (length > m_body.size())
-                m_body.reserve(std::min(length, largestReservation));
-            continue;
-        }
-        const qsizetype before = m_body.size();
-        m_body.resize(before + size);
-        const qint64 read = m_inner->read(m_body.data() + before, size);
-        m_body.resize(before + std::max<qint64>(read, 0));
-        if (read <= 0)
-            return;
-    }
+    m_body.drain(*m_inner);
 }
 
 void QXNetworkReply::innerRedirected(const QUrl &url)
@@ -512,21 +396,24 @@ void QXNetworkReply::complete(const DataTaskCompletionHandler &deliver)
 {
     if (std::exchange(m_isComplete, true))
         return;
-    squeeze(m_body);
+    m_body.squeeze();
     if (m_source.tee && m_inner) {
         m_source.body = m_source.tee->copy();
-        m_exchange.amend(requestOf(*m_inner, m_source));
+        m_exchange.amend(ReplyOutcome::request(*m_inner, m_source.method, m_source.body));
     }
     const NSURLResponsePtr response = m_inner ? ReplyOutcome::response(*m_inner) : nullptr;
     if (deliver)
-        m_exchange.complete(response, m_body, transportError(), deliver);
+        m_exchange.complete(response, m_body.bytes(), transportError(), deliver);
     else
-        m_exchange.complete(response, m_body, transportError());
+        m_exchange.complete(response, m_body.bytes(), transportError());
 }
 
 bool QXNetworkReply::refresh(const QString &id)
 {
-    return Wrappers::instance().ask(id, [](QXNetworkReply *reply) {
+    const auto matches = [&](const QXNetworkReply *reply) {
+        return reply->exchangeId() == id;
+    };
+    return QXReplyRegistry::shared().visit(matches, [](QXNetworkReply *reply) {
         QMetaObject::invokeMethod(
             reply, [reply] { reply->reportProgress(); }, Qt::QueuedConnection);
     });
@@ -536,7 +423,7 @@ void QXNetworkReply::reportProgress()
 {
     if (m_isComplete || !m_inner)
         return;
-    QByteArray soFar = m_body;
+    QByteArray soFar = m_body.bytes();
     // What Qt has decompressed it would also have saved in its cache.
     if (!m_isCompressed && m_inner->isOpen())
         soFar += m_inner->peek(m_inner->bytesAvailable());
@@ -545,6 +432,5 @@ void QXNetworkReply::reportProgress()
 
 void QXNetworkReply::setBody(const QByteArray &body)
 {
-    m_body = body;
-    m_position = 0;
+    m_body.replace(body);
 }

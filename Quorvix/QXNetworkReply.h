@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quorvix/QXExchange.h"
+#include "Quorvix/QXReplyBody.h"
 #include "Quorvix/QXUploadTee.h"
 
 #include <QtCore/QPointer>
@@ -108,10 +109,7 @@ private:
     const QNetworkReply *const m_innerKey;
     Source m_source;
     QXExchange m_exchange;
-    /// All bytes that were taken from the inner reply.
-    QByteArray m_body;
-    /// How many of them the host has read.
-    qsizetype m_position = 0;
+    QXReplyBody m_body;
     bool m_isCancelled = false;
     bool m_isComplete = false;
     /// Whether the headers and attributes are those of the last response.

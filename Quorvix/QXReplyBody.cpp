@@ -1,0 +1,72 @@
+#include "Quorvix/QXReplyBody.h"
+
+#include <QtNetwork/QNetworkReply>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// A server can announce any length, so no more than this is reserved before the bytes arrive.
+constexpr qint64 largestReservation = 64'000'000;
+
+} // namespace
+
+void QXReplyBody::drain(QNetworkReply &inner)
+{
+    if (!inner.isOpen())
+        return;
+    for (qint64 size = inner.bytesAvailable(); size > 0; size = inner.bytesAvailable()) {
+        if (m_bytes.isEmpty()) {
+            // Not copied if the reply has these bytes in one piece.
+            m_bytes = inner.read(size);
+            const qint64 length = inner.header(QNetworkRequest::ContentLengthHeader).toLongLong();
+            if (m_bytes.isEmpty())
+                return;
+            if (length > m_bytes.size())
+                m_bytes.reserve(std::min(length, largestReservation));
+            continue;
+        }
+        const qsizetype before = m_bytes.size();
+        m_bytes.resize(before + size);
+        const qint64 read = inner.read(m_bytes.data() + before, size);
+        m_bytes.resize(before + std::max<qint64>(read, 0));
+        if (read <= 0)
+            return;
+    }
+}
+
+qint64 QXReplyBody::read(QNetworkReply *inner, char *data, qint64 maxSize)
+{
+    if (unread() > 0) {
+        const qint64 size = std::min(unread(), maxSize);
+        // A host that reads no bytes need not have a place for them.
+        if (size > 0)
+            std::memcpy(data, m_bytes.constData() + m_position, std::size_t(size));
+        m_position += size;
+        return size;
+    }
+    if (!inner)
+        return -1;
+    // The inner reply lets the server go on when it is asked for more than it has: not before the host is.
+    const qint64 available = inner->bytesAvailable();
+    const qint64 size = inner->read(data, available > 0 ? std::min(available, maxSize) : maxSize);
+    if (size > 0) {
+        m_bytes.append(data, size);
+        m_position += size;
+    }
+    return size;
+}
+
+void QXReplyBody::replace(const QByteArray &bytes)
+{
+    m_bytes = bytes;
+    m_position = 0;
+}
+
+void QXReplyBody::squeeze()
+{
+    constexpr qsizetype page = 4096;
+    if (m_bytes.capacity() > m_bytes.size() + std::min(page, m_bytes.size() / 8))
+        m_bytes.squeeze();
+}
