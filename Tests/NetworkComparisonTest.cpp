@@ -114,13 +114,11 @@ private Q_SLOTS:
         ofQt->wait();
         ours->start();
         ours->wait();
-        // When Qt follows a redirect, it sends the former request again if its thread is slow.
-        const bool isRepeated = QByteArray(QTest::currentDataTag()).contains("redirect");
         for (QByteArrayList seen : {actual, onThread}) {
-            // A few plays have more than one end, because Qt works on two threads.
-            for (int attempts = 8; attempts > 0 && seen != expected; --attempts) {
+            // Qt works on two threads, so that a few plays have a second, rare end. A difference is one that stays.
+            for (int attempts = 6; attempts > 0 && seen != expected; --attempts) {
                 expected = NetworkStage::perform(qts(manager), play, transport);
-                if (isRepeated && seen != expected)
+                if (seen != expected)
                     seen = NetworkStage::perform(captured(manager), play, transport);
             }
             if (seen != expected)

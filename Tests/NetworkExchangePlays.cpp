@@ -51,9 +51,9 @@ private:
     QByteArrayList m_bits;
 };
 
-QHttpMultiPart *form()
+QHttpMultiPart *form(QObject *parent)
 {
-    auto *const form = new QHttpMultiPart(QHttpMultiPart::FormDataType);
+    auto *const form = new QHttpMultiPart(QHttpMultiPart::FormDataType, parent);
     form->setBoundary("fence");
     QHttpPart field;
     field.setHeader(Request::ContentDispositionHeader, u"form-data; name=\"a\""_s);
@@ -225,15 +225,15 @@ void NetworkPlays::addRequests()
          }},
         {"POST form",
          [](Stage &s, Request &r) {
-             return s.manager->post(r, form());
+             return s.manager->post(r, form(s.manager));
          }},
         {"PUT form",
          [](Stage &s, Request &r) {
-             return s.manager->put(r, form());
+             return s.manager->put(r, form(s.manager));
          }},
         {"PATCH form",
          [](Stage &s, Request &r) {
-             return s.manager->sendCustomRequest(r, "PATCH", form());
+             return s.manager->sendCustomRequest(r, "PATCH", form(s.manager));
          }},
         {"POST buffer from its middle",
          [](Stage &s, Request &r) {

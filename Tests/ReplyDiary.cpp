@@ -53,7 +53,7 @@ void ReplyDiary::watch(QNetworkReply *reply)
 
 void ReplyDiary::write(const QByteArray &line)
 {
-    if (m_flows && !m_lines.isEmpty() && line.startsWith("readyRead") && m_lines.last() == line)
+    if (m_flows && line.startsWith("readyRead"))
         return;
     m_lines.append(line);
     Q_EMIT written();
@@ -170,8 +170,9 @@ bool ReplyDiary::isWritten(const QByteArray &signal, QNetworkReply *reply, qint6
 bool ReplyDiary::isLucky(const QByteArray &signal, QNetworkReply *reply)
 {
     if (signal == "metaDataChanged")
-        m_sent.remove(reply);
-    if (signal == "socketStartedConnecting")
-        return reply->isFinished() || reply != m_replies.front() || std::exchange(m_isConnecting, true);
-    return signal == "requestSent" && (reply->isFinished() || std::exchange(m_sent[reply], true));
+        m_isSent = false;
+    if (signal != "socketStartedConnecting" && signal != "requestSent")
+        return false;
+    return reply->isFinished() || reply != m_replies.front() ||
+           std::exchange(signal == "requestSent" ? m_isSent : m_isConnecting, true);
 }

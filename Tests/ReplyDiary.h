@@ -11,8 +11,9 @@
 /// Writes down, line by line, what a host can see of a manager and its replies. It lives on their thread.
 ///
 /// Only what is the same in each run is written. Qt counts time between its reports of progress, so those
-/// before the end are only checked for their order. The thread of Qt that does the work may still report the
-/// start of a connection after a reply has been aborted; such reports are left out.
+/// before the end are only checked for their order. How many connections Qt needs, and what its own thread
+/// still reports of them after an abort or for a later reply, is a matter of luck; only those of the first
+/// reply are written.
 class ReplyDiary final : public QObject
 {
     Q_OBJECT
@@ -76,8 +77,8 @@ private:
     std::vector<QPointer<QNetworkReply>> m_replies;
     Reaction m_reaction;
     QHash<QByteArray, qint64> m_progress;
-    QHash<QNetworkReply *, bool> m_sent;
     bool m_isConnecting = false;
+    bool m_isSent = false;
     bool m_flows = false;
     bool m_keepsProgress = false;
 };
