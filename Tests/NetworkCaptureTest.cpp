@@ -1,7 +1,5 @@
 #include "Examples/DemoServer.h"
 
-#include "Quorvix/QXBreakpointCenter.h"
-#include "Quorvix/QXBreakpointStore.h"
 #include "Quorvix/QXExchange.h"
 #include "Quorvix/QXNetworkAccessManager.h"
 #include "Quorvix/QXNetworkAccessManagerFactory.h"
@@ -129,10 +127,6 @@ private Q_SLOTS:
     void capturesManagersOfTheHost();
     void namesTheReplyOfTheHost();
     void worksOnManyThreads();
-    void holdsAMatchingReply_data();
-    void holdsAMatchingReply();
-    void heldReplyCanBeEnded_data();
-    void heldReplyCanBeEnded();
     void showsWhatHasArrivedSoFar_data();
     void showsWhatHasArrivedSoFar();
     void recordsAnyOtherClient();
@@ -159,11 +153,6 @@ private:
 
 void NetworkCaptureTest::init()
 {
-    QXBreakpointStore::shared().setRules({});
-    // Each test begins after the cooldown of the one before.
-    static auto late = 0h;
-    ++late;
-    QXBreakpointCenter::shared().setClock([] { return std::chrono::steady_clock::now() + late; });
     recorder().clear();
 }
 
@@ -419,95 +408,6 @@ void NetworkCaptureTest::worksOnManyThreads()
     QTRY_COMPARE_WITH_TIMEOUT(recorder().findRequestsByStatusCode(200).size(), threads * requests, 20'000);
     for (const auto &thread : running)
         QVERIFY(thread->wait());
-}
-
-void NetworkCaptureTest::holdsAMatchingReply_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("status");
-    QTest::addColumn<bool>("edited");
-    QTest::addColumn<QNetworkReply::NetworkError>("error");
-
-    QTest::newRow("continued") << u"/api/v1/articles"_s << QString() << false << QNetworkReply::NoError;
-    QTest::newRow("body") << u"/api/v1/articles"_s << QString() << true << QNetworkReply::NoError;
-    QTest::newRow("failure") << u"/echo"_s << u"404"_s << true << QNetworkReply::ContentNotFoundError;
-    QTest::newRow("success") << u"/status/503"_s << u"200"_s << true << QNetworkReply::NoError;
-    QTest::newRow("status kept") << u"/status/503"_s << QString() << true
-                                 << QNetworkReply::ServiceUnavailableError;
-}
-
-void NetworkCaptureTest::holdsAMatchingReply()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, status);
-    QFETCH(bool, edited);
-    QFETCH(QNetworkReply::NetworkError, error);
-    auto &center = QXBreakpointCenter::shared();
-    QXNetworkAccessManager manager;
-    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(path), u"GET"_s));
-
-    const std::unique_ptr<QNetworkReply> reply(manager.get(request(path)));
-    QStringList signalNames;
-    connect(reply.get(), &QNetworkReply::metaDataChanged, this, [&] { signalNames += u"meta"_s; });
-    connect(reply.get(), &QNetworkReply::readyRead, this, [&] { signalNames += u"read"_s; });
-    connect(reply.get(), &QNetworkReply::downloadProgress, this, [&] { signalNames += u"progress"_s; });
-    connect(reply.get(), &QNetworkReply::errorOccurred, this, [&] { signalNames += u"error"_s; });
-    connect(reply.get(), &QNetworkReply::finished, this, [&] { signalNames += u"finished"_s; });
-    QTRY_VERIFY(center.activeBreakpoint());
-    QCOMPARE(signalNames, QStringList());
-    QVERIFY(!reply->isFinished());
-    QCOMPARE(reply->bytesAvailable(), 0);
-    const QByteArray delivered = *center.activeBreakpoint()->data;
-
-    if (edited)
-        center.apply(status, u"edited"_s);
-    else
-        center.continueActive();
-    QTRY_VERIFY(reply->isFinished());
-    QStringList expected{u"meta"_s, u"read"_s, u"progress"_s, u"finished"_s};
-    if (error != QNetworkReply::NoError)
-        expected.insert(2, u"error"_s);
-    QCOMPARE(signalNames, expected);
-    QCOMPARE(reply->error(), error);
-    const QByteArray body = reply->readAll();
-    QCOMPARE(body, edited ? "edited"_ba : delivered);
-    QCOMPARE(reply->rawHeader("Content-Length"), QByteArray::number(body.size()));
-    const int newStatus = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (!status.isEmpty())
-        QCOMPARE(newStatus, status.toInt());
-    QCOMPARE(newest().response->statusCode, newStatus);
-    QCOMPARE(newest().response->body, body);
-}
-
-void NetworkCaptureTest::heldReplyCanBeEnded_data()
-{
-    QTest::addColumn<bool>("destroyed");
-    QTest::newRow("aborted") << false;
-    QTest::newRow("destroyed") << true;
-}
-
-void NetworkCaptureTest::heldReplyCanBeEnded()
-{
-    QFETCH(bool, destroyed);
-    auto &center = QXBreakpointCenter::shared();
-    QXNetworkAccessManager manager;
-    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(u"/echo"_s), u"GET"_s));
-    std::unique_ptr<QNetworkReply> reply(manager.get(request(u"/echo"_s)));
-    QSignalSpy finished(reply.get(), &QNetworkReply::finished);
-    QTRY_VERIFY(center.activeBreakpoint());
-
-    if (destroyed) {
-        reply.reset();
-    } else {
-        reply->abort();
-        QCOMPARE(finished.count(), 1);
-        QCOMPARE(reply->error(), QNetworkReply::OperationCanceledError);
-        QVERIFY(!reply->isOpen());
-    }
-    center.continueActive();
-    QCOMPARE(newest().response->statusCode, 200);
-    QCoreApplication::processEvents();
-    QVERIFY(finished.count() <= 1);
 }
 
 void NetworkCaptureTest::showsWhatHasArrivedSoFar_data()

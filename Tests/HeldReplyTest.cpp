@@ -1,0 +1,149 @@
+#include "Examples/DemoServer.h"
+
+#include "Quorvix/QXBreakpointCenter.h"
+#include "Quorvix/QXBreakpointStore.h"
+#include "Quorvix/QXNetworkAccessManager.h"
+#include "Quorvix/QXRequestRecorder.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtNetwork/QNetworkReply>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+
+using namespace std::chrono_literals;
+
+using namespace Qt::StringLiterals;
+
+class HeldReplyTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY(m_server.start()); }
+    void init();
+    void holdsAMatchingReply_data();
+    void holdsAMatchingReply();
+    void heldReplyCanBeEnded_data();
+    void heldReplyCanBeEnded();
+
+private:
+    [[nodiscard]] QNetworkRequest request(const QString &path) const
+    {
+        return QNetworkRequest(m_server.url(path));
+    }
+    /// The newest trace, when it has ended.
+    static QXRequestTrace newest()
+    {
+        const bool ended = QTest::qWaitFor([] {
+            const QXTraceList traces = QXRequestRecorder::shared().requests();
+            return !traces.isEmpty() && traces[0].duration.has_value();
+        });
+        if (!ended)
+            qFatal("no exchange was recorded");
+        return QXRequestRecorder::shared().requests()[0];
+    }
+
+    DemoServer m_server;
+};
+
+void HeldReplyTest::init()
+{
+    QXBreakpointStore::shared().setRules({});
+    // Each test begins after the cooldown of the one before.
+    static auto late = 0h;
+    ++late;
+    QXBreakpointCenter::shared().setClock([] { return std::chrono::steady_clock::now() + late; });
+    QXRequestRecorder::shared().clear();
+}
+
+void HeldReplyTest::holdsAMatchingReply_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("status");
+    QTest::addColumn<bool>("edited");
+    QTest::addColumn<QNetworkReply::NetworkError>("error");
+
+    QTest::newRow("continued") << u"/api/v1/articles"_s << QString() << false << QNetworkReply::NoError;
+    QTest::newRow("body") << u"/api/v1/articles"_s << QString() << true << QNetworkReply::NoError;
+    QTest::newRow("failure") << u"/echo"_s << u"404"_s << true << QNetworkReply::ContentNotFoundError;
+    QTest::newRow("success") << u"/status/503"_s << u"200"_s << true << QNetworkReply::NoError;
+    QTest::newRow("status kept") << u"/status/503"_s << QString() << true
+                                 << QNetworkReply::ServiceUnavailableError;
+}
+
+void HeldReplyTest::holdsAMatchingReply()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, status);
+    QFETCH(bool, edited);
+    QFETCH(QNetworkReply::NetworkError, error);
+    auto &center = QXBreakpointCenter::shared();
+    QXNetworkAccessManager manager;
+    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(path), u"GET"_s));
+
+    const std::unique_ptr<QNetworkReply> reply(manager.get(request(path)));
+    QStringList signalNames;
+    connect(reply.get(), &QNetworkReply::metaDataChanged, this, [&] { signalNames += u"meta"_s; });
+    connect(reply.get(), &QNetworkReply::readyRead, this, [&] { signalNames += u"read"_s; });
+    connect(reply.get(), &QNetworkReply::downloadProgress, this, [&] { signalNames += u"progress"_s; });
+    connect(reply.get(), &QNetworkReply::errorOccurred, this, [&] { signalNames += u"error"_s; });
+    connect(reply.get(), &QNetworkReply::finished, this, [&] { signalNames += u"finished"_s; });
+    QTRY_VERIFY(center.activeBreakpoint());
+    QCOMPARE(signalNames, QStringList());
+    QVERIFY(!reply->isFinished());
+    QCOMPARE(reply->bytesAvailable(), 0);
+    const QByteArray delivered = *center.activeBreakpoint()->data;
+
+    if (edited)
+        center.apply(status, u"edited"_s);
+    else
+        center.continueActive();
+    QTRY_VERIFY(reply->isFinished());
+    QStringList expected{u"meta"_s, u"read"_s, u"progress"_s, u"finished"_s};
+    if (error != QNetworkReply::NoError)
+        expected.insert(2, u"error"_s);
+    QCOMPARE(signalNames, expected);
+    QCOMPARE(reply->error(), error);
+    const QByteArray body = reply->readAll();
+    QCOMPARE(body, edited ? "edited"_ba : delivered);
+    QCOMPARE(reply->rawHeader("Content-Length"), QByteArray::number(body.size()));
+    const int newStatus = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (!status.isEmpty())
+        QCOMPARE(newStatus, status.toInt());
+    QCOMPARE(newest().response->statusCode, newStatus);
+    QCOMPARE(newest().response->body, body);
+}
+
+void HeldReplyTest::heldReplyCanBeEnded_data()
+{
+    QTest::addColumn<bool>("destroyed");
+    QTest::newRow("aborted") << false;
+    QTest::newRow("destroyed") << true;
+}
+
+void HeldReplyTest::heldReplyCanBeEnded()
+{
+    QFETCH(bool, destroyed);
+    auto &center = QXBreakpointCenter::shared();
+    QXNetworkAccessManager manager;
+    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(u"/echo"_s), u"GET"_s));
+    std::unique_ptr<QNetworkReply> reply(manager.get(request(u"/echo"_s)));
+    QSignalSpy finished(reply.get(), &QNetworkReply::finished);
+    QTRY_VERIFY(center.activeBreakpoint());
+
+    if (destroyed) {
+        reply.reset();
+    } else {
+        reply->abort();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(reply->error(), QNetworkReply::OperationCanceledError);
+        QVERIFY(!reply->isOpen());
+    }
+    center.continueActive();
+    QCOMPARE(newest().response->statusCode, 200);
+    QCoreApplication::processEvents();
+    QVERIFY(finished.count() <= 1);
+}
+
+QTEST_GUILESS_MAIN(HeldReplyTest)
+#include "HeldReplyTest.moc"
