@@ -115,7 +115,8 @@ private Q_SLOTS:
         ours->start();
         ours->wait();
         for (QByteArrayList seen : {actual, onThread}) {
-            // Qt works on two threads, so that a few plays have a second, rare end. A difference is one that stays.
+            // Qt works on two threads, so that a few plays have a second, rare end. A difference is one that
+            // stays.
             for (int attempts = 6; attempts > 0 && seen != expected; --attempts) {
                 expected = NetworkStage::perform(qts(manager), play, transport);
                 if (seen != expected)
