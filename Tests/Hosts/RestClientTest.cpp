@@ -23,15 +23,21 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Clicks the button of a dialog that has one of these texts.
-void pressIn(QDialog &dialog, const QStringList &texts)
+/// The button of a dialog that has one of these texts and is enabled, or null.
+QPushButton *buttonIn(const QDialog &dialog, const QStringList &texts)
 {
     const auto buttons = dialog.findChildren<QPushButton *>();
     const auto found = std::find_if(buttons.cbegin(), buttons.cend(), [&texts](const QPushButton *button) {
-        return texts.contains(button->text().remove(u'&'));
+        return button->isEnabled() && texts.contains(button->text().remove(u'&'));
     });
-    QVERIFY2(found != buttons.cend(), qPrintable(texts.join(u' ')));
-    QTest::mouseClick(*found, Qt::LeftButton);
+    return found == buttons.cend() ? nullptr : *found;
+}
+
+void pressIn(const QDialog &dialog, const QStringList &texts)
+{
+    QPushButton *const button = buttonIn(dialog, texts);
+    QVERIFY2(button, qPrintable(texts.join(u' ')));
+    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 } // namespace
@@ -77,20 +83,23 @@ private:
     /// Chooses a file in the dialog that the next click opens.
     void chooseFile(const QString &path)
     {
-        whenOpen<QFileDialog>([path](QFileDialog &dialog) {
-            dialog.selectFile(path);
-            pressIn(dialog, {u"Save"_s, u"Open"_s});
-        });
+        const QStringList buttons{u"Save"_s, u"Open"_s};
+        whenOpen<QFileDialog>([buttons](QFileDialog &dialog) { pressIn(dialog, buttons); },
+                              [path, buttons](QFileDialog &dialog) {
+                                  dialog.findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(path);
+                                  return dialog.selectedFiles() == QStringList{path} &&
+                                         buttonIn(dialog, buttons);
+                              });
     }
     /// Acts on the next modal dialog of a class as soon as it is open and ready.
-    template<typename Dialog, typename Action, typename Ready = bool (*)(const Dialog &)>
+    template<typename Dialog, typename Action, typename Ready = bool (*)(Dialog &)>
     void whenOpen(
-        Action action, Ready isReady = [](const Dialog &) { return true; })
+        Action action, Ready isReady = [](Dialog &) { return true; })
     {
         auto *const timer = new QTimer(this);
         connect(timer, &QTimer::timeout, timer, [this, timer, action, isReady] {
             const QPointer dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
-            if (!dialog || !dialog->isVisible() || !isReady(*dialog))
+            if (!dialog || !dialog->isActiveWindow() || !isReady(*dialog))
                 return;
             delete timer;
             m_dialogs += dialog->windowTitle();
@@ -120,9 +129,7 @@ void RestClientTest::initTestCase()
 {
     QVERIFY(m_demo.start());
     QVERIFY(m_folder.isValid());
-    QCOMPARE(QApplication::topLevelWidgets().size(), 1);
-    m_window = QApplication::topLevelWidgets().constFirst();
-    QVERIFY(QTest::qWaitForWindowActive(m_window));
+    QTRY_VERIFY(m_window = QApplication::activeWindow());
 }
 
 void RestClientTest::init()
