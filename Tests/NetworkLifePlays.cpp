@@ -77,6 +77,9 @@ void NetworkPlays::addFailures()
           "about:blank", "https://127.0.0.1:1/", "//no/scheme", "http://127.0.0.1:99999/"}) {
         row(QByteArray("URL ") + url,
             [url](Stage &stage) { stage.get(Request(QUrl(QString::fromLatin1(url)))); });
+        // Qt leaks the body of a POST by a scheme that it does not know.
+        if (qstrncmp(url, "http", 4) != 0)
+            continue;
         row(QByteArray("POST to URL ") + url, [url](Stage &stage) {
             stage.watch(stage.manager->post(Request(QUrl(QString::fromLatin1(url))), QByteArray("x")));
         });
@@ -85,14 +88,8 @@ void NetworkPlays::addFailures()
                             "data:,hello", "data:text/html;base64,PGI+", "data:broken"}) {
         row(QByteArray("local URL ") + url, [url](Stage &stage) {
             const QUrl address(QString::fromLatin1(url).replace(u"FOLDER"_s, stage.folder.path()));
-            // Qt writes files in the working directory for some of the others.
-            if (address.isLocalFile()) {
-                Reply *const put = stage.watch(stage.manager->put(Request(address), QByteArray("x")));
-                stage.diary.note("class", put->metaObject()->className());
-                stage.finish();
-            }
-            QFile file(address.toLocalFile());
-            if (address.isLocalFile() && file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
+            QFile file(stage.folder.filePath(u"file"_s));
+            if (file.open(QIODevice::WriteOnly) && file.write("content") > 0 && file.flush())
                 file.setFileTime(QDateTime::fromSecsSinceEpoch(1'000'000'000), QFile::FileModificationTime);
             stage.diary.note("class", stage.get(Request(address))->metaObject()->className());
         });
