@@ -51,7 +51,7 @@ QString ReplyOutcome::fieldName(const QByteArray &bytes)
     const auto known = names.constFind(bytes);
     if (known != names.cend())
         return *known;
-    const QString name = fieldText(HTTPHeaderName::usualSpelling(bytes));
+    QString name = fieldText(HTTPHeaderName::usualSpelling(bytes));
     if (names.size() < mostNames && bytes.size() <= longestName)
         names.insert(bytes, name);
     return name;

@@ -90,12 +90,6 @@ void QXHeldNetworkReply::close()
         QXNetworkReply::close();
 }
 
-void QXHeldNetworkReply::setReadBufferSize(qint64 size)
-{
-    // The whole response is kept here, so that the inner reply must not wait for the host.
-    QNetworkReply::setReadBufferSize(size);
-}
-
 qint64 QXHeldNetworkReply::bytesAvailable() const
 {
     return m_isHeld ? 0 : QXNetworkReply::bytesAvailable();
@@ -227,7 +221,7 @@ void QXHeldNetworkReply::cancel()
 {
     m_isWaiting = false;
     const QPointer<QXHeldNetworkReply> guard(this);
-    QNetworkReply::close();
+    innerAboutToClose();
     setError(OperationCanceledError, cancelledText());
     Q_EMIT errorOccurred(OperationCanceledError);
     if (!guard)

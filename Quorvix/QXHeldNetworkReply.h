@@ -18,7 +18,6 @@ public:
 
     void abort() override;
     void close() override;
-    void setReadBufferSize(qint64 size) override;
     [[nodiscard]] qint64 bytesAvailable() const override;
     [[nodiscard]] bool canReadLine() const override;
 
@@ -30,7 +29,7 @@ protected:
     void innerErrorOccurred(QNetworkReply::NetworkError error) override;
     void innerReadChannelFinished() override;
     void innerFinished() override;
-    [[nodiscard]] bool readsThrough() const override { return false; }
+    [[nodiscard]] bool holdsResponse() const override { return true; }
 
 private:
     struct Link;

@@ -71,10 +71,8 @@ QXNetworkReply::~QXNetworkReply()
         complete();
     }
     QXReplyRegistry::shared().remove(m_innerKey);
-    if (m_inner) {
-        // Before the device from which it uploads, which is a member or a child of this reply.
-        delete m_inner;
-    }
+    // Before the device from which it uploads, which is a member or a child of this reply.
+    delete m_inner.data();
 }
 
 QXNetworkReply *QXNetworkReply::outerOf(const QNetworkReply *inner)
@@ -243,7 +241,8 @@ bool QXNetworkReply::open(OpenMode mode)
 void QXNetworkReply::setReadBufferSize(qint64 size)
 {
     QNetworkReply::setReadBufferSize(size);
-    if (m_inner)
+    // A response that is held is kept as a whole, so that the inner reply must not wait for the host.
+    if (m_inner && !holdsResponse())
         m_inner->setReadBufferSize(size);
 }
 
@@ -310,7 +309,8 @@ bool QXNetworkReply::readsThrough() const
 
 void QXNetworkReply::drain()
 {
-    m_body.drain(*m_inner);
+    if (m_inner)
+        m_body.drain(*m_inner);
 }
 
 void QXNetworkReply::innerRedirected(const QUrl &url)

@@ -76,8 +76,8 @@ protected:
 
     /// Null after it was deleted by someone else.
     [[nodiscard]] QNetworkReply *inner() const { return m_inner; }
-    /// Whether bytes are taken from the inner reply only when the host reads them.
-    [[nodiscard]] virtual bool readsThrough() const;
+    /// Whether the response is kept as a whole until the user releases it.
+    [[nodiscard]] virtual bool holdsResponse() const { return false; }
 
     /// Whether the host ended the exchange: Qt reports a time-out with the same error.
     [[nodiscard]] bool isCancelled() const { return m_isCancelled; }
@@ -99,6 +99,8 @@ private:
     void connectInner();
     void connectTls();
     void noteCancelling();
+    /// Whether bytes are taken from the inner reply only when the host reads them.
+    [[nodiscard]] bool readsThrough() const;
     void loseUnread();
     void reportProgress();
     void innerRedirected(const QUrl &url);
