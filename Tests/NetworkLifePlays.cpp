@@ -45,6 +45,8 @@ void NetworkPlays::addCaches()
         for (const auto &[load, control] : loads) {
             row(QByteArray("cache, ") + name + ", " + load, [=, first = first, second = second,
                                                              control = control](Stage &stage) {
+                // Qt corrupts its memory now and then when it follows a redirect and has a cache.
+                stage.manager->setRedirectPolicy(Request::ManualRedirectPolicy);
                 auto *const cache = new QNetworkDiskCache(stage.manager);
                 cache->setCacheDirectory(stage.folder.path());
                 stage.manager->setCache(cache);
@@ -52,7 +54,6 @@ void NetworkPlays::addCaches()
                 const QByteArrayList changed =
                     second.contains("chunked") ? QByteArrayList{second, {}} : QByteArrayList{second};
                 stage.server.answer("/", {{{first}}, {changed, second.isEmpty()}});
-                stage.server.answer("/end", {{{httpAnswer("200 OK", "end", fresh)}}});
                 stage.each("readyRead", [](Stage &s, Reply *reply) { s.diary.note("read", reply->read(4)); });
                 Request request = stage.request();
                 stage.get(request);
