@@ -32,8 +32,11 @@ void NetworkPlays::addCaches()
          httpAnswer("200 OK", "another")},
         {"compressed", httpAnswer("200 OK", qCompress(page).mid(4), "Content-Encoding: deflate\r\n" + fresh),
          ""},
+#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
+        // Newer Qt waits for ever after this failure.
         {"before a failure", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n4\r\npage\r\n0\r\n\r\n",
          "HTTP/1.1 500 Internal Server Error\r\nTransfer-Encoding: chunked\r\n\r\n"},
+#endif
         {"redirect", httpAnswer("301 Moved", page, "Location: /end\r\n" + fresh),
          httpAnswer("200 OK", "another")},
     };
