@@ -31,6 +31,18 @@ NSURLErrorCode codeForCertificate(QSslError::SslError error)
     }
 }
 
+/// The texts of names that this thread has met. An object that is destroyed at the end of the program, such
+/// as a manager in a static variable, can ask for a name after they are gone.
+struct KnownNames
+{
+    ~KnownNames() { areGone = true; }
+
+    QHash<QByteArray, QString> texts;
+    static thread_local bool areGone;
+};
+
+thread_local bool KnownNames::areGone = false;
+
 } // namespace
 
 QString ReplyOutcome::fieldText(const QByteArray &bytes)
@@ -47,10 +59,13 @@ QString ReplyOutcome::fieldName(const QByteArray &bytes)
     // Servers send the same few names again and again. So the traces share their texts.
     constexpr qsizetype mostNames = 256;
     constexpr qsizetype longestName = 64;
-    static thread_local QHash<QByteArray, QString> names;
-    const auto known = names.constFind(bytes);
-    if (known != names.cend())
-        return *known;
+    if (KnownNames::areGone)
+        return fieldText(HTTPHeaderName::usualSpelling(bytes));
+    static thread_local KnownNames known;
+    QHash<QByteArray, QString> &names = known.texts;
+    const auto found = names.constFind(bytes);
+    if (found != names.cend())
+        return *found;
     QString name = fieldText(HTTPHeaderName::usualSpelling(bytes));
     if (names.size() < mostNames && bytes.size() <= longestName)
         names.insert(bytes, name);

@@ -22,6 +22,9 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+#include <atomic>
+#include <thread>
+
 using namespace Quorvix;
 
 using namespace std::chrono_literals;
@@ -130,6 +133,7 @@ private Q_SLOTS:
     void showsWhatHasArrivedSoFar_data();
     void showsWhatHasArrivedSoFar();
     void recordsAnyOtherClient();
+    void replyEndsAfterItsThread();
 
 private:
     [[nodiscard]] QNetworkRequest request(const QString &path) const
@@ -464,6 +468,29 @@ void NetworkCaptureTest::recordsAnyOtherClient()
     QCOMPARE(trace.id, id);
     QCOMPARE(trace.body, "late"_ba);
     QCOMPARE(trace.response->statusCode, 204);
+}
+
+/// AddressSanitizer sees whether the thread has destroyed what the reply needs.
+void NetworkCaptureTest::replyEndsAfterItsThread()
+{
+    Tap tap;
+    tap.first = {"HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc",
+                 "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"};
+    std::atomic<bool> hasEnded = false;
+    std::thread thread([&, url = tap.url()] {
+        static thread_local QXNetworkAccessManager manager;
+        for (int i = 0; i < 2; ++i) {
+            const QNetworkReply *const reply = manager.get(QNetworkRequest(url));
+            QEventLoop loop;
+            connect(reply, i == 0 ? &QNetworkReply::finished : &QNetworkReply::readyRead, &loop,
+                    &QEventLoop::quit);
+            loop.exec();
+        }
+        hasEnded = true;
+    });
+    QTRY_VERIFY(hasEnded);
+    thread.join();
+    QCOMPARE(newest().error->code, qint64(NSURLErrorCancelled));
 }
 
 QTEST_GUILESS_MAIN(NetworkCaptureTest)
