@@ -398,7 +398,8 @@ void QXNetworkReply::complete(const DataTaskCompletionHandler &deliver)
         return;
     m_body.squeeze();
     if (m_source.tee && m_inner) {
-        m_source.body = m_source.tee->copy();
+        m_source.body = m_source.tee->takeCopy();
+        m_source.body->squeeze();
         m_exchange.amend(ReplyOutcome::request(*m_inner, m_source.method, m_source.body));
     }
     const NSURLResponsePtr response = m_inner ? ReplyOutcome::response(*m_inner) : nullptr;

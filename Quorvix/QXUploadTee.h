@@ -3,7 +3,7 @@
 #include <QtCore/QIODevice>
 #include <QtCore/QPointer>
 
-#include <optional>
+#include <utility>
 
 /// Hands the bytes of an upload on to Qt and keeps a copy of them. It behaves like the host's device: random
 /// access or sequential, of the same size. In the thread of that device only.
@@ -15,8 +15,8 @@ public:
     /// Reads from @p source, which must be open, from its current position on.
     explicit QXUploadTee(QIODevice *source);
 
-    /// What was read so far: the whole body when the upload has ended.
-    [[nodiscard]] QByteArray copy() const { return m_copy; }
+    /// What was read so far: the whole body when the upload has ended. Nothing is kept after that.
+    [[nodiscard]] QByteArray takeCopy() { return std::exchange(m_copy, {}); }
 
     [[nodiscard]] bool isSequential() const override;
     [[nodiscard]] qint64 size() const override;
