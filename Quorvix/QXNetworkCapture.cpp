@@ -48,14 +48,15 @@ bool isSynchronous(const QNetworkRequest &request)
 
 QXNetworkCapture::QXNetworkCapture(QNetworkAccessManager *manager, Operation operation,
                                    const QNetworkRequest &request, QIODevice *body)
-    : m_manager(manager), m_body(body), m_method(methodOf(operation, request)),
+    : m_manager(manager), m_upload(body), m_method(methodOf(operation, request)),
       m_isHeld(QXBreakpointStore::matches(request.url(), m_method) && !isSynchronous(request))
 {
     // The bytes of a buffer can be shared, and Qt reads them fastest.
-    if (body && body->isReadable() && !qobject_cast<QBuffer *>(body))
+    if (const auto *const buffer = qobject_cast<QBuffer *>(body))
+        m_body = buffer->data().mid(buffer->pos());
+    else if (body && body->isReadable())
         m_tee = std::make_unique<QXUploadTee>(body);
-    if (!isAttached(manager))
-        attach(manager);
+    attach(manager);
 }
 
 QXNetworkCapture::~QXNetworkCapture() = default;
@@ -76,6 +77,8 @@ void QXNetworkCapture::setIncludesLocalUrls(bool includes)
 
 void QXNetworkCapture::attach(QNetworkAccessManager *manager)
 {
+    if (isAttached(manager))
+        return;
     static std::once_flag once;
     std::call_once(once, [] {
         Quorvix::MainActor::schedule([] { QXRequestRecorder::shared().addSource(&QXNetworkReply::refresh); });
@@ -96,16 +99,19 @@ bool QXNetworkCapture::isAttached(const QNetworkAccessManager *manager)
 
 QIODevice *QXNetworkCapture::upload() const
 {
-    return m_tee ? m_tee.get() : m_body;
+    return m_tee ? m_tee.get() : m_upload;
 }
 
 QNetworkReply *QXNetworkCapture::wrap(QNetworkReply *inner)
 {
     if (!inner)
         return nullptr;
-    QXNetworkReply::Source source{m_method, std::nullopt, std::move(m_tee)};
-    if (const auto *const buffer = qobject_cast<QBuffer *>(m_body))
-        source.body = buffer->data().mid(buffer->pos());
+    if (qobject_cast<QXNetworkReply *>(inner)) {
+        if (m_tee)
+            m_tee.release()->setParent(inner); // it reads from this one
+        return inner;
+    }
+    QXNetworkReply::Source source{m_method, std::move(m_body), std::move(m_tee)};
     if (m_isHeld)
         return new QXHeldNetworkReply(inner, std::move(source), m_manager);
     return new QXNetworkReply(inner, std::move(source), m_manager);

@@ -2,11 +2,13 @@
 
 #include "Platform/PlatformGlobal.h"
 
+#include <QtCore/QByteArray>
 #include <QtCore/QUrl>
 #include <QtNetwork/QNetworkAccessManager>
 #include <QtNetwork/QNetworkRequest>
 
 #include <memory>
+#include <optional>
 
 class QXUploadTee;
 
@@ -27,8 +29,8 @@ public:
 
     /// Makes a reply with @p send and returns the one that the host gets: it behaves like that reply, and the
     /// inspector sees the exchange. @p send must use the device that it is called with, which is null if
-    /// there is no body. A URL that is not captured gets the reply of @p send itself. In the manager's
-    /// thread.
+    /// there is no body. A URL that is not captured gets the reply of @p send itself, and so does a request
+    /// that @p send has captured already. In the manager's thread.
     template<typename Send>
     [[nodiscard]] static QNetworkReply *capture(QNetworkAccessManager *manager, Operation operation,
                                                 const QNetworkRequest &request, QIODevice *body, Send &&send)
@@ -62,8 +64,10 @@ private:
     [[nodiscard]] QNetworkReply *wrap(QNetworkReply *inner);
 
     QNetworkAccessManager *m_manager;
-    QIODevice *m_body;
+    QIODevice *m_upload;
     QString m_method;
+    /// The body, if it is known before it is sent.
+    std::optional<QByteArray> m_body;
     std::unique_ptr<QXUploadTee> m_tee;
     bool m_isHeld;
 };

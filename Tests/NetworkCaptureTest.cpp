@@ -123,6 +123,7 @@ private Q_SLOTS:
     void recordsHowItEnded_data();
     void recordsHowItEnded();
     void recordsBodiesFromDevices();
+    void recordsTheBodyOfASynchronousRequest();
     void recordsHeadersThatQtAdds();
     void keepsNoMoreThanTheBody();
     void localUrlsAreQtsOwn();
@@ -285,6 +286,17 @@ void NetworkCaptureTest::recordsBodiesFromDevices()
     QVERIFY(trace.body->endsWith("xend"));
     QVERIFY(trace.body->capacity() <= trace.body->size() + trace.body->size() / 8);
     QCOMPARE(trace.headers->value(u"Content-Type"_s), u"text/plain"_s);
+}
+
+void NetworkCaptureTest::recordsTheBodyOfASynchronousRequest()
+{
+    QXNetworkAccessManager manager;
+    QNetworkRequest sent = request(u"/echo"_s);
+    sent.setHeader(QNetworkRequest::ContentTypeHeader, u"text/plain"_s);
+    sent.setAttribute(QNetworkRequest::SynchronousRequestAttribute, true);
+    const std::unique_ptr<QNetworkReply> reply(manager.post(sent, "four"_ba));
+    QVERIFY(reply->isFinished());
+    QCOMPARE(newest().body, "four"_ba);
 }
 
 void NetworkCaptureTest::recordsHeadersThatQtAdds()
