@@ -70,7 +70,7 @@ QXNetworkReply::~QXNetworkReply()
             drain();
         complete();
     }
-    QXReplyRegistry::shared().remove(m_innerKey);
+    QXReplyRegistry::shared().remove(m_innerKey, this);
     // Before the device from which it uploads, which is a member or a child of this reply.
     delete m_inner.data();
 }

@@ -12,10 +12,11 @@ void QXReplyRegistry::insert(const QNetworkReply *inner, QXNetworkReply *outer)
     m_outer.insert(inner, outer);
 }
 
-void QXReplyRegistry::remove(const QNetworkReply *inner)
+void QXReplyRegistry::remove(const QNetworkReply *inner, const QXNetworkReply *outer)
 {
     const std::scoped_lock lock(m_mutex);
-    m_outer.remove(inner);
+    if (m_outer.value(inner) == outer)
+        m_outer.remove(inner);
 }
 
 QXNetworkReply *QXReplyRegistry::outerOf(const QNetworkReply *inner)

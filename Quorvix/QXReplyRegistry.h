@@ -16,7 +16,8 @@ public:
     [[nodiscard]] static QXReplyRegistry &shared();
 
     void insert(const QNetworkReply *inner, QXNetworkReply *outer);
-    void remove(const QNetworkReply *inner);
+    /// If the inner reply was deleted by someone else, a new one can have its address.
+    void remove(const QNetworkReply *inner, const QXNetworkReply *outer);
     /// Null if nothing wraps @p inner.
     [[nodiscard]] QXNetworkReply *outerOf(const QNetworkReply *inner);
 
