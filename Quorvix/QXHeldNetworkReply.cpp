@@ -23,6 +23,9 @@ namespace {
 QNetworkReply::NetworkError errorForStatus(int statusCode)
 {
     switch (statusCode) {
+    case 400:
+    case 418:
+        return QNetworkReply::ProtocolInvalidOperationError;
     case 401:
         return QNetworkReply::AuthenticationRequiredError;
     case 403:
@@ -37,8 +40,6 @@ QNetworkReply::NetworkError errorForStatus(int statusCode)
         return QNetworkReply::ContentConflictError;
     case 410:
         return QNetworkReply::ContentGoneError;
-    case 418:
-        return QNetworkReply::ProtocolInvalidOperationError;
     case 500:
         return QNetworkReply::InternalServerError;
     case 501:
@@ -76,18 +77,18 @@ QXHeldNetworkReply::~QXHeldNetworkReply()
 
 void QXHeldNetworkReply::abort()
 {
-    if (m_isWaiting)
-        cancel();
-    else
+    if (m_stage == Stage::Running)
         QXNetworkReply::abort();
+    else
+        cancel();
 }
 
 void QXHeldNetworkReply::close()
 {
-    if (m_isWaiting)
-        cancel();
-    else
+    if (m_stage == Stage::Running)
         QXNetworkReply::close();
+    else
+        cancel();
 }
 
 qint64 QXHeldNetworkReply::bytesAvailable() const
@@ -135,7 +136,7 @@ void QXHeldNetworkReply::innerFinished()
     if (isCancelled())
         return QXNetworkReply::innerFinished();
     drain();
-    m_isWaiting = true;
+    m_stage = Stage::Waiting;
     complete([link = m_link](const std::optional<QByteArray> &data, const NSURLResponsePtr &response,
                              const std::optional<NSError> &) {
         const std::scoped_lock lock(link->mutex);
@@ -149,87 +150,106 @@ void QXHeldNetworkReply::innerFinished()
 
 void QXHeldNetworkReply::release(const std::optional<QByteArray> &data, const NSURLResponsePtr &response)
 {
-    if (!std::exchange(m_isWaiting, false))
+    if (m_stage != Stage::Waiting)
         return;
-    m_isHeld = false;
     if (!inner())
-        return;
+        return deleteLater();
+    m_stage = Stage::Delivering;
     mirrorAddress();
     mirrorResponse();
-    takeEdits(response);
+    const Failure failure = takeEdits(response);
     setBody(data.value_or(QByteArray()));
-    emitResponse();
+    emitResponse(failure);
 }
 
-void QXHeldNetworkReply::takeEdits(const NSURLResponsePtr &response)
+QXHeldNetworkReply::Failure QXHeldNetworkReply::takeEdits(const NSURLResponsePtr &response)
 {
     const auto *const http = dynamic_cast<const NSHTTPURLResponse *>(response.get());
     const int delivered = inner()->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (!http || http->statusCode() == delivered) {
-        if (inner()->error() != QNetworkReply::NoError)
-            setError(inner()->error(), inner()->errorString());
-    } else {
+    Failure failure{inner()->error(), inner()->errorString()};
+    if (!http)
+        return failure;
+    if (http->statusCode() != delivered) {
         const auto statusCode = static_cast<int>(http->statusCode());
         const QString reason = NSHTTPURLResponse::localizedStringForStatusCode(statusCode);
         setAttribute(QNetworkRequest::HttpStatusCodeAttribute, statusCode);
         setAttribute(QNetworkRequest::HttpReasonPhraseAttribute, reason);
         const bool isTransportError = ReplyOutcome::transportError(*inner(), false).has_value();
-        if (isTransportError)
-            setError(inner()->error(), inner()->errorString());
-        else if (const auto error = errorForStatus(statusCode); error != QNetworkReply::NoError)
-            setError(error, QStringLiteral("Error transferring %1 - server replied: %2")
-                                .arg(url().toDisplayString(), reason));
+        if (!isTransportError)
+            failure = {errorForStatus(statusCode),
+                       QStringLiteral("Error transferring %1 - server replied: %2")
+                           .arg(url().toDisplayString(), reason)};
     }
-    if (!http)
-        return;
     for (const auto &[name, value] : http->allHeaderFields()) {
         const QByteArray rawName = description(name).toUtf8();
         const QString text = description(value);
         if (!hasRawHeader(rawName) || ReplyOutcome::fieldText(rawHeader(rawName)) != text)
             setRawHeader(rawName, text.toUtf8());
     }
+    return failure;
 }
 
 /// Emits what Qt emits for a response that has arrived in one piece. A slot of the host can end or destroy
 /// this reply.
-void QXHeldNetworkReply::emitResponse()
+void QXHeldNetworkReply::emitResponse(const Failure &failure)
 {
     const QPointer<QXHeldNetworkReply> guard(this);
     const auto goesOn = [&] {
         return guard && !isFinished();
     };
-    const qint64 size = bytesAvailable();
 
     if (inner()->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
         Q_EMIT metaDataChanged();
-    if (goesOn() && size > 0)
-        Q_EMIT readyRead();
-    if (goesOn() && error() != QNetworkReply::NoError)
-        Q_EMIT errorOccurred(error());
     if (!goesOn())
         return;
+    m_isHeld = false;
+    const qint64 size = bytesAvailable();
+    if (size > 0)
+        Q_EMIT readyRead();
+    if (goesOn() && failure.error != NoError) {
+        setError(failure.error, failure.text);
+        Q_EMIT errorOccurred(failure.error);
+    }
+    if (goesOn())
+        finish(size);
+}
+
+/// Does what Qt does when the host ends a reply that is still loading. A response that was not released stays
+/// at its breakpoint.
+void QXHeldNetworkReply::cancel()
+{
+    if (m_stage == Stage::Ended)
+        return;
+    const qint64 size = bytesAvailable();
+    m_stage = Stage::Ended;
+    const QPointer<QXHeldNetworkReply> guard(this);
+    innerAboutToClose();
+    if (guard && error() == NoError) {
+        setError(OperationCanceledError, cancelledText());
+        Q_EMIT errorOccurred(OperationCanceledError);
+    }
+    if (guard)
+        finish(size);
+}
+
+void QXHeldNetworkReply::finish(qint64 size)
+{
+    const QPointer<QXHeldNetworkReply> guard(this);
+    m_stage = Stage::Ended;
     setFinished(true);
     Q_EMIT downloadProgress(size, size);
     if (guard)
         Q_EMIT readChannelFinished();
     if (guard)
         Q_EMIT finished();
+    if (guard && m_isToBeDeleted)
+        deleteLater();
 }
 
-/// Does what Qt does when the host ends a reply that is still loading. The response stays at its breakpoint.
-void QXHeldNetworkReply::cancel()
+void QXHeldNetworkReply::innerDeleteLater()
 {
-    m_isWaiting = false;
-    const QPointer<QXHeldNetworkReply> guard(this);
-    innerAboutToClose();
-    setError(OperationCanceledError, cancelledText());
-    Q_EMIT errorOccurred(OperationCanceledError);
-    if (!guard)
-        return;
-    setFinished(true);
-    Q_EMIT downloadProgress(0, 0);
-    if (guard)
-        Q_EMIT readChannelFinished();
-    if (guard)
-        Q_EMIT finished();
+    if (m_stage == Stage::Waiting || m_stage == Stage::Delivering)
+        m_isToBeDeleted = true;
+    else
+        QXNetworkReply::innerDeleteLater();
 }

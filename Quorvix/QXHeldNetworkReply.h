@@ -29,19 +29,36 @@ protected:
     void innerErrorOccurred(QNetworkReply::NetworkError error) override;
     void innerReadChannelFinished() override;
     void innerFinished() override;
+    void innerDeleteLater() override;
     [[nodiscard]] bool holdsResponse() const override { return true; }
 
 private:
     struct Link;
+    struct Failure
+    {
+        NetworkError error;
+        QString text;
+    };
+    enum class Stage {
+        Running,
+        /// The response is complete and waits for the user.
+        Waiting,
+        /// The host gets the response.
+        Delivering,
+        Ended,
+    };
 
     void release(const std::optional<QByteArray> &data, const Quorvix::NSURLResponsePtr &response);
-    void takeEdits(const Quorvix::NSURLResponsePtr &response);
-    void emitResponse();
+    /// Returns the error that the response means.
+    Failure takeEdits(const Quorvix::NSURLResponsePtr &response);
+    void emitResponse(const Failure &failure);
     void cancel();
+    void finish(qint64 size);
 
     /// How the main thread reaches this reply.
     std::shared_ptr<Link> m_link;
     bool m_isHeld = true;
-    /// Whether the response is complete and waits for the user.
-    bool m_isWaiting = false;
+    Stage m_stage = Stage::Running;
+    /// Whether the inner reply is to be deleted, which waits for the end.
+    bool m_isToBeDeleted = false;
 };

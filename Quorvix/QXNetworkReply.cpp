@@ -5,6 +5,7 @@
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/ReplyOutcome.h"
 
+#include <QtCore/QEvent>
 #include <QtCore/QMetaMethod>
 #include <QtNetwork/QSslConfiguration>
 #include <QtNetwork/QSslError>
@@ -55,6 +56,7 @@ QXNetworkReply::QXNetworkReply(QNetworkReply *inner, Source source, QObject *par
     else
         mirrorResponse();
     connectInner();
+    inner->installEventFilter(this);
     // A synchronous request has ended already.
     if (isFinished()) {
         drain();
@@ -66,8 +68,7 @@ QXNetworkReply::~QXNetworkReply()
 {
     if (!m_isComplete) {
         m_isCancelled = true;
-        if (m_inner)
-            drain();
+        drain();
         complete();
     }
     QXReplyRegistry::shared().remove(m_innerKey, this);
@@ -298,6 +299,20 @@ qint64 QXNetworkReply::readData(char *data, qint64 maxSize)
 }
 
 // What the inner reply tells
+
+bool QXNetworkReply::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_inner || event->type() != QEvent::DeferredDelete)
+        return QNetworkReply::eventFilter(watched, event);
+    innerDeleteLater();
+    return true;
+}
+
+/// A manager can delete its replies. For the host, this is the reply.
+void QXNetworkReply::innerDeleteLater()
+{
+    deleteLater();
+}
 
 bool QXNetworkReply::readsThrough() const
 {

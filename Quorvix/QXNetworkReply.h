@@ -58,6 +58,8 @@ public:
     [[nodiscard]] bool canReadLine() const override;
     bool waitForReadyRead(int milliseconds) override;
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 protected:
     void connectNotify(const QMetaMethod &signal) override;
     qint64 readData(char *data, qint64 maxSize) override;
@@ -73,6 +75,7 @@ protected:
     virtual void innerAboutToClose();
     virtual void innerReadChannelFinished();
     virtual void innerFinished();
+    virtual void innerDeleteLater();
 
     /// Null after it was deleted by someone else.
     [[nodiscard]] QNetworkReply *inner() const { return m_inner; }

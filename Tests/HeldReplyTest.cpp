@@ -66,6 +66,8 @@ void HeldReplyTest::holdsAMatchingReply_data()
     QTest::newRow("continued") << u"/api/v1/articles"_s << QString() << false << QNetworkReply::NoError;
     QTest::newRow("body") << u"/api/v1/articles"_s << QString() << true << QNetworkReply::NoError;
     QTest::newRow("failure") << u"/echo"_s << u"404"_s << true << QNetworkReply::ContentNotFoundError;
+    QTest::newRow("bad request") << u"/echo"_s << u"400"_s << true
+                                 << QNetworkReply::ProtocolInvalidOperationError;
     QTest::newRow("success") << u"/status/503"_s << u"200"_s << true << QNetworkReply::NoError;
     QTest::newRow("status kept") << u"/status/503"_s << QString() << true
                                  << QNetworkReply::ServiceUnavailableError;

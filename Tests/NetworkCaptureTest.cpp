@@ -1,5 +1,7 @@
 #include "Examples/DemoServer.h"
 
+#include "Quorvix/QXBreakpointCenter.h"
+#include "Quorvix/QXBreakpointStore.h"
 #include "Quorvix/QXExchange.h"
 #include "Quorvix/QXNetworkAccessManager.h"
 #include "Quorvix/QXNetworkAccessManagerFactory.h"
@@ -103,6 +105,22 @@ protected:
     }
 };
 
+/// Its replies need no owner.
+class TidyManager : public QNetworkAccessManager
+{
+public:
+    QPointer<QNetworkReply> made;
+
+protected:
+    QNetworkReply *createRequest(Operation operation, const QNetworkRequest &request,
+                                 QIODevice *body) override
+    {
+        made = QNetworkAccessManager::createRequest(operation, request, body);
+        connect(made, &QNetworkReply::finished, made, &QObject::deleteLater);
+        return made;
+    }
+};
+
 class HostFactory : public QQmlNetworkAccessManagerFactory
 {
 public:
@@ -129,8 +147,14 @@ private Q_SLOTS:
     void localUrlsAreQtsOwn();
     void capturesManagersOfTheHost_data();
     void capturesManagersOfTheHost();
+    void capturesOnce();
+    void repliesGoWithThoseOfTheManager_data();
+    void repliesGoWithThoseOfTheManager();
+    void newRepliesMayHaveOldAddresses();
     void namesTheReplyOfTheHost();
     void worksOnManyThreads();
+    void releasedReplyCanBeEndedInSlots_data();
+    void releasedReplyCanBeEndedInSlots();
     void showsWhatHasArrivedSoFar_data();
     void showsWhatHasArrivedSoFar();
     void recordsAnyOtherClient();
@@ -384,6 +408,67 @@ void NetworkCaptureTest::capturesManagersOfTheHost()
     QCOMPARE(recorder().requests().size(), 1);
 }
 
+void NetworkCaptureTest::capturesOnce()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write("body");
+    file.seek(0);
+    QXCapturing<QXNetworkAccessManager> manager;
+    const std::unique_ptr<QNetworkReply> reply(manager.put(request(u"/echo"_s), &file));
+    QSignalSpy finished(reply.get(), &QNetworkReply::finished);
+    QVERIFY(finished.wait());
+    QCOMPARE(newest().body, "body"_ba);
+    QCOMPARE(recorder().requests().size(), 1);
+}
+
+void NetworkCaptureTest::repliesGoWithThoseOfTheManager_data()
+{
+    QTest::addColumn<bool>("isHeld");
+    QTest::newRow("at once") << false;
+    QTest::newRow("held") << true;
+}
+
+void NetworkCaptureTest::repliesGoWithThoseOfTheManager()
+{
+    QFETCH(bool, isHeld);
+    auto &center = QXBreakpointCenter::shared();
+    if (isHeld)
+        QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(u"/echo"_s), u"GET"_s));
+    QXCapturing<TidyManager> manager;
+    const QPointer<QNetworkReply> reply(manager.get(request(u"/echo"_s)));
+    QSignalSpy finished(reply, &QNetworkReply::finished);
+    if (isHeld) {
+        QTRY_VERIFY(center.activeBreakpoint());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(reply);
+        center.continueActive();
+    }
+    QTRY_VERIFY(!reply);
+    QCOMPARE(finished.count(), 1);
+    QVERIFY(!manager.made);
+    QVERIFY(!newest().error);
+}
+
+void NetworkCaptureTest::newRepliesMayHaveOldAddresses()
+{
+    Tap tap;
+    QXCapturing<TidyManager> manager;
+    std::vector<std::unique_ptr<QNetworkReply>> old;
+    for (int i = 0; i < 20; ++i) {
+        old.emplace_back(manager.get(QNetworkRequest(tap.url())));
+        delete manager.made;
+    }
+    QStringList ids;
+    for (int i = 0; i < 20; ++i) {
+        manager.get(QNetworkRequest(tap.url()));
+        ids += recorder().requests()[0].id;
+    }
+    old.clear();
+    for (const QString &id : ids)
+        QVERIFY(recorder().refresh(id));
+}
+
 void NetworkCaptureTest::namesTheReplyOfTheHost()
 {
     Tap tap;
@@ -425,6 +510,44 @@ void NetworkCaptureTest::worksOnManyThreads()
     QTRY_COMPARE_WITH_TIMEOUT(recorder().findRequestsByStatusCode(200).size(), threads * requests, 20'000);
     for (const auto &thread : running)
         QVERIFY(thread->wait());
+}
+
+void NetworkCaptureTest::releasedReplyCanBeEndedInSlots_data()
+{
+    QTest::addColumn<QString>("slot");
+    QTest::newRow("head") << u"meta"_s;
+    QTest::newRow("body") << u"read"_s;
+    QTest::newRow("error") << u"error"_s;
+}
+
+/// The same happens without a breakpoint.
+void NetworkCaptureTest::releasedReplyCanBeEndedInSlots()
+{
+    QFETCH(QString, slot);
+    QStringList diaries[2];
+    for (const bool isHeld : {false, true}) {
+        if (isHeld)
+            QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(u"/none"_s), u"GET"_s));
+        QXNetworkAccessManager manager;
+        QNetworkReply *const reply = manager.get(request(u"/none"_s));
+        QStringList &diary = diaries[isHeld];
+        const auto note = [&, reply](const QString &signal) {
+            diary += u"%1 %2"_s.arg(signal).arg(reply->error());
+            if (signal == slot)
+                reply->abort();
+            diary += u"%1 %2"_s.arg(reply->isOpen()).arg(reply->bytesAvailable());
+        };
+        connect(reply, &QNetworkReply::metaDataChanged, this, [&] { note(u"meta"_s); });
+        connect(reply, &QNetworkReply::readyRead, this, [&] { note(u"read"_s); });
+        connect(reply, &QNetworkReply::errorOccurred, this, [&] { note(u"error"_s); });
+        connect(reply, &QNetworkReply::finished, this, [&] { note(u"finished"_s); });
+        if (isHeld) {
+            QTRY_VERIFY(QXBreakpointCenter::shared().activeBreakpoint());
+            QXBreakpointCenter::shared().continueActive();
+        }
+        QTRY_VERIFY(reply->isFinished());
+    }
+    QCOMPARE(diaries[1], diaries[0]);
 }
 
 void NetworkCaptureTest::showsWhatHasArrivedSoFar_data()
