@@ -125,6 +125,15 @@ void QXHeldNetworkReply::innerErrorOccurred(QNetworkReply::NetworkError error)
         QXNetworkReply::innerErrorOccurred(error);
 }
 
+/// A time-out closes the inner reply.
+void QXHeldNetworkReply::innerAboutToClose()
+{
+    if (isCancelled())
+        QXNetworkReply::innerAboutToClose();
+    else
+        drain();
+}
+
 void QXHeldNetworkReply::innerReadChannelFinished()
 {
     if (isCancelled())
@@ -206,6 +215,8 @@ void QXHeldNetworkReply::emitResponse(const Failure &failure)
     const qint64 size = bytesAvailable();
     if (size > 0)
         Q_EMIT readyRead();
+    if (goesOn() && inner() && !inner()->isOpen())
+        QXNetworkReply::innerAboutToClose();
     if (goesOn() && failure.error != NoError) {
         setError(failure.error, failure.text);
         Q_EMIT errorOccurred(failure.error);
@@ -223,7 +234,7 @@ void QXHeldNetworkReply::cancel()
     const qint64 size = bytesAvailable();
     m_stage = Stage::Ended;
     const QPointer<QXHeldNetworkReply> guard(this);
-    innerAboutToClose();
+    QXNetworkReply::innerAboutToClose();
     if (guard && error() == NoError) {
         setError(OperationCanceledError, cancelledText());
         Q_EMIT errorOccurred(OperationCanceledError);

@@ -27,6 +27,7 @@ protected:
     void innerReadyRead() override;
     void innerDownloadProgress(qint64 received, qint64 total) override;
     void innerErrorOccurred(QNetworkReply::NetworkError error) override;
+    void innerAboutToClose() override;
     void innerReadChannelFinished() override;
     void innerFinished() override;
     void innerDeleteLater() override;

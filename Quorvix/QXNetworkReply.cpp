@@ -352,6 +352,11 @@ void QXNetworkReply::innerReadyRead()
     if (!readsThrough())
         drain();
     mirrorState();
+    // A reply of the host's own class need not report its headers.
+    if (!m_isOfQt) {
+        mirrorAddress();
+        mirrorResponse();
+    }
     Q_EMIT readyRead();
 }
 

@@ -121,6 +121,37 @@ protected:
     }
 };
 
+/// A reply that a host makes up, and that reports no headers.
+class MockReply : public QNetworkReply
+{
+public:
+    explicit MockReply(QObject *parent) : QNetworkReply(parent)
+    {
+        setOpenMode(ReadOnly);
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                setAttribute(QNetworkRequest::HttpStatusCodeAttribute, 200);
+                Q_EMIT readyRead();
+                setFinished(true);
+                Q_EMIT finished();
+            },
+            Qt::QueuedConnection);
+    }
+
+    void abort() override {}
+    qint64 readData(char *, qint64) override { return -1; }
+};
+
+class MockManager : public QNetworkAccessManager
+{
+protected:
+    QNetworkReply *createRequest(Operation, const QNetworkRequest &, QIODevice *) override
+    {
+        return new MockReply(this);
+    }
+};
+
 class HostFactory : public QQmlNetworkAccessManagerFactory
 {
 public:
@@ -151,8 +182,10 @@ private Q_SLOTS:
     void repliesGoWithThoseOfTheManager_data();
     void repliesGoWithThoseOfTheManager();
     void newRepliesMayHaveOldAddresses();
+    void mirrorsRepliesThatReportNoHeaders();
     void namesTheReplyOfTheHost();
     void worksOnManyThreads();
+    void heldReplyIsOpenUntilItIsReleased();
     void releasedReplyCanBeEndedInSlots_data();
     void releasedReplyCanBeEndedInSlots();
     void showsWhatHasArrivedSoFar_data();
@@ -182,6 +215,11 @@ private:
 
 void NetworkCaptureTest::init()
 {
+    QXBreakpointStore::shared().setRules({});
+    // Each test begins after the cooldown of the one before.
+    static auto late = 0h;
+    ++late;
+    QXBreakpointCenter::shared().setClock([] { return std::chrono::steady_clock::now() + late; });
     recorder().clear();
 }
 
@@ -469,6 +507,17 @@ void NetworkCaptureTest::newRepliesMayHaveOldAddresses()
         QVERIFY(recorder().refresh(id));
 }
 
+void NetworkCaptureTest::mirrorsRepliesThatReportNoHeaders()
+{
+    QXCapturing<MockManager> manager;
+    QNetworkReply *const reply = manager.get(request(u"/mock"_s));
+    int status = 0;
+    connect(reply, &QNetworkReply::readyRead, this,
+            [&] { status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); });
+    QTRY_VERIFY(reply->isFinished());
+    QCOMPARE(status, 200);
+}
+
 void NetworkCaptureTest::namesTheReplyOfTheHost()
 {
     Tap tap;
@@ -518,6 +567,25 @@ void NetworkCaptureTest::releasedReplyCanBeEndedInSlots_data()
     QTest::newRow("head") << u"meta"_s;
     QTest::newRow("body") << u"read"_s;
     QTest::newRow("error") << u"error"_s;
+}
+
+void NetworkCaptureTest::heldReplyIsOpenUntilItIsReleased()
+{
+    Tap tap;
+    tap.first = {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"};
+    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(tap.url(), u"GET"_s));
+    QXNetworkAccessManager manager;
+    manager.setTransferTimeout(200);
+    const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(tap.url())));
+    QByteArray body;
+    connect(reply.get(), &QNetworkReply::readyRead, this, [&] { body += reply->readAll(); });
+    QTRY_VERIFY(QXBreakpointCenter::shared().activeBreakpoint());
+    QVERIFY(reply->isOpen());
+    QXBreakpointCenter::shared().continueActive();
+    QTRY_VERIFY(reply->isFinished());
+    QCOMPARE(body, "abc"_ba);
+    QCOMPARE(reply->error(), QNetworkReply::OperationCanceledError);
+    QVERIFY(!reply->isOpen());
 }
 
 /// The same happens without a breakpoint.
