@@ -37,7 +37,9 @@ QNetworkReply *send(QNetworkAccessManager &host, QNetworkAccessManager::Operatio
 QXDelegatingManager::QXDelegatingManager(QNetworkAccessManager *host, QObject *parent)
     : QNetworkAccessManager(parent), m_host(host)
 {
-    m_host->setParent(this);
+    // A factory can keep its manager and hand it out again and again.
+    if (!parent || host->parent() == parent)
+        host->setParent(this);
     if (QNetworkCookieJar *const jar = host->cookieJar()) {
         QObject *const owner = jar->parent();
         setCookieJar(jar);
@@ -58,6 +60,7 @@ QNetworkReply *QXDelegatingManager::createRequest(Operation operation, const QNe
                                                   QIODevice *body)
 {
     return QXNetworkCapture::capture(this, operation, request, body, [&](QIODevice *upload) {
-        return send(*m_host, operation, request, upload);
+        return m_host ? send(*m_host, operation, request, upload)
+                      : QNetworkAccessManager::createRequest(operation, request, upload);
     });
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/PlatformGlobal.h"
 
+#include <QtCore/QPointer>
 #include <QtNetwork/QNetworkAccessManager>
 
 /// A manager whose requests are captured and made by another manager, of a class that is known only to the
@@ -11,7 +12,7 @@ class QUORVIX_INTERNAL_EXPORT QXDelegatingManager final : public QNetworkAccessM
     Q_OBJECT
 
 public:
-    /// Takes ownership of @p host.
+    /// Takes ownership of @p host where Qt does: if it is a child of @p parent, or if there is no parent.
     QXDelegatingManager(QNetworkAccessManager *host, QObject *parent);
     ~QXDelegatingManager() override;
 
@@ -20,5 +21,5 @@ protected:
                                  QIODevice *body) override;
 
 private:
-    QNetworkAccessManager *m_host;
+    QPointer<QNetworkAccessManager> m_host;
 };

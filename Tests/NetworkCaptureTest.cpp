@@ -152,6 +152,15 @@ protected:
     }
 };
 
+/// Hands out one manager that it keeps.
+class KeepingFactory : public QQmlNetworkAccessManagerFactory
+{
+public:
+    QNetworkAccessManager *create(QObject *) override { return &manager; }
+
+    HostManager manager;
+};
+
 class HostFactory : public QQmlNetworkAccessManagerFactory
 {
 public:
@@ -183,6 +192,7 @@ private Q_SLOTS:
     void repliesGoWithThoseOfTheManager();
     void newRepliesMayHaveOldAddresses();
     void mirrorsRepliesThatReportNoHeaders();
+    void leavesManagersToTheirOwner();
     void namesTheReplyOfTheHost();
     void worksOnManyThreads();
     void heldReplyIsOpenUntilItIsReleased();
@@ -489,6 +499,21 @@ void NetworkCaptureTest::repliesGoWithThoseOfTheManager()
 }
 
 void NetworkCaptureTest::newRepliesMayHaveOldAddresses()
+void NetworkCaptureTest::leavesManagersToTheirOwner()
+{
+    KeepingFactory kept;
+    for (int round = 0; round < 2; ++round) {
+        QQmlEngine engine;
+        engine.setNetworkAccessManagerFactory(&kept);
+        QXNetworkAccessManagerFactory::install(engine);
+        QNetworkReply *const reply = engine.networkAccessManager()->get(request(u"/echo"_s));
+        QTRY_VERIFY(reply->isFinished());
+        QCOMPARE(newest().headers->value(u"X-Host"_s), u"yes"_s);
+    }
+    QVERIFY(!kept.manager.parent());
+}
+
+void NetworkCaptureTest::outlivesItsThread()
 {
     Tap tap;
     QXCapturing<TidyManager> manager;
