@@ -29,6 +29,10 @@ QNetworkReply *send(QNetworkAccessManager &host, QNetworkAccessManager::Operatio
     case QNetworkAccessManager::UnknownOperation:
         break;
     }
+#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
+    if (body)
+        return host.get(request, body);
+#endif
     return host.get(request);
 }
 

@@ -64,6 +64,15 @@ void QXExchange::amend(const URLRequest &request)
     report([id = m_id, request] { QXRequestRecorder::shared().amend(id, request); });
 }
 
+void QXExchange::setRefresher(std::function<void()> refresher)
+{
+    if (m_isComplete)
+        return;
+    report([id = m_id, refresher = std::move(refresher)] {
+        QXRequestRecorder::shared().setRefresher(id, refresher);
+    });
+}
+
 void QXExchange::progress(const NSURLResponsePtr &response, const std::optional<QByteArray> &data)
 {
     if (m_isComplete)

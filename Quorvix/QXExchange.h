@@ -32,6 +32,10 @@ public:
     /// Does nothing after complete().
     void amend(const Quorvix::URLRequest &request);
 
+    /// Sets what is called on the main thread when the user opens the details while the exchange runs: it
+    /// makes the client call progress(), at once or later. It may be called until the exchange is complete.
+    void setRefresher(std::function<void()> refresher);
+
     /// Reports what has arrived so far of a response that takes long. It is kept until the next report.
     void progress(const Quorvix::NSURLResponsePtr &response, const std::optional<QByteArray> &data);
 

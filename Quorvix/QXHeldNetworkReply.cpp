@@ -192,7 +192,12 @@ QXHeldNetworkReply::Failure QXHeldNetworkReply::takeEdits(const NSURLResponsePtr
     for (const auto &[name, value] : http->allHeaderFields()) {
         const QByteArray rawName = description(name).toUtf8();
         const QString text = description(value);
-        if (!hasRawHeader(rawName) || ReplyOutcome::fieldText(rawHeader(rawName)) != text)
+        if (hasRawHeader(rawName) && ReplyOutcome::fieldText(rawHeader(rawName)) == text)
+            continue;
+        // Qt keeps the length that it has parsed first.
+        if (isSameHeaderName(rawName, "Content-Length"))
+            setHeader(QNetworkRequest::ContentLengthHeader, text.toLongLong());
+        else
             setRawHeader(rawName, text.toUtf8());
     }
     return failure;

@@ -5,8 +5,6 @@
 #include "Quorvix/QXRequestRecorder.h"
 #include "Quorvix/QXUploadTee.h"
 
-#include "Platform/MainActor.h"
-
 #include <QtCore/QBuffer>
 #include <QtNetwork/QAuthenticator>
 
@@ -80,9 +78,7 @@ void QXNetworkCapture::attach(QNetworkAccessManager *manager)
     if (isAttached(manager))
         return;
     static std::once_flag once;
-    std::call_once(once, [] {
-        Quorvix::MainActor::schedule([] { QXRequestRecorder::shared().addSource(&QXNetworkReply::refresh); });
-    });
+    std::call_once(once, [] { QXRequestRecorder::shared().addSource(&QXNetworkReply::refresh); });
     manager->setProperty(attachedProperty, true);
     // Qt passes one copy of the arguments to all slots in turn. So the first slot can replace the reply.
     QObject::connect(manager, &QNetworkAccessManager::authenticationRequired, manager,

@@ -57,9 +57,11 @@ QXNetworkReply::QXNetworkReply(QNetworkReply *inner, Source source, QObject *par
         mirrorResponse();
     connectInner();
     inner->installEventFilter(this);
-    // A synchronous request has ended already.
+    // A synchronous request has ended already, and one for a file. Without an HTTP response no body is
+    // recorded.
     if (isFinished()) {
-        drain();
+        if (attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
+            drain();
         complete();
     }
 }
@@ -174,10 +176,18 @@ void QXNetworkReply::mirrorResponse()
         std::for_each(replyAttributes.begin(), replyAttributes.end(), mirror);
         return;
     }
+    mirrorOpening();
     for (int code = 0; code < endOfQtAttributes; ++code)
         mirror(static_cast<QNetworkRequest::Attribute>(code));
     for (int code = 0; code < userAttributes; ++code)
         mirror(static_cast<QNetworkRequest::Attribute>(QNetworkRequest::User + code));
+}
+
+/// A reply of the host can open itself late.
+void QXNetworkReply::mirrorOpening()
+{
+    if (!m_isOfQt && !isOpen() && !m_isCancelled)
+        setOpenMode(m_inner->openMode());
 }
 
 void QXNetworkReply::mirrorHeaders(const QNetworkReply &from)
@@ -276,8 +286,26 @@ bool QXNetworkReply::isSequential() const
     return !m_inner || m_inner->isSequential();
 }
 
+qint64 QXNetworkReply::size() const
+{
+    if (isSequential())
+        return QNetworkReply::size();
+    return m_body.bytes().size() + (m_inner->isOpen() ? m_inner->bytesAvailable() : 0);
+}
+
+bool QXNetworkReply::seek(qint64 position)
+{
+    if (!isSequential()) {
+        drain();
+        m_body.seek(position);
+    }
+    return QNetworkReply::seek(position);
+}
+
 qint64 QXNetworkReply::bytesAvailable() const
 {
+    if (!isSequential())
+        return QNetworkReply::bytesAvailable();
     const qint64 own = QNetworkReply::bytesAvailable() + m_body.unread();
     return m_inner && m_inner->isOpen() ? own + m_inner->bytesAvailable() : own;
 }
@@ -349,6 +377,7 @@ void QXNetworkReply::innerMetaDataChanged()
 
 void QXNetworkReply::innerReadyRead()
 {
+    mirrorOpening();
     if (!readsThrough())
         drain();
     mirrorState();
@@ -397,6 +426,14 @@ void QXNetworkReply::innerFinished()
     if (!m_hasResponse || !m_isOfQt)
         mirrorResponse();
     complete();
+    // A reply of the host can say so after it has emitted the signal.
+    if (!m_isOfQt && !isFinished()) {
+        const auto mirrorLater = [this] {
+            if (m_inner)
+                mirrorState();
+        };
+        QMetaObject::invokeMethod(this, mirrorLater, Qt::QueuedConnection);
+    }
     Q_EMIT finished();
 }
 

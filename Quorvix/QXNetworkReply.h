@@ -54,6 +54,8 @@ public:
     void ignoreSslErrors() override;
 
     [[nodiscard]] bool isSequential() const override;
+    [[nodiscard]] qint64 size() const override;
+    bool seek(qint64 position) override;
     [[nodiscard]] qint64 bytesAvailable() const override;
     [[nodiscard]] bool canReadLine() const override;
     bool waitForReadyRead(int milliseconds) override;
@@ -107,6 +109,7 @@ private:
     void loseUnread();
     void reportProgress();
     void innerRedirected(const QUrl &url);
+    void mirrorOpening();
     void mirrorHeaders(const QNetworkReply &from);
     [[nodiscard]] std::optional<Quorvix::NSError> transportError() const;
 

@@ -58,6 +58,11 @@ qint64 QXReplyBody::read(QNetworkReply *inner, char *data, qint64 maxSize)
     return size;
 }
 
+void QXReplyBody::seek(qint64 position)
+{
+    m_position = std::clamp<qint64>(position, 0, m_bytes.size());
+}
+
 void QXReplyBody::replace(const QByteArray &bytes)
 {
     m_bytes = bytes;

@@ -19,6 +19,8 @@ public:
     [[nodiscard]] qint64 unread() const { return m_bytes.size() - m_position; }
     /// Whether a line ends in them.
     [[nodiscard]] bool hasLine() const { return m_bytes.indexOf('\n', m_position) >= 0; }
+    /// Goes to the byte that the host gets next: for replies with random access.
+    void seek(qint64 position);
     /// Lets the host get nothing of them any more.
     void loseUnread() { m_position = m_bytes.size(); }
     /// Lets the host get @p bytes instead.

@@ -119,15 +119,19 @@ bool QXRequestRecorder::refresh(const QString &id)
 {
     Q_ASSERT(MainActor::isCurrent());
     const auto refresher = m_refreshers.value(id); // a copy, because the call may end the exchange
-    if (!refresher)
-        return std::any_of(m_sources.cbegin(), m_sources.cend(), [&](const auto &ask) { return ask(id); });
-    refresher();
-    return true;
+    if (refresher) {
+        refresher();
+        return true;
+    }
+    std::unique_lock lock(m_sourcesMutex);
+    const auto sources = m_sources;
+    lock.unlock();
+    return std::any_of(sources.cbegin(), sources.cend(), [&](const auto &ask) { return ask(id); });
 }
 
 void QXRequestRecorder::addSource(std::function<bool(const QString &)> refresher)
 {
-    Q_ASSERT(MainActor::isCurrent());
+    const std::scoped_lock lock(m_sourcesMutex);
     m_sources.append(std::move(refresher));
 }
 

@@ -7,6 +7,8 @@
 #include <QtCore/QHash>
 #include <QtCore/QList>
 
+#include <mutex>
+
 /// The store of captured exchanges, newest first, kept in memory until clear(). Main thread only.
 ///
 /// The cost of recording and of reading `requests` does not depend on the number of traces. Completing
@@ -50,7 +52,7 @@ public:
     /// function is destroyed when the exchange completes and by clear().
     void setRefresher(const QString &id, std::function<void()> refresher);
     /// Adds a source of many exchanges, which refresh() asks when nobody has set a function for the exchange:
-    /// it returns whether it knows the exchange. For the life of the process.
+    /// it returns whether it knows the exchange. For the life of the process. Any thread.
     void addSource(std::function<bool(const QString &id)> refresher);
     /// Asks the source of a running exchange for what has arrived so far. Returns whether there is one to
     /// ask.
@@ -80,5 +82,6 @@ private:
     /// The sum of what all bodies needed when they arrived.
     qsizetype m_bodyBytes = 0;
     QHash<QString, std::function<void()>> m_refreshers;
+    std::mutex m_sourcesMutex;
     QList<std::function<bool(const QString &)>> m_sources;
 };

@@ -1,9 +1,8 @@
 #include "Examples/DemoServer.h"
 
-#include "Quorvix/QXBreakpointCenter.h"
-#include "Quorvix/QXBreakpointStore.h"
+#include "Tests/NetworkKit.h"
+
 #include "Quorvix/QXNetworkAccessManager.h"
-#include "Quorvix/QXRequestRecorder.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtNetwork/QNetworkReply>
@@ -20,41 +19,22 @@ class HeldReplyTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(m_server.start()); }
-    void init();
+    void init() { startAfresh(); }
     void holdsAMatchingReply_data();
     void holdsAMatchingReply();
     void heldReplyCanBeEnded_data();
     void heldReplyCanBeEnded();
+    void heldReplyIsOpenUntilItIsReleased();
+    void releasedReplyCanBeEndedInSlots_data();
+    void releasedReplyCanBeEndedInSlots();
 
 private:
     [[nodiscard]] QNetworkRequest request(const QString &path) const
     {
         return QNetworkRequest(m_server.url(path));
     }
-    /// The newest trace, when it has ended.
-    static QXRequestTrace newest()
-    {
-        const bool ended = QTest::qWaitFor([] {
-            const QXTraceList traces = QXRequestRecorder::shared().requests();
-            return !traces.isEmpty() && traces[0].duration.has_value();
-        });
-        if (!ended)
-            qFatal("no exchange was recorded");
-        return QXRequestRecorder::shared().requests()[0];
-    }
-
     DemoServer m_server;
 };
-
-void HeldReplyTest::init()
-{
-    QXBreakpointStore::shared().setRules({});
-    // Each test begins after the cooldown of the one before.
-    static auto late = 0h;
-    ++late;
-    QXBreakpointCenter::shared().setClock([] { return std::chrono::steady_clock::now() + late; });
-    QXRequestRecorder::shared().clear();
-}
 
 void HeldReplyTest::holdsAMatchingReply_data()
 {
@@ -109,6 +89,7 @@ void HeldReplyTest::holdsAMatchingReply()
     const QByteArray body = reply->readAll();
     QCOMPARE(body, edited ? "edited"_ba : delivered);
     QCOMPARE(reply->rawHeader("Content-Length"), QByteArray::number(body.size()));
+    QCOMPARE(reply->header(QNetworkRequest::ContentLengthHeader).toLongLong(), body.size());
     const int newStatus = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (!status.isEmpty())
         QCOMPARE(newStatus, status.toInt());
@@ -145,6 +126,63 @@ void HeldReplyTest::heldReplyCanBeEnded()
     QCOMPARE(newest().response->statusCode, 200);
     QCoreApplication::processEvents();
     QVERIFY(finished.count() <= 1);
+}
+
+void HeldReplyTest::heldReplyIsOpenUntilItIsReleased()
+{
+    Tap tap;
+    tap.first = {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"};
+    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(tap.url(), u"GET"_s));
+    QXNetworkAccessManager manager;
+    manager.setTransferTimeout(200);
+    const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(tap.url())));
+    QByteArray body;
+    connect(reply.get(), &QNetworkReply::readyRead, this, [&] { body += reply->readAll(); });
+    QTRY_VERIFY(QXBreakpointCenter::shared().activeBreakpoint());
+    QVERIFY(reply->isOpen());
+    QXBreakpointCenter::shared().continueActive();
+    QTRY_VERIFY(reply->isFinished());
+    QCOMPARE(body, "abc"_ba);
+    QCOMPARE(reply->error(), QNetworkReply::OperationCanceledError);
+    QVERIFY(!reply->isOpen());
+}
+
+void HeldReplyTest::releasedReplyCanBeEndedInSlots_data()
+{
+    QTest::addColumn<QString>("slot");
+    QTest::newRow("head") << u"meta"_s;
+    QTest::newRow("body") << u"read"_s;
+    QTest::newRow("error") << u"error"_s;
+}
+
+/// The same happens without a breakpoint.
+void HeldReplyTest::releasedReplyCanBeEndedInSlots()
+{
+    QFETCH(QString, slot);
+    QStringList diaries[2];
+    for (const bool isHeld : {false, true}) {
+        if (isHeld)
+            QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(u"/none"_s), u"GET"_s));
+        QXNetworkAccessManager manager;
+        QNetworkReply *const reply = manager.get(request(u"/none"_s));
+        QStringList &diary = diaries[isHeld];
+        const auto note = [&, reply](const QString &signal) {
+            diary += u"%1 %2"_s.arg(signal).arg(reply->error());
+            if (signal == slot)
+                reply->abort();
+            diary += u"%1 %2"_s.arg(reply->isOpen()).arg(reply->bytesAvailable());
+        };
+        connect(reply, &QNetworkReply::metaDataChanged, this, [&] { note(u"meta"_s); });
+        connect(reply, &QNetworkReply::readyRead, this, [&] { note(u"read"_s); });
+        connect(reply, &QNetworkReply::errorOccurred, this, [&] { note(u"error"_s); });
+        connect(reply, &QNetworkReply::finished, this, [&] { note(u"finished"_s); });
+        if (isHeld) {
+            QTRY_VERIFY(QXBreakpointCenter::shared().activeBreakpoint());
+            QXBreakpointCenter::shared().continueActive();
+        }
+        QTRY_VERIFY(reply->isFinished());
+    }
+    QCOMPARE(diaries[1], diaries[0]);
 }
 
 QTEST_GUILESS_MAIN(HeldReplyTest)

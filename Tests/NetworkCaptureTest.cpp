@@ -1,5 +1,7 @@
 #include "Examples/DemoServer.h"
 
+#include "Tests/NetworkKit.h"
+
 #include "Quorvix/QXBreakpointCenter.h"
 #include "Quorvix/QXBreakpointStore.h"
 #include "Quorvix/QXExchange.h"
@@ -33,149 +35,13 @@ using namespace std::chrono_literals;
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QXRequestRecorder &recorder()
-{
-    return QXRequestRecorder::shared();
-}
-
-/// Answers each connection with the next piece whenever the test says so.
-class Tap final
-{
-public:
-    Tap()
-    {
-        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
-            QTcpSocket *const socket = m_server.nextPendingConnection();
-            m_sockets.append(socket);
-            QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                m_received += socket->readAll();
-                if (!first.isEmpty() && m_received.contains("\r\n\r\n"))
-                    socket->write(first.takeFirst());
-            });
-        });
-        m_server.listen(QHostAddress::LocalHost);
-    }
-
-    [[nodiscard]] QUrl url() const { return QUrl(u"http://127.0.0.1:%1/tap"_s.arg(m_server.serverPort())); }
-    void write(const QByteArray &bytes) { m_sockets.constLast()->write(bytes); }
-
-    /// The responses that are sent when requests arrive.
-    QByteArrayList first;
-
-private:
-    QTcpServer m_server;
-    QList<QTcpSocket *> m_sockets;
-    QByteArray m_received;
-};
-
-/// A manager as hosts write them: it connects in its constructor and changes requests.
-class HostManager : public QNetworkAccessManager
-{
-public:
-    explicit HostManager(QObject *parent = nullptr) : QNetworkAccessManager(parent)
-    {
-        connect(this, &QNetworkAccessManager::authenticationRequired, this,
-                [](QNetworkReply *, QAuthenticator *authenticator) {
-                    authenticator->setUser(u"user"_s);
-                    authenticator->setPassword(u"password"_s);
-                });
-    }
-
-protected:
-    QNetworkReply *createRequest(Operation operation, const QNetworkRequest &original,
-                                 QIODevice *body) override
-    {
-        QNetworkRequest request = original;
-        request.setRawHeader("X-Host", "yes");
-        return QNetworkAccessManager::createRequest(operation, request, body);
-    }
-};
-
-class CapturingHostManager : public HostManager
-{
-protected:
-    QNetworkReply *createRequest(Operation operation, const QNetworkRequest &request,
-                                 QIODevice *body) override
-    {
-        return QXNetworkCapture::capture(this, operation, request, body, [&](QIODevice *upload) {
-            return HostManager::createRequest(operation, request, upload);
-        });
-    }
-};
-
-/// Its replies need no owner.
-class TidyManager : public QNetworkAccessManager
-{
-public:
-    QPointer<QNetworkReply> made;
-
-protected:
-    QNetworkReply *createRequest(Operation operation, const QNetworkRequest &request,
-                                 QIODevice *body) override
-    {
-        made = QNetworkAccessManager::createRequest(operation, request, body);
-        connect(made, &QNetworkReply::finished, made, &QObject::deleteLater);
-        return made;
-    }
-};
-
-/// A reply that a host makes up, and that reports no headers.
-class MockReply : public QNetworkReply
-{
-public:
-    explicit MockReply(QObject *parent) : QNetworkReply(parent)
-    {
-        setOpenMode(ReadOnly);
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                setAttribute(QNetworkRequest::HttpStatusCodeAttribute, 200);
-                Q_EMIT readyRead();
-                setFinished(true);
-                Q_EMIT finished();
-            },
-            Qt::QueuedConnection);
-    }
-
-    void abort() override {}
-    qint64 readData(char *, qint64) override { return -1; }
-};
-
-class MockManager : public QNetworkAccessManager
-{
-protected:
-    QNetworkReply *createRequest(Operation, const QNetworkRequest &, QIODevice *) override
-    {
-        return new MockReply(this);
-    }
-};
-
-/// Hands out one manager that it keeps.
-class KeepingFactory : public QQmlNetworkAccessManagerFactory
-{
-public:
-    QNetworkAccessManager *create(QObject *) override { return &manager; }
-
-    HostManager manager;
-};
-
-class HostFactory : public QQmlNetworkAccessManagerFactory
-{
-public:
-    QNetworkAccessManager *create(QObject *parent) override { return new HostManager(parent); }
-};
-
-} // namespace
-
 class NetworkCaptureTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(m_server.start()); }
-    void init();
+    void init() { startAfresh(); }
     void recordsTheExchangeAsItWent_data();
     void recordsTheExchangeAsItWent();
     void recordsHowItEnded_data();
@@ -185,19 +51,7 @@ private Q_SLOTS:
     void recordsHeadersThatQtAdds();
     void keepsNoMoreThanTheBody();
     void localUrlsAreQtsOwn();
-    void capturesManagersOfTheHost_data();
-    void capturesManagersOfTheHost();
-    void capturesOnce();
-    void repliesGoWithThoseOfTheManager_data();
-    void repliesGoWithThoseOfTheManager();
-    void newRepliesMayHaveOldAddresses();
-    void mirrorsRepliesThatReportNoHeaders();
-    void leavesManagersToTheirOwner();
-    void namesTheReplyOfTheHost();
     void worksOnManyThreads();
-    void heldReplyIsOpenUntilItIsReleased();
-    void releasedReplyCanBeEndedInSlots_data();
-    void releasedReplyCanBeEndedInSlots();
     void showsWhatHasArrivedSoFar_data();
     void showsWhatHasArrivedSoFar();
     void recordsAnyOtherClient();
@@ -208,30 +62,9 @@ private:
     {
         return QNetworkRequest(m_server.url(path));
     }
-    /// The newest trace, when it has ended.
-    static QXRequestTrace newest()
-    {
-        const bool ended = QTest::qWaitFor([] {
-            const QXTraceList traces = recorder().requests();
-            return !traces.isEmpty() && traces[0].duration.has_value();
-        });
-        if (!ended)
-            qFatal("no exchange was recorded");
-        return recorder().requests()[0];
-    }
 
     DemoServer m_server;
 };
-
-void NetworkCaptureTest::init()
-{
-    QXBreakpointStore::shared().setRules({});
-    // Each test begins after the cooldown of the one before.
-    static auto late = 0h;
-    ++late;
-    QXBreakpointCenter::shared().setClock([] { return std::chrono::steady_clock::now() + late; });
-    recorder().clear();
-}
 
 void NetworkCaptureTest::recordsTheExchangeAsItWent_data()
 {
@@ -420,149 +253,6 @@ void NetworkCaptureTest::localUrlsAreQtsOwn()
     QCOMPARE(newest().url, QUrl(u"data:,hello"_s));
 }
 
-void NetworkCaptureTest::capturesManagersOfTheHost_data()
-{
-    using Make = std::function<QNetworkAccessManager *(QObject *)>;
-    QTest::addColumn<Make>("make");
-    QTest::newRow("template") << Make([](QObject *parent) { return new QXCapturing<HostManager>(parent); });
-    QTest::newRow("one line") << Make([](QObject *parent) {
-        auto *const manager = new CapturingHostManager;
-        manager->setParent(parent);
-        return manager;
-    });
-    QTest::newRow("factory of QML") << Make([](QObject *parent) {
-        auto *const engine = new QQmlEngine(parent);
-        static HostFactory factory;
-        engine->setNetworkAccessManagerFactory(&factory);
-        QXNetworkAccessManagerFactory::install(*engine);
-        QXNetworkAccessManagerFactory::install(*engine); // once is enough
-        return engine->networkAccessManager();
-    });
-}
-
-void NetworkCaptureTest::capturesManagersOfTheHost()
-{
-    QFETCH(std::function<QNetworkAccessManager *(QObject *)>, make);
-    QObject parent;
-    QNetworkAccessManager *const manager = make(&parent);
-    QSignalSpy finished(manager, &QNetworkAccessManager::finished);
-
-    QNetworkReply *const reply = manager->post(request(u"/echo"_s), "body"_ba);
-    QVERIFY(finished.wait());
-    QCOMPARE(finished.constFirst().constFirst().value<QNetworkReply *>(), reply);
-    QVERIFY(reply->readAll().toLower().contains("x-host")); // newer Qt sends names in lower case
-    QCOMPARE(newest().headers->value(u"X-Host"_s), u"yes"_s);
-    QCOMPARE(newest().body, "body"_ba);
-    QCOMPARE(recorder().requests().size(), 1);
-}
-
-void NetworkCaptureTest::capturesOnce()
-{
-    QTemporaryFile file;
-    QVERIFY(file.open());
-    file.write("body");
-    file.seek(0);
-    QXCapturing<QXNetworkAccessManager> manager;
-    const std::unique_ptr<QNetworkReply> reply(manager.put(request(u"/echo"_s), &file));
-    QSignalSpy finished(reply.get(), &QNetworkReply::finished);
-    QVERIFY(finished.wait());
-    QCOMPARE(newest().body, "body"_ba);
-    QCOMPARE(recorder().requests().size(), 1);
-}
-
-void NetworkCaptureTest::repliesGoWithThoseOfTheManager_data()
-{
-    QTest::addColumn<bool>("isHeld");
-    QTest::newRow("at once") << false;
-    QTest::newRow("held") << true;
-}
-
-void NetworkCaptureTest::repliesGoWithThoseOfTheManager()
-{
-    QFETCH(bool, isHeld);
-    auto &center = QXBreakpointCenter::shared();
-    if (isHeld)
-        QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(u"/echo"_s), u"GET"_s));
-    QXCapturing<TidyManager> manager;
-    const QPointer<QNetworkReply> reply(manager.get(request(u"/echo"_s)));
-    QSignalSpy finished(reply, &QNetworkReply::finished);
-    if (isHeld) {
-        QTRY_VERIFY(center.activeBreakpoint());
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(reply);
-        center.continueActive();
-    }
-    QTRY_VERIFY(!reply);
-    QCOMPARE(finished.count(), 1);
-    QVERIFY(!manager.made);
-    QVERIFY(!newest().error);
-}
-
-void NetworkCaptureTest::newRepliesMayHaveOldAddresses()
-void NetworkCaptureTest::leavesManagersToTheirOwner()
-{
-    KeepingFactory kept;
-    for (int round = 0; round < 2; ++round) {
-        QQmlEngine engine;
-        engine.setNetworkAccessManagerFactory(&kept);
-        QXNetworkAccessManagerFactory::install(engine);
-        QNetworkReply *const reply = engine.networkAccessManager()->get(request(u"/echo"_s));
-        QTRY_VERIFY(reply->isFinished());
-        QCOMPARE(newest().headers->value(u"X-Host"_s), u"yes"_s);
-    }
-    QVERIFY(!kept.manager.parent());
-}
-
-void NetworkCaptureTest::outlivesItsThread()
-{
-    Tap tap;
-    QXCapturing<TidyManager> manager;
-    std::vector<std::unique_ptr<QNetworkReply>> old;
-    for (int i = 0; i < 20; ++i) {
-        old.emplace_back(manager.get(QNetworkRequest(tap.url())));
-        delete manager.made;
-    }
-    QStringList ids;
-    for (int i = 0; i < 20; ++i) {
-        manager.get(QNetworkRequest(tap.url()));
-        ids += recorder().requests()[0].id;
-    }
-    old.clear();
-    for (const QString &id : ids)
-        QVERIFY(recorder().refresh(id));
-}
-
-void NetworkCaptureTest::mirrorsRepliesThatReportNoHeaders()
-{
-    QXCapturing<MockManager> manager;
-    QNetworkReply *const reply = manager.get(request(u"/mock"_s));
-    int status = 0;
-    connect(reply, &QNetworkReply::readyRead, this,
-            [&] { status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); });
-    QTRY_VERIFY(reply->isFinished());
-    QCOMPARE(status, 200);
-}
-
-void NetworkCaptureTest::namesTheReplyOfTheHost()
-{
-    Tap tap;
-    const QByteArray refusal("HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"x\"\r\n"
-                             "Content-Length: 0\r\n\r\n");
-    tap.first = {refusal, "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"};
-    QXNetworkAccessManager manager;
-    QNetworkReply *asking = nullptr;
-    connect(&manager, &QNetworkAccessManager::authenticationRequired, this,
-            [&](QNetworkReply *reply, QAuthenticator *authenticator) {
-                asking = reply;
-                authenticator->setUser(u"user"_s);
-            });
-    const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(tap.url())));
-    reply->setParent(this); // a host may own its replies
-    QTRY_VERIFY(reply->isFinished());
-    QCOMPARE(asking, reply.get());
-    QCOMPARE(newest().response->statusCode, 200);
-}
-
 void NetworkCaptureTest::worksOnManyThreads()
 {
     constexpr int threads = 4;
@@ -584,63 +274,6 @@ void NetworkCaptureTest::worksOnManyThreads()
     QTRY_COMPARE_WITH_TIMEOUT(recorder().findRequestsByStatusCode(200).size(), threads * requests, 20'000);
     for (const auto &thread : running)
         QVERIFY(thread->wait());
-}
-
-void NetworkCaptureTest::releasedReplyCanBeEndedInSlots_data()
-{
-    QTest::addColumn<QString>("slot");
-    QTest::newRow("head") << u"meta"_s;
-    QTest::newRow("body") << u"read"_s;
-    QTest::newRow("error") << u"error"_s;
-}
-
-void NetworkCaptureTest::heldReplyIsOpenUntilItIsReleased()
-{
-    Tap tap;
-    tap.first = {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"};
-    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(tap.url(), u"GET"_s));
-    QXNetworkAccessManager manager;
-    manager.setTransferTimeout(200);
-    const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(tap.url())));
-    QByteArray body;
-    connect(reply.get(), &QNetworkReply::readyRead, this, [&] { body += reply->readAll(); });
-    QTRY_VERIFY(QXBreakpointCenter::shared().activeBreakpoint());
-    QVERIFY(reply->isOpen());
-    QXBreakpointCenter::shared().continueActive();
-    QTRY_VERIFY(reply->isFinished());
-    QCOMPARE(body, "abc"_ba);
-    QCOMPARE(reply->error(), QNetworkReply::OperationCanceledError);
-    QVERIFY(!reply->isOpen());
-}
-
-/// The same happens without a breakpoint.
-void NetworkCaptureTest::releasedReplyCanBeEndedInSlots()
-{
-    QFETCH(QString, slot);
-    QStringList diaries[2];
-    for (const bool isHeld : {false, true}) {
-        if (isHeld)
-            QXBreakpointStore::shared().insert(*QXBreakpointKey::make(m_server.url(u"/none"_s), u"GET"_s));
-        QXNetworkAccessManager manager;
-        QNetworkReply *const reply = manager.get(request(u"/none"_s));
-        QStringList &diary = diaries[isHeld];
-        const auto note = [&, reply](const QString &signal) {
-            diary += u"%1 %2"_s.arg(signal).arg(reply->error());
-            if (signal == slot)
-                reply->abort();
-            diary += u"%1 %2"_s.arg(reply->isOpen()).arg(reply->bytesAvailable());
-        };
-        connect(reply, &QNetworkReply::metaDataChanged, this, [&] { note(u"meta"_s); });
-        connect(reply, &QNetworkReply::readyRead, this, [&] { note(u"read"_s); });
-        connect(reply, &QNetworkReply::errorOccurred, this, [&] { note(u"error"_s); });
-        connect(reply, &QNetworkReply::finished, this, [&] { note(u"finished"_s); });
-        if (isHeld) {
-            QTRY_VERIFY(QXBreakpointCenter::shared().activeBreakpoint());
-            QXBreakpointCenter::shared().continueActive();
-        }
-        QTRY_VERIFY(reply->isFinished());
-    }
-    QCOMPARE(diaries[1], diaries[0]);
 }
 
 void NetworkCaptureTest::showsWhatHasArrivedSoFar_data()
@@ -697,6 +330,14 @@ void NetworkCaptureTest::recordsAnyOtherClient()
     QCOMPARE(trace.id, id);
     QCOMPARE(trace.body, "late"_ba);
     QCOMPARE(trace.response->statusCode, 204);
+
+    QXExchange running(sent);
+    int asked = 0;
+    running.setRefresher([&] { ++asked; });
+    QVERIFY(recorder().refresh(running.id()));
+    running.complete(nullptr, {}, {});
+    QVERIFY(!recorder().refresh(running.id()));
+    QCOMPARE(asked, 1);
 }
 
 /// AddressSanitizer sees whether the thread has destroyed what the reply needs.
