@@ -14,19 +14,19 @@ using namespace Quorvix;
 
 namespace {
 
-QString makeIdentifier()
-{
-    const QByteArray text = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
-    return QString::fromLatin1(text);
-}
-
 /// Whether the recorder changes now: its observers may themselves begin or end an exchange. Main thread only.
 bool isReporting = false;
 
 } // namespace
 
+QString QXExchange::makeId()
+{
+    const QByteArray text = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
+    return QString::fromLatin1(text);
+}
+
 QXExchange::QXExchange(const URLRequest &request)
-    : m_id(makeIdentifier()), m_request(request), m_isRecorded(MainActor::isCurrent() && !isReporting)
+    : m_id(makeId()), m_request(request), m_isRecorded(MainActor::isCurrent() && !isReporting)
 {
     report([id = m_id, request, now = QXMoment::now()] {
         QXRequestRecorder::shared().record(id, request, now);

@@ -25,7 +25,10 @@ public:
     QXExchange &operator=(QXExchange &&) = delete;
     Q_DISABLE_COPY(QXExchange)
 
-    /// A new identifier for every exchange: a UUID in upper case, which the trace gets, too.
+    /// A new identifier, as every exchange has one: a UUID in upper case (RFC 9562).
+    [[nodiscard]] static QString makeId();
+
+    /// The identifier of this exchange, which its trace has, too.
     [[nodiscard]] const QString &id() const noexcept { return m_id; }
 
     /// Replaces what was reported about the request: for clients that know headers or the body only later.

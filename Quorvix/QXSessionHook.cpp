@@ -1,6 +1,7 @@
 #include "Quorvix/QXSessionHook.h"
 
 #include "Quorvix/QXBreakpointCenter.h"
+#include "Quorvix/QXExchange.h"
 #include "Quorvix/QXHostCompletion.h"
 #include "Quorvix/QXRequestRecorder.h"
 
@@ -9,7 +10,6 @@
 #include "Platform/ObjectRuntime.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QUuid>
 
 #include <mutex>
 
@@ -21,11 +21,6 @@ constexpr QByteArrayView hookedSelector{"qx_hookedDataTaskWith:completionHandler
 
 /// The method of hookedSelector. It is our own before the exchange and the platform's after it.
 std::atomic<const Method *> hookedMethod = nullptr;
-
-QString makeIdentifier()
-{
-    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-}
 
 /// Reports the end of an exchange to the breakpoint center, the recorder and the host, in this order. Main
 /// thread.
@@ -45,7 +40,7 @@ void finish(const URLRequest &request, const QString &identifier, const std::opt
 NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &request,
                                        DataTaskCompletionHandler completion)
 {
-    const QString identifier = makeIdentifier();
+    const QString identifier = QXExchange::makeId();
     MainActor::schedule([identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
 
     // Called once, on the session's thread.
