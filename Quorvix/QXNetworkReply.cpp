@@ -7,7 +7,6 @@
 
 #include <QtCore/QEvent>
 #include <QtCore/QMetaMethod>
-#include <QtNetwork/QSslConfiguration>
 #include <QtNetwork/QSslError>
 
 #include <algorithm>
@@ -16,45 +15,13 @@
 
 using namespace Quorvix;
 
-namespace {
-
-/// The attributes that Qt gives to its replies.
-constexpr std::array replyAttributes{
-    QNetworkRequest::HttpStatusCodeAttribute,        QNetworkRequest::HttpReasonPhraseAttribute,
-    QNetworkRequest::RedirectionTargetAttribute,     QNetworkRequest::ConnectionEncryptedAttribute,
-    QNetworkRequest::SourceIsFromCacheAttribute,     QNetworkRequest::HttpPipeliningWasUsedAttribute,
-    QNetworkRequest::DownloadBufferAttribute,        QNetworkRequest::Http2WasUsedAttribute,
-    QNetworkRequest::OriginalContentLengthAttribute,
-};
-/// The attributes that a host can give to replies of its own: those of Qt end far below the first number, and
-/// those of hosts begin with QNetworkRequest::User.
-constexpr int endOfQtAttributes = 64;
-constexpr int userAttributes = 16;
-
-} // namespace
-
 QXNetworkReply::QXNetworkReply(QNetworkReply *inner, Source source, QObject *parent)
-    : QNetworkReply(parent), m_inner(inner), m_innerKey(inner), m_source(std::move(source)),
-      m_exchange(ReplyOutcome::request(*inner, m_source.method, m_source.body)),
-      m_isOfQt(inner->inherits("QNetworkReplyHttpImpl"))
+    : QXMirrorReply(inner, parent), m_innerKey(inner), m_source(std::move(source)),
+      m_exchange(ReplyOutcome::request(*inner, m_source.method, m_source.body))
 {
     // The manager deletes its children in any order, but the inner reply must go with this one.
     inner->setParent(nullptr);
     QXReplyRegistry::shared().insert(inner, this);
-    setObjectName(inner->objectName());
-    const QList<QByteArray> properties = inner->dynamicPropertyNames();
-    for (const QByteArray &name : properties)
-        setProperty(name.constData(), inner->property(name.constData()));
-    QNetworkReply::setReadBufferSize(inner->readBufferSize());
-    setOpenMode(inner->openMode());
-    setRequest(inner->request());
-    mirrorState();
-    mirrorAddress();
-    constexpr auto encrypted = QNetworkRequest::ConnectionEncryptedAttribute;
-    if (m_isOfQt && !inner->isFinished())
-        setAttribute(encrypted, inner->attribute(encrypted));
-    else
-        mirrorResponse();
     connectInner();
     inner->installEventFilter(this);
     // A synchronous request has ended already, and one for a file. Without an HTTP response no body is
@@ -69,13 +36,13 @@ QXNetworkReply::QXNetworkReply(QNetworkReply *inner, Source source, QObject *par
 QXNetworkReply::~QXNetworkReply()
 {
     if (!m_isComplete) {
-        m_isCancelled = true;
+        setCancelled();
         drain();
         complete();
     }
     QXReplyRegistry::shared().remove(m_innerKey, this);
     // Before the device from which it uploads, which is a member or a child of this reply.
-    delete m_inner.data();
+    delete inner();
 }
 
 QXNetworkReply *QXNetworkReply::outerOf(const QNetworkReply *inner)
@@ -85,25 +52,25 @@ QXNetworkReply *QXNetworkReply::outerOf(const QNetworkReply *inner)
 
 void QXNetworkReply::connectInner()
 {
-    connect(m_inner, &QNetworkReply::redirected, this, &QXNetworkReply::innerRedirected);
-    connect(m_inner, &QNetworkReply::metaDataChanged, this, &QXNetworkReply::innerMetaDataChanged);
-    connect(m_inner, &QNetworkReply::readyRead, this, &QXNetworkReply::innerReadyRead);
-    connect(m_inner, &QNetworkReply::finished, this, &QXNetworkReply::innerFinished);
+    connect(inner(), &QNetworkReply::redirected, this, &QXNetworkReply::innerRedirected);
+    connect(inner(), &QNetworkReply::metaDataChanged, this, &QXNetworkReply::innerMetaDataChanged);
+    connect(inner(), &QNetworkReply::readyRead, this, &QXNetworkReply::innerReadyRead);
+    connect(inner(), &QNetworkReply::finished, this, &QXNetworkReply::innerFinished);
     if (url().scheme() == QLatin1StringView("https"))
         connectTls();
     // A reply of Qt closes itself only after a time-out.
-    if (!m_isOfQt || request().transferTimeout() > 0)
-        connect(m_inner, &QNetworkReply::aboutToClose, this, &QXNetworkReply::innerAboutToClose);
+    if (!isOfQt() || request().transferTimeout() > 0)
+        connect(inner(), &QNetworkReply::aboutToClose, this, &QXNetworkReply::innerAboutToClose);
 }
 
 void QXNetworkReply::connectTls()
 {
     m_isTlsConnected = true;
-    connect(m_inner, &QNetworkReply::encrypted, this, &QNetworkReply::encrypted);
-    connect(m_inner, &QNetworkReply::preSharedKeyAuthenticationRequired, this,
+    connect(inner(), &QNetworkReply::encrypted, this, &QNetworkReply::encrypted);
+    connect(inner(), &QNetworkReply::preSharedKeyAuthenticationRequired, this,
             &QNetworkReply::preSharedKeyAuthenticationRequired);
-    connect(m_inner, &QNetworkReply::sslErrors, this, [this](const QList<QSslError> &errors) {
-        ReplyOutcome::noteCertificateErrors(*m_inner, errors);
+    connect(inner(), &QNetworkReply::sslErrors, this, [this](const QList<QSslError> &errors) {
+        ReplyOutcome::noteCertificateErrors(*inner(), errors);
         Q_EMIT sslErrors(errors);
     });
 }
@@ -122,124 +89,66 @@ void QXNetworkReply::connectNotify(const QMetaMethod &signal)
     };
     const auto found = std::find(wanted.begin(), wanted.end(), signal);
     const unsigned bit = 1U << (found - wanted.begin());
-    if (found == wanted.end() || (m_wantedSignals.fetch_or(bit) & bit) || !m_inner)
+    if (found == wanted.end() || (m_wantedSignals.fetch_or(bit) & bit) || !inner())
         return;
     switch (found - wanted.begin()) {
     case 0:
-        connect(m_inner, &QNetworkReply::socketStartedConnecting, this,
+        connect(inner(), &QNetworkReply::socketStartedConnecting, this,
                 &QNetworkReply::socketStartedConnecting);
         break;
     case 1:
-        connect(m_inner, &QNetworkReply::requestSent, this, &QNetworkReply::requestSent);
+        connect(inner(), &QNetworkReply::requestSent, this, &QNetworkReply::requestSent);
         break;
     case 2:
-        connect(m_inner, &QNetworkReply::uploadProgress, this, [this](qint64 sent, qint64 total) {
+        connect(inner(), &QNetworkReply::uploadProgress, this, [this](qint64 sent, qint64 total) {
             mirrorState();
             Q_EMIT uploadProgress(sent, total);
         });
         break;
     case 3:
-        connect(m_inner, &QNetworkReply::downloadProgress, this, &QXNetworkReply::innerDownloadProgress);
+        connect(inner(), &QNetworkReply::downloadProgress, this, &QXNetworkReply::innerDownloadProgress);
         break;
     case 4:
-        connect(m_inner, &QNetworkReply::readChannelFinished, this,
+        connect(inner(), &QNetworkReply::readChannelFinished, this,
                 &QXNetworkReply::innerReadChannelFinished);
         break;
     default:
-        connect(m_inner, &QNetworkReply::errorOccurred, this, &QXNetworkReply::innerErrorOccurred);
+        connect(inner(), &QNetworkReply::errorOccurred, this, &QXNetworkReply::innerErrorOccurred);
     }
-}
-
-void QXNetworkReply::mirrorState()
-{
-    if (m_inner->error() != error())
-        setError(m_inner->error(), m_inner->errorString());
-    if (m_inner->isFinished())
-        setFinished(true);
-}
-
-void QXNetworkReply::mirrorAddress()
-{
-    setUrl(m_inner->url());
-    setOperation(m_inner->operation());
-}
-
-void QXNetworkReply::mirrorResponse()
-{
-    mirrorHeaders(*m_inner);
-    m_isCompressed = hasRawHeader("Content-Encoding") && request().rawHeader("Accept-Encoding").isEmpty();
-    const auto mirror = [this](QNetworkRequest::Attribute code) {
-        if (const QVariant value = m_inner->attribute(code); value.isValid())
-            setAttribute(code, value);
-    };
-    if (m_isOfQt) {
-        std::for_each(replyAttributes.begin(), replyAttributes.end(), mirror);
-        return;
-    }
-    mirrorOpening();
-    for (int code = 0; code < endOfQtAttributes; ++code)
-        mirror(static_cast<QNetworkRequest::Attribute>(code));
-    for (int code = 0; code < userAttributes; ++code)
-        mirror(static_cast<QNetworkRequest::Attribute>(QNetworkRequest::User + code));
-}
-
-/// A reply of the host can open itself late.
-void QXNetworkReply::mirrorOpening()
-{
-    if (!m_isOfQt && !isOpen() && !m_isCancelled)
-        setOpenMode(m_inner->openMode());
-}
-
-void QXNetworkReply::mirrorHeaders(const QNetworkReply &from)
-{
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-    setHeaders(from.headers());
-#else
-    if (from.rawHeaderPairs() == rawHeaderPairs())
-        return;
-    const QList<QByteArray> old = rawHeaderList();
-    for (const QByteArray &name : old)
-        setRawHeader(name, QByteArray());
-    // Qt keeps the first length of several, which it would not find in the joined text.
-    if (const QVariant length = from.header(QNetworkRequest::ContentLengthHeader); length.isValid())
-        setHeader(QNetworkRequest::ContentLengthHeader, length);
-    for (const auto &[name, value] : from.rawHeaderPairs())
-        setRawHeader(name, value);
-#endif
 }
 
 // What the host calls
 
 void QXNetworkReply::abort()
 {
-    if (!m_inner)
+    if (!inner())
         return;
     noteCancelling();
-    m_inner->abort();
+    inner()->abort();
 }
 
 void QXNetworkReply::close()
 {
-    if (!m_inner)
+    if (!inner())
         return QNetworkReply::close();
     noteCancelling();
-    m_inner->close();
+    inner()->close();
 }
 
 /// Qt closes a running reply before it emits anything else.
 void QXNetworkReply::noteCancelling()
 {
-    if (m_inner->isFinished())
+    if (inner()->isFinished())
         return;
-    m_isCancelled = true;
-    if (m_isOfQt)
+    setCancelled();
+    if (isOfQt())
         innerAboutToClose();
 }
 
 /// Opening or closing a device empties its buffer. Qt keeps a compressed body elsewhere, and some others.
 void QXNetworkReply::loseUnread()
 {
-    if (!m_isCompressed && !attribute(QNetworkRequest::DownloadBufferAttribute).isValid())
+    if (!isCompressed() && !attribute(QNetworkRequest::DownloadBufferAttribute).isValid())
         m_body.loseUnread();
 }
 
@@ -253,44 +162,15 @@ void QXNetworkReply::setReadBufferSize(qint64 size)
 {
     QNetworkReply::setReadBufferSize(size);
     // A response that is held is kept as a whole, so that the inner reply must not wait for the host.
-    if (m_inner && !holdsResponse())
-        m_inner->setReadBufferSize(size);
-}
-
-void QXNetworkReply::ignoreSslErrors()
-{
-    if (m_inner)
-        m_inner->ignoreSslErrors();
-}
-
-void QXNetworkReply::ignoreSslErrorsImplementation(const QList<QSslError> &errors)
-{
-    if (m_inner)
-        m_inner->ignoreSslErrors(errors);
-}
-
-void QXNetworkReply::sslConfigurationImplementation(QSslConfiguration &configuration) const
-{
-    if (m_inner)
-        configuration = m_inner->sslConfiguration();
-}
-
-void QXNetworkReply::setSslConfigurationImplementation(const QSslConfiguration &configuration)
-{
-    if (m_inner)
-        m_inner->setSslConfiguration(configuration);
-}
-
-bool QXNetworkReply::isSequential() const
-{
-    return !m_inner || m_inner->isSequential();
+    if (inner() && !holdsResponse())
+        inner()->setReadBufferSize(size);
 }
 
 qint64 QXNetworkReply::size() const
 {
     if (isSequential())
         return QNetworkReply::size();
-    return m_body.bytes().size() + (m_inner->isOpen() ? m_inner->bytesAvailable() : 0);
+    return m_body.bytes().size() + (inner()->isOpen() ? inner()->bytesAvailable() : 0);
 }
 
 bool QXNetworkReply::seek(qint64 position)
@@ -307,30 +187,25 @@ qint64 QXNetworkReply::bytesAvailable() const
     if (!isSequential())
         return QNetworkReply::bytesAvailable();
     const qint64 own = QNetworkReply::bytesAvailable() + m_body.unread();
-    return m_inner && m_inner->isOpen() ? own + m_inner->bytesAvailable() : own;
+    return inner() && inner()->isOpen() ? own + inner()->bytesAvailable() : own;
 }
 
 bool QXNetworkReply::canReadLine() const
 {
-    return QNetworkReply::canReadLine() || (!m_isCompressed && m_body.hasLine()) ||
-           (m_inner && m_inner->canReadLine());
-}
-
-bool QXNetworkReply::waitForReadyRead(int milliseconds)
-{
-    return m_inner && m_inner->waitForReadyRead(milliseconds);
+    return QNetworkReply::canReadLine() || (!isCompressed() && m_body.hasLine()) ||
+           (inner() && inner()->canReadLine());
 }
 
 qint64 QXNetworkReply::readData(char *data, qint64 maxSize)
 {
-    return m_body.read(m_inner, data, maxSize);
+    return m_body.read(inner(), data, maxSize);
 }
 
 // What the inner reply tells
 
 bool QXNetworkReply::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != m_inner || event->type() != QEvent::DeferredDelete)
+    if (watched != inner() || event->type() != QEvent::DeferredDelete)
         return QNetworkReply::eventFilter(watched, event);
     innerDeleteLater();
     return true;
@@ -346,14 +221,14 @@ bool QXNetworkReply::readsThrough() const
 {
     // Qt saves a compressed body in its cache while it is read, and must itself come to the end of what it
     // has in its cache.
-    return readBufferSize() > 0 || m_isCompressed ||
-           m_inner->attribute(QNetworkRequest::SourceIsFromCacheAttribute).toBool();
+    return readBufferSize() > 0 || isCompressed() ||
+           inner()->attribute(QNetworkRequest::SourceIsFromCacheAttribute).toBool();
 }
 
 void QXNetworkReply::drain()
 {
-    if (m_inner)
-        m_body.drain(*m_inner);
+    if (inner())
+        m_body.drain(*inner());
 }
 
 void QXNetworkReply::innerRedirected(const QUrl &url)
@@ -363,7 +238,7 @@ void QXNetworkReply::innerRedirected(const QUrl &url)
     if (!m_isTlsConnected && url.scheme() == QLatin1StringView("https"))
         connectTls();
     if (!std::exchange(m_isRedirected, true))
-        connect(this, &QNetworkReply::redirectAllowed, m_inner, &QNetworkReply::redirectAllowed);
+        connect(this, &QNetworkReply::redirectAllowed, inner(), &QNetworkReply::redirectAllowed);
     Q_EMIT redirected(url);
 }
 
@@ -382,7 +257,7 @@ void QXNetworkReply::innerReadyRead()
         drain();
     mirrorState();
     // A reply of the host's own class need not report its headers.
-    if (!m_isOfQt) {
+    if (!isOfQt()) {
         mirrorAddress();
         mirrorResponse();
     }
@@ -423,13 +298,13 @@ void QXNetworkReply::innerFinished()
     mirrorState();
     mirrorAddress();
     // A reply from the cache says so only after it has reported its headers.
-    if (!m_hasResponse || !m_isOfQt)
+    if (!m_hasResponse || !isOfQt())
         mirrorResponse();
     complete();
     // A reply of the host can say so after it has emitted the signal.
-    if (!m_isOfQt && !isFinished()) {
+    if (!isOfQt() && !isFinished()) {
         const auto mirrorLater = [this] {
-            if (m_inner)
+            if (inner())
                 mirrorState();
         };
         QMetaObject::invokeMethod(this, mirrorLater, Qt::QueuedConnection);
@@ -441,11 +316,11 @@ void QXNetworkReply::innerFinished()
 
 std::optional<NSError> QXNetworkReply::transportError() const
 {
-    if (!m_inner)
+    if (!inner())
         return makeURLError(NSURLErrorCancelled);
-    if (!m_inner->isFinished() && m_isCancelled)
+    if (!inner()->isFinished() && isCancelled())
         return makeURLError(NSURLErrorCancelled);
-    const auto code = ReplyOutcome::transportError(*m_inner, m_isCancelled);
+    const auto code = ReplyOutcome::transportError(*inner(), isCancelled());
     return code ? std::optional(makeURLError(*code)) : std::nullopt;
 }
 
@@ -454,12 +329,12 @@ void QXNetworkReply::complete(const DataTaskCompletionHandler &deliver)
     if (std::exchange(m_isComplete, true))
         return;
     m_body.squeeze();
-    if (m_source.tee && m_inner) {
+    if (m_source.tee && inner()) {
         m_source.body = m_source.tee->takeCopy();
         m_source.body->squeeze();
-        m_exchange.amend(ReplyOutcome::request(*m_inner, m_source.method, m_source.body));
+        m_exchange.amend(ReplyOutcome::request(*inner(), m_source.method, m_source.body));
     }
-    const NSURLResponsePtr response = m_inner ? ReplyOutcome::response(*m_inner) : nullptr;
+    const NSURLResponsePtr response = inner() ? ReplyOutcome::response(*inner()) : nullptr;
     if (deliver)
         m_exchange.complete(response, m_body.bytes(), transportError(), deliver);
     else
@@ -479,13 +354,13 @@ bool QXNetworkReply::refresh(const QString &id)
 
 void QXNetworkReply::reportProgress()
 {
-    if (m_isComplete || !m_inner)
+    if (m_isComplete || !inner())
         return;
     QByteArray soFar = m_body.bytes();
     // What Qt has decompressed it would also have saved in its cache.
-    if (!m_isCompressed && m_inner->isOpen())
-        soFar += m_inner->peek(m_inner->bytesAvailable());
-    m_exchange.progress(ReplyOutcome::response(*m_inner), soFar);
+    if (!isCompressed() && inner()->isOpen())
+        soFar += inner()->peek(inner()->bytesAvailable());
+    m_exchange.progress(ReplyOutcome::response(*inner()), soFar);
 }
 
 void QXNetworkReply::setBody(const QByteArray &body)

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "Quorvix/QXExchange.h"
+#include "Quorvix/QXMirrorReply.h"
 #include "Quorvix/QXReplyBody.h"
 #include "Quorvix/QXUploadTee.h"
-
-#include <QtCore/QPointer>
-#include <QtNetwork/QNetworkReply>
 
 #include <atomic>
 #include <memory>
@@ -18,7 +16,7 @@
 /// Bytes are taken from the inner reply as they arrive, and the host and the inspector share them. If the
 /// host limits the read buffer, or the body is compressed, then bytes are taken from the inner reply only
 /// when the host reads them.
-class QXNetworkReply : public QNetworkReply
+class QXNetworkReply : public QXMirrorReply
 {
     Q_OBJECT
 
@@ -51,23 +49,17 @@ public:
     void abort() override;
     void close() override;
     void setReadBufferSize(qint64 size) override;
-    void ignoreSslErrors() override;
 
-    [[nodiscard]] bool isSequential() const override;
     [[nodiscard]] qint64 size() const override;
     bool seek(qint64 position) override;
     [[nodiscard]] qint64 bytesAvailable() const override;
     [[nodiscard]] bool canReadLine() const override;
-    bool waitForReadyRead(int milliseconds) override;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 protected:
     void connectNotify(const QMetaMethod &signal) override;
     qint64 readData(char *data, qint64 maxSize) override;
-    void sslConfigurationImplementation(QSslConfiguration &configuration) const override;
-    void setSslConfigurationImplementation(const QSslConfiguration &configuration) override;
-    void ignoreSslErrorsImplementation(const QList<QSslError> &errors) override;
 
     // What the inner reply has emitted.
     virtual void innerMetaDataChanged();
@@ -79,19 +71,9 @@ protected:
     virtual void innerFinished();
     virtual void innerDeleteLater();
 
-    /// Null after it was deleted by someone else.
-    [[nodiscard]] QNetworkReply *inner() const { return m_inner; }
     /// Whether the response is kept as a whole until the user releases it.
     [[nodiscard]] virtual bool holdsResponse() const { return false; }
 
-    /// Whether the host ended the exchange: Qt reports a time-out with the same error.
-    [[nodiscard]] bool isCancelled() const { return m_isCancelled; }
-
-    /// Copies what the inner reply says about itself: its error and whether it has finished, its address, and
-    /// its headers and attributes.
-    void mirrorState();
-    void mirrorAddress();
-    void mirrorResponse();
     /// Takes all bytes that the inner reply has.
     void drain();
     /// Reports the result to the inspector, once. If @p deliver is given, it is called on the main thread
@@ -109,24 +91,17 @@ private:
     void loseUnread();
     void reportProgress();
     void innerRedirected(const QUrl &url);
-    void mirrorOpening();
-    void mirrorHeaders(const QNetworkReply &from);
     [[nodiscard]] std::optional<Quorvix::NSError> transportError() const;
 
-    QPointer<QNetworkReply> m_inner;
     const QNetworkReply *const m_innerKey;
     Source m_source;
     QXExchange m_exchange;
     QXReplyBody m_body;
-    bool m_isCancelled = false;
     bool m_isComplete = false;
     /// Whether the headers and attributes are those of the last response.
     bool m_hasResponse = false;
-    /// Whether Qt made the inner reply, not the host: then its attributes are known.
-    const bool m_isOfQt;
     bool m_isTlsConnected = false;
     bool m_isRedirected = false;
-    bool m_isCompressed = false;
     /// The signals that are only passed on because the host has connected to them, one bit for each.
     std::atomic<unsigned> m_wantedSignals = 0;
 };
