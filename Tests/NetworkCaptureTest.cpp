@@ -176,14 +176,19 @@ void NetworkCaptureTest::recordsBodiesFromDevices()
     QTemporaryFile file;
     QVERIFY(file.open());
     file.write(QByteArray(100'000, 'x') + "end");
-    file.seek(10);
     QXNetworkAccessManager manager;
 
     QNetworkRequest sent = request(u"/moved/307"_s); // sends the body twice
     sent.setHeader(QNetworkRequest::ContentTypeHeader, u"text/plain"_s);
-    const std::unique_ptr<QNetworkReply> reply(manager.put(sent, &file));
-    QSignalSpy finished(reply.get(), &QNetworkReply::finished);
-    QVERIFY(finished.wait());
+    // Qt 6.4 seldom mixes up the two requests, which ends in an error.
+    std::unique_ptr<QNetworkReply> reply;
+    for (int attempt = 0; attempt < 5 && (!reply || reply->error() != QNetworkReply::NoError); ++attempt) {
+        file.seek(10);
+        recorder().clear();
+        reply.reset(manager.put(sent, &file));
+        QSignalSpy finished(reply.get(), &QNetworkReply::finished);
+        QVERIFY(finished.wait());
+    }
     QCOMPARE(reply->error(), QNetworkReply::NoError);
 
     const QXRequestTrace trace = newest();
