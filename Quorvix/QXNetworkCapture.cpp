@@ -102,9 +102,10 @@ QNetworkReply *QXNetworkCapture::wrap(QNetworkReply *inner)
 {
     if (!inner)
         return nullptr;
+    // The manager below has captured the request already, and uploads from this device.
     if (qobject_cast<QXNetworkReply *>(inner)) {
         if (m_tee)
-            m_tee.release()->setParent(inner); // it reads from this one
+            m_tee.release()->setParent(inner);
         return inner;
     }
     QXNetworkReply::Source source{m_method, std::move(m_body), std::move(m_tee)};

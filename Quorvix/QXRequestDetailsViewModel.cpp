@@ -53,12 +53,6 @@ QVariantList asVariants(const QList<QXRequestValue> &values)
     return variants;
 }
 
-bool isSame(const QXRequestSection &left, const QXRequestSection &right)
-{
-    return left.kind == right.kind && left.title == right.title && left.values == right.values &&
-           left.group == right.group && left.body.isSharedWith(right.body);
-}
-
 /// Whether the source of a running exchange has told what has arrived, since @p before.
 bool hasAnswer(const QXRequestTrace &before, const QXRequestTrace &now)
 {
@@ -113,7 +107,8 @@ void QXRequestDetailsViewModel::show(const QXRequestTrace &trace)
     m_request = trace;
     std::vector<QXRequestSection> sections = requestSections(trace);
     std::size_t same = 0;
-    while (same < std::min(sections.size(), m_rows.size()) && isSame(sections[same], m_rows[same].section))
+    while (same < std::min(sections.size(), m_rows.size()) &&
+           sections[same].showsTheSameAs(m_rows[same].section))
         ++same;
     removeRowsFrom(same);
     sections.erase(sections.begin(), sections.begin() + std::ptrdiff_t(same));

@@ -120,6 +120,12 @@ void addResponse(Sections &sections, const QXRequestTrace &request, const QXResp
 
 } // namespace
 
+bool QXRequestSection::showsTheSameAs(const QXRequestSection &other) const
+{
+    return kind == other.kind && title == other.title && values == other.values && group == other.group &&
+           body.isSharedWith(other.body);
+}
+
 std::vector<QXRequestSection> requestSections(const QXRequestTrace &request)
 {
     Sections sections;

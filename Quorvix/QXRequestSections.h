@@ -38,6 +38,10 @@ struct QXRequestSection
     std::optional<Group> group;
     /// The body, if this section shows one; shared with the trace.
     QByteArray body;
+
+    /// Whether both show the same. A body is the same only if both share its bytes, so that the cost does not
+    /// grow with its size.
+    [[nodiscard]] bool showsTheSameAs(const QXRequestSection &other) const;
 };
 
 /// Returns the sections of the details screen, from top to bottom. The cookies are read from the shared
