@@ -1,11 +1,9 @@
 #include "Tests/NetworkPlays.h"
 
 #include <QtCore/QBuffer>
-#include <QtCore/QDataStream>
 #include <QtCore/QFile>
 #include <QtCore/QTimer>
 #include <QtNetwork/QHttpMultiPart>
-#include <QtNetwork/QNetworkCookie>
 #include <QtNetwork/QNetworkCookieJar>
 #include <QtTest/QTest>
 
@@ -17,7 +15,6 @@ using Request = QNetworkRequest;
 
 namespace {
 
-const QByteArrayList parts{"first line\r\nsecond", " half\nthird line\n", "the rest"};
 const QString text = u"text/plain"_s;
 
 /// A device without a position, whose content arrives bit by bit.
@@ -291,126 +288,5 @@ void NetworkPlays::addRequests()
             Request request = stage.request();
             stage.watch(send(stage, request));
         });
-    }
-}
-
-void NetworkPlays::addReaders()
-{
-    using Read = void (*)(ReplyDiary &, QNetworkReply &);
-    const std::pair<const char *, Read> readers[] = {
-        {"all", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.readAll()); }},
-        {"three bytes", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.read(3)); }},
-        {"no bytes", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.read(0), r.peek(0), r.atEnd()); }},
-        {"more than there is",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             char data[100];
-             d.note("read", r.read(data, 100));
-             d.note("beyond", r.read(data, 1), r.getChar(data), r.atEnd(), r.errorString());
-         }},
-        {"whole lines",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             while (r.canReadLine())
-                 d.note("line", r.readLine());
-         }},
-        {"lines", [](ReplyDiary &d, QNetworkReply &r) { d.note("line", r.readLine(), r.canReadLine()); }},
-        {"short lines", [](ReplyDiary &d, QNetworkReply &r) { d.note("line", r.readLine(4)); }},
-        {"peeking", [](ReplyDiary &d, QNetworkReply &r) { d.note("peek", r.peek(4), r.peek(99), r.bytesAvailable()); }},
-        {"peeking first", [](ReplyDiary &d, QNetworkReply &r) { d.note("peek", r.peek(2)), d.note("read", r.readAll()); }},
-        {"back again",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             char c = 0;
-             d.note("got", r.getChar(&c), c);
-             r.ungetChar('x');
-             d.note("back", r.bytesAvailable(), r.peek(3), r.pos());
-         }},
-        {"in text mode",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.setTextModeEnabled(true);
-             d.note("text", r.readAll());
-         }},
-        {"skipping", [](ReplyDiary &d, QNetworkReply &r) { d.note("skip", r.skip(4)), d.note("read", r.read(4)); }},
-        {"and rolling back",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.startTransaction();
-             d.note("tried", r.read(20), r.isTransactionStarted());
-             r.rollbackTransaction();
-             d.note("back", r.bytesAvailable(), r.peek(5));
-         }},
-        {"and committing",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.startTransaction();
-             d.note("tried", r.read(20));
-             r.commitTransaction();
-         }},
-        {"within one transaction",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             if (!r.isTransactionStarted())
-                 r.startTransaction();
-             d.note("tried", r.read(5), r.bytesAvailable());
-         }},
-        {"from a stream",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             QDataStream stream(&r);
-             QByteArray bytes(30, ' ');
-             stream.startTransaction();
-             stream.readRawData(bytes.data(), 30);
-             d.note("whole", stream.commitTransaction(), bytes);
-         }},
-        {"nothing", [](ReplyDiary &, QNetworkReply &) {}},
-        {"and writing", [](ReplyDiary &d, QNetworkReply &r) { d.note("write", r.write("x"), r.putChar('x')); }},
-        {"and seeking", [](ReplyDiary &d, QNetworkReply &r) { d.note("seek", r.seek(0), r.reset(), r.size()); }},
-        {"and waiting",
-         [](ReplyDiary &d, QNetworkReply &r) { d.note("wait", r.waitForReadyRead(1), r.waitForBytesWritten(1)); }},
-        {"and aborting",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.abort();
-             d.note("read", r.readAll(), r.bytesAvailable());
-         }},
-        {"and opening again", [](ReplyDiary &d, QNetworkReply &r) { d.note("open", r.open(QIODevice::ReadOnly)); }},
-        {"with a bound that comes and goes",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.setReadBufferSize(r.readBufferSize() == 0 ? 1000 : 0);
-             d.note("read", r.read(2), r.readBufferSize());
-         }},
-    };
-    const auto chunk = [](const QByteArray &bytes) {
-        return QByteArray::number(bytes.size(), 16) + "\r\n" + bytes + "\r\n";
-    };
-    // Not compressed, so that each part yields something.
-    const QByteArray zipped = qCompress(parts.join(), 0).mid(4);
-    const std::tuple<const char *, Answer, qint64> bodies[] = {
-        {"with a length", inPartsWithLength("200 OK", parts), 0},
-        {"without the download buffer", inPartsWithLength("200 OK", parts), -1},
-        {"with a bound", inPartsWithLength("200 OK", parts), 1000},
-        {"in chunks",
-         inParts("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n",
-                 {chunk(parts[0]), chunk(parts[1]), chunk(parts[2]) + chunk({})}),
-         0},
-        {"until it closes", inParts("HTTP/1.1 200 OK\r\n", parts, true), 0},
-        {"compressed",
-         inPartsWithLength("200 OK\r\nContent-Encoding: deflate", {zipped.left(20), zipped.mid(20)}), 0},
-        {"compressed, with a bound",
-         inPartsWithLength("200 OK\r\nContent-Encoding: deflate", {zipped.left(20), zipped.mid(20)}), 1000},
-        {"of a failure", inPartsWithLength("404 Not Found", parts), 0},
-    };
-    for (const auto &[body, answer, bound] : bodies) {
-        for (const auto &[way, read] : readers) {
-            row(QByteArray("body ") + body + ", read " + way,
-                [answer = answer, bound = bound, read = read](Stage &stage) {
-                    stage.server.answer("/", {answer});
-                    goOnAtEachPart(stage);
-                    stage.each("readyRead", [read](Stage &s, QNetworkReply *reply) {
-                        read(s.diary, *reply);
-                        goOn(s, reply);
-                    });
-                    stage.on("finished", [read](Stage &s, QNetworkReply *reply) { read(s.diary, *reply); });
-                    Request request = stage.request();
-                    if (bound < 0)
-                        request.setAttribute(Request::MaximumDownloadBufferSizeAttribute, 0);
-                    QNetworkReply *const reply = stage.get(request);
-                    if (bound > 0)
-                        reply->setReadBufferSize(bound);
-                });
-        }
     }
 }

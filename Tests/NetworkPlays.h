@@ -12,9 +12,12 @@ enum class Manager { Itself, Subclass, Wrapped, OneLine };
 void row(const QByteArray &name, const NetworkStage::Play &play, Manager manager = Manager::Itself);
 void secureRow(const QByteArray &name, const NetworkStage::Play &play);
 
+/// A body whose parts arrive one after the other; lines end within them.
+inline const QByteArrayList parts{"first line\r\nsecond", " half\nthird line\n", "the rest"};
+
 /// An answer whose head and parts go out one by one.
-ScriptedServer::Answer inParts(const QByteArray &head, const QByteArrayList &parts, bool closes = false);
-ScriptedServer::Answer inPartsWithLength(const QByteArray &status, const QByteArrayList &parts);
+ScriptedServer::Answer inParts(const QByteArray &head, const QByteArrayList &body, bool closes = false);
+ScriptedServer::Answer inPartsWithLength(const QByteArray &status, const QByteArrayList &body);
 /// Lets the server send the next part of the first reply, unless that has finished.
 void goOn(NetworkStage &stage, QNetworkReply *reply);
 /// Makes the host wait for each part.
