@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import QtQuick.Window
 import Quorvix.Controls
 import Quorvix.Text
-import Quorvix
+import Quorvix.Screens
 
 /// The editable parts of a held response. The body fills the remaining height. If the window is too low, the
 /// whole form scrolls and keeps the item with keyboard focus visible.

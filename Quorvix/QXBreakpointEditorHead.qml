@@ -1,6 +1,6 @@
 import QtQuick
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// Shows the title of the held response and a field for its status code.
 Column {

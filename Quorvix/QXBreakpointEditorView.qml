@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 import Quorvix.Text
-import Quorvix
+import Quorvix.Screens
 
 /// The editor of a held response: its status code and its body, released unchanged or with the edits.
 ///

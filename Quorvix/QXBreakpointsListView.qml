@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// The list of breakpoint rules that are switched on. The user deletes a row with a swipe, with the Delete
 /// key, or in edit mode.

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvix.Controls
 import Quorvix.Text
-import Quorvix
+import Quorvix.Screens
 
 /// The decoded payload screen: the content of an encoded text, with one block for each section.
 QXSheet {

@@ -1,6 +1,6 @@
 import QtQuick
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// The round button over the host's window: a tap opens or closes the request list, a drag moves it.
 QXPressable {

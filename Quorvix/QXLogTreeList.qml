@@ -2,7 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// The rows of a log tree, opened and closed by a tap or with the keyboard.
 QXPageList {

@@ -1,6 +1,6 @@
 import QtQuick
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// One node of a log tree: its depth, whether it is expanded, its key, its value and its kind.
 QXListRow {

@@ -1,6 +1,6 @@
 import QtQuick
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// A JSON body as a tree whose nodes open and close. The screen owns its model.
 QXStackScreen {

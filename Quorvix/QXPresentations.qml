@@ -1,6 +1,6 @@
 import QtQuick
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// Shows what a model presents over its screen: the share sheet, a decoded payload, an alert.
 Item {

@@ -15,7 +15,7 @@
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickItem>
 
-QX_QML_MODULE(linkQuorvixModule, Quorvix, QuorvixScreens)
+QX_QML_MODULE(linkQXScreensModule, Quorvix_Screens, QuorvixScreens)
 
 namespace {
 
@@ -55,7 +55,7 @@ std::unique_ptr<QQmlEngine> QXQmlView::makeEngine()
 {
     linkQXControlsModule();
     linkQXTextModule();
-    linkQuorvixModule();
+    linkQXScreensModule();
     auto engine = std::make_unique<QQmlEngine>();
     engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine->addImageProvider(QStringLiteral("symbol"), new QXSymbolProvider);
@@ -72,7 +72,7 @@ std::unique_ptr<QQmlEngine> QXQmlView::makeEngine()
 QQuickItem *QXQmlView::make(QQmlEngine &engine, const QString &name, const QVariantMap &properties,
                             QQuickItem &parent)
 {
-    QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/qt/qml/Quorvix/%1.qml").arg(name)));
+    QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/qt/qml/Quorvix/Screens/%1.qml").arg(name)));
     std::unique_ptr<QObject> object(component.createWithInitialProperties(properties));
     auto *const item = qobject_cast<QQuickItem *>(object.get());
     if (!item) {

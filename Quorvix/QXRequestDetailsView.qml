@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix.Text
-import Quorvix
+import Quorvix.Screens
 
 /// The details screen of one exchange. It owns its model.
 QXStackScreen {

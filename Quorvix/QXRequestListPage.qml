@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// The list of captured exchanges, with the search field above it.
 FocusScope {

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
-import Quorvix
+import Quorvix.Screens
 
 /// The inspector's screens, beginning with the request list. They cover the host's window.
 QXScreen {

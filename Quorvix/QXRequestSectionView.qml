@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvix.Controls
 import Quorvix.Text
-import Quorvix
+import Quorvix.Screens
 
 /// One section of the details screen: values, the breakpoint switch, a group of values that can be
 /// collapsed, or a body.

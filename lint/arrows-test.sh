@@ -30,5 +30,5 @@ expect fail "the demo reaches into a room" Examples/A.cpp '#include "Platform/B.
 expect fail "a pair comes back to itself" Platform/A.cpp '#include "B.h"' Platform/B.h '#include "A.h"'
 expect fail "the core knows a screen" Quorvix/QXStore.cpp '#include "Quorvix/QXOverlay.h"'
 expect fail "a store knows a model" Quorvix/QXBreakpointStore.h '#include "Quorvix/QXListModel.h"'
-expect fail "controls import the inspector" Controls/A.h '#include "Platform/B.h"' Controls/A.qml 'import Quorvix'
+expect fail "controls import the inspector" Controls/A.h '#include "Platform/B.h"' Controls/A.qml 'import Quorvix.Screens'
 echo "8 wrong arrows found."

@@ -42,7 +42,7 @@ while read -r file included; do
         complain "$file includes $included: $from may not know $to."
 done <<<"$listed"
 
-declare -A module_of=([Controls]=Quorvix.Controls [Text]=Quorvix.Text [Quorvix]=Quorvix)
+declare -A module_of=([Controls]=Quorvix.Controls [Text]=Quorvix.Text [Quorvix]=Quorvix.Screens)
 for room in Controls Text Examples; do
     for file in "$room"/*.qml; do
         [[ -f $file ]] || continue
