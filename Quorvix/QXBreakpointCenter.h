@@ -6,21 +6,40 @@
 #include <deque>
 #include <memory>
 
-/// Holds the responses that match a rule in one queue and releases them one by one. Main thread only.
-class QUORVIX_INTERNAL_EXPORT QXBreakpointCenter
+/// Holds the responses that match a rule of QXBreakpointStore in one queue and releases them one by one. Main
+/// thread only.
+///
+/// With the screens, the user releases them. A program without screens does it itself: it observes
+/// QuorvixBreakpointChanged and calls continueActive() or apply(). Until then the host gets nothing of the
+/// response, for any length of time.
+///
+/// @code
+/// const auto observer = Quorvix::NSNotificationCenter::defaultCenter().addObserver(
+///     QuorvixBreakpointChanged, [] {
+///         auto &center = QXBreakpointCenter::shared();
+///         if (center.activeBreakpoint())
+///             center.apply(u"503"_s, u"down"_s);
+///     });
+/// @endcode
+///
+/// After a release nothing is held for 0.6 seconds, so that a burst of requests does not stop at each one.
+class QUORVIX_CORE_EXPORT QXBreakpointCenter
 {
 public:
+    /// A moment on the clock that measures the cooldown.
     using TimePoint = std::chrono::steady_clock::time_point;
+    /// Returns the current moment.
     using Clock = std::function<TimePoint()>;
 
     /// The only center; created on first use, lives until the process ends.
     [[nodiscard]] static QXBreakpointCenter &shared();
 
+    /// A center of its own, which holds nothing until its check() is called. Main thread.
     QXBreakpointCenter();
     QXBreakpointCenter(const QXBreakpointCenter &) = delete;
     QXBreakpointCenter &operator=(const QXBreakpointCenter &) = delete;
 
-    /// The held response that the user can edit now.
+    /// The held response that can be edited and released now; absent if nothing is held.
     [[nodiscard]] const std::optional<QXBreakpointItem> &activeBreakpoint() const
     {
         return m_activeBreakpoint;
@@ -38,18 +57,21 @@ public:
                              const std::optional<Quorvix::NSError> &error,
                              const Quorvix::DataTaskCompletionHandler &completion);
 
-    /// Releases the active response with its original status code and body.
+    /// Releases the active response with its original status code and body: completes its trace, calls the
+    /// handler of the host before it returns, and makes the next held response the active one. Does nothing
+    /// if no response is active, or while the handler of the active one runs.
     void continueActive();
 
     /// Releases the active response with an edited status code and body. If the status text is not a decimal
     /// integer, the status code stays as it was. An absent body text gives an empty body.
+    /// A body text is sent as UTF-8. Otherwise like continueActive().
     void apply(const std::optional<QString> &statusCode, const std::optional<QString> &body);
 
     /// Destroys the held responses without delivering them. Called when the application ends; nobody is
     /// notified.
     void dropAll();
 
-    /// Replaces the clock that measures the cooldown.
+    /// Replaces the clock that measures the cooldown, for tests.
     void setClock(Clock clock) { m_now = std::move(clock); }
 
 private:

@@ -15,6 +15,10 @@ set(QUORVIX_PUBLIC_HEADERS
     Platform/Result.h
     Platform/URLRequest.h
     Quorvix/QXArchiveWriter.h
+    Quorvix/QXBreakpointCenter.h
+    Quorvix/QXBreakpointItem.h
+    Quorvix/QXBreakpointKey.h
+    Quorvix/QXBreakpointStore.h
     Quorvix/QXExchange.h
     Quorvix/QXFailureNote.h
     Quorvix/QXLogLevel.h
@@ -22,6 +26,7 @@ set(QUORVIX_PUBLIC_HEADERS
     Quorvix/QXNetworkAccessManager.h
     Quorvix/QXNetworkAccessManagerFactory.h
     Quorvix/QXNetworkCapture.h
+    Quorvix/QXRecorderWatcher.h
     Quorvix/QXRequestRecorder.h
     Quorvix/QXRequestTrace.h
     Quorvix/QXResponseTrace.h

@@ -1,5 +1,8 @@
 #include <Quorvix/Platform/NSURLSession.h>
 #include <Quorvix/QXArchiveWriter.h>
+#include <Quorvix/QXBreakpointCenter.h>
+#include <Quorvix/QXBreakpointStore.h>
+#include <Quorvix/QXRecorderWatcher.h>
 #include <Quorvix/QXRequestRecorder.h>
 #include <Quorvix/QXSessionHook.h>
 
@@ -12,6 +15,7 @@
 #include <QtCore/QTimer>
 #include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
+#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 #include <cstdlib>
@@ -30,9 +34,41 @@ public:
 private Q_SLOTS:
     void taskWaitsForTheApplication();
     void writesAnArchiveOfWhatItDid();
+    void releasesWhatItHolds();
     void mayExitWithoutDestroyingItsApplication();
     void loadsNothingOfAScreen();
 };
+
+namespace {
+
+/// Answers every request with "hello", or not at all.
+class Greeter
+{
+public:
+    explicit Greeter(bool answers = true)
+    {
+        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this, answers] {
+            QTcpSocket *const connection = m_server.nextPendingConnection();
+            QObject::connect(connection, &QTcpSocket::readyRead, connection, [connection, answers] {
+                if (connection->readAll().endsWith("\r\n\r\n") && answers)
+                    connection->write(
+                        "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Length: 5\r\n\r\nhello");
+            });
+        });
+        if (!m_server.listen(QHostAddress::LocalHost))
+            qFatal("no port is free");
+    }
+
+    [[nodiscard]] QUrl url(const QString &path) const
+    {
+        return QUrl(u"http://127.0.0.1:%1/%2"_s.arg(QString::number(m_server.serverPort()), path));
+    }
+
+private:
+    QTcpServer m_server;
+};
+
+} // namespace
 
 void CoreHostTest::taskWaitsForTheApplication()
 {
@@ -45,24 +81,17 @@ void CoreHostTest::taskWaitsForTheApplication()
 
 void CoreHostTest::writesAnArchiveOfWhatItDid()
 {
-    QTcpServer server;
-    QVERIFY(server.listen(QHostAddress::LocalHost));
-    connect(&server, &QTcpServer::newConnection, &server, [&server] {
-        QTcpSocket *const connection = server.nextPendingConnection();
-        connect(connection, &QTcpSocket::readyRead, connection, [connection] {
-            if (connection->readAll().endsWith("\r\n\r\n"))
-                connection->write(
-                    "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Length: 5\r\n\r\nhello");
-        });
-    });
-
+    const Greeter server;
     std::optional<QByteArray> body;
-    const QUrl url(u"http://127.0.0.1:%1/greeting"_s.arg(server.serverPort()));
+    const QUrl url = server.url(u"greeting"_s);
+    const QXRecorderWatcher watcher;
+    QSignalSpy changes(&watcher, &QXRecorderWatcher::requestsChanged);
     NSURLSession::shared()
         .dataTaskWithRequest(URLRequest(url), [&body](auto data, auto, auto) { body = data; })
         ->resume();
     QTRY_VERIFY(body);
     QCOMPARE(*body, "hello");
+    QCOMPARE(changes.size(), 2);
 
     const auto traces = QXArchiveWriter::sourceOf(QXRequestRecorder::shared().requests());
     QXRequestRecorder::shared().clear();
@@ -72,6 +101,37 @@ void CoreHostTest::writesAnArchiveOfWhatItDid()
     QCOMPARE(entries.size(), 1);
     QCOMPARE(entries[0][u"request"][u"url"].toString(), url.toString());
     QCOMPARE(entries[0][u"response"][u"content"][u"text"].toString(), u"hello"_s);
+}
+
+void CoreHostTest::releasesWhatItHolds()
+{
+    const Greeter server;
+    const QUrl url = server.url(u"held"_s);
+    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(url, u"GET"_s));
+    QStringList held;
+    const auto observer = NSNotificationCenter::defaultCenter().addObserver(QuorvixBreakpointChanged, [&] {
+        auto &center = QXBreakpointCenter::shared();
+        if (!center.activeBreakpoint())
+            return;
+        held += center.activeBreakpoint()->displayTitle();
+        held += QString::fromUtf8(center.activeBreakpoint()->data.value());
+        center.apply(u"503"_s, u"edited"_s);
+    });
+    QStringList delivered;
+    NSURLSession::shared()
+        .dataTaskWithRequest(URLRequest(url),
+                             [&](auto data, auto response, auto) {
+                                 const auto http =
+                                     std::dynamic_pointer_cast<const NSHTTPURLResponse>(response);
+                                 delivered += QString::number(http->statusCode());
+                                 delivered += QString::fromUtf8(*data);
+                             })
+        ->resume();
+    QTRY_COMPARE(delivered, QStringList({u"503"_s, u"edited"_s}));
+    QCOMPARE(held, QStringList({u"GET 127.0.0.1/held"_s, u"hello"_s}));
+    QCOMPARE(QXRequestRecorder::shared().requests()[0].response->body, "edited"_ba);
+    QXBreakpointStore::shared().setRules({});
+    QXRequestRecorder::shared().clear();
 }
 
 /// Many hosts never destroy their application object: they end with exit().
@@ -88,9 +148,8 @@ static int exitInTheMiddle(int argc, char *argv[])
 
 void CoreHostTest::mayExitWithoutDestroyingItsApplication()
 {
-    QTcpServer server; // accepts and never answers
-    QVERIFY(server.listen(QHostAddress::LocalHost));
-    const QString url = u"http://127.0.0.1:%1/"_s.arg(server.serverPort());
+    const Greeter server(false);
+    const QString url = server.url(QString()).toString();
     for (int delay = 0; delay < 10; ++delay) {
         QProcess host;
         host.setProcessChannelMode(QProcess::ForwardedChannels);
