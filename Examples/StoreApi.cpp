@@ -3,7 +3,6 @@
 #include <Quorvix/Platform/NSHTTPURLResponse.h>
 #include <Quorvix/Platform/NSURLSession.h>
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QPointer>
@@ -43,7 +42,11 @@ QString StoreReply::problem() const
     return detail.isEmpty() ? QStringLiteral("The store answered %1.").arg(status) : detail;
 }
 
-StoreApi::StoreApi(const QUrl &base, QObject *parent) : QObject(parent), m_base(base) {}
+StoreApi::StoreApi(const QUrl &base, QObject *parent) : QObject(parent), m_base(base)
+{
+    // With it the handlers run on this thread in every build, with the inspector and without it.
+    NSURLSession::shared().setCompletesOnMainThread(true);
+}
 
 URLRequest StoreApi::request(const QString &pathAndQuery, const QString &method) const
 {
@@ -85,11 +88,8 @@ void StoreApi::send(const URLRequest &request, Done done)
                    timer](const auto &data, const auto &response, const auto &error) {
         StoreReply reply = makeReply(data, response, error);
         reply.time = std::chrono::milliseconds(timer.elapsed());
-        const auto handOver = [self, done, reply = std::move(reply)] {
-            if (self)
-                done(reply);
-        };
-        QMetaObject::invokeMethod(qApp, handOver, Qt::QueuedConnection);
+        if (self)
+            done(reply);
     };
     NSURLSession::shared().dataTaskWithRequest(request, std::move(finish))->resume();
 }

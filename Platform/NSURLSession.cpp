@@ -1,5 +1,6 @@
 #include "Platform/NSURLSession.h"
 
+#include "Platform/MainThreadCompletion.h"
 #include "Platform/ObjectRuntime.h"
 #include "Platform/URLLoader.h"
 
@@ -38,6 +39,11 @@ ObjectClass &NSURLSession::objectClass()
     return Class::instance().objectClass;
 }
 
+void NSURLSession::setCompletesOnMainThread(bool completes)
+{
+    m_loadSession->completesOnMainThread = completes;
+}
+
 NSURLSessionDataTaskPtr NSURLSession::dataTaskWithRequest(const URLRequest &request,
                                                           CompletionHandler completionHandler)
 {
@@ -48,12 +54,17 @@ NSURLSessionDataTaskPtr NSURLSession::dataTaskWithRequest(const URLRequest &requ
 
 NSURLSessionDataTaskPtr NSURLSession::dataTaskWithRequest(const URLRequest &request)
 {
-    return makeTask(*this, request, [](const auto &, const auto &, const auto &) {});
+    return makeTask(*this, request, nullptr);
 }
 
 NSURLSessionDataTaskPtr NSURLSession::makeTask(NSURLSession &session, const URLRequest &request,
                                                CompletionHandler completionHandler)
 {
+    // The hook's own completion goes to the main thread anyway.
+    const bool isOnItsWay = !completionHandler || completionHandler.target<MainThreadCompletion>();
+    if (session.m_loadSession->completesOnMainThread && !isOnItsWay)
+        completionHandler = MainThreadCompletion(std::move(completionHandler));
+
     auto load = std::make_shared<URLLoadTask>();
     load->session = session.m_loadSession;
     load->request = request;

@@ -35,9 +35,14 @@ public:
     /// The class of sessions, whose methods can be looked up and exchanged.
     [[nodiscard]] static ObjectClass &objectClass();
 
-    /// A suspended task for @p request. The task calls @p completionHandler once, in the sessions' own
-    /// thread, unless this method was exchanged for one that calls it elsewhere. The call goes through the
-    /// class's method table.
+    /// Whether the tasks that are made from now on call their handlers on the main thread: what
+    /// NSURLSessionConfiguration::completesOnMainThread says, for a session that exists, such as shared().
+    void setCompletesOnMainThread(bool completes);
+
+    /// A suspended task for @p request. The task calls @p completionHandler once: on the main thread while
+    /// sessions are captured or if this one completes there, otherwise in the sessions' own thread. A handler
+    /// for the main thread is also destroyed there, at the end of the application at the latest, and one that
+    /// has not run by then is not called. The call goes through the class's method table.
     [[nodiscard]] NSURLSessionDataTaskPtr dataTaskWithRequest(const URLRequest &request,
                                                               CompletionHandler completionHandler);
 

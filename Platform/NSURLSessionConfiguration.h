@@ -13,6 +13,9 @@ struct NSURLSessionConfiguration
     HTTPHeaderFields httpAdditionalHeaders;
     /// Whether requests carry the cookies of HTTPCookieStorage::shared() and responses fill it.
     bool httpShouldSetCookies = true;
+    /// Whether completion handlers run on the main thread, in a later turn of its event loop, as they do
+    /// while the session is captured. If not, the sessions' own thread calls them then.
+    bool completesOnMainThread = false;
 };
 
 } // namespace Quorvix

@@ -8,7 +8,8 @@
 namespace Quorvix {
 
 URLLoadSession::URLLoadSession(NSURLSessionConfiguration sessionConfiguration)
-    : configuration(std::move(sessionConfiguration))
+    : configuration(std::move(sessionConfiguration)),
+      completesOnMainThread(configuration.completesOnMainThread)
 {
 }
 

@@ -5,9 +5,11 @@
 #include <QtCore/QPointer>
 #include <QtNetwork/QNetworkAccessManager>
 
+#include <atomic>
+
 namespace Quorvix {
 
-/// The part of a session that lives in the loading thread.
+/// The part of a session that its tasks share. They use it in the loading thread.
 struct URLLoadSession
 {
     explicit URLLoadSession(NSURLSessionConfiguration sessionConfiguration);
@@ -19,6 +21,8 @@ struct URLLoadSession
     [[nodiscard]] QNetworkAccessManager *manager();
 
     const NSURLSessionConfiguration configuration;
+    /// What the configuration says until somebody changes it. Any thread.
+    std::atomic<bool> completesOnMainThread;
 
 private:
     QPointer<QNetworkAccessManager> m_manager;

@@ -2,10 +2,10 @@
 
 #include "Quorvix/QXBreakpointCenter.h"
 #include "Quorvix/QXExchange.h"
-#include "Quorvix/QXHostCompletion.h"
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Platform/MainActor.h"
+#include "Platform/MainThreadCompletion.h"
 #include "Platform/NSURLSession.h"
 #include "Platform/ObjectRuntime.h"
 
@@ -43,25 +43,22 @@ NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &
     const QString identifier = QXExchange::makeId();
     MainActor::schedule([identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
 
-    // Called once, on the session's thread.
-    auto wrapper = [request, identifier, completion = QXHostCompletion(std::move(completion))](
-                       std::optional<QByteArray> data, NSURLResponsePtr response,
-                       std::optional<NSError> error) mutable {
-        MainActor::schedule([request, identifier, completion = std::move(completion), data = std::move(data),
-                             response = std::move(response), error = std::move(error)] {
-            finish(request, identifier, data, response, error, completion.take());
-        });
+    auto deliver = [request, identifier](const auto &data, const auto &response, const auto &error,
+                                         const auto &host) {
+        finish(request, identifier, data, response, error, host);
     };
+    MainThreadCompletion wrapper(std::move(completion), std::move(deliver));
     auto *const original = NSURLSession::objectClass().implementation<NSURLSession::DataTaskImplementation>(
         hookedMethod.load(std::memory_order_acquire));
     return original(session, request, std::move(wrapper));
 }
 
-/// What the handlers of the host have captured must not outlive the application.
+/// What the handlers of the host have captured must not outlive the application. Those of held responses go
+/// first, because their destructors can make tasks.
 void destroyHandlers()
 {
     QXBreakpointCenter::shared().dropAll();
-    QXHostCompletion::destroyAll();
+    HostCompletion::destroyAll();
 }
 
 void followApplication()

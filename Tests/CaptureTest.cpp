@@ -42,6 +42,9 @@ private Q_SLOTS:
     void initTestCase();
     void init();
     void nothingIsCapturedBeforeTheClientIsTouched();
+    void handlersRunOnTheThreadThatIsAskedFor_data();
+    void handlersRunOnTheThreadThatIsAskedFor();
+    void hookIsInstalled();
     void exchangeIsRecordedBeforeTheHostHears();
     void errorsReachRecordAndHostAlike();
     void taskWithoutHandlerIsNotCaptured();
@@ -78,8 +81,66 @@ void CaptureTest::nothingIsCapturedBeforeTheClientIsTouched()
     QVERIFY(done.tryAcquire(1, 10'000)); // called on another thread, because this one runs no event loop now
     QCoreApplication::processEvents();
     QVERIFY(recorder().requests().isEmpty());
+}
 
-    std::thread([] { QCOMPARE(QuorvixClient::shared().logLevel(), QXLogLevel::none); }).join();
+void CaptureTest::handlersRunOnTheThreadThatIsAskedFor_data()
+{
+    QTest::addColumn<bool>("hooked");
+    QTest::addColumn<bool>("switched");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("cancelled");
+    for (const bool hooked : {false, true}) { // in this order, because the hook stays
+        for (const bool switched : {false, true}) {
+            const auto row = [&](const char *outcome, const QString &path, bool cancelled) {
+                QTest::addRow("%s, %s: %s", hooked ? "captured" : "not captured", switched ? "on" : "off",
+                              outcome)
+                    << hooked << switched << path << cancelled;
+            };
+            row("success", u"/echo"_s, false);
+            row("error", u"/drop"_s, false);
+            row("cancelled", u"/slow?ms=15000"_s, true);
+        }
+    }
+}
+
+void CaptureTest::handlersRunOnTheThreadThatIsAskedFor()
+{
+    QFETCH(const bool, hooked);
+    QFETCH(const bool, switched);
+    QFETCH(const QString, path);
+    QFETCH(const bool, cancelled);
+    if (hooked)
+        std::thread([] { QCOMPARE(QuorvixClient::shared().logLevel(), QXLogLevel::none); }).join();
+    NSURLSessionConfiguration configuration;
+    configuration.completesOnMainThread = switched;
+    NSURLSession configured(configuration);
+    NSURLSession changed;
+    changed.setCompletesOnMainThread(switched);
+
+    std::atomic<int> onMain = 0;
+    std::atomic<int> elsewhere = 0;
+    std::atomic<int> failed = 0;
+    for (NSURLSession *const session : {&configured, &changed}) {
+        const auto task = session->dataTaskWithRequest(request(path), [&](auto, auto, auto error) {
+            failed += error.has_value();
+            ++(QThread::currentThread() == QCoreApplication::instance()->thread() ? onMain : elsewhere);
+        });
+        session->setCompletesOnMainThread(!switched); // tasks that are made keep their thread
+        task->resume();
+        if (cancelled)
+            task->cancel();
+        while (task->state() != NSURLSessionDataTask::State::Completed)
+            QThread::yieldCurrentThread();
+    }
+    QVERIFY(onMain == 0); // not before a later turn of the event loop
+    const bool goesToMain = hooked || switched;
+    QTRY_COMPARE(goesToMain ? onMain.load() : elsewhere.load(), 2);
+    QCOMPARE(onMain + elsewhere, 2);
+    QCOMPARE(failed.load(), path == u"/echo"_s ? 0 : 2);
+}
+
+void CaptureTest::hookIsInstalled()
+{
     QVERIFY(class_getInstanceMethod(NSURLSession::objectClass(), "qx_hookedDataTaskWith:completionHandler:"));
     ObjectClass bare; // a class without the method is not changed
     QXSessionHook::exchange(bare);
@@ -223,9 +284,20 @@ NSURLSessionDataTaskPtr makeWitnessedTask(const QUrl &url, Fates &fates)
         [&fates, witness = std::make_shared<Witness>(fates)](auto, auto, auto) { ++fates.called; });
 }
 
+/// Has one response held by a breakpoint, and another one wait behind it.
+template<typename Resume>
+void holdResponses(const DemoServer &server, const Resume &resume)
+{
+    QXBreakpointStore::shared().setRules({*QXBreakpointKey::make(server.url(u"/echo"_s), {})});
+    resume(u"/echo"_s);
+    resume(u"/echo"_s);
+    while (QXBreakpointCenter::shared().queue().empty())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
 /// Ends an application in the middle of exchanges. Their handlers are not called, but destroyed on the main
 /// thread.
-void endWithExchangesInFlight(DemoServer &server, Fates &fates, int argc, char *argv[])
+void endWithExchangesInFlight(DemoServer &server, Fates &fates, bool isCaptured, int argc, char *argv[])
 {
     std::vector<NSURLSessionDataTaskPtr> kept;
     const QCoreApplication application(argc, argv);
@@ -234,12 +306,8 @@ void endWithExchangesInFlight(DemoServer &server, Fates &fates, int argc, char *
         task->resume();
         return task;
     };
-    // One is held by a breakpoint, and another one waits behind it.
-    QXBreakpointStore::shared().setRules({*QXBreakpointKey::make(server.url(u"/echo"_s), {})});
-    resume(u"/echo"_s);
-    resume(u"/echo"_s);
-    while (QXBreakpointCenter::shared().queue().empty())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (isCaptured)
+        holdResponses(server, resume);
 
     for (int i = 0; i < 20; ++i)
         kept.push_back(resume(u"/slow?ms=%1"_s.arg(i * 10)));
@@ -259,16 +327,19 @@ void endWithExchangesInFlight(DemoServer &server, Fates &fates, int argc, char *
         resume(u"/slow?ms=15000"_s);
 }
 
-int checkTheEnd(int argc, char *argv[])
+/// With a session that is captured, or with one whose switch is on.
+int checkTheEnd(bool isCaptured, int argc, char *argv[])
 {
     DemoServer server;
     Fates fates;
     if (!server.start())
         return 1;
+    NSURLSession::shared().setCompletesOnMainThread(!isCaptured);
     // Later than the cooldown of the release before.
-    QXBreakpointCenter::shared().setClock([] { return std::chrono::steady_clock::now() + 1s; });
+    if (isCaptured)
+        QXBreakpointCenter::shared().setClock([] { return std::chrono::steady_clock::now() + 1s; });
     for (int round = 0; round < 3; ++round)
-        endWithExchangesInFlight(server, fates, argc, argv);
+        endWithExchangesInFlight(server, fates, isCaptured, argc, argv);
     if (fates.called || fates.destroyedElsewhere || fates.destroyedHere != fates.made) {
         qWarning("handlers: made %d, called %d, destroyed here %d, elsewhere %d", fates.made,
                  fates.called.load(), fates.destroyedHere.load(), fates.destroyedElsewhere.load());
@@ -286,13 +357,13 @@ int checkTheEnd(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
-    int failures = 0;
+    int failures = checkTheEnd(false, argc, argv);
     {
         const QCoreApplication application(argc, argv);
         CaptureTest test;
-        failures = QTest::qExec(&test, argc, argv);
+        failures += QTest::qExec(&test, argc, argv);
     }
-    return failures + checkTheEnd(argc, argv);
+    return failures + checkTheEnd(true, argc, argv);
 }
 
 #include "CaptureTest.moc"

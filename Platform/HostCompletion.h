@@ -4,21 +4,23 @@
 
 #include <memory>
 
-/// The completion handler of a captured task, on its way from the host to the main thread.
+namespace Quorvix {
+
+/// The completion handler of a task, on its way from the host to the main thread.
 ///
 /// The objects that a handler captures may belong to the main thread. So the handler is destroyed there, and
 /// at the end of the application at the latest, no matter which thread holds the last copy of this value.
 /// Copies share the handler. Any thread.
-class QXHostCompletion final
+class HostCompletion final
 {
 public:
-    explicit QXHostCompletion(Quorvix::DataTaskCompletionHandler handler);
+    explicit HostCompletion(DataTaskCompletionHandler handler);
 
     /// Returns the handler to the first caller. Null for later callers and after the end of the application.
     /// Main thread only.
-    [[nodiscard]] Quorvix::DataTaskCompletionHandler take() const;
+    [[nodiscard]] DataTaskCompletionHandler take() const;
 
-    /// Destroys the handlers of all tasks that have not completed. Called when the application ends. Main
+    /// Destroys the handlers of all tasks that have not completed. It happens when the application ends. Main
     /// thread only.
     static void destroyAll();
 
@@ -26,3 +28,5 @@ private:
     struct Ticket;
     std::shared_ptr<const Ticket> m_ticket;
 };
+
+} // namespace Quorvix

@@ -1,11 +1,13 @@
-#include "Quorvix/QXHostCompletion.h"
+#include "Platform/HostCompletion.h"
 
 #include "Platform/MainActor.h"
+
+#include <QtCore/QCoreApplication>
 
 #include <mutex>
 #include <unordered_map>
 
-using namespace Quorvix;
+namespace Quorvix {
 
 namespace {
 
@@ -56,9 +58,17 @@ void destroy(Registry::Number number)
     const auto handler = Registry::instance().take(number);
 }
 
+/// What the handlers have captured must not outlive the application.
+void followApplication()
+{
+    qAddPostRoutine(&HostCompletion::destroyAll);
+}
+
 } // namespace
 
-struct QXHostCompletion::Ticket
+Q_COREAPP_STARTUP_FUNCTION(followApplication)
+
+struct HostCompletion::Ticket
 {
     explicit Ticket(Registry::Number ticketNumber) : number(ticketNumber) {}
     Q_DISABLE_COPY_MOVE(Ticket)
@@ -73,18 +83,20 @@ struct QXHostCompletion::Ticket
     const Registry::Number number;
 };
 
-QXHostCompletion::QXHostCompletion(DataTaskCompletionHandler handler)
+HostCompletion::HostCompletion(DataTaskCompletionHandler handler)
     : m_ticket(std::make_shared<const Ticket>(Registry::instance().add(std::move(handler))))
 {
 }
 
-DataTaskCompletionHandler QXHostCompletion::take() const
+DataTaskCompletionHandler HostCompletion::take() const
 {
     Q_ASSERT(MainActor::isCurrent());
     return m_ticket ? Registry::instance().take(m_ticket->number) : nullptr;
 }
 
-void QXHostCompletion::destroyAll()
+void HostCompletion::destroyAll()
 {
     Registry::instance().clear();
 }
+
+} // namespace Quorvix
