@@ -25,7 +25,7 @@ ObjectClass::Implementation ObjectClass::lookUp(const Method *method) const noex
     return (*m_current.load(std::memory_order_acquire))[method->slot];
 }
 
-Method *ObjectClass::add(QByteArrayView selector, Implementation implementation, std::type_index type)
+Method *ObjectClass::add(QByteArrayView selector, Implementation function, std::type_index type)
 {
     const std::scoped_lock lock(m_mutex);
     const std::string text(selector.data(), static_cast<std::size_t>(selector.size()));
@@ -34,7 +34,7 @@ Method *ObjectClass::add(QByteArrayView selector, Implementation implementation,
             return nullptr;
     }
     Table table = *m_current.load(std::memory_order_relaxed);
-    table.push_back(implementation);
+    table.push_back(function);
     m_methods.push_back(std::make_unique<Method>(Method{this, text, type, table.size() - 1}));
     publish(std::move(table));
     return m_methods.back().get();

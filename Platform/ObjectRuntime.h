@@ -42,9 +42,9 @@ public:
 
     /// Adds an instance method. Returns null and changes nothing when the selector is already in use.
     template<typename Signature>
-    Method *addMethod(QByteArrayView selector, Signature *implementation)
+    Method *addMethod(QByteArrayView selector, Signature *function)
     {
-        return add(selector, reinterpret_cast<Implementation>(implementation), typeid(Signature));
+        return add(selector, reinterpret_cast<Implementation>(function), typeid(Signature));
     }
 
 private:
@@ -54,7 +54,7 @@ private:
     using Table = std::vector<Implementation>;
 
     [[nodiscard]] Implementation lookUp(const Method *method) const noexcept;
-    Method *add(QByteArrayView selector, Implementation implementation, std::type_index type);
+    Method *add(QByteArrayView selector, Implementation function, std::type_index type);
     void publish(Table table);
 
     std::atomic<const Table *> m_current;

@@ -19,8 +19,8 @@ struct QXDecodedSection
 
 public:
     QXDecodedSection() = default;
-    QXDecodedSection(QString title, QString content)
-        : id(QUuid::createUuid()), title(std::move(title)), content(std::move(content))
+    QXDecodedSection(QString newTitle, QString newContent)
+        : id(QUuid::createUuid()), title(std::move(newTitle)), content(std::move(newContent))
     {
     }
 
@@ -41,8 +41,8 @@ struct QUORVIX_INTERNAL_EXPORT QXDecodedPayload
 
 public:
     QXDecodedPayload() = default;
-    QXDecodedPayload(QString title, QList<QXDecodedSection> sections)
-        : id(QUuid::createUuid()), title(std::move(title)), sections(std::move(sections))
+    QXDecodedPayload(QString newTitle, QList<QXDecodedSection> newSections)
+        : id(QUuid::createUuid()), title(std::move(newTitle)), sections(std::move(newSections))
     {
     }
 

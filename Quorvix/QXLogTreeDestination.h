@@ -17,8 +17,8 @@ struct QXLogTreeDestination
 
 public:
     QXLogTreeDestination() = default;
-    QXLogTreeDestination(QString requestPath, QString jsonString)
-        : id(QUuid::createUuid()), requestPath(std::move(requestPath)), jsonString(std::move(jsonString))
+    QXLogTreeDestination(QString path, QString json)
+        : id(QUuid::createUuid()), requestPath(std::move(path)), jsonString(std::move(json))
     {
     }
 
