@@ -34,10 +34,10 @@ QXBreakpointWindow::~QXBreakpointWindow()
 
 void QXBreakpointWindow::makeLayer()
 {
-    m_layer = new QXLayer(*m_host.window(), breakpointLevel);
+    m_layer = new QXLayer(*m_host.screenWindow(), breakpointLevel);
     // Queued, because the host is still deleting its items.
     QObject::connect(m_layer, &QXLayer::lost, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
-    m_previousFocus.remember(*m_host.window());
+    m_previousFocus.remember(*m_host.screenWindow());
 }
 
 void QXBreakpointWindow::dropLayer()
@@ -63,7 +63,7 @@ void QXBreakpointWindow::makeKeyAndVisible(const QXBreakpointItem &item)
         m_item = item.id;
         m_model = std::make_unique<QXBreakpointEditorModel>(item);
         // The host may have just deleted the layer. Without a window, the editor waits for the next one.
-        if (!m_layer && m_host.window())
+        if (!m_layer && m_host.screenWindow())
             makeLayer();
         if (m_layer)
             makeEditor();
@@ -82,7 +82,7 @@ void QXBreakpointWindow::makeEditor()
 
 void QXBreakpointWindow::followHost()
 {
-    if (m_layer && m_layer->window() == m_host.window())
+    if (!m_host.screenWindow() || (m_layer && m_layer->window() == m_host.screenWindow()))
         return;
     returnFocus();
     dropLayer();

@@ -21,16 +21,16 @@ class QXLayer;
 class QXBreakpointWindow
 {
 public:
-    /// Shows the layer over the current window of @p host, which must not be null. The arguments must outlive
-    /// this object.
+    /// Shows the layer over the window of @p host for screens, which must not be null. The arguments must
+    /// outlive this object.
     QXBreakpointWindow(QQmlEngine &engine, QXHostWindow &host);
     ~QXBreakpointWindow();
 
     /// Shows an editor for @p item and takes keyboard focus, also from another window. Replaces the previous
     /// editor, unless it is for the same item.
     void makeKeyAndVisible(const QXBreakpointItem &item);
-    /// Shows the editor in the current window of the host, again if the host has deleted its items. The
-    /// user's edits are kept.
+    /// Shows the editor in the host's current window for screens, again if the host has deleted its items.
+    /// The user's edits are kept.
     void followHost();
     /// Sets where the keyboard focus goes when the editor closes.
     void setPreviousFocus(const QXFocusMemory &focus);

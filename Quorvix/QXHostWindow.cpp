@@ -1,8 +1,11 @@
 #include "Quorvix/QXHostWindow.h"
 
+#include "Quorvix/QXCoverWindow.h"
+#include "Quorvix/QXFramedWindow.h"
+#include "Quorvix/QXWindowSystem.h"
+
 #include <QtCore/QEvent>
 #include <QtGui/QGuiApplication>
-#include <QtGui/QScreen>
 #include <QtQuick/QQuickWindow>
 
 #include <algorithm>
@@ -10,63 +13,31 @@
 
 namespace {
 
-bool isPlatform(const QStringList &names)
-{
-    return names.contains(QGuiApplication::platformName());
-}
-
-/// Whether a second window can be opened. Where it cannot, Qt ends the process when the program tries.
-bool hasSeveralWindows()
-{
-    return !isPlatform({QStringLiteral("eglfs"), QStringLiteral("minimalegl"), QStringLiteral("vkkhrdisplay"),
-                        QStringLiteral("android"), QStringLiteral("ios"), QStringLiteral("wasm")});
-}
-
-/// Whether input goes through the parts of a window that its mask leaves out. Where it does not, a window
-/// that covers the screen takes all input from the host.
-bool windowsHaveMasks()
-{
-    return !isPlatform({QStringLiteral("linuxfb"), QStringLiteral("vnc")});
-}
-
-/// Whether windows can overlap. Where they cannot, nothing is below a window, and Qt prints a warning when
-/// the program sets a mask or raises a window.
-bool windowsCanOverlap()
-{
-    return isPlatform({QStringLiteral("xcb"), QStringLiteral("wayland"), QStringLiteral("wayland-egl"),
-                       QStringLiteral("windows"), QStringLiteral("cocoa")});
-}
-
-bool belongsTo(const QWindow &window, const QWindow &ancestor)
-{
-    return &window == &ancestor || ancestor.isAncestorOf(&window, QWindow::IncludeTransients);
-}
-
-bool blocks(const QWindow &modal, const QWindow &window)
-{
-    if (!modal.isVisible() || belongsTo(window, modal))
-        return false;
-    return modal.modality() == Qt::ApplicationModal ||
-           (modal.modality() == Qt::WindowModal && belongsTo(modal, window));
-}
-
-/// Whether a modal window keeps input from @p window.
-bool isBlocked(const QWindow &window)
-{
-    const QWindow *const newest = QGuiApplication::modalWindow();
-    if (!newest || belongsTo(window, *newest))
-        return false;
-    const QWindowList windows = QGuiApplication::allWindows();
-    return std::any_of(windows.cbegin(), windows.cend(),
-                       [&](const QWindow *modal) { return blocks(*modal, window); });
-}
-
 bool isForLong(const QWindow &window)
 {
     return window.type() != Qt::Popup && window.type() != Qt::ToolTip && window.type() != Qt::SplashScreen;
 }
 
+/// Whether a window is one of those with which a user works, and not a dialog or a tool beside it.
+bool isMain(const QWindow &window)
+{
+    return window.type() == Qt::Window;
+}
+
+/// Whether the button can be over a window, and screens can be used in it.
+bool isRoomy(const QWindow &window)
+{
+    return window.type() != Qt::Tool && window.size().expandedTo(QXCoverWindow::usableSize) == window.size();
+}
+
 } // namespace
+
+void QXHostWindow::Remove::operator()(QQuickWindow *window) const
+{
+    window->disconnect();
+    window->setVisible(false);
+    window->deleteLater();
+}
 
 QXHostWindow::QXHostWindow()
 {
@@ -85,25 +56,45 @@ void QXHostWindow::stop()
     m_isStopped = true;
     m_delay.stop();
     qGuiApp->removeEventFilter(this);
-    if (m_host)
-        m_host->removeEventFilter(this);
+    leaveHost();
+    if (isOwn() || isFramed())
+        giveKeyboardBack();
 }
 
 QQuickWindow *QXHostWindow::window() const
 {
-    return m_own ? m_own.get() : m_host.data();
+    return m_cover ? m_cover.get() : m_host.data();
+}
+
+QQuickWindow *QXHostWindow::screenWindow() const
+{
+    return m_frame ? m_frame.get() : window();
 }
 
 bool QXHostWindow::isReachable() const
 {
-    return m_own || (m_host && m_host->isVisible() && !isBlocked(*m_host));
+    return m_frame || m_cover || needsFrame() || isHostReachable();
+}
+
+bool QXHostWindow::isHostReachable() const
+{
+    return m_host && m_host->isVisible() && !QXWindowSystem::blocker(*m_host);
+}
+
+/// Whether the screens cannot or shall not be over the host's window.
+bool QXHostWindow::needsFrame() const
+{
+    const bool isPartOfHost = m_cover && !QXWindowSystem::placesWindows();
+    return QXWindowSystem::hasSeveralWindows() && (m_presentation == QXPresentation::window || isPartOfHost);
 }
 
 void QXHostWindow::setHidden(bool hidden)
 {
     m_isHidden = hidden;
-    if (m_own)
-        m_own->setVisible(!hidden);
+    if (m_cover)
+        m_cover->setHidden(hidden);
+    if (m_frame)
+        m_frame->setHidden(hidden);
 }
 
 void QXHostWindow::setRequired(bool required)
@@ -114,49 +105,66 @@ void QXHostWindow::setRequired(bool required)
 
 void QXHostWindow::setMask(const QRegion &region)
 {
-    if (m_own && windowsCanOverlap())
-        m_own->setMask(region);
+    if (m_cover)
+        m_cover->limitTo(region);
 }
 
-void QXHostWindow::setAcceptsKeyboard(bool accepts)
+// The keyboard
+
+void QXHostWindow::setShowsScreens(bool shows)
 {
-    if (!m_own || accepts != m_own->flags().testFlag(Qt::WindowDoesNotAcceptFocus))
+    if (std::exchange(m_showsScreens, shows) == shows)
         return;
-    if (accepts) {
-        activate();
+    if (shows && !m_frame && needsFrame())
+        makeFrame();
+    if (m_cover)
+        m_cover->setShowsScreens(shows && !m_frame);
+    if (shows) {
+        if (isOwn() || isFramed())
+            activate();
         return;
     }
-    m_own->setFlag(Qt::WindowDoesNotAcceptFocus);
-    if (!m_previous)
-        m_previous = m_own->transientParent();
-    activatePrevious();
+    if (isOwn() || isFramed())
+        giveKeyboardBack();
+    m_frame.reset();
+    scheduleUpdate();
 }
 
 void QXHostWindow::activate()
 {
-    QQuickWindow *const current = window();
-    if (!current || !isReachable())
+    QQuickWindow *const window = screenWindow();
+    if (!window || !isReachable())
         return;
-    if (m_own)
-        m_own->setFlag(Qt::WindowDoesNotAcceptFocus, false);
     // QWindow::isActive() is true for the windows that belong to the active one, too.
-    if (QGuiApplication::focusWindow() == current && !m_requested)
+    if (QGuiApplication::focusWindow() == window && !m_requested)
         return;
     m_previous = m_requested ? m_requested.data() : QGuiApplication::focusWindow();
     m_requested = nullptr;
+    QWindow *const area = m_frame ? m_frame.get() : current();
     // QWindow::show() would make a maximised window a normal one.
-    if (current->windowStates() & Qt::WindowMinimized)
-        current->setWindowStates(current->windowStates() & ~Qt::WindowMinimized);
-    current->setVisible(true);
-    if (windowsCanOverlap())
-        current->raise();
-    current->requestActivate();
+    if (area && area->windowStates() & Qt::WindowMinimized)
+        area->setWindowStates(area->windowStates() & ~Qt::WindowMinimized);
+    if (!isOwn())
+        window->setVisible(true);
+    if (QXWindowSystem::overlapsWindows())
+        window->raise();
+    window->requestActivate();
 }
 
 void QXHostWindow::activatePrevious()
 {
-    QWindow *const previous = std::exchange(m_previous, nullptr);
-    if (!isHostWindow(previous) || QGuiApplication::focusWindow() != window())
+    if (!isOwn() && !isFramed())
+        giveKeyboardBack();
+}
+
+void QXHostWindow::giveKeyboardBack()
+{
+    QWindow *previous = std::exchange(m_previous, nullptr);
+    if (!isHostWindow(previous))
+        previous = screenWindow() ? screenWindow()->transientParent() : nullptr;
+    const bool hasKeyboard =
+        QGuiApplication::focusWindow() == screenWindow() || (m_frame && m_frame->isClosed());
+    if (!isHostWindow(previous) || !hasKeyboard)
         return;
     m_requested = previous;
     previous->requestActivate();
@@ -166,10 +174,12 @@ void QXHostWindow::followFocus(QWindow *focused)
 {
     m_requested = nullptr;
     // The host can open a window while a screen of ours has the keyboard.
-    if (m_previous && isHostWindow(focused) && focused != window())
+    if (m_previous && isHostWindow(focused) && focused != screenWindow())
         m_previous = focused;
     scheduleUpdate();
 }
+
+// The host's windows
 
 /// Sees the events of the host's window, and those of the whole application only while there is no window of
 /// the host to cover.
@@ -189,6 +199,78 @@ bool QXHostWindow::eventFilter(QObject *watched, QEvent *event)
     return QObject::eventFilter(watched, event);
 }
 
+bool QXHostWindow::isHostWindow(const QWindow *window) const
+{
+    return window && window != m_cover.get() && window != m_frame.get() && window->isVisible() &&
+           isForLong(*window);
+}
+
+bool QXHostWindow::isCoverable(const QWindow *window) const
+{
+    return isHostWindow(window) && !(window->windowStates() & Qt::WindowMinimized);
+}
+
+/// Returns any window of the host that is visible, of any kind, or null.
+QWindow *QXHostWindow::shownWindow() const
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    const auto found = std::find_if(windows.cbegin(), windows.cend(),
+                                    [this](const QWindow *window) { return isHostWindow(window); });
+    return found == windows.cend() ? nullptr : *found;
+}
+
+/// The window of the host that has the button now, or null.
+QWindow *QXHostWindow::current() const
+{
+    return m_cover ? m_cover->area() : m_host.data();
+}
+
+/// Returns the window that the user works with: the active one, or any other one in reach.
+QWindow *QXHostWindow::wanted() const
+{
+    QWindowList windows = QGuiApplication::topLevelWindows();
+    // Qt Quick windows first: they need no window of our own.
+    std::stable_partition(windows.begin(), windows.end(),
+                          [](QWindow *window) { return qobject_cast<QQuickWindow *>(window); });
+    windows.prepend(current());
+    windows.prepend(QGuiApplication::modalWindow());
+    windows.prepend(QXWindowSystem::activeWindow());
+    const auto found = std::find_if(windows.cbegin(), windows.cend(), [this](const QWindow *window) {
+        return isCoverable(window) && !QXWindowSystem::blocker(*window);
+    });
+    return found == windows.cend() ? nullptr : *found;
+}
+
+/// Returns the window that gets the button, or null.
+QWindow *QXHostWindow::next() const
+{
+    QWindow *const last = current();
+    // Screens stay where they are opened, whichever window becomes active.
+    const bool hasScreens = m_showsScreens && !m_frame && isCoverable(last);
+    if (hasScreens && (m_cover || isHostReachable()))
+        return last;
+    QWindow *const window = wanted();
+    // Between Qt Quick windows, and for their dialogs, the button stays: its items would have to be made
+    // again.
+    if (!m_cover && isHostReachable() &&
+        (!window || !isMain(*window) || qobject_cast<QQuickWindow *>(window)))
+        return last;
+    if (!window || isMain(*window) || isRoomy(*window) || qobject_cast<QQuickWindow *>(window))
+        return window;
+    // A small dialog has no room for the button: the window to which it belongs keeps it.
+    const auto canKeep = [this](const QWindow *other) {
+        return isCoverable(other) && isRoomy(*other) &&
+               (QXWindowSystem::placesWindows() || !QXWindowSystem::blocker(*other));
+    };
+    for (QWindow *parent = window->transientParent(); parent; parent = parent->transientParent()) {
+        if (canKeep(parent))
+            return parent;
+    }
+    return canKeep(last) ? last : window;
+}
+
+// Our windows
+
 /// Queued, because Qt sends these events while it is still changing the windows.
 void QXHostWindow::scheduleUpdate()
 {
@@ -201,120 +283,116 @@ void QXHostWindow::update()
     m_isUpdateScheduled = false;
     if (m_isStopped)
         return;
-    m_hadWindow |= shownWindow() != nullptr;
-    if (!m_own && isReachable()) {
-        m_delay.stop();
-        qGuiApp->removeEventFilter(this);
-        return;
-    }
-    if (QQuickWindow *const host = find()) {
-        moveTo(host);
-    } else if (!needsOwn()) {
-        m_delay.stop();
-        qGuiApp->installEventFilter(this);
-        if (std::exchange(m_own, nullptr))
-            Q_EMIT changed();
-    } else if (m_own) {
-        placeOwn();
-        showClosedOwn();
-    } else if (!m_delay.isActive()) {
-        qGuiApp->installEventFilter(this);
-        m_delay.start();
+    if (m_frame)
+        placeFrame();
+    QWindow *const area = next();
+    auto *const quickWindow = qobject_cast<QQuickWindow *>(area);
+    if (quickWindow && !QXWindowSystem::blocker(*quickWindow)) {
+        moveTo(*quickWindow);
+    } else if (area && m_cover) {
+        placeCover(*area);
+    } else if (!area && m_cover && !shownWindow()) {
+        m_cover.reset();
+        Q_EMIT changed();
+        wait();
+    } else if (!m_cover) {
+        wait();
     }
 }
 
-void QXHostWindow::moveTo(QQuickWindow *window)
+/// Waits for a window of the host in which the button can be, and makes our own if there is none.
+void QXHostWindow::wait()
+{
+    qGuiApp->installEventFilter(this);
+    const bool needsOwn = (m_isRequired && !m_frame) || (shownWindow() && QXWindowSystem::masksInput());
+    if (!needsOwn || !QXWindowSystem::hasSeveralWindows())
+        m_delay.stop();
+    else if (!m_delay.isActive())
+        m_delay.start();
+}
+
+void QXHostWindow::leaveHost()
+{
+    if (!m_host)
+        return;
+    m_host->removeEventFilter(this);
+    disconnect(m_host, nullptr, this, nullptr);
+    m_host = nullptr;
+}
+
+void QXHostWindow::moveTo(QQuickWindow &window)
 {
     m_delay.stop();
     qGuiApp->removeEventFilter(this);
-    if (m_host) {
-        m_host->removeEventFilter(this);
-        disconnect(m_host, nullptr, this, nullptr);
-    }
-    m_host = window;
+    if (m_host == &window && !m_cover)
+        return;
+    leaveHost();
+    m_host = &window;
     m_host->installEventFilter(this);
     connect(m_host, &QWindow::visibleChanged, this, &QXHostWindow::scheduleUpdate);
     connect(m_host, &QObject::destroyed, this, &QXHostWindow::scheduleUpdate);
-    // The overlay leaves our own window before it is destroyed.
-    const std::unique_ptr<QQuickWindow> previous = std::move(m_own);
+    const bool hadKeyboard = m_cover && QGuiApplication::focusWindow() == m_cover.get();
+    m_cover.reset();
     Q_EMIT changed();
-}
-
-bool QXHostWindow::isHostWindow(const QWindow *window) const
-{
-    return window && window != m_own.get() && window->isVisible() && isForLong(*window);
-}
-
-/// Returns the active window, or any other one that the user can reach.
-QQuickWindow *QXHostWindow::find() const
-{
-    QWindowList windows = QGuiApplication::topLevelWindows();
-    windows.prepend(QGuiApplication::focusWindow());
-    for (QWindow *const window : std::as_const(windows)) {
-        auto *const quickWindow = qobject_cast<QQuickWindow *>(window);
-        if (isHostWindow(quickWindow) && !isBlocked(*quickWindow))
-            return quickWindow;
-    }
-    return nullptr;
-}
-
-bool QXHostWindow::needsOwn() const
-{
-    const bool isWanted = windowsHaveMasks() && (shownWindow() || !m_hadWindow);
-    return hasSeveralWindows() && (isWanted || m_isRequired);
-}
-
-/// Returns any window of the host that is visible, of any kind, or null.
-QWindow *QXHostWindow::shownWindow() const
-{
-    const QWindowList windows = QGuiApplication::topLevelWindows();
-    const auto found = std::find_if(windows.cbegin(), windows.cend(),
-                                    [this](const QWindow *window) { return isHostWindow(window); });
-    return found == windows.cend() ? nullptr : *found;
+    if (hadKeyboard)
+        window.requestActivate();
 }
 
 void QXHostWindow::makeOwn()
 {
-    m_own = std::make_unique<QQuickWindow>();
-    m_own->setColor(Qt::transparent);
-    m_own->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                    Qt::WindowDoesNotAcceptFocus);
-    placeOwn();
-    if (m_host && m_host->isVisible())
-        m_own->setGeometry(m_host->geometry());
-    else if (const QScreen *const screen = QGuiApplication::primaryScreen())
-        m_own->setGeometry(screen->geometry());
+    QWindow *const area = QXWindowSystem::masksInput() ? next() : nullptr;
+    if (area)
+        makeCover(*area);
+    else if (m_isRequired && !m_frame)
+        makeFrame();
+    else
+        return;
     Q_EMIT changed();
-    m_own->setVisible(!m_isHidden);
 }
 
-/// Makes our own window a transient child of a window of the host. It then closes with that window and does
-/// not keep the application running, and no modal dialog blocks it.
-void QXHostWindow::placeOwn()
+void QXHostWindow::makeCover(QWindow &area)
 {
-    QWindow *parent = QGuiApplication::modalWindow();
-    if (!parent && isHostWindow(m_own->transientParent()))
-        return;
-    if (!parent && isHostWindow(QGuiApplication::focusWindow()))
-        parent = QGuiApplication::focusWindow();
-    if (!parent)
-        parent = shownWindow();
-    if (!parent || parent == m_own->transientParent())
-        return;
-    // A host can have made our window the parent of its own. Qt does not end when it looks for the first
-    // window of a circle.
-    for (QWindow *window = parent; window; window = window->transientParent()) {
-        if (window->transientParent() == m_own.get())
-            window->setTransientParent(m_own->transientParent());
+    qGuiApp->removeEventFilter(this);
+    leaveHost();
+    m_cover.reset(new QXCoverWindow);
+    m_cover->setHidden(m_isHidden);
+    m_cover->setShowsScreens(m_showsScreens && !m_frame);
+    connect(m_cover.get(), &QXCoverWindow::placeLost, this, &QXHostWindow::scheduleUpdate);
+    placeCover(area);
+}
+
+void QXHostWindow::placeCover(QWindow &area)
+{
+    QWindow *const modal = QXWindowSystem::blocker(area);
+    QWindow &owner = modal ? *modal : area;
+    const bool isMoved = m_cover->owner() != &owner;
+    if (m_cover->isClosed())
+        Q_EMIT closed();
+    m_cover->cover(area, owner);
+    // A modal dialog that opens under a screen takes the keyboard.
+    if (isMoved && m_showsScreens && !m_frame)
+        activate();
+}
+
+void QXHostWindow::makeFrame()
+{
+    m_frame.reset(new QXFramedWindow);
+    connect(m_frame.get(), &QXFramedWindow::placeLost, this, &QXHostWindow::scheduleUpdate);
+    placeFrame();
+    m_frame->setHidden(m_isHidden);
+}
+
+/// Makes the framed window one of the host's window, or of the modal one that would block it otherwise.
+void QXHostWindow::placeFrame()
+{
+    QWindow *host = m_frame->transientParent();
+    if (!isHostWindow(host))
+        host = isHostWindow(QXWindowSystem::activeWindow()) ? QXWindowSystem::activeWindow() : shownWindow();
+    QWindow *const modal = host ? QXWindowSystem::blocker(*host) : QGuiApplication::modalWindow();
+    m_frame->belongTo(modal ? modal : host);
+    if (m_showsScreens && m_frame->isClosed()) {
+        Q_EMIT closed();
+        if (m_isRequired && m_frame)
+            m_frame->setHidden(m_isHidden);
     }
-    m_own->setTransientParent(parent);
-}
-
-/// Shows our own window again after the user has closed it like any other window.
-void QXHostWindow::showClosedOwn()
-{
-    if (m_isHidden || m_own->isVisible())
-        return;
-    Q_EMIT closed();
-    m_own->setVisible(true);
 }

@@ -41,12 +41,13 @@ qreal clampOffset(qreal offset, qreal extent)
 
 } // namespace
 
-QXOverlay::QXOverlay() : m_engine(QXQmlView::makeEngine())
+QXOverlay::QXOverlay(QXPresentation presentation) : m_engine(QXQmlView::makeEngine())
 {
+    m_host.setPresentation(presentation);
     m_constraint = QXOverlayPoint::decoded(QSettings().value(dragPositionKey).toByteArray());
     connect(&m_host, &QXHostWindow::changed, this, &QXOverlay::coverWindow);
     connect(&m_host, &QXHostWindow::closed, this, &QXOverlay::dismissRequestList);
-    connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateMask);
+    connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateWindows);
     connect(this, &QXOverlay::buttonMoved, this, &QXOverlay::updateMask);
     coverWindow();
 
@@ -81,19 +82,24 @@ void QXOverlay::shutDown()
     m_host.disconnect(this);
     m_host.stop();
     m_breakpointWindow.reset();
-    if (m_isShowingRequestList && m_layer)
+    if (m_isShowingRequestList && m_layer && !isFramed())
         m_previousFocus.restore(*m_layer);
 }
 
-/// Shows the overlay over the current window, if there is one.
+/// Shows the overlay over the current windows, if there are any.
 void QXOverlay::coverWindow()
 {
-    if (!window())
-        return;
     if (m_layer && m_layer->window() != window())
-        dropLayer();
-    if (!m_layer)
-        makeLayer();
+        dropLayer(m_layer);
+    if (!m_layer && window()) {
+        if (m_isShowingRequestList)
+            m_previousFocus.remember(*window());
+        m_layer = makeLayer(*window(), false);
+        connect(&m_layer->page(), &QQuickItem::widthChanged, this, &QXOverlay::buttonMoved);
+        connect(&m_layer->page(), &QQuickItem::heightChanged, this, &QXOverlay::buttonMoved);
+        connect(safeArea(), &QXSafeArea::marginsChanged, this, &QXOverlay::buttonMoved);
+    }
+    coverFrame();
     if (m_breakpointWindow)
         m_breakpointWindow->followHost();
     else if (m_breakpointAwaitsWindow)
@@ -101,32 +107,44 @@ void QXOverlay::coverWindow()
     Q_EMIT buttonMoved();
 }
 
-void QXOverlay::dropLayer()
+/// Shows the request list in the framed window, while there is one.
+void QXOverlay::coverFrame()
 {
-    m_layer->disconnect(&m_host);
-    if (m_isShowingRequestList)
-        m_previousFocus.restore(*m_layer);
-    m_layer->setVisible(false);
-    // Deleted later, because a handler of a screen may be running now.
-    m_layer->deleteLater();
-    m_layer = nullptr;
+    if (isFramed() == !m_frameLayer.isNull())
+        return;
+    if (isFramed())
+        m_frameLayer = makeLayer(*m_host.screenWindow(), true);
+    else
+        dropLayer(m_frameLayer);
+    Q_EMIT presentationChanged();
 }
 
-void QXOverlay::makeLayer()
+void QXOverlay::dropLayer(QPointer<QXLayer> &layer)
 {
+    layer->disconnect(&m_host);
     if (m_isShowingRequestList)
-        m_previousFocus.remember(*window());
-    m_layer = new QXLayer(*window(), overlayLevel);
-    m_layer->setParent(this);
-    m_layer->setVisible(!m_isHidden);
-    m_layer->setClaims([this](const QPointF &point) { return hitTest(point); });
-    connect(&m_layer->page(), &QQuickItem::widthChanged, this, &QXOverlay::buttonMoved);
-    connect(&m_layer->page(), &QQuickItem::heightChanged, this, &QXOverlay::buttonMoved);
-    connect(safeArea(), &QXSafeArea::marginsChanged, this, &QXOverlay::buttonMoved);
+        m_previousFocus.restore(*layer);
+    layer->setVisible(false);
+    // Deleted later, because a handler of a screen may be running now.
+    layer->deleteLater();
+    layer = nullptr;
+}
+
+QXLayer *QXOverlay::makeLayer(QQuickWindow &window, bool isFramed)
+{
+    auto *const layer = new QXLayer(window, overlayLevel);
+    layer->setParent(this);
+    layer->setVisible(!m_isHidden);
+    if (!isFramed)
+        layer->setClaims([this](const QPointF &point) { return hitTest(point); });
     // Queued, because the host is still deleting its items.
-    connect(m_layer, &QXLayer::lost, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
+    connect(layer, &QXLayer::lost, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
     std::ignore = QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
-                                  {{QStringLiteral("overlay"), QVariant::fromValue(this)}}, m_layer->page());
+                                  {{QStringLiteral("overlay"), QVariant::fromValue(this)},
+                                   {QStringLiteral("safeArea"), QVariant::fromValue(layer->safeArea())},
+                                   {QStringLiteral("isFramed"), isFramed}},
+                                  layer->page());
+    return layer;
 }
 
 // The button's position
@@ -190,18 +208,23 @@ void QXOverlay::handleButtonPanEnd()
 
 bool QXOverlay::hitTest(const QPointF &point) const
 {
-    const bool coversPoint = m_isShowingRequestList && m_layer && m_layer->page().contains(point);
+    const bool coversPoint =
+        m_isShowingRequestList && !isFramed() && m_layer && m_layer->page().contains(point);
     return !isHidden() && (coversPoint || buttonFrame().contains(point));
 }
 
-/// Our own window covers other applications. The mask lets it receive clicks only where something is visible,
-/// and it takes the keyboard only for a screen.
+/// Our own window takes the keyboard only for a screen.
+void QXOverlay::updateWindows()
+{
+    m_host.setShowsScreens(m_isShowingRequestList || m_breakpointWindow);
+    coverFrame();
+    updateMask();
+}
+
+/// Our own window lets clicks through where nothing of ours is visible.
 void QXOverlay::updateMask()
 {
-    if (!m_host.isOwn())
-        return;
-    const bool coversWindow = m_isShowingRequestList || m_breakpointWindow;
-    m_host.setAcceptsKeyboard(coversWindow);
+    const bool coversWindow = !isFramed() && (m_isShowingRequestList || m_breakpointWindow);
     const QRect button = buttonFrame().toAlignedRect();
     m_host.setMask(coversWindow ? QRegion()
                                 : button.adjusted(-buttonMargin, -buttonMargin, buttonMargin, buttonMargin));
@@ -241,6 +264,8 @@ void QXOverlay::handleFloatingButtonTap()
         m_previousFocus.remember(*window());
     m_isShowingRequestList = true;
     m_presentsRequestList = true;
+    // First the window, because the views ask whether it is framed.
+    updateWindows();
     Q_EMIT presentationChanged();
 }
 
@@ -250,14 +275,20 @@ void QXOverlay::dismissRequestList()
         return;
     m_presentsRequestList = false;
     Q_EMIT presentationChanged();
+    // A framed window closes at once. Queued, because a handler of a screen may be running now.
+    if (isFramed())
+        QMetaObject::invokeMethod(this, &QXOverlay::requestListDismissed, Qt::QueuedConnection);
 }
 
 void QXOverlay::requestListDismissed()
 {
     if (!m_isShowingRequestList || m_presentsRequestList)
         return;
+    const bool wasFramed = isFramed();
     m_isShowingRequestList = false;
     Q_EMIT presentationChanged();
+    if (wasFramed)
+        return;
     if (m_breakpointWindow && m_breakpointWindow->editor())
         m_breakpointWindow->setPreviousFocus(m_previousFocus); // the editor has keyboard focus now
     else if (m_layer)
@@ -284,7 +315,7 @@ void QXOverlay::handleBreakpointChanged()
         m_breakpointAwaitsWindow = false;
         m_host.setHidden(m_isHidden); // the editor may have changed it
     }
-    updateMask();
+    updateWindows();
 }
 
 void QXOverlay::showBreakpointWindow()
@@ -297,6 +328,8 @@ void QXOverlay::showBreakpointWindow()
     m_breakpointAwaitsWindow = !m_breakpointWindow && !m_host.isReachable();
     if (m_breakpointAwaitsWindow)
         return;
+    m_host.setShowsScreens(true);
+    coverFrame();
     if (!m_breakpointWindow)
         m_breakpointWindow = std::make_unique<QXBreakpointWindow>(*m_engine, m_host);
     m_breakpointWindow->makeKeyAndVisible(active);

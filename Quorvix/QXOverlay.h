@@ -27,7 +27,7 @@ class QXSafeArea;
 ///
 /// The overlay covers a window of the host, or one of our own (see QXHostWindow). While the list is closed,
 /// it takes input only at the button. It also shows the breakpoint window. When the host deletes the
-/// overlay's items, the overlay makes them again.
+/// overlay's items, the overlay makes them again. Its screens may be in a framed window instead.
 class QXOverlay : public QObject
 {
     Q_OBJECT
@@ -42,17 +42,20 @@ class QXOverlay : public QObject
     /// the list is closing.
     Q_PROPERTY(bool presentsRequestList READ presentsRequestList NOTIFY presentationChanged)
     Q_PROPERTY(bool isShowingRequestList READ isShowingRequestList NOTIFY presentationChanged)
-    /// Constant for a view: another window has another layer, and its own view.
-    Q_PROPERTY(QXSafeArea *safeArea READ safeArea CONSTANT)
+    /// Whether the screens are in a framed window of their own, and only the button is over the host's
+    /// window.
+    Q_PROPERTY(bool isFramed READ isFramed NOTIFY presentationChanged)
 
 public:
     static constexpr QLatin1StringView dragPositionKey{"QXOverlayButtonPosition"};
 
-    QXOverlay();
+    explicit QXOverlay(QXPresentation presentation = QXPresentation::panel);
     ~QXOverlay() override;
 
     void setHidden(bool hidden);
     [[nodiscard]] bool isHidden() const noexcept { return m_isHidden; }
+    /// Sets where screens open from now on. Those that are open stay.
+    void setPresentation(QXPresentation presentation) { m_host.setPresentation(presentation); }
     /// Disconnects the overlay from the host before it is deleted: it no longer reacts to changes. The
     /// caller must hide the overlay first.
     void shutDown();
@@ -62,7 +65,8 @@ public:
     [[nodiscard]] const QString &badgeText() const noexcept { return m_badgeText; }
     [[nodiscard]] bool presentsRequestList() const noexcept { return m_presentsRequestList; }
     [[nodiscard]] bool isShowingRequestList() const noexcept { return m_isShowingRequestList; }
-    /// The safe area of the overlay's window. Null while there is no layer.
+    [[nodiscard]] bool isFramed() const { return m_host.isFramed(); }
+    /// The safe area of the button's window. Null while there is no layer.
     [[nodiscard]] QXSafeArea *safeArea() const;
 
     /// Whether a touch at @p point, in the layer's coordinates, is for the overlay and not for the host.
@@ -70,6 +74,8 @@ public:
 
     /// The window that the overlay currently covers. Null while there is none.
     [[nodiscard]] QQuickWindow *window() const { return m_host.window(); }
+    /// The window of the screens: the same one, or a framed one. Null while there is none.
+    [[nodiscard]] QQuickWindow *screenWindow() const { return m_host.screenWindow(); }
     [[nodiscard]] QXBreakpointWindow *breakpointWindow() const { return m_breakpointWindow.get(); }
 
     /// Opens or closes the request list.
@@ -94,8 +100,10 @@ private:
     void handleBreakpointChanged();
     void showBreakpointWindow();
     void coverWindow();
-    void makeLayer();
-    void dropLayer();
+    void coverFrame();
+    void updateWindows();
+    [[nodiscard]] QXLayer *makeLayer(QQuickWindow &window, bool isFramed);
+    void dropLayer(QPointer<QXLayer> &layer);
     void updateBadge();
     void updateMask();
     [[nodiscard]] QRectF contentRect() const;
@@ -106,6 +114,8 @@ private:
     QXHostWindow m_host;
     /// The layer in the current window, a child of this object. Null when the host has deleted it.
     QPointer<QXLayer> m_layer;
+    /// The layer in the framed window, a child of this object, while a screen is open there.
+    QPointer<QXLayer> m_frameLayer;
     std::unique_ptr<QXBreakpointWindow> m_breakpointWindow;
     QXFocusMemory m_previousFocus;
     /// The position that the user has chosen for the button; absent while it is at the default position.

@@ -4,29 +4,34 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix.Screens
 
-/// The content of the overlay: the floating button, and below it the request list while it is open.
+/// The content of the overlay: the floating button, and below it the request list while it is open. A framed window has
+/// a view of its own, with the list only.
 FocusScope {
     id: root
 
     required property QXOverlay overlay
+    required property QXSafeArea safeArea
+    /// Whether this is the view of the framed window.
+    required property bool isFramed
     /// The progress of the opening list, from 0 (closed) to 1 (open).
     property real progress: 0
+    readonly property bool showsList: root.overlay.isShowingRequestList && root.overlay.isFramed === root.isFramed
 
     LayoutMirroring.enabled: QXTheme.isMirrored
     LayoutMirroring.childrenInherit: true
 
     QXFocusFence {
-        enabled: root.overlay.isShowingRequestList
+        enabled: root.showsList
     }
 
     QXShield {
         anchors.fill: parent
-        enabled: root.overlay.isShowingRequestList
+        enabled: root.showsList
     }
 
     // A Repeater makes a new list screen each time the list opens.
     Repeater {
-        model: root.overlay.isShowingRequestList ? 1 : 0
+        model: root.showsList ? 1 : 0
 
         delegate: QXRequestListView {
             // Hidden before it is deleted, so that a press on one of its items ends while its models exist.
@@ -43,6 +48,7 @@ FocusScope {
 
     QXFloatingButton {
         overlay: root.overlay
+        visible: !root.isFramed
         enabled: !presentations.isPresenting
     }
 
@@ -50,7 +56,7 @@ FocusScope {
         id: presentations
 
         anchors.fill: parent
-        safeArea: root.overlay.safeArea
+        safeArea: root.safeArea
         visible: root.overlay.presentsRequestList
     }
 
@@ -75,7 +81,7 @@ FocusScope {
 
         function onPresentationChanged() {
             slide.to = root.overlay.presentsRequestList ? 1 : 0;
-            if (root.overlay.isShowingRequestList)
+            if (root.showsList && !root.isFramed)
                 slide.restart();
         }
     }

@@ -51,7 +51,7 @@ void QuorvixClient::show()
     }
     Q_ASSERT(MainActor::isCurrent());
     if (!m_overlayWindow) {
-        m_overlayWindow.reset(new QXOverlay);
+        m_overlayWindow.reset(new QXOverlay(m_presentation));
         // Windows cannot outlive the application that shows them.
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, m_overlayWindow.get(), [this] { hide(); });
         qRemovePostRoutine(&QuorvixClient::applicationEnds);
@@ -73,6 +73,18 @@ void QuorvixClient::applicationEnds()
     shared().hide();
     // No event loop runs after this, so deferred deletions must be processed now.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QXPresentation QuorvixClient::presentation() const
+{
+    return m_presentation;
+}
+
+void QuorvixClient::setPresentation(QXPresentation presentation)
+{
+    m_presentation = presentation;
+    if (m_overlayWindow)
+        m_overlayWindow->setPresentation(presentation);
 }
 
 QXLogLevel QuorvixClient::logLevel() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quorvix/QXLogLevel.h"
+#include "Quorvix/QXPresentation.h"
 #include "Quorvix/QuorvixGlobal.h"
 
 #include <memory>
@@ -30,11 +31,16 @@ public:
     /// Captures what @p engine loads from the network, and shows the button. Called before the engine loads
     /// anything. Main thread only.
     void start(QQmlEngine &engine);
-    /// Shows the floating button over the active Qt Quick window. Does nothing without a QGuiApplication.
+    /// Shows the floating button over the active window of the host. Does nothing without a QGuiApplication.
     /// Main thread only.
     void show();
     /// Removes the button and its screens. Capture continues. Main thread only.
     void hide();
+
+    /// Where the screens open: over the host's window by default. A change applies to the next screen that
+    /// opens. Main thread only.
+    [[nodiscard]] QXPresentation presentation() const;
+    void setPresentation(QXPresentation presentation);
 
     /// The amount of diagnostic output of the inspector; none by default. Any thread.
     [[nodiscard]] QXLogLevel logLevel() const;
@@ -54,4 +60,5 @@ private:
         void operator()(QXOverlay *overlay) const;
     };
     std::unique_ptr<QXOverlay, DeleteLater> m_overlayWindow;
+    QXPresentation m_presentation = QXPresentation::panel;
 };

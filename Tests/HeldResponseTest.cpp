@@ -90,7 +90,7 @@ void HeldResponseTest::hiddenWindowStaysHidden()
     QTRY_VERIFY(has("QXFloatingButton"));
     window->hide();
     hold("body");
-    QTRY_VERIFY(overlay().window() != window); // a window of its own
+    QTRY_VERIFY(overlay().isFramed());
     press("QXContinueButton");
     QTRY_COMPARE(m_delivered, QByteArrayList{"200 body"});
     QVERIFY(!window->isVisible());

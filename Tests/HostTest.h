@@ -25,12 +25,21 @@ protected:
 
     [[nodiscard]] static QXOverlay &overlay() { return *QuorvixClient::shared().overlayWindow(); }
     /// Where the inspector is now.
-    [[nodiscard]] static QQuickWindow &place() { return *overlay().window(); }
-    static bool has(const char *name) { return overlay().window() && ScreenDriver::find(place(), name); }
+    [[nodiscard]] static QQuickWindow &place() { return *overlay().screenWindow(); }
+    /// The window of the inspector that shows something, or null.
+    [[nodiscard]] static QQuickWindow *placeOf(const char *name)
+    {
+        for (QQuickWindow *const window : {overlay().screenWindow(), overlay().window()}) {
+            if (window && ScreenDriver::find(*window, name))
+                return window;
+        }
+        return nullptr;
+    }
+    static bool has(const char *name) { return placeOf(name); }
     static void press(const char *name)
     {
         QTRY_VERIFY(has(name));
-        ScreenDriver::click(place(), name);
+        ScreenDriver::click(*placeOf(name), name);
     }
     void hold(const QByteArray &body)
     {

@@ -26,6 +26,7 @@ set(QUORVIX_PUBLIC_HEADERS
     Quorvix/QXNetworkAccessManager.h
     Quorvix/QXNetworkAccessManagerFactory.h
     Quorvix/QXNetworkCapture.h
+    Quorvix/QXPresentation.h
     Quorvix/QXRecorderWatcher.h
     Quorvix/QXRequestRecorder.h
     Quorvix/QXRequestTrace.h

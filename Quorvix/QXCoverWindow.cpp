@@ -1,0 +1,190 @@
+#include "Quorvix/QXCoverWindow.h"
+
+#include "Quorvix/QXWindowSystem.h"
+
+#include <QtCore/QEvent>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QPlatformSurfaceEvent>
+#include <QtGui/QRegion>
+#include <QtGui/QScreen>
+
+#include <algorithm>
+
+namespace {
+
+/// The size of a panel over a window that has no room for one.
+constexpr QSize panelSize(390, 600);
+
+bool isRoomy(QSize size)
+{
+    return size.expandedTo(QXCoverWindow::usableSize) == size;
+}
+
+/// A panel in the middle of @p area, as far as the screen allows.
+QRect panelOver(const QRect &area, const QRect &screen)
+{
+    QRect panel(QPoint(), panelSize.expandedTo(area.size()).boundedTo(screen.size()));
+    panel.moveCenter(area.center());
+    panel.moveRight(std::min(panel.right(), screen.right()));
+    panel.moveBottom(std::min(panel.bottom(), screen.bottom()));
+    panel.moveLeft(std::max(panel.left(), screen.left()));
+    panel.moveTop(std::max(panel.top(), screen.top()));
+    return panel;
+}
+
+} // namespace
+
+QXCoverWindow::QXCoverWindow()
+{
+    setColor(Qt::transparent);
+    setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint | Qt::WindowDoesNotAcceptFocus);
+}
+
+QXCoverWindow::~QXCoverWindow()
+{
+    detach();
+}
+
+void QXCoverWindow::cover(QWindow &area, QWindow &owner)
+{
+    if (m_area != &area)
+        follow(area);
+    if (m_owner != &owner || (QXWindowSystem::placesWindows() ? transientParent() : parent()) != &owner)
+        attachTo(owner);
+    fit();
+    updateVisibility();
+}
+
+void QXCoverWindow::follow(QWindow &area)
+{
+    if (m_area)
+        disconnect(m_area, nullptr, this, nullptr);
+    m_area = &area;
+    for (const auto changed :
+         {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged, &QWindow::heightChanged})
+        connect(&area, changed, this, &QXCoverWindow::fit);
+    connect(&area, &QWindow::screenChanged, this, &QXCoverWindow::fit);
+    const auto update = [this] {
+        updateVisibility();
+        Q_EMIT placeLost();
+    };
+    connect(&area, &QWindow::visibleChanged, this, update);
+    connect(&area, &QWindow::windowStateChanged, this, update);
+    connect(&area, &QObject::destroyed, this, update);
+}
+
+void QXCoverWindow::attachTo(QWindow &owner)
+{
+    detach();
+    m_owner = &owner;
+    owner.installEventFilter(this);
+    if (!QXWindowSystem::placesWindows()) {
+        setParent(&owner);
+        return;
+    }
+    // A host can have made our window the parent of its own. Qt does not end when it looks for the first
+    // window of a circle.
+    for (QWindow *window = &owner; window; window = window->transientParent()) {
+        if (window->transientParent() == this)
+            window->setTransientParent(transientParent());
+    }
+    setTransientParent(&owner);
+    // A window that stays on top of others would hide this one.
+    setFlag(Qt::WindowStaysOnTopHint, owner.flags().testFlag(Qt::WindowStaysOnTopHint));
+    showAgain();
+}
+
+/// Leaves the owner: a child window would be deleted with it.
+void QXCoverWindow::detach()
+{
+    if (m_owner)
+        m_owner->removeEventFilter(this);
+    m_owner = nullptr;
+    if (parent()) {
+        destroy();
+        setParent(nullptr);
+    }
+}
+
+/// Window systems learn to which window another one belongs when it is shown.
+void QXCoverWindow::showAgain()
+{
+    if (!isVisible())
+        return;
+    setVisible(false);
+    setVisible(true);
+}
+
+bool QXCoverWindow::isWanted() const
+{
+    return !m_isHidden && m_area && m_owner && m_area->isVisible() &&
+           !(m_area->windowStates() & Qt::WindowMinimized);
+}
+
+void QXCoverWindow::setHidden(bool hidden)
+{
+    m_isHidden = hidden;
+    updateVisibility();
+}
+
+void QXCoverWindow::updateVisibility()
+{
+    if (isVisible() == isWanted())
+        return;
+    // The window manager may have minimised this window together with the host's.
+    if (windowStates() != Qt::WindowNoState)
+        setWindowStates(Qt::WindowNoState);
+    setVisible(isWanted());
+}
+
+void QXCoverWindow::setShowsScreens(bool shows)
+{
+    m_showsScreens = shows;
+    setFlag(Qt::WindowDoesNotAcceptFocus, !shows);
+    fit();
+}
+
+void QXCoverWindow::limitTo(const QRegion &region)
+{
+    if (QXWindowSystem::overlapsWindows())
+        setMask(region);
+}
+
+void QXCoverWindow::fit()
+{
+    if (!m_area)
+        return;
+    if (parent()) {
+        setGeometry(QRect(QPoint(), m_area->size()));
+        return;
+    }
+    if (screen() != m_area->screen())
+        setScreen(m_area->screen());
+    const QRect area = m_area->geometry();
+    const bool needsRoom = m_showsScreens && !isRoomy(area.size());
+    setGeometry(needsRoom ? panelOver(area, m_area->screen()->availableGeometry()) : area);
+}
+
+bool QXCoverWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowBlocked || event->type() == QEvent::Hide)
+        Q_EMIT placeLost();
+    return QQuickWindow::event(event);
+}
+
+/// Sees when the owner's native window goes or comes, as it does when the host changes the flags of a widget.
+bool QXCoverWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_owner && event->type() == QEvent::PlatformSurface) {
+        const bool isCreated = static_cast<QPlatformSurfaceEvent *>(event)->surfaceEventType() ==
+                               QPlatformSurfaceEvent::SurfaceCreated;
+        if (isCreated) {
+            // Queued, because the owner is not shown yet.
+            QMetaObject::invokeMethod(this, &QXCoverWindow::showAgain, Qt::QueuedConnection);
+        } else if (parent()) {
+            detach();
+            Q_EMIT placeLost();
+        }
+    }
+    return QQuickWindow::eventFilter(watched, event);
+}
