@@ -75,6 +75,7 @@ private:
 struct Costs
 {
     double store = 0;
+    double withBudget = 0;
     double withOpenList = 0;
     double plain = 0;
 };
@@ -103,9 +104,23 @@ Costs measure(int size)
     }
     costs.store = Contest::median(store);
 
+    // Each completion removes the oldest body.
+    recorder.setBodyBudget(100 * body.size());
+    std::vector<double> withBudget;
+    for (int i = size + exchanges; i < size + 2 * exchanges; ++i) {
+        const QString id = identifier(i);
+        const URLRequest sent = request(i);
+        const auto start = Clock::now();
+        recorder.record(id, sent);
+        recorder.complete(id, response, body, {});
+        withBudget.push_back(microseconds(Clock::now() - start));
+    }
+    costs.withBudget = Contest::median(withBudget);
+    recorder.setBodyBudget(std::nullopt);
+
     QXRequestListViewModel model;
     std::vector<double> open;
-    for (int i = size + exchanges; i < size + 2 * exchanges; ++i) {
+    for (int i = size + 2 * exchanges; i < size + 3 * exchanges; ++i) {
         const QString id = identifier(i);
         const URLRequest sent = request(i);
         const auto start = Clock::now();
@@ -154,6 +169,7 @@ int main(int argc, char *argv[])
         std::printf("  %-34s %10.2f %10.2f %8.2f\n", name, few, many, many / few);
     };
     row("store", small.store, large.store);
+    row("store with a budget for bodies", small.withBudget, large.withBudget);
     row("store with the list open", small.withOpenList, large.withOpenList);
     row("array with a snapshot (peer)", small.plain, large.plain);
     measureTyping();

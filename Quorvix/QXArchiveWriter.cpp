@@ -1,6 +1,7 @@
 #include "Quorvix/QXArchiveWriter.h"
 
 #include "Quorvix/QXCacheSummary.h"
+#include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXRequestTrace.h"
 #include "Quorvix/QXTemporaryFile.h"
 
@@ -34,6 +35,12 @@ const QString *exactHeader(const Headers &headers, const QString &name)
         return nullptr;
     const auto it = headers->constFind(name);
     return it == headers->cend() ? nullptr : &*it;
+}
+
+/// The size of the body of a request or of a response, also of one that was removed; -1 if there is none.
+qint64 bodySize(const auto &half)
+{
+    return half.body ? half.body->size() : half.discardedBodySize.value_or(-1);
 }
 
 /// Splits at the first "=". Absent unless there is text on both sides.
@@ -197,13 +204,13 @@ private:
     {
         m_writer.key("request"_L1);
         m_writer.beginObject();
-        writeBodySize(trace.body);
+        writeBodySize(trace);
         writeCookies(trace.headers, Side::Request);
         writeHeaders(trace.headers);
         string("method"_L1, sentMethod(trace.method));
-        if (trace.body) {
+        if (trace.body || trace.discardedBodySize) {
             m_writer.key("postData"_L1);
-            writeBody(*trace.body, trace.headers, Side::Request);
+            writeBody(trace, Side::Request);
         }
         writeQuery(trace.url);
         string("url"_L1, trace.url ? absoluteString(*trace.url) : QString());
@@ -212,14 +219,16 @@ private:
 
     void writeResponse(const std::optional<QXResponseTrace> &response)
     {
-        const std::optional<QByteArray> body = response ? response->body : std::nullopt;
         const Headers headers = response ? response->headers : std::nullopt;
         m_writer.key("response"_L1);
         m_writer.beginObject();
-        writeBodySize(body);
+        if (response)
+            writeBodySize(*response);
+        else
+            integer("bodySize"_L1, -1);
         m_writer.key("content"_L1);
-        if (body)
-            writeBody(*body, headers, Side::Response);
+        if (response && (response->body || response->discardedBodySize))
+            writeBody(*response, Side::Response);
         else
             writeEmptyContent();
         writeCookies(headers, Side::Response);
@@ -231,27 +240,35 @@ private:
         m_writer.endObject();
     }
 
-    void writeBodySize(const std::optional<QByteArray> &body)
-    {
-        integer("bodySize"_L1, body ? body->size() : -1);
-    }
+    // These two take the request or the response.
 
-    void writeBody(const QByteArray &body, const Headers &headers, Side side)
+    void writeBodySize(const auto &half) { integer("bodySize"_L1, bodySize(half)); }
+
+    /// A body that was removed has its size and a comment, but no text.
+    void writeBody(const auto &half, Side side)
     {
-        const bool isText = isValidUtf8(body);
-        const QString *type = exactHeader(headers, u"Content-Type"_s);
+        const bool isText = half.body && isValidUtf8(*half.body);
+        const QString *type = exactHeader(half.headers, u"Content-Type"_s);
         m_writer.beginObject();
-        if (!isText)
+        if (!half.body)
+            string("comment"_L1, QXDisplayFormat::discardedBody(*half.discardedBodySize));
+        else if (!isText)
             string("encoding"_L1, u"base64");
         string("mimeType"_L1, type ? QStringView(*type) : u"application/octet-stream");
         if (side == Side::Response)
-            integer("size"_L1, body.size());
+            integer("size"_L1, bodySize(half));
+        if (half.body)
+            writeText(*half.body, isText);
+        m_writer.endObject();
+    }
+
+    void writeText(const QByteArray &body, bool isText)
+    {
         m_writer.key("text"_L1);
         if (isText)
             m_writer.utf8(body);
         else
             m_writer.base64(body);
-        m_writer.endObject();
     }
 
     void writeEmptyContent()

@@ -1,5 +1,6 @@
 #include "Quorvix/QXCurlCommandBuilder.h"
 
+#include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXRequestTrace.h"
 
@@ -7,6 +8,7 @@
 
 #include "Platform/URLText.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QStringDecoder>
 
 #include <algorithm>
@@ -107,6 +109,14 @@ void appendBody(QString &command, const QByteArray &body)
         appendBase64(command, body);
 }
 
+/// A comment of the shell, in the last line: the command itself stays as it is without a body.
+void appendDiscardedBody(QString &command, qsizetype size)
+{
+    const QString note = QCoreApplication::translate("Quorvix", "Request Body") + ": "_L1 +
+                         QXDisplayFormat::discardedBody(size);
+    command += u"\n# "_s + note.simplified(); // a translation may contain line breaks
+}
+
 } // namespace
 
 Result<QString> QXCurlCommandBuilder::build(const QXRequestTrace &trace)
@@ -122,5 +132,7 @@ Result<QString> QXCurlCommandBuilder::build(const QXRequestTrace &trace)
         appendHeaders(command, *trace.headers);
     if (trace.body)
         appendBody(command, *trace.body);
+    else if (trace.discardedBodySize)
+        appendDiscardedBody(command, *trace.discardedBodySize);
     return command;
 }

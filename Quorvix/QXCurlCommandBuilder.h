@@ -17,7 +17,8 @@ struct QXRequestTrace;
 /// the end of a body that is not UTF-8. If such a body begins with "@", curl reads it as a file name. curl
 /// treats brackets in a URL as ranges, resolves "..", sends no header without a value, and treats a URL that
 /// begins with a dash as an option. Linux starts no program with an argument of more than 128 KiB, so a
-/// command with a larger body can be read but not run.
+/// command with a larger body can be read but not run. In place of a body that was removed there is a comment
+/// after the command.
 class QUORVIX_INTERNAL_EXPORT QXCurlCommandBuilder
 {
 public:

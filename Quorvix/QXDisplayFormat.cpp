@@ -52,6 +52,12 @@ QString QXDisplayFormat::byteCount(qsizetype bytes)
     return QCoreApplication::translate("Quorvix", "%1 MB").arg(number(std::round(double(bytes) / 1e5) / 10));
 }
 
+QString QXDisplayFormat::discardedBody(qsizetype bytes)
+{
+    return QCoreApplication::translate("Quorvix", "Removed to stay within the memory budget (%1)")
+        .arg(byteCount(bytes));
+}
+
 QString QXDisplayFormat::seconds(const QString &text, QLatin1StringView directive, double seconds, int digits)
 {
     // The text comes from the host's translation and is not safe as a format string of a formatting

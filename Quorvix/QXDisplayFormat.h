@@ -18,6 +18,10 @@ namespace QXDisplayFormat {
 /// one decimal digit: "12 KB", "1.5 MB". Sizes between 0 and 1 KB become 1 KB.
 [[nodiscard]] QString byteCount(qsizetype bytes);
 
+/// The sentence that stands in place of a body of this size that the budget of the recorder has removed:
+/// "Removed to stay within the memory budget (1.2 MB)".
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT QString discardedBody(qsizetype bytes);
+
 /// Replaces @p directive in @p text, for example "%.3f", with the number of seconds. @p digits is the number
 /// of digits after the decimal point.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString seconds(const QString &text, QLatin1StringView directive,

@@ -56,12 +56,14 @@ void QXExchange::report(Task task)
     task();
 }
 
-void QXExchange::amend(const URLRequest &request)
+void QXExchange::amend(const URLRequest &request, std::optional<qsizetype> discardedBodySize)
 {
     if (m_isComplete)
         return;
     m_request = request;
-    report([id = m_id, request] { QXRequestRecorder::shared().amend(id, request); });
+    report([id = m_id, request, discardedBodySize] {
+        QXRequestRecorder::shared().amend(id, request, discardedBodySize);
+    });
 }
 
 void QXExchange::setRefresher(std::function<void()> refresher)
@@ -73,20 +75,25 @@ void QXExchange::setRefresher(std::function<void()> refresher)
     });
 }
 
-void QXExchange::progress(const NSURLResponsePtr &response, const std::optional<QByteArray> &data)
+void QXExchange::progress(const NSURLResponsePtr &response, const std::optional<QByteArray> &data,
+                          std::optional<qsizetype> discardedBodySize)
 {
     if (m_isComplete)
         return;
-    report([id = m_id, response, data] { QXRequestRecorder::shared().progress(id, response, data); });
+    report([id = m_id, response, data, discardedBodySize] {
+        QXRequestRecorder::shared().progress(id, response, data, discardedBodySize);
+    });
 }
 
 void QXExchange::complete(const NSURLResponsePtr &response, const std::optional<QByteArray> &data,
-                          const std::optional<NSError> &error)
+                          const std::optional<NSError> &error, std::optional<qsizetype> discardedBodySize)
 {
     if (std::exchange(m_isComplete, true))
         return;
-    report([id = m_id, response, data, error, now = QXMoment::now()] {
-        QXRequestRecorder::shared().complete(id, response, data, error, now);
+    // The object can live on for long, and the recorder may have removed the body of the request.
+    m_request.httpBody.reset();
+    report([id = m_id, response, data, error, now = QXMoment::now(), discardedBodySize] {
+        QXRequestRecorder::shared().complete(id, response, data, error, now, discardedBodySize);
     });
 }
 

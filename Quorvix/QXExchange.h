@@ -32,20 +32,26 @@ public:
     [[nodiscard]] const QString &id() const noexcept { return m_id; }
 
     /// Replaces what was reported about the request: for clients that know headers or the body only later.
-    /// Does nothing after complete().
-    void amend(const Quorvix::URLRequest &request);
+    /// Does nothing after complete(). @p discardedBodySize is the size in bytes of a body that the client has
+    /// not kept, because it is larger than QXRequestRecorder::bodyBudget().
+    void amend(const Quorvix::URLRequest &request, std::optional<qsizetype> discardedBodySize = {});
 
     /// Sets what is called on the main thread when the user opens the details while the exchange runs: it
     /// makes the client call progress(), at once or later. It may be called until the exchange is complete.
     void setRefresher(std::function<void()> refresher);
 
     /// Reports what has arrived so far of a response that takes long. It is kept until the next report.
-    void progress(const Quorvix::NSURLResponsePtr &response, const std::optional<QByteArray> &data);
+    /// @p discardedBodySize is the size in bytes so far of a body that the client does not keep; @p data is
+    /// absent then.
+    void progress(const Quorvix::NSURLResponsePtr &response, const std::optional<QByteArray> &data,
+                  std::optional<qsizetype> discardedBodySize = {});
 
     /// Reports the result; the duration ends now. A response that is not an HTTP response is ignored,
-    /// together with its data. Only the first call has an effect.
+    /// together with its data. Only the first call has an effect. @p discardedBodySize is the size in bytes
+    /// of a body that the client has not kept; @p data is absent then.
     void complete(const Quorvix::NSURLResponsePtr &response, const std::optional<QByteArray> &data,
-                  const std::optional<Quorvix::NSError> &error);
+                  const std::optional<Quorvix::NSError> &error,
+                  std::optional<qsizetype> discardedBodySize = {});
 
     /// Reports the result and hands it to @p deliver on the main thread: at once if no breakpoint rule
     /// matches the request, else when the user releases the response, possibly edited.

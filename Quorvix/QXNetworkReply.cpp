@@ -1,6 +1,7 @@
 #include "Quorvix/QXNetworkReply.h"
 
 #include "Quorvix/QXReplyRegistry.h"
+#include "Quorvix/QXRequestRecorder.h"
 
 #include "Platform/NSHTTPURLResponse.h"
 #include "Platform/ReplyOutcome.h"
@@ -170,7 +171,7 @@ qint64 QXNetworkReply::size() const
 {
     if (isSequential())
         return QNetworkReply::size();
-    return m_body.bytes().size() + (inner()->isOpen() ? inner()->bytesAvailable() : 0);
+    return m_body.bytes()->size() + (inner()->isOpen() ? inner()->bytesAvailable() : 0);
 }
 
 bool QXNetworkReply::seek(qint64 position)
@@ -198,7 +199,7 @@ bool QXNetworkReply::canReadLine() const
 
 qint64 QXNetworkReply::readData(char *data, qint64 maxSize)
 {
-    return m_body.read(inner(), data, maxSize);
+    return m_body.read(inner(), data, maxSize, bodyLimit());
 }
 
 // What the inner reply tells
@@ -225,10 +226,15 @@ bool QXNetworkReply::readsThrough() const
            inner()->attribute(QNetworkRequest::SourceIsFromCacheAttribute).toBool();
 }
 
+std::optional<qsizetype> QXNetworkReply::bodyLimit() const
+{
+    return holdsResponse() ? std::nullopt : QXRequestRecorder::shared().bodyBudget();
+}
+
 void QXNetworkReply::drain()
 {
     if (inner())
-        m_body.drain(*inner());
+        m_body.drain(*inner(), bodyLimit());
 }
 
 void QXNetworkReply::innerRedirected(const QUrl &url)
@@ -331,14 +337,17 @@ void QXNetworkReply::complete(const DataTaskCompletionHandler &deliver)
     m_body.squeeze();
     if (m_source.tee && inner()) {
         m_source.body = m_source.tee->takeCopy();
-        m_source.body->squeeze();
-        m_exchange.amend(ReplyOutcome::request(*inner(), m_source.method, m_source.body));
+        if (m_source.body)
+            m_source.body->squeeze();
+        m_exchange.amend(ReplyOutcome::request(*inner(), m_source.method, m_source.body),
+                         m_source.tee->discardedSize());
     }
     const NSURLResponsePtr response = inner() ? ReplyOutcome::response(*inner()) : nullptr;
     if (deliver)
         m_exchange.complete(response, m_body.bytes(), transportError(), deliver);
     else
-        m_exchange.complete(response, m_body.bytes(), transportError());
+        m_exchange.complete(response, m_body.bytes(), transportError(), m_body.discardedSize());
+    m_source.body.reset();
 }
 
 bool QXNetworkReply::refresh(const QString &id)
@@ -356,11 +365,11 @@ void QXNetworkReply::reportProgress()
 {
     if (m_isComplete || !inner())
         return;
-    QByteArray soFar = m_body.bytes();
+    std::optional<QByteArray> soFar = m_body.bytes();
     // What Qt has decompressed it would also have saved in its cache.
-    if (!isCompressed() && inner()->isOpen())
-        soFar += inner()->peek(inner()->bytesAvailable());
-    m_exchange.progress(ReplyOutcome::response(*inner()), soFar);
+    if (soFar && !isCompressed() && inner()->isOpen())
+        *soFar += inner()->peek(inner()->bytesAvailable());
+    m_exchange.progress(ReplyOutcome::response(*inner()), soFar, m_body.discardedSize());
 }
 
 void QXNetworkReply::setBody(const QByteArray &body)

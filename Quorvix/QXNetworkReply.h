@@ -15,7 +15,8 @@
 ///
 /// Bytes are taken from the inner reply as they arrive, and the host and the inspector share them. If the
 /// host limits the read buffer, or the body is compressed, then bytes are taken from the inner reply only
-/// when the host reads them.
+/// when the host reads them. A body that alone exceeds the budget of the recorder is kept no longer than the
+/// host needs it.
 class QXNetworkReply : public QXMirrorReply
 {
     Q_OBJECT
@@ -73,6 +74,8 @@ protected:
 
     /// Whether the response is kept as a whole until the user releases it.
     [[nodiscard]] virtual bool holdsResponse() const { return false; }
+    /// The size in bytes of the largest body that is kept while it arrives; absent if there is no limit.
+    [[nodiscard]] std::optional<qsizetype> bodyLimit() const;
 
     /// Takes all bytes that the inner reply has.
     void drain();

@@ -87,16 +87,18 @@ QString rawDetails(const QXRequestTrace &request)
 QString rawDetails(const QXRequestTrace &request, const std::function<QString(const QByteArray &)> &bodyText)
 {
     QStringList lines;
-    const auto addBody = [&](const Side &side, const std::optional<QByteArray> &body) {
-        if (body)
-            addBlock(lines, side.body, bodyText(*body));
+    const auto addBody = [&](const Side &side, const auto &half) {
+        if (half.body)
+            addBlock(lines, side.body, bodyText(*half.body));
+        else if (half.discardedBodySize)
+            addBlock(lines, side.body, QXDisplayFormat::discardedBody(*half.discardedBodySize));
     };
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "URL"),
              request.url ? absoluteString(*request.url) : QCoreApplication::translate("Quorvix", "N/A"));
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP type"), sentMethod(request.method));
     addHeaders(lines, requestSide, request.headers);
     addCookies(lines, requestSide, request);
-    addBody(requestSide, request.body);
+    addBody(requestSide, request);
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request time"), QXDisplayFormat::date(request.date));
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request status"), status(request));
     if (const auto &response = request.response) {
@@ -106,15 +108,16 @@ QString rawDetails(const QXRequestTrace &request, const std::function<QString(co
         addHeaders(lines, responseSide, response->headers);
         addCookies(lines, responseSide, request);
         addCache(lines, request);
-        addBody(responseSide, response->body);
+        addBody(responseSide, *response);
     }
     if (request.duration) {
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Roundtrip duration"),
                  QXDisplayFormat::seconds(QCoreApplication::translate("Quorvix", "%.6f secs"), "%.6f"_L1,
                                           *request.duration, 6));
     }
-    if (request.body)
-        addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request Size"),
-                 QXDisplayFormat::byteCount(request.body->size()));
+    if (request.body || request.discardedBodySize)
+        addBlock(
+            lines, QT_TRANSLATE_NOOP("Quorvix", "Request Size"),
+            QXDisplayFormat::byteCount(request.body ? request.body->size() : *request.discardedBodySize));
     return lines.join(u'\n');
 }

@@ -104,8 +104,13 @@ void QXRequestDetailsViewModel::refresh()
 /// place to which the user has scrolled.
 void QXRequestDetailsViewModel::show(const QXRequestTrace &trace)
 {
-    m_request = trace;
-    std::vector<QXRequestSection> sections = requestSections(trace);
+    const QXRequestTrace before = std::exchange(m_request, trace);
+    // The body of the request that is shown stays, although the recorder may have removed it.
+    if (before.body && trace.discardedBodySize == before.body->size()) {
+        m_request.body = before.body;
+        m_request.discardedBodySize.reset();
+    }
+    std::vector<QXRequestSection> sections = requestSections(m_request);
     std::size_t same = 0;
     while (same < std::min(sections.size(), m_rows.size()) &&
            sections[same].showsTheSameAs(m_rows[same].section))

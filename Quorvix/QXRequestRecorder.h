@@ -7,9 +7,13 @@
 #include <QtCore/QHash>
 #include <QtCore/QList>
 
+#include <atomic>
+#include <deque>
+#include <limits>
 #include <mutex>
 
-/// The store of captured exchanges, newest first, kept in memory until clear(). Main thread only.
+/// The store of captured exchanges, newest first, kept in memory until clear(). Main thread only, except
+/// where a function says otherwise.
 ///
 /// The cost of recording and of reading `requests` does not depend on the number of traces. Completing
 /// searches for the trace from the newest one on. The trace is nearly always among the newest, so this is
@@ -20,6 +24,7 @@ public:
     /// The only recorder; created on first use, lives until the process ends.
     [[nodiscard]] static QXRequestRecorder &shared();
 
+    /// A recorder of its own, which nobody reports to: for tests of what reads one. Main thread.
     QXRequestRecorder() = default;
     QXRequestRecorder(const QXRequestRecorder &) = delete;
     QXRequestRecorder &operator=(const QXRequestRecorder &) = delete;
@@ -28,25 +33,40 @@ public:
     /// number of traces.
     [[nodiscard]] QXTraceList requests() const noexcept { return m_requests; }
 
+    /// Limits the sum of the sizes of all kept bodies, of requests and of responses, to @p bytes; without a
+    /// value there is no limit, as at first. A negative limit counts as 0.
+    ///
+    /// Bodies that arrived first are removed first, at once and as others arrive; a body that alone exceeds
+    /// the budget is not kept at all. The trace stays, with everything else, and its discardedBodySize tells
+    /// what was removed. The cost for an exchange stays the same for any number of traces. A body that an
+    /// open screen or a snapshot shares stays in memory until that is gone. Bodies that were removed do not
+    /// come back with a larger budget. Main thread.
+    void setBodyBudget(std::optional<qsizetype> bytes);
+    /// The budget in bytes; absent if there is none. Any thread.
+    [[nodiscard]] std::optional<qsizetype> bodyBudget() const noexcept;
+
     /// Adds a trace of @p request, which started at @p start, to the front.
     void record(const QString &id, const Quorvix::URLRequest &request,
                 const QXMoment &start = QXMoment::now());
 
     /// Replaces the request of the newest trace with this identifier; does nothing if there is none. Its date
-    /// and result stay.
-    void amend(const QString &id, const Quorvix::URLRequest &request);
+    /// and result stay. @p discardedBodySize is the size in bytes of a body that the source has not kept.
+    void amend(const QString &id, const Quorvix::URLRequest &request,
+               std::optional<qsizetype> discardedBodySize = {});
 
     /// Stores the result in the newest trace with this identifier; does nothing if there is none. A response
     /// that is not an HTTP response is ignored, together with its data. The duration ends at @p end.
+    /// @p discardedBodySize is the size in bytes of a body that the source has not kept; @p data is absent
+    /// then.
     void complete(const QString &id, const Quorvix::NSURLResponsePtr &response,
                   const std::optional<QByteArray> &data, const std::optional<Quorvix::NSError> &error,
-                  const QXMoment &end = QXMoment::now());
+                  const QXMoment &end = QXMoment::now(), std::optional<qsizetype> discardedBodySize = {});
 
     /// Stores what has arrived so far in the newest trace with this identifier: a response without a
     /// duration. It stays until the next call or the completion. Does nothing if there is no such trace, if
     /// the trace is complete, or if the response is not an HTTP response.
     void progress(const QString &id, const Quorvix::NSURLResponsePtr &response,
-                  const std::optional<QByteArray> &data);
+                  const std::optional<QByteArray> &data, std::optional<qsizetype> discardedBodySize = {});
     /// Sets what refresh() calls: the source of a running exchange, which answers with progress() or
     /// complete(), at once or later. Does nothing if there is no running trace with this identifier. The
     /// function is destroyed when the exchange completes and by clear().
@@ -74,13 +94,29 @@ public:
     [[nodiscard]] QList<QXRequestTrace> findRequestsByMethod(const QString &method) const;
 
 private:
-    static std::shared_ptr<QXTraceList::Cell> makeCell(const QString &id, const Quorvix::URLRequest &request,
-                                                       const QXMoment &start);
-    void replace(qsizetype index, QXTraceList::CellPtr cell);
+    using CellPtr = std::shared_ptr<QXTraceList::Cell>;
+    enum class Side { Request, Response };
+    /// Where a body is: the position of its trace, counted from the oldest, never changes.
+    struct BodyPlace
+    {
+        qsizetype position;
+        Side side;
+    };
+
+    static CellPtr makeCell(const QString &id, const Quorvix::URLRequest &request, const QXMoment &start);
+    static void discard(QXRequestTrace &trace, Side side);
+    void replace(qsizetype index, const CellPtr &cell);
+    void admit(QXRequestTrace &trace, qsizetype position, const QXRequestTrace *before);
+    void removeOldestBodies();
+
+    static constexpr qsizetype noBudget = std::numeric_limits<qsizetype>::max();
 
     QXTraceList m_requests;
-    /// The sum of what all bodies needed when they arrived.
+    /// The sum of the sizes of all bodies.
     qsizetype m_bodyBytes = 0;
+    std::atomic<qsizetype> m_bodyBudget = noBudget;
+    /// The bodies in the order in which they arrived, while there is a budget; also of some that are gone.
+    std::deque<BodyPlace> m_bodies;
     QHash<QString, std::function<void()>> m_refreshers;
     std::mutex m_sourcesMutex;
     QList<std::function<bool(const QString &)>> m_sources;

@@ -82,10 +82,15 @@ void addCache(Sections &sections, const QXRequestTrace &request)
              std::move(values));
 }
 
-void addBody(Sections &sections, const Side &side, const std::optional<QByteArray> &body)
+/// Works for the request and for the response.
+void addBody(Sections &sections, const Side &side, const auto &half)
 {
-    if (body)
-        sections.push_back({Kind::Body, localized(side.bodyTitle), {}, {}, *body});
+    if (half.body)
+        sections.push_back({Kind::Body, localized(side.bodyTitle), {}, {}, *half.body});
+    else if (half.discardedBodySize)
+        addValues(sections, side.bodyTitle,
+                  {{QCoreApplication::translate("Quorvix", "Note"),
+                    QXDisplayFormat::discardedBody(*half.discardedBodySize)}});
 }
 
 void addRequest(Sections &sections, const QXRequestTrace &request)
@@ -103,7 +108,7 @@ void addRequest(Sections &sections, const QXRequestTrace &request)
     sections.push_back({Kind::Breakpoint, QCoreApplication::translate("Quorvix", "BREAKPOINT"), {}, {}, {}});
     addHeaders(sections, requestSide, request.headers);
     addCookies(sections, requestSide, request);
-    addBody(sections, requestSide, request.body);
+    addBody(sections, requestSide, request);
 }
 
 void addResponse(Sections &sections, const QXRequestTrace &request, const QXResponseTrace &response)
@@ -115,7 +120,7 @@ void addResponse(Sections &sections, const QXRequestTrace &request, const QXResp
     addHeaders(sections, responseSide, response.headers);
     addCookies(sections, responseSide, request);
     addCache(sections, request);
-    addBody(sections, responseSide, response.body);
+    addBody(sections, responseSide, response);
 }
 
 } // namespace

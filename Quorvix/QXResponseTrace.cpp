@@ -44,5 +44,6 @@ size_t qHash(const QXResponseTrace &trace, size_t seed)
         seed = qHash(0, seed);
     }
     seed = hashOptional(trace.body, seed);
+    seed = hashOptional(trace.discardedBodySize, seed);
     return qHash(qint64(trace.date.time_since_epoch().count()), seed);
 }

@@ -1,5 +1,9 @@
 #include "Quorvix/QXUploadTee.h"
 
+#include "Quorvix/QXRequestRecorder.h"
+
+#include <utility>
+
 QXUploadTee::QXUploadTee(QIODevice *source) : m_source(source)
 {
     connect(source, &QIODevice::readyRead, this, &QIODevice::readyRead);
@@ -10,6 +14,17 @@ QXUploadTee::QXUploadTee(QIODevice *source) : m_source(source)
         m_start = m_position = source->pos();
         QIODevice::seek(m_start);
     }
+}
+
+std::optional<QByteArray> QXUploadTee::takeCopy()
+{
+    m_isKeeping = false;
+    return m_isDiscarded ? std::nullopt : std::optional(std::exchange(m_copy, {}));
+}
+
+std::optional<qsizetype> QXUploadTee::discardedSize() const
+{
+    return m_isDiscarded ? std::optional(m_seen) : std::nullopt;
 }
 
 bool QXUploadTee::isSequential() const
@@ -63,8 +78,17 @@ qint64 QXUploadTee::writeData(const char *, qint64)
 
 void QXUploadTee::keep(const char *data, qint64 size)
 {
-    const qint64 kept = m_start + m_copy.size() - m_position;
-    if (kept >= 0 && kept < size)
-        m_copy.append(data + kept, size - kept);
+    const qint64 known = m_start + m_seen - m_position;
+    if (known >= 0 && known < size) {
+        m_seen += size - known;
+        if (m_isKeeping)
+            m_copy.append(data + known, size - known);
+        const auto budget = QXRequestRecorder::shared().bodyBudget();
+        if (m_isKeeping && budget && m_seen > *budget) {
+            m_isKeeping = false;
+            m_isDiscarded = true;
+            m_copy = {};
+        }
+    }
     m_position += size;
 }

@@ -44,7 +44,11 @@ std::vector<QXRequestTrace> everyKind()
     QXRequestTrace bare = makeTrace(u"https://h.example"_s);
     bare.url.reset();
     bare.method.reset();
-    return {complete, posted, empty, makeTrace(u"https://h.example/pending"_s), bare};
+    QXRequestTrace discarded = makeTrace(u"https://h.example/large"_s, {{u"Content-Type"_s, u"text/css"_s}});
+    discarded.discardedBodySize = 1'234'567;
+    discarded.response = makeResponseTrace(200, std::nullopt);
+    discarded.response->discardedBodySize = 12;
+    return {complete, posted, empty, discarded, makeTrace(u"https://h.example/pending"_s), bare};
 }
 
 QJsonObject entryOf(const QXRequestTrace &trace)
@@ -78,6 +82,7 @@ private Q_SLOTS:
     void init();
     void writesWholeDocument();
     void streamsTheSameDocument();
+    void tellsOfRemovedBodies();
     void leavesMissingResponseEmpty();
     void writesBodies_data();
     void writesBodies();
@@ -156,8 +161,8 @@ void ArchiveWriterTest::streamsTheSameDocument()
     const QJsonValue entries = QJsonDocument::fromJson(buffer.data())[u"log"_s][u"entries"_s];
     QCOMPARE(entries.toArray().size(), qsizetype(traces.size()));
     QCOMPARE(entries[1][u"request"_s][u"method"_s].toString(), u"POST"_s);
-    QCOMPARE(entries[4][u"request"_s][u"method"_s].toString(), u"GET"_s);
-    QCOMPARE(entries[4][u"request"_s][u"url"_s].toString(QString(u'-')), QString());
+    QCOMPARE(entries[5][u"request"_s][u"method"_s].toString(), u"GET"_s);
+    QCOMPARE(entries[5][u"request"_s][u"url"_s].toString(QString(u'-')), QString());
 
     // Writes a file for the schema check, without the exchange that has no URL: the schema requires one.
     if (const QString path = qEnvironmentVariable("QUORVIX_HAR_OUT"); !path.isEmpty()) {
@@ -166,6 +171,19 @@ void ArchiveWriterTest::streamsTheSameDocument()
         QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(file.errorString()));
         QCOMPARE(QXArchiveWriter::archive(QXArchiveWriter::sourceOf(pointers), file), std::nullopt);
     }
+}
+
+void ArchiveWriterTest::tellsOfRemovedBodies()
+{
+    const QJsonObject entry = entryOf(everyKind()[3]);
+    QCOMPARE(entry[u"request"_s][u"bodySize"_s], QJsonValue(1'234'567));
+    QCOMPARE(entry[u"response"_s][u"bodySize"_s], QJsonValue(12));
+    QCOMPARE(
+        entry[u"request"_s][u"postData"_s].toObject(),
+        object(R"-({"comment":"Removed to stay within the memory budget (1.2 MB)","mimeType":"text/css"})-"));
+    QCOMPARE(entry[u"response"_s][u"content"_s].toObject(),
+             object(R"-({"comment":"Removed to stay within the memory budget (1 KB)",
+                         "mimeType":"application/octet-stream","size":12})-"));
 }
 
 void ArchiveWriterTest::leavesMissingResponseEmpty()

@@ -34,6 +34,9 @@ private Q_SLOTS:
     void completionFillsInWhatItWasGiven();
     void runningExchangesShowWhatHasArrived();
     void finders();
+    void budgetRemovesTheOldestBodies_data();
+    void budgetRemovesTheOldestBodies();
+    void budgetLeavesSnapshotsAlone();
     void loopsSurviveChangesOfTheRecorder();
     void snapshotsStayAsTheyWere();
     void differencesAreFoundBetweenRelatedLists();
@@ -187,6 +190,91 @@ void RecorderTest::finders()
     QCOMPARE(ids(m_recorder.findRequestsByMethod(u"GET"_s)), QStringList({u"D"_s, u"A"_s}));
     QCOMPARE(ids(m_recorder.findRequestsByStatusCode(404)), QStringList(u"A"_s));
     QVERIFY(m_recorder.findRequestsByStatusCode(0).isEmpty());
+}
+
+/// Each step is a letter and a size: "A3" records A with a request of 3 bytes, "a3" completes it with a
+/// response of 3 bytes, "p3" reports 3 bytes so far, "m3" amends the newest request, "=9" sets the budget.
+void RecorderTest::budgetRemovesTheOldestBodies_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QString>("bodies");
+    QTest::newRow("no budget") << u"A900 a900"_s << u"A 900 900"_s;
+    QTest::newRow("all fit") << u"=10 A5 a5"_s << u"A 5 5"_s;
+    QTest::newRow("the oldest go first") << u"=10 A4 a4 B4 b4"_s << u"A -4 -4, B 4 4"_s;
+    QTest::newRow("a late response is young") << u"=10 A2 B6 a6"_s << u"A -2 6, B -6 none"_s;
+    QTest::newRow("alone too large") << u"=10 A4 a11 B11"_s << u"A 4 -11, B -11 none"_s;
+    QTest::newRow("nothing is kept") << u"=0 A0 a1"_s << u"A 0 -1"_s;
+    QTest::newRow("negative") << u"=-5 A1"_s << u"A -1 none"_s;
+    QTest::newRow("set later") << u"A4 a4 B4 b99 =10"_s << u"A -4 4, B 4 -99"_s;
+    QTest::newRow("lowered") << u"=20 A4 a4 B4 b4 =8"_s << u"A -4 -4, B 4 4"_s;
+    QTest::newRow("removed") << u"=1 = A4 a4"_s << u"A 4 4"_s;
+    QTest::newRow("progress is replaced") << u"=10 A0 p4 p8 a9"_s << u"A 0 9"_s;
+    QTest::newRow("progress outgrows") << u"=10 A4 p8 p11"_s << u"A -4 -11"_s;
+    QTest::newRow("amended") << u"=10 A4 m8 m3"_s << u"A 3 none"_s;
+    QTest::newRow("removed, then amended") << u"=10 A4 B9 a5"_s << u"A -4 5, B -9 none"_s;
+}
+
+void RecorderTest::budgetRemovesTheOldestBodies()
+{
+    QFETCH(QString, steps);
+    m_recorder.setBodyBudget(std::nullopt);
+    QVERIFY(!m_recorder.bodyBudget());
+    QString newest;
+    for (const QString &step : steps.split(u' ')) {
+        const auto size = qsizetype(step.mid(1).toLongLong());
+        const QByteArray body(std::max<qsizetype>(size, 0), 'x');
+        if (step[0] == u'=') {
+            m_recorder.setBodyBudget(step.size() > 1 ? std::optional(size) : std::nullopt);
+        } else if (step[0].isUpper() || step[0] == u'm') {
+            URLRequest request = makeRequest(u"http://host/"_s);
+            request.httpBody = body;
+            if (step[0] == u'm') {
+                m_recorder.amend(newest, request);
+            } else {
+                newest = step.first(1);
+                m_recorder.record(newest, request);
+            }
+        } else if (step[0] == u'p') {
+            m_recorder.progress(newest, makeResponse(200), body);
+        } else {
+            m_recorder.complete(step.first(1).toUpper(), makeResponse(200), body, {});
+        }
+    }
+    const auto text = [](const auto &half) {
+        return half.body                ? QString::number(half.body->size())
+               : half.discardedBodySize ? QString::number(-*half.discardedBodySize)
+                                        : u"none"_s;
+    };
+    QStringList bodies;
+    for (const QXRequestTrace &trace : m_recorder.requests())
+        bodies.prepend(trace.id + u' ' + text(trace) + u' ' +
+                       (trace.response ? text(*trace.response) : u"none"_s));
+    QTEST(bodies.join(u", "_s), "bodies");
+
+    // Positions begin anew.
+    m_recorder.clear();
+    m_recorder.setBodyBudget(4);
+    m_recorder.record(u"A"_s, makeRequest(u"http://host/"_s));
+    m_recorder.complete(u"A"_s, makeResponse(200), "four", {});
+    QCOMPARE(m_recorder.requests()[0].response->body, "four"_ba);
+    m_recorder.setBodyBudget(std::nullopt);
+}
+
+void RecorderTest::budgetLeavesSnapshotsAlone()
+{
+    m_recorder.record(u"A"_s, makeRequest(u"http://host/"_s));
+    m_recorder.complete(u"A"_s, makeResponse(200), "body", {});
+    const QXTraceList snapshot = m_recorder.requests();
+    m_posts = 0;
+    m_recorder.setBodyBudget(3);
+    m_recorder.setBodyBudget(2); // changes nothing
+    QCOMPARE(m_posts, 1);
+    QCOMPARE(snapshot[0].response->body, "body"_ba);
+    const QXResponseTrace removed = m_recorder.requests()[0].response.value();
+    QCOMPARE(removed.discardedBodySize, 4);
+    QVERIFY(removed != *snapshot[0].response);
+    m_recorder.setBodyBudget(std::nullopt);
+    QVERIFY(!m_recorder.requests()[0].response->body);
 }
 
 void RecorderTest::loopsSurviveChangesOfTheRecorder()

@@ -87,6 +87,8 @@ private Q_SLOTS:
     void bodyTexts();
     void largeBodiesAreMadeReadableElsewhere();
     void runningExchangesAreAskedOnce();
+    void removedBodiesSaySo();
+    void openDetailsKeepTheirBodies();
     void datesAndByteCounts();
     void copyingIsConfirmed();
     void logTreeOfABody();
@@ -305,6 +307,51 @@ void RequestDetailsModelTest::runningExchangesAreAskedOnce()
     Exchanges::complete(id, 200, "of another exchange");
     QCoreApplication::processEvents();
     QCOMPARE(shown(cleared), QString());
+}
+
+void RequestDetailsModelTest::removedBodiesSaySo()
+{
+    auto trace = makeTrace(user);
+    trace.discardedBodySize = 1'240'000;
+    trace.response = makeResponseTrace(200);
+    trace.response->discardedBodySize = 999;
+    QXRequestDetailsViewModel model(trace);
+    const QString note = u"Removed to stay within the memory budget (%1)"_s;
+    for (const auto &[title, size] :
+         {std::pair(u"REQUEST BODY"_s, u"1.2 MB"_s), {u"RESPONSE BODY"_s, u"1 KB"_s}}) {
+        QCOMPARE(sectionData(model, title, QXRequestDetailsViewModel::KindRole).toInt(),
+                 int(QXRequestDetailsViewModel::ValueSection));
+        const QVariantList values = sectionData(model, title, QXRequestDetailsViewModel::ValuesRole).toList();
+        QCOMPARE(values.size(), 1);
+        QCOMPARE(values[0].value<QXRequestValue>().text, note.arg(size));
+        QVERIFY(!document(model, title));
+    }
+    const QString raw = rawDetails(trace);
+    QVERIFY(raw.contains(block(u"Request Body"_s, note.arg(u"1.2 MB"_s))));
+    QVERIFY(raw.contains(block(u"Response Body"_s, note.arg(u"1 KB"_s))));
+    QVERIFY(withPlainSpaces(raw).endsWith(block(u"Request Size"_s, u"1.2 MB"_s).chopped(1)));
+    model.shareMockServerFile();
+    QCOMPARE(model.alertMessage(), u"No response body available to generate a mock."_s);
+    model.shareCurl();
+    QVERIFY(model.shareItem()->activityItems.value(0).toString().endsWith(u"'\n# Request Body: "_s +
+                                                                          note.arg(u"1.2 MB"_s)));
+}
+
+void RequestDetailsModelTest::openDetailsKeepTheirBodies()
+{
+    auto &recorder = QXRequestRecorder::shared();
+    URLRequest request(QUrl{user});
+    request.httpBody = "body";
+    recorder.record(u"running"_s, request);
+    recorder.setRefresher(u"running"_s, [] {});
+    QXRequestDetailsViewModel model(recorder.requests()[0]);
+    recorder.setBodyBudget(3);
+    Exchanges::complete(u"running"_s, 200, "out");
+    QCOMPARE(recorder.requests()[0].discardedBodySize, 4);
+    QTRY_VERIFY(titles(model).contains(u"RESPONSE BODY"_s));
+    QCOMPARE(document(model, u"REQUEST BODY"_s)->text(), u"body"_s);
+    recorder.setBodyBudget(std::nullopt);
+    recorder.clear();
 }
 
 void RequestDetailsModelTest::datesAndByteCounts()

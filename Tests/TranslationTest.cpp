@@ -6,6 +6,7 @@
 #include "Quorvix/QXApiValueKind.h"
 #include "Quorvix/QXArchiveWriter.h"
 #include "Quorvix/QXCacheSummary.h"
+#include "Quorvix/QXCurlCommandBuilder.h"
 #include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXPayloadDecoder.h"
@@ -176,6 +177,9 @@ void TranslationTest::artefacts()
     trace.duration = 1;
     QVERIFY(isShown(trace));
 
+    trace.discardedBodySize = 7;
+    trace.body.reset();
+    QVERIFY(isShown(trace) && QXCurlCommandBuilder::build(trace));
     for (const qsizetype size : {1, 2'000, 2'000'000})
         QVERIFY(!QXDisplayFormat::byteCount(size).isEmpty());
     for (int kind = 0; kind <= int(QXApiValueKind::null); ++kind)

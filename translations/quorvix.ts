@@ -72,6 +72,10 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Back</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Cut</source>
         <translation type="unfinished"></translation>
     </message>
@@ -92,11 +96,11 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Copy Selection</source>
+        <source>Show as tree</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Decode Base64</source>
+        <source>RESPONSE BODY</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -105,10 +109,6 @@
     </message>
     <message>
         <source>Status Code</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>RESPONSE BODY</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -148,15 +148,15 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Back</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>Share Swift Model</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Copy Key: Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Decode Base64</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -224,7 +224,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Show as tree</source>
+        <source>Copy Selection</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -696,11 +696,19 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Request Body</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%1 KB</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>%1 MB</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Removed to stay within the memory budget (%1)</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -777,10 +785,6 @@
     </message>
     <message>
         <source>Request Cookies</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Request Body</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -897,6 +901,10 @@
     </message>
     <message>
         <source>RESPONSE CACHE</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Note</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
