@@ -3,7 +3,6 @@
 #include "Quorvix/QXApiMockDefinition.h"
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXPathSegment.h"
-#include "Quorvix/QXRequestTrace.h"
 #include "Quorvix/QXTemporaryFile.h"
 
 #include "JSON/JSONWriter.h"
@@ -80,8 +79,9 @@ std::optional<QString> QXApiMockGenerator::relativeFilePath(const QUrl &url, con
            u'_' + method + u".json"_s;
 }
 
-Result<QUrl> QXApiMockGenerator::exportMock(const QXRequestTrace &trace)
+Result<QUrl> QXApiMockGenerator::exportMock(const QXExportedTrace &exported)
 {
+    const QXRequestTrace &trace = *exported;
     if (!trace.url)
         return makeError(QXExportError::missingRequestURL);
     if (!trace.method)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Quorvix/QXExportedTrace.h"
+
 #include "Platform/PlatformGlobal.h"
 #include "Platform/Result.h"
 
@@ -7,8 +9,6 @@
 #include <QtCore/QUrl>
 
 #include <optional>
-
-struct QXRequestTrace;
 
 /// Makes the file that a mock server uses to answer a captured request.
 ///
@@ -38,5 +38,5 @@ public:
     /// missingResponseBody, responseBodyNotJSON (any JSON value is accepted, also a scalar; an empty body is
     /// not JSON), unmappableRequestPath, mockFileNotCreated. The last error is also reported when the path
     /// or the method would lead to a folder other than the resource's folder.
-    static Quorvix::Result<QUrl> exportMock(const QXRequestTrace &trace);
+    static Quorvix::Result<QUrl> exportMock(const QXExportedTrace &exported);
 };

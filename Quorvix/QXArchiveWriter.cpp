@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXCacheSummary.h"
 #include "Quorvix/QXDisplayFormat.h"
+#include "Quorvix/QXExportedTrace.h"
 #include "Quorvix/QXRequestTrace.h"
 #include "Quorvix/QXTemporaryFile.h"
 
@@ -41,60 +42,6 @@ const QString *exactHeader(const Headers &headers, const QString &name)
 qint64 bodySize(const auto &half)
 {
     return half.body ? half.body->size() : half.discardedBodySize.value_or(-1);
-}
-
-/// Splits at the first "=". Absent unless there is text on both sides.
-std::optional<std::pair<QStringView, QStringView>> splitCookie(QStringView cookie)
-{
-    const qsizetype equals = cookie.indexOf(u'=');
-    if (equals <= 0 || equals == cookie.size() - 1)
-        return std::nullopt;
-    return std::pair(cookie.first(equals), cookie.sliced(equals + 1));
-}
-
-QStringView withoutBlanksAround(QStringView text)
-{
-    const auto isBlank = [](QChar c) {
-        return c == u' ' || c == u'\t';
-    };
-    while (!text.isEmpty() && isBlank(text.front()))
-        text = text.sliced(1);
-    while (!text.isEmpty() && isBlank(text.back()))
-        text.chop(1);
-    return text;
-}
-
-bool isLineBreak(QChar c)
-{
-    const char16_t unit = c.unicode();
-    return (unit >= u'\n' && unit <= u'\r') || unit == 0x85 || unit == QChar::LineSeparator ||
-           unit == QChar::ParagraphSeparator;
-}
-
-QStringView takeLine(QStringView &text)
-{
-    const auto lineBreak = std::find_if(text.begin(), text.end(), isLineBreak);
-    const QStringView line = text.first(lineBreak - text.begin());
-    text = text.sliced(std::min(line.size() + 1, text.size()));
-    return line;
-}
-
-/// The cookies in a header's value, each still one "name=value" text. In a request, semicolons separate
-/// them. In a response, each line holds one cookie, followed by its attributes, which are left out.
-QList<QStringView> cookiesIn(QStringView header, Side side)
-{
-    QList<QStringView> cookies;
-    if (side == Side::Request) {
-        for (const QStringView piece : header.split(u';'))
-            cookies += withoutBlanksAround(piece);
-        return cookies;
-    }
-    while (!header.isEmpty()) {
-        const QStringView line = takeLine(header);
-        const qsizetype attributes = line.indexOf(u';');
-        cookies += attributes < 0 ? line : line.first(attributes);
-    }
-    return cookies;
 }
 
 /// Writes the parts of the document. Every object's keys are written in alphabetical order.
@@ -156,14 +103,14 @@ private:
         m_writer.endObject();
     }
 
-    void writeEntry(const QXRequestTrace &trace)
+    void writeEntry(const QXExportedTrace &trace)
     {
-        const double milliseconds = trace.duration.value_or(0) * 1000;
+        const double milliseconds = trace->duration.value_or(0) * 1000;
         m_writer.beginObject();
-        writeCache(trace.response);
-        writeRequest(trace);
-        writeResponse(trace.response);
-        string("startedDateTime"_L1, NSISO8601DateFormatter::string(trace.date));
+        writeCache(trace->response);
+        writeRequest(*trace, trace.requestCookies());
+        writeResponse(trace->response, trace.responseCookies());
+        string("startedDateTime"_L1, NSISO8601DateFormatter::string(trace->date));
         number("time"_L1, milliseconds);
         m_writer.key("timings"_L1);
         m_writer.beginObject();
@@ -200,12 +147,12 @@ private:
         m_writer.endObject();
     }
 
-    void writeRequest(const QXRequestTrace &trace)
+    void writeRequest(const QXRequestTrace &trace, const QList<QXHeaderCookie> &cookies)
     {
         m_writer.key("request"_L1);
         m_writer.beginObject();
         writeBodySize(trace);
-        writeCookies(trace.headers, Side::Request);
+        writeCookies(cookies);
         writeHeaders(trace.headers);
         string("method"_L1, sentMethod(trace.method));
         if (trace.body || trace.discardedBodySize) {
@@ -217,7 +164,7 @@ private:
         m_writer.endObject();
     }
 
-    void writeResponse(const std::optional<QXResponseTrace> &response)
+    void writeResponse(const std::optional<QXResponseTrace> &response, const QList<QXHeaderCookie> &cookies)
     {
         const Headers headers = response ? response->headers : std::nullopt;
         m_writer.key("response"_L1);
@@ -231,7 +178,7 @@ private:
             writeBody(*response, Side::Response);
         else
             writeEmptyContent();
-        writeCookies(headers, Side::Response);
+        writeCookies(cookies);
         writeHeaders(headers);
         string("redirectURL"_L1, {});
         integer("status"_L1, response ? response->statusCode : 0);
@@ -309,20 +256,13 @@ private:
         m_writer.endArray();
     }
 
-    void writeCookies(const Headers &headers, Side side)
+    void writeCookies(const QList<QXHeaderCookie> &cookies)
     {
-        const QString *header = exactHeader(headers, side == Side::Request ? u"Cookie"_s : u"Set-Cookie"_s);
         m_writer.key("cookies"_L1);
         m_writer.beginArray();
-        for (const QStringView cookie : header ? cookiesIn(*header, side) : QList<QStringView>())
-            writeCookie(cookie);
+        for (const QXHeaderCookie &cookie : cookies)
+            writePair(cookie.name, cookie.value);
         m_writer.endArray();
-    }
-
-    void writeCookie(QStringView cookie)
-    {
-        if (const auto parts = splitCookie(cookie))
-            writePair(parts->first, parts->second);
     }
 
     void writePair(QStringView name, QStringView value)

@@ -18,7 +18,8 @@ struct QXRequestTrace;
 /// Writes exchanges as an HTTP Archive (HAR 1.2): pretty-printed JSON, keys in alphabetical order.
 ///
 /// The writer streams: it holds neither the document nor a body as a tree. Missing fields of a trace never
-/// cause an error. Stateless; any thread, if no other thread changes the traces.
+/// cause an error. Values that QXRedaction keeps secret are replaced. Stateless; any thread, if no other
+/// thread changes the traces.
 class QUORVIX_CORE_EXPORT QXArchiveWriter
 {
 public:

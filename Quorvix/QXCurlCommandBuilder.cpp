@@ -2,7 +2,6 @@
 
 #include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXExportError.h"
-#include "Quorvix/QXRequestTrace.h"
 
 #include "JSON/JSONWriter.h"
 
@@ -119,8 +118,9 @@ void appendDiscardedBody(QString &command, qsizetype size)
 
 } // namespace
 
-Result<QString> QXCurlCommandBuilder::build(const QXRequestTrace &trace)
+Result<QString> QXCurlCommandBuilder::build(const QXExportedTrace &exported)
 {
+    const QXRequestTrace &trace = *exported;
     const QString url = trace.url ? absoluteString(*trace.url) : QString();
     if (url.isEmpty())
         return makeError(QXExportError::missingRequestURL);

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Quorvix/QXExportedTrace.h"
+
 #include "Platform/PlatformGlobal.h"
 #include "Platform/Result.h"
 
 #include <QtCore/QString>
-
-struct QXRequestTrace;
 
 /// Writes a request as a `curl` command line that repeats the request, for any POSIX shell.
 ///
@@ -26,5 +26,5 @@ public:
     ///
     /// Fails with QXExportError::missingRequestURL if the URL is absent or empty. Linear in the size of the
     /// trace. Any thread, if no other thread changes the trace.
-    static Quorvix::Result<QString> build(const QXRequestTrace &trace);
+    static Quorvix::Result<QString> build(const QXExportedTrace &exported);
 };

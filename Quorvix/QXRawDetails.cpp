@@ -3,8 +3,6 @@
 #include "Quorvix/QXBodyText.h"
 #include "Quorvix/QXCacheSummary.h"
 #include "Quorvix/QXDisplayFormat.h"
-#include "Quorvix/QXRequestCookies.h"
-#include "Quorvix/QXRequestTrace.h"
 
 #include "Platform/Localized.h"
 #include "Platform/URLText.h"
@@ -51,10 +49,10 @@ void addHeaders(QStringList &lines, const Side &side, const std::optional<HTTPHe
     addBlock(lines, side.headers, u"{\n"_s + headerLines.join(u'\n') + u"\n}"_s);
 }
 
-void addCookies(QStringList &lines, const Side &side, const QXRequestTrace &request)
+void addCookies(QStringList &lines, const Side &side, const QXExportedTrace &exported)
 {
     QStringList cookieLines;
-    for (const QNetworkCookie &cookie : sharedCookies(request))
+    for (const QNetworkCookie &cookie : exported.storedCookies())
         cookieLines += QString::fromUtf8(cookie.name()) + u" = "_s + QString::fromUtf8(cookie.value());
     if (!cookieLines.isEmpty())
         addBlock(lines, side.cookies, cookieLines.join(u'\n'));
@@ -79,13 +77,15 @@ QString status(const QXRequestTrace &request)
 
 } // namespace
 
-QString rawDetails(const QXRequestTrace &request)
+QString rawDetails(const QXExportedTrace &exported)
 {
-    return rawDetails(request, &QXBodyText::text);
+    return rawDetails(exported, &QXBodyText::text);
 }
 
-QString rawDetails(const QXRequestTrace &request, const std::function<QString(const QByteArray &)> &bodyText)
+QString rawDetails(const QXExportedTrace &exported,
+                   const std::function<QString(const QByteArray &)> &bodyText)
 {
+    const QXRequestTrace &request = *exported;
     QStringList lines;
     const auto addBody = [&](const Side &side, const auto &half) {
         if (half.body)
@@ -97,7 +97,7 @@ QString rawDetails(const QXRequestTrace &request, const std::function<QString(co
              request.url ? absoluteString(*request.url) : QCoreApplication::translate("Quorvix", "N/A"));
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "HTTP type"), sentMethod(request.method));
     addHeaders(lines, requestSide, request.headers);
-    addCookies(lines, requestSide, request);
+    addCookies(lines, requestSide, exported);
     addBody(requestSide, request);
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request time"), QXDisplayFormat::date(request.date));
     addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Request status"), status(request));
@@ -106,7 +106,7 @@ QString rawDetails(const QXRequestTrace &request, const std::function<QString(co
                  QString::number(response->statusCode));
         addBlock(lines, QT_TRANSLATE_NOOP("Quorvix", "Response Time"), QXDisplayFormat::date(response->date));
         addHeaders(lines, responseSide, response->headers);
-        addCookies(lines, responseSide, request);
+        addCookies(lines, responseSide, exported);
         addCache(lines, request);
         addBody(responseSide, *response);
     }

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Quorvix/QXExportedTrace.h"
+
 #include "Platform/PlatformGlobal.h"
 
 #include <QtCore/QString>
 
 #include <functional>
-
-struct QXRequestTrace;
 
 /// Returns all information about an exchange as one plain text. Each block has a label between two lines of
 /// 83 hyphens, a value if there is one, and an empty line.
@@ -18,5 +18,5 @@ struct QXRequestTrace;
 /// @p bodyText converts a body to text. A caller that already has the text can return it from there; it must
 /// be equal to QXBodyText::text().
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString
-rawDetails(const QXRequestTrace &request, const std::function<QString(const QByteArray &)> &bodyText);
-[[nodiscard]] QString rawDetails(const QXRequestTrace &request);
+rawDetails(const QXExportedTrace &exported, const std::function<QString(const QByteArray &)> &bodyText);
+[[nodiscard]] QString rawDetails(const QXExportedTrace &exported);

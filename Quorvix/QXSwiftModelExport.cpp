@@ -2,7 +2,6 @@
 
 #include "Quorvix/QXApiTreeParser.h"
 #include "Quorvix/QXExportError.h"
-#include "Quorvix/QXRequestTrace.h"
 #include "Quorvix/QXSwiftModelGenerator.h"
 #include "Quorvix/QXSwiftName.h"
 #include "Quorvix/QXTemporaryFile.h"
@@ -21,8 +20,9 @@ QByteArray payloadOf(const QXRequestTrace &trace)
 
 } // namespace
 
-Result<QUrl> QXSwiftModelExport::exportTrace(const QXRequestTrace &trace)
+Result<QUrl> QXSwiftModelExport::exportTrace(const QXExportedTrace &exported)
 {
+    const QXRequestTrace &trace = *exported;
     const QByteArray payload = payloadOf(trace);
     if (payload.isEmpty())
         return makeError(QXExportError::missingPayload);

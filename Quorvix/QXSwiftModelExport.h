@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Quorvix/QXExportedTrace.h"
+
 #include "Platform/PlatformGlobal.h"
 #include "Platform/Result.h"
 
 #include <QtCore/QUrl>
-
-struct QXRequestTrace;
 
 /// Saves Swift types that decode the body of an exchange. Stateless; any thread, if no other thread changes
 /// the trace.
@@ -17,5 +17,5 @@ public:
     ///
     /// Fails with QXExportError: missingPayload, payloadNotParsed, swiftModelNotGenerated or
     /// swiftModelFileNotCreated.
-    static Quorvix::Result<QUrl> exportTrace(const QXRequestTrace &trace);
+    static Quorvix::Result<QUrl> exportTrace(const QXExportedTrace &exported);
 };

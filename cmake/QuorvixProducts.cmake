@@ -28,6 +28,7 @@ set(QUORVIX_PUBLIC_HEADERS
     Quorvix/QXNetworkCapture.h
     Quorvix/QXPresentation.h
     Quorvix/QXRecorderWatcher.h
+    Quorvix/QXRedaction.h
     Quorvix/QXRequestRecorder.h
     Quorvix/QXRequestTrace.h
     Quorvix/QXResponseTrace.h
