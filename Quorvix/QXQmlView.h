@@ -11,7 +11,8 @@ class QQuickItem;
 /// Makes the inspector's screens from their QML files. Main thread only.
 namespace QXQmlView {
 
-/// Makes an engine that knows the modules and symbols of the inspector. It is independent of the host's engines.
+/// Makes an engine that knows the modules and symbols of the inspector. It is independent of the host's
+/// engines.
 [[nodiscard]] std::unique_ptr<QQmlEngine> makeEngine();
 
 /// Makes the screen of this name as a child of @p parent that fills it. Returns null if its file cannot be

@@ -60,7 +60,7 @@ foreach(header IN LISTS QUORVIX_PUBLIC_HEADERS)
 endforeach()
 
 set(QUORVIX_CORE_ROOMS QuorvixPlatform QuorvixJSON QuorvixCoreObjects)
-set(QUORVIX_SCREEN_ROOMS QuorvixControls QuorvixText QuorvixScreens)
+set(QUORVIX_SCREEN_ROOMS QuorvixControls QuorvixText QuorvixScreens QuorvixQml)
 quorvix_product(QuorvixCore
     EXPORT_NAME Core
     ROOMS ${QUORVIX_CORE_ROOMS}
@@ -71,3 +71,4 @@ quorvix_product(Quorvix
     ROOMS ${QUORVIX_SCREEN_ROOMS}
     PUBLIC QuorvixCore Qt6::Core Qt6::Qml
     PRIVATE Qt6::Gui Qt6::Quick Qt6::Svg)
+target_link_libraries(Quorvix INTERFACE $<TARGET_OBJECTS:QuorvixQmlLink>)
