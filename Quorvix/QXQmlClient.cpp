@@ -55,6 +55,20 @@ void QXQmlClient::setLogLevel(LogLevel level)
     Q_EMIT logLevelChanged();
 }
 
+QXQmlClient::Presentation QXQmlClient::presentation() const
+{
+    return QuorvixClient::shared().presentation() == QXPresentation::window ? Window : Panel;
+}
+
+void QXQmlClient::setPresentation(Presentation presentation)
+{
+    if (presentation == this->presentation())
+        return;
+    QuorvixClient::shared().setPresentation(presentation == Window ? QXPresentation::window
+                                                                   : QXPresentation::panel);
+    Q_EMIT presentationChanged();
+}
+
 void QXQmlClient::handleRequestsChanged()
 {
     if (std::exchange(m_reportScheduled, true))

@@ -31,18 +31,26 @@ class QXQmlClient : public QObject
     /// `Quorvix.Error`, `Quorvix.Info` or `Quorvix.Debug`. A change by C++ code or by another engine is not
     /// reported.
     Q_PROPERTY(LogLevel logLevel READ logLevel WRITE setLogLevel NOTIFY logLevelChanged FINAL)
+    /// Where the screens open: `Quorvix.Panel`, over the application's window, which is the default, or
+    /// `Quorvix.Window`, in a window of their own. A change applies to the next screen that opens. A change
+    /// by C++ code or by another engine is not reported.
+    Q_PROPERTY(
+        Presentation presentation READ presentation WRITE setPresentation NOTIFY presentationChanged FINAL)
 
 public:
     /// The values of QXLogLevel, with names that QML accepts.
     enum LogLevel { None, Error, Info, Debug };
     Q_ENUM(LogLevel)
+    /// The values of QXPresentation, with names that QML accepts.
+    enum Presentation { Panel, Window };
+    Q_ENUM(Presentation)
 
     explicit QXQmlClient(QObject *parent = nullptr);
     ~QXQmlClient() override;
 
     /// The same as show().
     Q_INVOKABLE void start();
-    /// Shows the floating button over the active Qt Quick window.
+    /// Shows the floating button over the active window of the application.
     Q_INVOKABLE void show();
     /// Removes the button and its screens. Capture continues.
     Q_INVOKABLE void hide();
@@ -52,10 +60,13 @@ public:
     [[nodiscard]] int requestCount() const;
     [[nodiscard]] LogLevel logLevel() const;
     void setLogLevel(LogLevel level);
+    [[nodiscard]] Presentation presentation() const;
+    void setPresentation(Presentation presentation);
 
 Q_SIGNALS:
     void requestCountChanged();
     void logLevelChanged();
+    void presentationChanged();
 
 private:
     void handleRequestsChanged();

@@ -71,4 +71,5 @@ quorvix_product(Quorvix
     ROOMS ${QUORVIX_SCREEN_ROOMS}
     PUBLIC QuorvixCore Qt6::Core Qt6::Qml
     PRIVATE Qt6::Gui Qt6::Quick Qt6::Svg)
-target_link_libraries(Quorvix INTERFACE $<TARGET_OBJECTS:QuorvixQmlLink>)
+# Before the library in the command line, where CMake puts objects, and behind targets that link it privately, too.
+target_link_libraries(Quorvix INTERFACE $<TARGET_OBJECTS:Quorvix::QmlLink>)

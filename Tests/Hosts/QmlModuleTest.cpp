@@ -26,7 +26,8 @@ private Q_SLOTS:
     void capturesFromTheFirstObjectOn();
     void capturesOnlyEnginesThatImport();
     void reportsTheCountOncePerTurn();
-    void setsTheLogLevel();
+    void changesASetting_data();
+    void changesASetting();
     void showsAndHides();
 
 private:
@@ -53,6 +54,7 @@ public:
 constexpr char script[] = "import QtQml; import Quorvix; QtObject {"
                           " readonly property QtObject inspector: Quorvix;"
                           " function debug() { Quorvix.logLevel = Quorvix.Debug; }"
+                          " function openWindow() { Quorvix.presentation = Quorvix.Window; }"
                           " function start() { Quorvix.start(); }"
                           " function hide() { Quorvix.hide(); }"
                           " function clear() { Quorvix.clear(); }"
@@ -181,18 +183,41 @@ void QmlModuleTest::reportsTheCountOncePerTurn()
     QVERIFY(capturedPaths().isEmpty());
 }
 
-void QmlModuleTest::setsTheLogLevel()
+void QmlModuleTest::changesASetting_data()
 {
+    QTest::addColumn<QByteArray>("function");
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<int>("value");
+    QTest::newRow("log level") << QByteArray("debug") << QByteArray("logLevel") << int(QXLogLevel::debug);
+    QTest::newRow("presentation") << QByteArray("openWindow") << QByteArray("presentation")
+                                  << int(QXPresentation::window);
+}
+
+void QmlModuleTest::changesASetting()
+{
+    QFETCH(QByteArray, function);
+    QFETCH(QByteArray, property);
+    QFETCH(int, value);
+
+    auto &client = QuorvixClient::shared();
+    const auto values = [&client] {
+        return QHash<QByteArray, int>{{"logLevel", int(client.logLevel())},
+                                      {"presentation", int(client.presentation())}};
+    };
     QQmlEngine engine;
     const auto object = create(engine, script);
     QVERIFY(object);
     auto *const inspector = object->property("inspector").value<QObject *>();
-    QSignalSpy changes(inspector, SIGNAL(logLevelChanged()));
-    QCOMPARE(inspector->property("logLevel").toInt(), 0);
-    QMetaObject::invokeMethod(object.get(), "debug");
-    QCOMPARE(QuorvixClient::shared().logLevel(), QXLogLevel::debug);
+    QSignalSpy changes(inspector, QByteArray('2' + property + "Changed()"));
+    QCOMPARE(inspector->property(property).toInt(), 0);
+    QCOMPARE(values().value(property), 0);
+    for (int i = 0; i < 2; ++i)
+        QMetaObject::invokeMethod(object.get(), function);
+    QCOMPARE(inspector->property(property).toInt(), value);
+    QCOMPARE(values().value(property), value);
     QCOMPARE(changes.size(), 1);
-    QuorvixClient::shared().setLogLevel(QXLogLevel::none);
+    client.setLogLevel(QXLogLevel::none);
+    client.setPresentation(QXPresentation::panel);
 }
 
 void QmlModuleTest::showsAndHides()
