@@ -4,6 +4,10 @@
 
 #include <QtQml/QQmlNetworkAccessManagerFactory>
 
+#ifdef QUORVIX_NOOP
+#include <QtNetwork/QNetworkAccessManager>
+#endif
+
 class QQmlEngine;
 
 /// Makes managers whose requests are captured for a QML engine: those of XMLHttpRequest, Image, FontLoader
@@ -24,3 +28,19 @@ public:
 private:
     QQmlNetworkAccessManagerFactory *m_wrapped;
 };
+
+#ifdef QUORVIX_NOOP
+// Without the inspector these are inline, so that only a host that has QML needs Qt Qml.
+
+inline void QXNetworkAccessManagerFactory::install(QQmlEngine &) {}
+
+inline QXNetworkAccessManagerFactory::QXNetworkAccessManagerFactory(QQmlNetworkAccessManagerFactory *wrapped)
+    : m_wrapped(wrapped)
+{
+}
+
+inline QNetworkAccessManager *QXNetworkAccessManagerFactory::create(QObject *parent)
+{
+    return m_wrapped ? m_wrapped->create(parent) : new QNetworkAccessManager(parent);
+}
+#endif

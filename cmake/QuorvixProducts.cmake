@@ -1,4 +1,4 @@
-# The two libraries that a host links, and the headers that it may include.
+# The libraries that a host links, and the headers that it may include.
 set(QUORVIX_PUBLIC_HEADERS
     Platform/HTTPCookieStorage.h
     Platform/HTTPHeaderFields.h
@@ -58,6 +58,22 @@ foreach(header IN LISTS QUORVIX_PUBLIC_HEADERS)
     file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${header} ${PROJECT_BINARY_DIR}/include/${folder}/${name}
         SYMBOLIC COPY_ON_ERROR)
 endforeach()
+
+# The inspector's place in a program that ships without it. It is always static, so that there is nothing to deploy.
+quorvix_product(QuorvixNoOp
+    EXPORT_NAME NoOp
+    TYPE STATIC
+    ROOMS QuorvixHiddenPlatform QuorvixNoOpObjects
+    PUBLIC Qt6::Core Qt6::Network)
+target_compile_definitions(QuorvixNoOp INTERFACE QUORVIX_NOOP)
+# No C++ code refers to the QML module, so that the linker would leave it out.
+target_link_options(QuorvixNoOp INTERFACE LINKER:-u,$<$<PLATFORM_ID:Darwin>:_>quorvixNoOpModule)
+
+if(NOT QUORVIX_ENABLED)
+    add_library(Quorvix::Core ALIAS QuorvixNoOp)
+    add_library(Quorvix::Quorvix ALIAS QuorvixNoOp)
+    return()
+endif()
 
 set(QUORVIX_CORE_ROOMS QuorvixPlatform QuorvixJSON QuorvixCoreObjects)
 set(QUORVIX_SCREEN_ROOMS QuorvixControls QuorvixText QuorvixScreens QuorvixQml)

@@ -59,14 +59,15 @@ function(quorvix_precompile_screens target)
 endfunction()
 
 # Adds a room: the objects of one folder, compiled once. The products consist of rooms. The project's own tests,
-# benchmarks and fuzz targets link the rooms directly, so that the products export nothing for them.
-#   quorvix_room(<target> SOURCES <file>... LINK <library>...)
+# benchmarks and fuzz targets link the rooms directly, so that the products export nothing for them. A hidden room is
+# for products that are always static, and never exports anything.
+#   quorvix_room(<target> [HIDDEN] SOURCES <file>... LINK <library>...)
 function(quorvix_room target)
-    cmake_parse_arguments(PARSE_ARGV 1 room "" "" "SOURCES;LINK")
+    cmake_parse_arguments(PARSE_ARGV 1 room "HIDDEN" "" "SOURCES;LINK")
     add_library(${target} STATIC ${room_SOURCES})
     quorvix_target(${target})
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
-    if(NOT BUILD_SHARED_LIBS)
+    if(room_HIDDEN OR NOT BUILD_SHARED_LIBS)
         target_compile_definitions(${target} PRIVATE QUORVIX_STATIC)
     endif()
     target_link_libraries(${target} PUBLIC ${room_LINK})

@@ -11,9 +11,10 @@ declare -A may_know=(
     [Controls]="Platform"
     [Text]="Controls Platform"
     [Quorvix]="Text Controls JSON Platform"
+    [NoOp]="Quorvix Platform"
     [Examples]=""
 )
-readonly rooms="Platform JSON Controls Text Quorvix Examples"
+readonly rooms="Platform JSON Controls Text Quorvix NoOp Examples"
 
 wrong=0
 complain() {

@@ -1,0 +1,58 @@
+#include "Quorvix/QXArchiveWriter.h"
+
+#include "Quorvix/QXTemporaryFile.h"
+
+#include "Platform/BundleInfo.h"
+#include "Platform/WriteAll.h"
+
+#include <QtCore/QDir>
+
+using namespace Quorvix;
+using namespace Qt::StringLiterals;
+
+// Each archive is valid and empty, whatever the source would give: a program without the inspector tells
+// nothing.
+
+namespace {
+
+constexpr char emptyArchive[] = R"({
+  "log" : {
+    "creator" : {
+      "name" : "%1",
+      "version" : "%2"
+    },
+    "entries" : [],
+    "version" : "1.2"
+  }
+})";
+
+} // namespace
+
+QByteArray QXArchiveWriter::archive(const Source &)
+{
+    return QString::fromLatin1(emptyArchive)
+        .arg(QLatin1StringView(BundleInfo::name), QLatin1StringView(BundleInfo::shortVersion))
+        .toUtf8();
+}
+
+std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice &device)
+{
+    return writeAll(device, archive(traces));
+}
+
+QString QXArchiveWriter::exportFileName(const QXRequestTrace &, std::chrono::system_clock::time_point)
+{
+    return u"Quorvix.har"_s;
+}
+
+Result<QUrl> QXArchiveWriter::exportTrace(const QXRequestTrace &trace,
+                                          std::chrono::system_clock::time_point now)
+{
+    return QXTemporaryFile::write(QDir::temp(), exportFileName(trace, now),
+                                  [](QIODevice &file) { return archive({}, file); });
+}
+
+QString QXArchiveWriter::failureMessage(const NSError &error)
+{
+    return error.localizedDescription;
+}

@@ -1,0 +1,25 @@
+#include "Quorvix/QXBreakpointStore.h"
+
+// The store forgets each rule at once: it stays empty and emits nothing.
+
+QXBreakpointStore::QXBreakpointStore() = default;
+
+QXBreakpointStore &QXBreakpointStore::shared()
+{
+    static auto *const store = new QXBreakpointStore;
+    return *store;
+}
+
+void QXBreakpointStore::setRules(const Rules &) {}
+void QXBreakpointStore::insert(const QXBreakpointKey &) {}
+void QXBreakpointStore::remove(const QXBreakpointKey &) {}
+
+QList<QXBreakpointKey> QXBreakpointStore::sortedRules() const
+{
+    return {};
+}
+
+bool QXBreakpointStore::matches(const QUrl &, const QString &)
+{
+    return false;
+}

@@ -1,0 +1,5 @@
+#include "Quorvix/QXSessionHook.h"
+
+void QXSessionHook::install() {}
+
+void QXSessionHook::exchange(Quorvix::ObjectClass &) {}
