@@ -1,0 +1,153 @@
+#include "Examples/DemoServer.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
+
+using namespace Qt::StringLiterals;
+
+/// One program, built with the inspector and with what stands for it in a release.
+class NoOpTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void behavesTheSame();
+    void completesOnTheSameThreadWithTheSwitch_data();
+    void completesOnTheSameThreadWithTheSwitch();
+    void containsNothingOfTheInspector();
+    void loadsOnlyWhatQtAloneLoads();
+    void addsLittle_data();
+    void addsLittle();
+
+private:
+    /// What a program prints.
+    QStringList run(const QString &program, const QStringList &arguments = {});
+    /// The lines of an output with this text in them.
+    static QStringList linesWith(const QStringList &lines, const QString &text) { return lines.filter(text); }
+    static qint64 strippedSize(const QString &program);
+
+    DemoServer m_server;
+    QStringList m_started;
+    QStringList m_untouched;
+    QStringList m_noOp;
+};
+
+QStringList NoOpTest::run(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    QString server = m_server.url().toString();
+    server.chop(1);
+    process.start(program, QStringList(server) + arguments);
+    if (!process.waitForFinished(60'000) || process.exitStatus() != QProcess::NormalExit ||
+        process.exitCode() != 0)
+        qWarning("%s failed: %s", qPrintable(program), qPrintable(process.errorString()));
+    return QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+}
+
+void NoOpTest::initTestCase()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    QVERIFY(m_server.start());
+    m_started = run(QStringLiteral(QUORVIX_CONSUMER), {u"start"_s});
+    m_untouched = run(QStringLiteral(QUORVIX_CONSUMER));
+    m_noOp = run(QStringLiteral(QUORVIX_CONSUMER_NO_OP), {u"start"_s});
+}
+
+void NoOpTest::behavesTheSame()
+{
+    QCOMPARE(linesWith(m_noOp, u" = "_s), linesWith(m_started, u" = "_s));
+    QVERIFY(linesWith(m_noOp, u" = "_s).size() >= 15);
+    // What is not the same: one of them records.
+    QCOMPARE(linesWith(m_started, u"recorded: "_s), QStringList(u"recorded: 10 3"_s));
+    QCOMPARE(linesWith(m_noOp, u"recorded: "_s), QStringList(u"recorded: 0 0"_s));
+    QCOMPARE(linesWith(m_noOp, u": another"_s), QStringList());
+    QCOMPARE(linesWith(m_started, u": the host's"_s), QStringList());
+    QCOMPARE(linesWith(m_noOp, u"reply of"_s).size(), 2);
+}
+
+void NoOpTest::completesOnTheSameThreadWithTheSwitch_data()
+{
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<QString>("whenOff");
+    QTest::newRow("with the inspector") << m_started << u"main"_s;
+    QTest::newRow("linked, but never started") << m_untouched << u"session"_s;
+    QTest::newRow("without it: NoOp") << m_noOp << u"session"_s;
+}
+
+/// Prints the table that the README shows.
+void NoOpTest::completesOnTheSameThreadWithTheSwitch()
+{
+    QFETCH(const QStringList, lines);
+    QFETCH(const QString, whenOff);
+    for (const auto &[state, expected] : {std::pair(u"off"_s, whenOff), {u"on"_s, u"main"_s}}) {
+        for (const QString &outcome : {u"success"_s, u"error"_s, u"cancelled"_s}) {
+            const QString prefix = u"thread: switch %1 %2 "_s.arg(state, outcome);
+            QCOMPARE(linesWith(lines, prefix), QStringList(prefix + expected));
+        }
+        qInfo("switch %-3s: handlers run on the %s thread", qPrintable(state), qPrintable(expected));
+    }
+}
+
+void NoOpTest::containsNothingOfTheInspector()
+{
+    // In the core, the same check finds a lot.
+    for (const auto &[program, isExpected] :
+         {std::pair(QStringLiteral(QUORVIX_CONSUMER_NO_OP), 0), {QStringLiteral(QUORVIX_CORE), 1}}) {
+        QProcess script;
+        script.setProcessChannelMode(QProcess::MergedChannels);
+        script.start(QStringLiteral(QUORVIX_SCRIPT),
+                     {u"program"_s, program, QStringLiteral(QUORVIX_HEADERS)});
+        QVERIFY(script.waitForFinished(60'000));
+        QVERIFY2(script.exitCode() == isExpected, script.readAll().constData());
+    }
+}
+
+void NoOpTest::loadsOnlyWhatQtAloneLoads()
+{
+    const QStringList loaded = linesWith(m_noOp, u"library: "_s);
+    if (loaded.isEmpty())
+        QSKIP("This system does not tell which libraries are loaded");
+    QCOMPARE(linesWith(loaded, u"Qt6Network"_s).size(), 1);
+    for (const QString &library :
+         {u"Qt6Gui"_s, u"Qt6Qml"_s, u"Qt6Quick"_s, u"Qt6Svg"_s, u"simdjson"_s, u"libQuorvix"_s})
+        QCOMPARE(linesWith(loaded, library), QStringList());
+    QVERIFY(!linesWith(m_started, u"Qt6Quick"_s).isEmpty());
+}
+
+qint64 NoOpTest::strippedSize(const QString &program)
+{
+    const QTemporaryDir folder;
+    const QString copy = folder.filePath(u"stripped"_s);
+    return QProcess::execute(u"strip"_s, {u"-o"_s, copy, program}) == 0 ? QFileInfo(copy).size() : -1;
+}
+
+void NoOpTest::addsLittle_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<int>("kilobytes");
+    QTest::newRow("a manager") << QStringLiteral(QUORVIX_MANAGER_NO_OP) << 16;
+    QTest::newRow("everything, and the session") << QStringLiteral(QUORVIX_CONSUMER_NO_OP) << 400;
+}
+
+void NoOpTest::addsLittle()
+{
+    QFETCH(const QString, program);
+    QFETCH(const int, kilobytes);
+    const QString plain = QStringLiteral(QUORVIX_MANAGER_PLAIN);
+    const qint64 ours = strippedSize(program);
+    const qint64 alone = strippedSize(plain);
+    QVERIFY(ours > 0 && alone > 0);
+    qInfo("%.1f KB, %.1f KB with Qt alone: adds %.1f KB", double(ours) / 1024, double(alone) / 1024,
+          double(ours - alone) / 1024);
+    if (QUORVIX_IS_SANITIZED)
+        QSKIP("Sanitizers make programs larger");
+    QVERIFY(ours - alone < kilobytes * 1024);
+}
+
+QTEST_GUILESS_MAIN(NoOpTest)
+#include "NoOpTest.moc"

@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# noop.sh library NOOP HEADERS LIBRARY...: fails when the library NOOP lacks a function that the public headers in the
+# folder HEADERS declare for the users of a class, and that one of the shared libraries exports.
+# noop.sh program PROGRAM HEADERS: fails when the program contains a class of the inspector that is in no public header,
+# or something of its JSON reader.
+set -euo pipefail
+what=$1 subject=$2 headers=$3
+shift 3
+
+# shellcheck source=Tests/Hosts/symbols.sh
+. "$(dirname "${BASH_SOURCE[0]}")/symbols.sh"
+public=$(find -L "$headers" -name '*.h' -exec cat {} + | tr '\n' ' ')
+
+# Prints the strong symbols of the project with their arguments, of the output of nm.
+functions() { sed -nE 's/^[0-9a-f]+ [TDBR] ((QX|Quorvix)[^ ].*)$/\1/p' | sed -E 's/\[abi:[^]]*\]//g' | sort -u; }
+
+# Prints the public headers without the private parts of classes.
+usable() {
+    find -L "$headers" -name '*.h' -exec awk '
+        FNR == 1 || /^ *(public|protected|Q_SIGNALS|public Q_SLOTS):/ || /^};/ { hidden = 0 }
+        /^ *private:/ { hidden = 1 }
+        !hidden' {} +
+}
+
+case $what in
+    library)
+        answered=$(nm -C --defined-only "$subject" 2>/dev/null | functions)
+        declared=$(usable)
+        exported=$(for library in "$@"; do nm -DC --defined-only "$library"; done | functions)
+        [[ -n $answered && -n $declared && -n $exported ]] || { echo "The libraries could not be read." >&2; exit 1; }
+        checked=0 wrong=0
+        while read -r function; do
+            qualified=${function%%(*}
+            name=${qualified##*::}
+            grep -qF -- "$name(" <<<"$declared" || continue
+            owner=$(owners <<<"$qualified")
+            is_public "$owner" || continue
+            ((++checked))
+            grep -qxF -- "$function" <<<"$answered" && continue
+            grep -qE -- "^inline .*$owner::$name\(" <<<"$declared" && continue
+            echo "NoOp/ does not define $function."
+            wrong=1
+        done <<<"$exported"
+        echo "$checked functions of the public headers are compared."
+        ((checked > 100)) || exit 1
+        exit "$wrong"
+        ;;
+    program)
+        found=$(nm -C --defined-only "$subject")
+        wrong=0
+        # QXTemporaryFile writes an archive, even an empty one.
+        for name in $(names <<<"$found" | owners | grep '^QX'); do
+            is_public "$name" || [[ $name == QXTemporaryFile ]] ||
+                { echo "$name is in the program, but in no public header."; wrong=1; }
+        done
+        ! grep -m 3 -E 'simdjson|JSONReader|JSONWriter|makeCell' <<<"$found" || wrong=1
+        grep -q 'QX' <<<"$found" || { echo "The program could not be read." >&2; exit 2; }
+        exit "$wrong"
+        ;;
+esac
