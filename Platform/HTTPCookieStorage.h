@@ -24,6 +24,7 @@ public:
     [[nodiscard]] QList<QNetworkCookie> cookiesForURL(const QUrl &url) const;
     /// Stores the cookies that a response from @p url sets; false when none is accepted.
     bool setCookies(const QList<QNetworkCookie> &cookies, const QUrl &url);
+    /// Removes the cookies of all servers.
     void removeAllCookies();
 
     /// A jar for a network access manager that reads and writes this storage.

@@ -9,10 +9,14 @@ namespace Quorvix {
 /// A failure as a value: its domain, its code in that domain, and a sentence for people.
 struct NSError
 {
+    /// Where the code has its meaning: one of the domains below, or one of the application.
     QString domain;
+    /// The error's number in its domain.
     qint64 code = 0;
+    /// A sentence for people, in their language where there is a translation.
     QString localizedDescription;
 
+    /// Compares all fields.
     bool operator==(const NSError &) const = default;
 };
 

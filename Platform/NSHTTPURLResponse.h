@@ -26,12 +26,16 @@ public:
     [[nodiscard]] static std::shared_ptr<const NSHTTPURLResponse>
     create(const QUrl &url, qint64 statusCode, const QString &httpVersion, NSHeaderFields headerFields);
 
+    /// A response with these values; create() checks the URL first.
     NSHTTPURLResponse(std::optional<QUrl> url, qint64 statusCode, QString httpVersion,
                       NSHeaderFields headerFields);
     ~NSHTTPURLResponse() override;
 
+    /// The status code, as in the first line of the response.
     [[nodiscard]] qint64 statusCode() const noexcept { return m_statusCode; }
+    /// The version of HTTP as the source tells it, for example "HTTP/1.1"; may be empty.
     [[nodiscard]] const QString &httpVersion() const noexcept { return m_httpVersion; }
+    /// The headers.
     [[nodiscard]] const NSHeaderFields &allHeaderFields() const noexcept { return m_headerFields; }
 
     /// The reason phrase for a status code, translated in the host's catalogue (context "Quorvix"):
@@ -44,6 +48,7 @@ private:
     NSHeaderFields m_headerFields;
 };
 
+/// An optional HTTP response: null when there is none.
 using NSHTTPURLResponsePtr = std::shared_ptr<const NSHTTPURLResponse>;
 
 } // namespace Quorvix

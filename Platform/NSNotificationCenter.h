@@ -13,9 +13,12 @@ namespace Quorvix {
 class QUORVIX_CORE_EXPORT NSNotificationObserver
 {
 public:
+    /// An object without a registration.
     NSNotificationObserver() = default;
     ~NSNotificationObserver();
+    /// Takes over the registration of another object.
     NSNotificationObserver(NSNotificationObserver &&) noexcept;
+    /// Ends the own registration, and takes over that of another object.
     NSNotificationObserver &operator=(NSNotificationObserver &&) noexcept;
 
 private:
@@ -34,6 +37,7 @@ private:
 class QUORVIX_CORE_EXPORT NSNotificationCenter
 {
 public:
+    /// What an observer wants to have called.
     using Callback = std::function<void()>;
 
     /// The center of the process. It is created on first use and lives until the process ends.
@@ -42,6 +46,7 @@ public:
     /// Calls @p callback for every notification of this name until the returned object is destroyed.
     [[nodiscard]] NSNotificationObserver addObserver(const QString &name, Callback callback);
 
+    /// Calls the observers of this name, in this thread.
     void post(const QString &name);
 
     struct Registry;

@@ -13,6 +13,7 @@ namespace Quorvix {
 class QUORVIX_CORE_EXPORT NSURLResponse
 {
 public:
+    /// A response from @p url, which may be absent.
     explicit NSURLResponse(std::optional<QUrl> url) : m_url(std::move(url)) {}
     virtual ~NSURLResponse();
 

@@ -20,6 +20,7 @@ public:
     /// A GET of @p url.
     explicit URLRequest(const QUrl &url);
 
+    /// Where the request goes. Absent for a request without a destination, which fails.
     std::optional<QUrl> url;
     /// The method exactly as it is sent; see sentMethod() for a request without one.
     std::optional<QString> httpMethod = QStringLiteral("GET");

@@ -18,9 +18,11 @@
 class QUORVIX_CORE_EXPORT QXExchange final
 {
 public:
+    /// Reports that an exchange with this request starts now.
     explicit QXExchange(const Quorvix::URLRequest &request);
     ~QXExchange();
 
+    /// Takes over the exchange of @p other, which reports nothing any more.
     QXExchange(QXExchange &&other) noexcept;
     QXExchange &operator=(QXExchange &&) = delete;
     Q_DISABLE_COPY(QXExchange)

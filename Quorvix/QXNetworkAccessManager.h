@@ -14,10 +14,12 @@ class QUORVIX_CORE_EXPORT QXNetworkAccessManager : public QNetworkAccessManager
     Q_OBJECT
 
 public:
+    /// Makes a manager that captures from its first request on, in the thread in which it is made.
     explicit QXNetworkAccessManager(QObject *parent = nullptr);
     ~QXNetworkAccessManager() override;
 
 protected:
+    /// Makes a reply and captures its exchange.
     QNetworkReply *createRequest(Operation operation, const QNetworkRequest &request,
                                  QIODevice *body = nullptr) override;
 };

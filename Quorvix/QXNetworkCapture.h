@@ -25,6 +25,7 @@ class QXUploadTee;
 class QUORVIX_CORE_EXPORT QXNetworkCapture final
 {
 public:
+    /// The kind of a request.
     using Operation = QNetworkAccessManager::Operation;
 
     /// Makes a reply with @p send and returns the one that the host gets: it behaves like that reply, and the
@@ -81,6 +82,7 @@ public:
     using Base::Base;
 
 protected:
+    /// Captures the reply that Base makes.
     QNetworkReply *createRequest(QNetworkAccessManager::Operation operation, const QNetworkRequest &request,
                                  QIODevice *body) override
     {

@@ -2,6 +2,8 @@
 
 #include <QtCore/QtGlobal>
 
+/// @def QUORVIX_EXPORT
+/// Marks what Quorvix::Quorvix exports.
 #if defined(QUORVIX_STATIC)
 #define QUORVIX_EXPORT
 #elif defined(QUORVIX_LIBRARY)
