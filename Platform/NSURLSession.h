@@ -17,13 +17,16 @@ struct URLLoadSession;
 class QUORVIX_CORE_EXPORT NSURLSession
 {
 public:
+    /// What a task calls when it ends.
     using CompletionHandler = DataTaskCompletionHandler;
     /// The signature of the method "dataTaskWithRequest:completionHandler:".
     using DataTaskImplementation = NSURLSessionDataTaskPtr(NSURLSession &, const URLRequest &,
                                                            CompletionHandler);
 
+    /// The selector of the method that makes data tasks.
     static constexpr QByteArrayView dataTaskSelector{"dataTaskWithRequest:completionHandler:"};
 
+    /// A session that loads with this configuration.
     explicit NSURLSession(NSURLSessionConfiguration configuration = {});
     ~NSURLSession();
     NSURLSession(const NSURLSession &) = delete;

@@ -13,6 +13,7 @@ struct URLLoadTask;
 class QUORVIX_CORE_EXPORT NSURLSessionDataTask
 {
 public:
+    /// Where a task is between its creation and its end.
     using State = NSURLSessionTaskState;
 
     ~NSURLSessionDataTask();
@@ -25,7 +26,9 @@ public:
     /// ended.
     void cancel();
 
+    /// The state at this moment; a running task may change it in another thread.
     [[nodiscard]] State state() const noexcept;
+    /// The request that the task was made with.
     [[nodiscard]] const URLRequest &originalRequest() const noexcept;
 
 private:
@@ -35,6 +38,7 @@ private:
     std::shared_ptr<URLLoadTask> m_load;
 };
 
+/// A task belongs to the application and to the session that runs it.
 using NSURLSessionDataTaskPtr = std::shared_ptr<NSURLSessionDataTask>;
 
 } // namespace Quorvix

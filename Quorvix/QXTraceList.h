@@ -18,6 +18,7 @@ public:
     /// A trace and the store's data about it.
     struct Cell
     {
+        /// The exchange.
         QXRequestTrace trace;
         /// The time when the exchange was recorded, on a clock that the user cannot change.
         std::chrono::steady_clock::time_point recordedAt;
@@ -25,8 +26,10 @@ public:
         /// a NUL. Null until the first search, because most programs never search. Main thread only.
         mutable QByteArray searchKey;
     };
+    /// Cells are shared by the copies of a list.
     using CellPtr = std::shared_ptr<const Cell>;
 
+    /// Visits the traces, newest first. It refers to its list.
     class const_iterator
     {
     public:
@@ -60,22 +63,29 @@ public:
         qsizetype m_index = 0;
     };
 
+    /// The number of traces.
     [[nodiscard]] qsizetype size() const noexcept { return m_size; }
+    /// Whether there is no trace.
     [[nodiscard]] bool isEmpty() const noexcept { return m_size == 0; }
 
     /// The trace at a position counted from the newest. @p index must be less than size().
     [[nodiscard]] const QXRequestTrace &operator[](qsizetype index) const & { return cell(index)->trace; }
     /// The trace of a temporary list, which the list may be the last to own: a copy.
     [[nodiscard]] QXRequestTrace operator[](qsizetype index) && { return cell(index)->trace; }
+    /// The cell at a position counted from the newest. @p index must be less than size().
     [[nodiscard]] const CellPtr &cell(qsizetype index) const;
 
     /// The position of the newest trace with this identifier, or -1. A linear scan from the newest.
     [[nodiscard]] qsizetype indexOf(const QString &id) const;
 
+    /// The newest trace.
     [[nodiscard]] const_iterator begin() const { return {this, 0}; }
+    /// Behind the oldest trace.
     [[nodiscard]] const_iterator end() const { return {this, m_size}; }
 
+    /// Adds a trace as the newest.
     void prepend(CellPtr cell);
+    /// Puts another trace at a position counted from the newest. @p index must be less than size().
     void replace(qsizetype index, CellPtr cell);
 
     /// Calls @p visit for every position, counted from the oldest, where both lists have a trace but not the

@@ -37,13 +37,14 @@ public:
     /// Removes the button and its screens. Capture continues. Main thread only.
     void hide();
 
-    /// Where the screens open: over the host's window by default. A change applies to the next screen that
-    /// opens. Main thread only.
+    /// Where the screens open: over the host's window by default. Main thread only.
     [[nodiscard]] QXPresentation presentation() const;
+    /// Sets where the next screen that opens is shown; those that are open stay. Main thread only.
     void setPresentation(QXPresentation presentation);
 
     /// The amount of diagnostic output of the inspector; none by default. Any thread.
     [[nodiscard]] QXLogLevel logLevel() const;
+    /// Sets how much the inspector prints, in the category "Quorvix". Any thread.
     void setLogLevel(QXLogLevel level);
 
     /// The current overlay, or null. Main thread only.
