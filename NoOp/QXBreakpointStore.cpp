@@ -23,3 +23,6 @@ bool QXBreakpointStore::matches(const QUrl &, const QString &)
 {
     return false;
 }
+
+// In this object, so that only a program that uses the class contains it.
+#include "Quorvix/moc_QXBreakpointStore.cpp"

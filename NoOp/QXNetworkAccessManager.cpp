@@ -9,3 +9,6 @@ QNetworkReply *QXNetworkAccessManager::createRequest(Operation operation, const 
 {
     return QNetworkAccessManager::createRequest(operation, request, body);
 }
+
+// In this object, so that only a program that uses the class contains it.
+#include "Quorvix/moc_QXNetworkAccessManager.cpp"

@@ -35,6 +35,16 @@ void QuorvixClient::setLogLevel(QXLogLevel level)
     currentLevel = level;
 }
 
+QXPresentation QuorvixClient::presentation() const
+{
+    return m_presentation;
+}
+
+void QuorvixClient::setPresentation(QXPresentation presentation)
+{
+    m_presentation = presentation;
+}
+
 QXOverlay *QuorvixClient::overlayWindow() const
 {
     return nullptr;

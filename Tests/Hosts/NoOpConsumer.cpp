@@ -1,9 +1,12 @@
 #include <Quorvix/Platform/NSHTTPURLResponse.h>
 #include <Quorvix/Platform/NSURLSession.h>
 #include <Quorvix/QXArchiveWriter.h>
+#include <Quorvix/QXBreakpointCenter.h>
+#include <Quorvix/QXBreakpointStore.h>
 #include <Quorvix/QXExchange.h>
 #include <Quorvix/QXNetworkAccessManager.h>
 #include <Quorvix/QXNetworkCapture.h>
+#include <Quorvix/QXRecorderWatcher.h>
 #include <Quorvix/QXRequestRecorder.h>
 #include <Quorvix/QuorvixClient.h>
 
@@ -110,7 +113,7 @@ void useManager(const char *name, QNetworkAccessManager &manager, const QString 
     const QNetworkRequest request(QUrl(server + u"/echo"_s));
     bool isDone = false;
     QStringList diary;
-    QNetworkReply *const reply = manager.sendCustomRequest(request, "PUT", QByteArray("body"));
+    QNetworkReply *const reply = manager.sendCustomRequest(request, "PATCH", QByteArray("body"));
     const auto note = [&](const char *event) {
         return [&diary, event] {
             diary += QLatin1StringView(event) + u'@' + currentThread();
@@ -148,14 +151,39 @@ void useExchange(const QString &server)
     runUntil([&] { return isDone; });
 }
 
+/// Breakpoints that are set and released by the program itself.
+void useRules(const QString &server)
+{
+    auto &store = QXBreakpointStore::shared();
+    auto &center = QXBreakpointCenter::shared();
+    const auto key = QXBreakpointKey::make(QUrl(server + u"/echo"_s), u"PATCH"_s);
+    store.insert(*key);
+    out() << "rule = " << key->displayText().section(u' ', 0, 0) << '\n';
+    out() << "rules: " << store.sortedRules().size() << ' ' << store.contains(*key) << '\n';
+    int held = 0;
+    const auto observer =
+        NSNotificationCenter::defaultCenter().addObserver(QuorvixBreakpointChanged, [&held, &center] {
+            held += center.activeBreakpoint().has_value();
+            center.continueActive();
+        });
+    QXNetworkAccessManager manager;
+    useManager("held", manager, server);
+    out() << "held: " << held << '\n';
+    store.setRules({});
+}
+
 void useRecorder()
 {
     auto &recorder = QXRequestRecorder::shared();
+    int changes = 0;
+    const QXRecorderWatcher watcher;
+    QObject::connect(&watcher, &QXRecorderWatcher::requestsChanged, [&changes] { ++changes; });
     runUntil(
         [&] { return recorder.findRequests([](const auto &trace) { return !trace.duration; }).isEmpty(); });
     out() << "recorded: " << recorder.requests().size() << ' '
-          << recorder.findRequestsByMethod(u"PUT"_s).size() << '\n';
+          << recorder.findRequestsByMethod(u"PATCH"_s).size() << '\n';
     recorder.clear();
+    out() << "changes: " << (changes > 0) << '\n';
     out() << "cleared = " << recorder.requests().size() << '\n';
     const QByteArray archive = QXArchiveWriter::archive(QXArchiveWriter::sourceOf(recorder.requests()));
     out() << "archive = " << archive.toPercentEncoding() << '\n';
@@ -194,6 +222,8 @@ int main(int argc, char *argv[])
         QuorvixClient::shared().start();
         QuorvixClient::shared().setLogLevel(QXLogLevel::error);
         out() << "level = " << int(QuorvixClient::shared().logLevel()) << '\n';
+        QuorvixClient::shared().setPresentation(QXPresentation::window);
+        out() << "presentation = " << int(QuorvixClient::shared().presentation()) << '\n';
         QuorvixClient::shared().hide();
     }
     useSession(server);
@@ -204,6 +234,7 @@ int main(int argc, char *argv[])
     ThoroughManager thorough;
     useManager("thorough", thorough, server);
     useExchange(server);
+    useRules(server);
     useRecorder();
     printLoadedLibraries();
     return 0;

@@ -6,6 +6,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 
 /// One program, built with the inspector and with what stands for it in a release.
@@ -62,12 +64,19 @@ void NoOpTest::behavesTheSame()
 {
     QCOMPARE(linesWith(m_noOp, u" = "_s), linesWith(m_started, u" = "_s));
     QVERIFY(linesWith(m_noOp, u" = "_s).size() >= 15);
-    // What is not the same: one of them records.
-    QCOMPARE(linesWith(m_started, u"recorded: "_s), QStringList(u"recorded: 10 3"_s));
-    QCOMPARE(linesWith(m_noOp, u"recorded: "_s), QStringList(u"recorded: 0 0"_s));
-    QCOMPARE(linesWith(m_noOp, u": another"_s), QStringList());
-    QCOMPARE(linesWith(m_started, u": the host's"_s), QStringList());
-    QCOMPARE(linesWith(m_noOp, u"reply of"_s).size(), 2);
+    // What differs shows that one of them has the inspector, and the other one has not.
+    const QList<std::array<QString, 3>> differences{
+        {u"recorded: "_s, u"11 4"_s, u"0 0"_s},
+        {u"rules: "_s, u"1 1"_s, u"0 0"_s},
+        {u"held: "_s, u"1"_s, u"0"_s},
+        {u"changes: "_s, u"1"_s, u"0"_s},
+        {u"reply of wrapped: "_s, u"another"_s, u"the host's"_s},
+        {u"reply of thorough: "_s, u"another"_s, u"the host's"_s},
+    };
+    for (const auto &[what, started, noOp] : differences) {
+        QCOMPARE(linesWith(m_started, what), QStringList(what + started));
+        QCOMPARE(linesWith(m_noOp, what), QStringList(what + noOp));
+    }
 }
 
 void NoOpTest::completesOnTheSameThreadWithTheSwitch_data()
@@ -131,7 +140,7 @@ void NoOpTest::addsLittle_data()
     QTest::addColumn<QString>("program");
     QTest::addColumn<int>("kilobytes");
     QTest::newRow("a manager") << QStringLiteral(QUORVIX_MANAGER_NO_OP) << 16;
-    QTest::newRow("everything, and the session") << QStringLiteral(QUORVIX_CONSUMER_NO_OP) << 400;
+    QTest::newRow("everything, and the session") << QStringLiteral(QUORVIX_CONSUMER_NO_OP) << 640;
 }
 
 void NoOpTest::addsLittle()

@@ -14,27 +14,31 @@ public=$(find -L "$headers" -name '*.h' -exec cat {} + | tr '\n' ' ')
 # Prints the strong symbols of the project with their arguments, of the output of nm.
 functions() { sed -nE 's/^[0-9a-f]+ [TDBR] ((QX|Quorvix)[^ ].*)$/\1/p' | sed -E 's/\[abi:[^]]*\]//g' | sort -u; }
 
-# Prints the public headers without the private parts of classes.
+# Prints the public headers that define a class, without the private parts of classes. For a free function that is in
+# all of them.
 usable() {
-    find -L "$headers" -name '*.h' -exec awk '
+    local files
+    readarray -t files < <(grep -RlE "^(class|struct|namespace) (QUORVIX_(CORE_)?EXPORT )?$1\b[^;]*$" "$headers"/ || true)
+    ((${#files[@]})) || readarray -t files < <(find -L "$headers" -name '*.h')
+    awk '
         FNR == 1 || /^ *(public|protected|Q_SIGNALS|public Q_SLOTS):/ || /^};/ { hidden = 0 }
         /^ *private:/ { hidden = 1 }
-        !hidden' {} +
+        !hidden' "${files[@]}"
 }
 
 case $what in
     library)
         answered=$(nm -C --defined-only "$subject" 2>/dev/null | functions)
-        declared=$(usable)
         exported=$(for library in "$@"; do nm -DC --defined-only "$library"; done | functions)
-        [[ -n $answered && -n $declared && -n $exported ]] || { echo "The libraries could not be read." >&2; exit 1; }
+        [[ -n $answered && -n $exported ]] || { echo "The libraries could not be read." >&2; exit 1; }
         checked=0 wrong=0
         while read -r function; do
             qualified=${function%%(*}
             name=${qualified##*::}
-            grep -qF -- "$name(" <<<"$declared" || continue
             owner=$(owners <<<"$qualified")
             is_public "$owner" || continue
+            declared=$(usable "$owner")
+            grep -qF -- "$name(" <<<"$declared" || continue
             ((++checked))
             grep -qxF -- "$function" <<<"$answered" && continue
             grep -qE -- "^inline .*$owner::$name\(" <<<"$declared" && continue

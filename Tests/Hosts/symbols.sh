@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Functions of the scripts that read symbols. The variable "public" contains the public headers in one line.
 
 # Prints the names, without arguments, of the project's own symbols in the output of nm.
