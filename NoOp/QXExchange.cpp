@@ -22,12 +22,15 @@ QXExchange::QXExchange(QXExchange &&other) noexcept
 
 QXExchange::~QXExchange() = default;
 
-void QXExchange::amend(const URLRequest &) {}
+void QXExchange::amend(const URLRequest &, std::optional<qsizetype>) {}
 void QXExchange::setRefresher(std::function<void()>) {}
-void QXExchange::progress(const NSURLResponsePtr &, const std::optional<QByteArray> &) {}
+void QXExchange::progress(const NSURLResponsePtr &, const std::optional<QByteArray> &,
+                          std::optional<qsizetype>)
+{
+}
 
 void QXExchange::complete(const NSURLResponsePtr &, const std::optional<QByteArray> &,
-                          const std::optional<NSError> &)
+                          const std::optional<NSError> &, std::optional<qsizetype>)
 {
     m_isComplete = true;
 }

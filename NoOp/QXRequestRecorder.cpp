@@ -1,5 +1,7 @@
 #include "Quorvix/QXRequestRecorder.h"
 
+#include <algorithm>
+
 using namespace Quorvix;
 
 // The recorder forgets at once what it is told: it is always empty, and posts nothing.
@@ -10,13 +12,27 @@ QXRequestRecorder &QXRequestRecorder::shared()
     return *recorder;
 }
 
+// The budget concerns nothing. A host reads back what it has set.
+
+void QXRequestRecorder::setBodyBudget(std::optional<qsizetype> bytes)
+{
+    m_bodyBudget = bytes ? std::max<qsizetype>(*bytes, 0) : noBudget;
+}
+
+std::optional<qsizetype> QXRequestRecorder::bodyBudget() const noexcept
+{
+    const qsizetype budget = m_bodyBudget;
+    return budget == noBudget ? std::nullopt : std::optional(budget);
+}
+
 void QXRequestRecorder::record(const QString &, const URLRequest &, const QXMoment &) {}
-void QXRequestRecorder::amend(const QString &, const URLRequest &) {}
+void QXRequestRecorder::amend(const QString &, const URLRequest &, std::optional<qsizetype>) {}
 void QXRequestRecorder::complete(const QString &, const NSURLResponsePtr &, const std::optional<QByteArray> &,
-                                 const std::optional<NSError> &, const QXMoment &)
+                                 const std::optional<NSError> &, const QXMoment &, std::optional<qsizetype>)
 {
 }
-void QXRequestRecorder::progress(const QString &, const NSURLResponsePtr &, const std::optional<QByteArray> &)
+void QXRequestRecorder::progress(const QString &, const NSURLResponsePtr &, const std::optional<QByteArray> &,
+                                 std::optional<qsizetype>)
 {
 }
 void QXRequestRecorder::setRefresher(const QString &, std::function<void()>) {}
