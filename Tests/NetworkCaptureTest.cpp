@@ -348,8 +348,9 @@ void NetworkCaptureTest::budgetLimitsDownloads()
 
     QCOMPARE(reply->error(), QNetworkReply::NoError);
     QCOMPARE(received.result(), flood.hash());
+    // Qt itself needs several megabytes when this thread is late.
     if (readSize > 0)
-        QVERIFY2(growth < 8 * megabyte, qPrintable(QString::number(growth)));
+        QVERIFY2(growth < 20 * megabyte, qPrintable(QString::number(growth)));
     const QXRequestTrace trace = newest();
     QCOMPARE(trace.response->body.has_value(), isKept);
     QCOMPARE(trace.response->discardedBodySize, isKept ? std::nullopt : std::optional(size));
@@ -370,7 +371,7 @@ void NetworkCaptureTest::budgetLimitsUploads()
     QVERIFY(finished.wait());
     recorder().setBodyBudget(std::nullopt);
 
-    QCOMPARE(reply->readAll().size(), 3 * megabyte); // the server has got it all
+    QVERIFY(reply->readAll().contains(QByteArray(3 * megabyte, 'x').toBase64())); // the server has got it all
     const QXRequestTrace trace = newest();
     QVERIFY(!trace.body && !trace.response->body);
     QCOMPARE(trace.discardedBodySize, 3 * megabyte);
