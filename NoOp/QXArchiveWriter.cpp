@@ -40,6 +40,11 @@ std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice 
     return writeAll(device, archive(traces));
 }
 
+std::optional<NSError> QXArchiveWriter::write(const Source &, const QString &path)
+{
+    return QXTemporaryFile::replace(path, [](QIODevice &file) { return archive({}, file); });
+}
+
 QString QXArchiveWriter::exportFileName(const QXRequestTrace &, std::chrono::system_clock::time_point)
 {
     return u"Quorvix.har"_s;

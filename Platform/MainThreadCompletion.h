@@ -16,16 +16,22 @@ public:
     using Deliver = std::function<void(const std::optional<QByteArray> &, const NSURLResponsePtr &,
                                        const std::optional<NSError> &, const DataTaskCompletionHandler &)>;
 
+    /// Runs on the main thread if the application ends before the delivery; see MainActor::scheduleReport().
+    using Report = std::function<void(const std::optional<QByteArray> &, const NSURLResponsePtr &,
+                                      const std::optional<NSError> &)>;
+
     /// Calls @p host.
     explicit MainThreadCompletion(DataTaskCompletionHandler host);
     /// Calls @p deliver in place of @p host.
-    MainThreadCompletion(DataTaskCompletionHandler host, Deliver deliver);
+    MainThreadCompletion(DataTaskCompletionHandler host, Deliver deliver, Report report);
 
     void operator()(std::optional<QByteArray> data, NSURLResponsePtr response, std::optional<NSError> error);
 
 private:
     HostCompletion m_host;
     Deliver m_deliver;
+    /// May be null.
+    Report m_report;
 };
 
 } // namespace Quorvix

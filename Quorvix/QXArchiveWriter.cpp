@@ -302,6 +302,11 @@ std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice 
     return writer.finish();
 }
 
+std::optional<NSError> QXArchiveWriter::write(const Source &traces, const QString &path)
+{
+    return QXTemporaryFile::replace(path, [&](QIODevice &file) { return archive(traces, file); });
+}
+
 QString QXArchiveWriter::exportFileName(const QXRequestTrace &trace,
                                         std::chrono::system_clock::time_point now)
 {

@@ -20,6 +20,11 @@ struct QXRequestTrace;
 /// The writer streams: it holds neither the document nor a body as a tree. Missing fields of a trace never
 /// cause an error. Values that QXRedaction keeps secret are replaced. Stateless; any thread, if no other
 /// thread changes the traces.
+///
+/// A program whose environment has QUORVIX_HAR=path captures its sessions, too, and writes an archive of
+/// QXRequestRecorder::shared() to that file at its end: when the application object is destroyed, or when its
+/// thread calls exit() or returns from main(). "%p" in the path is replaced by the process identifier. A
+/// failure goes to the inspector's log only.
 class QUORVIX_CORE_EXPORT QXArchiveWriter
 {
 public:
@@ -36,6 +41,15 @@ public:
     [[nodiscard]] static QByteArray archive(const Source &traces);
     /// Writes the document to @p device. Fails with the device's own error.
     [[nodiscard]] static std::optional<Quorvix::NSError> archive(const Source &traces, QIODevice &device);
+
+    /// Writes the document to the file at @p path, which replaces an existing file when it is complete. On
+    /// an error that file stays as it is. A new file can be read by its owner only, because exchanges contain
+    /// credentials; an existing one keeps its permissions. A relative path is relative to the working
+    /// directory, and folders are not created.
+    ///
+    /// Fails with NSCocoaErrorDomain: NSFileWriteNoPermissionError if the file cannot be created,
+    /// NSFileWriteUnknownError if it cannot be written. Any thread.
+    [[nodiscard]] static std::optional<Quorvix::NSError> write(const Source &traces, const QString &path);
 
     /// "Quorvix-GET-42-1700000000.har" for a GET of .../users/42. The decoded path component is not
     /// sanitised, so the result may not be a valid file name.

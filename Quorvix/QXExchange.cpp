@@ -1,10 +1,12 @@
 #include "Quorvix/QXExchange.h"
 
 #include "Quorvix/QXBreakpointCenter.h"
+#include "Quorvix/QXExitArchive.h"
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Platform/MainActor.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QScopedValueRollback>
 #include <QtCore/QUuid>
 
@@ -17,7 +19,14 @@ namespace {
 /// Whether the recorder changes now: its observers may themselves begin or end an exchange. Main thread only.
 bool isReporting = false;
 
+void followApplication()
+{
+    QXExitArchive::begin();
+}
+
 } // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(followApplication)
 
 QString QXExchange::makeId()
 {
@@ -51,7 +60,7 @@ template<typename Task>
 void QXExchange::report(Task task)
 {
     if (!m_isRecorded || !MainActor::isCurrent() || isReporting)
-        return MainActor::schedule(std::move(task));
+        return MainActor::scheduleReport(std::move(task));
     const QScopedValueRollback reporting(isReporting, true);
     task();
 }
@@ -102,11 +111,15 @@ void QXExchange::complete(const NSURLResponsePtr &response, const std::optional<
 {
     if (std::exchange(m_isComplete, true))
         return;
-    MainActor::schedule([id = m_id, request = m_request, response, data, error, now = QXMoment::now(),
-                         deliver = std::move(deliver)] {
+    auto report = [id = m_id, response, data, error, now = QXMoment::now()] {
+        QXRequestRecorder::shared().complete(id, response, data, error, now);
+    };
+    auto task = [id = m_id, request = m_request, response, data, error, report,
+                 deliver = std::move(deliver)] {
         if (QXBreakpointCenter::shared().check(request, id, data, response, error, deliver))
             return;
-        QXRequestRecorder::shared().complete(id, response, data, error, now);
+        report();
         deliver(data, response, error);
-    });
+    };
+    MainActor::scheduleReport(std::move(task), std::move(report));
 }

@@ -1,11 +1,14 @@
 #include "Quorvix/QXNetworkCapture.h"
 
 #include "Quorvix/QXBreakpointStore.h"
+#include "Quorvix/QXExitArchive.h"
 #include "Quorvix/QXHeldNetworkReply.h"
 #include "Quorvix/QXRequestRecorder.h"
+#include "Quorvix/QXSessionHook.h"
 #include "Quorvix/QXUploadTee.h"
 
 #include <QtCore/QBuffer>
+#include <QtCore/QCoreApplication>
 #include <QtNetwork/QAuthenticator>
 
 #include <atomic>
@@ -42,7 +45,17 @@ bool isSynchronous(const QNetworkRequest &request)
     return request.attribute(QNetworkRequest::SynchronousRequestAttribute).toBool();
 }
 
+/// In a static library this brings in the hook of the sessions, which otherwise only those programs have that
+/// install it.
+void followApplication()
+{
+    if (QXExitArchive::begin())
+        QXSessionHook::install();
+}
+
 } // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(followApplication)
 
 QXNetworkCapture::QXNetworkCapture(QNetworkAccessManager *manager, Operation operation,
                                    const QNetworkRequest &request, QIODevice *body)

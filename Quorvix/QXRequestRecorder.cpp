@@ -44,17 +44,18 @@ void discardBody(auto &half)
     half.body.reset();
 }
 
-void postChange()
-{
-    NSNotificationCenter::defaultCenter().post(QuorvixRequestsChanged);
-}
-
 } // namespace
 
 QXRequestRecorder &QXRequestRecorder::shared()
 {
     static auto *const recorder = new QXRequestRecorder;
     return *recorder;
+}
+
+void QXRequestRecorder::postChange() const
+{
+    if (!m_isQuiet)
+        NSNotificationCenter::defaultCenter().post(QuorvixRequestsChanged);
 }
 
 void QXRequestRecorder::setBodyBudget(std::optional<qsizetype> bytes)

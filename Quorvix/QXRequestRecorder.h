@@ -94,6 +94,7 @@ public:
     [[nodiscard]] QList<QXRequestTrace> findRequestsByMethod(const QString &method) const;
 
 private:
+    friend class QXExitArchive;
     using CellPtr = std::shared_ptr<QXTraceList::Cell>;
     enum class Side { Request, Response };
     /// Where a body is: the position of its trace, counted from the oldest, never changes.
@@ -106,6 +107,7 @@ private:
     static CellPtr makeCell(const QString &id, const Quorvix::URLRequest &request, const QXMoment &start);
     static void discard(QXRequestTrace &trace, Side side);
     void replace(qsizetype index, const CellPtr &cell);
+    void postChange() const;
     void admit(QXRequestTrace &trace, qsizetype position, const QXRequestTrace *before);
     void removeOldestBodies();
 
@@ -117,6 +119,8 @@ private:
     std::atomic<qsizetype> m_bodyBudget = noBudget;
     /// The bodies in the order in which they arrived, while there is a budget; also of some that are gone.
     std::deque<BodyPlace> m_bodies;
+    /// Whether observers hear of changes; not at the end of the application.
+    bool m_isQuiet = false;
     QHash<QString, std::function<void()>> m_refreshers;
     std::mutex m_sourcesMutex;
     QList<std::function<bool(const QString &)>> m_sources;

@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXBreakpointCenter.h"
 #include "Quorvix/QXExchange.h"
+#include "Quorvix/QXExitArchive.h"
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Platform/MainActor.h"
@@ -41,13 +42,17 @@ NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &
                                        DataTaskCompletionHandler completion)
 {
     const QString identifier = QXExchange::makeId();
-    MainActor::schedule([identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
+    MainActor::scheduleReport(
+        [identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
 
     auto deliver = [request, identifier](const auto &data, const auto &response, const auto &error,
                                          const auto &host) {
         finish(request, identifier, data, response, error, host);
     };
-    MainThreadCompletion wrapper(std::move(completion), std::move(deliver));
+    auto report = [identifier](const auto &data, const auto &response, const auto &error) {
+        QXRequestRecorder::shared().complete(identifier, response, data, error);
+    };
+    MainThreadCompletion wrapper(std::move(completion), std::move(deliver), std::move(report));
     auto *const original = NSURLSession::objectClass().implementation<NSURLSession::DataTaskImplementation>(
         hookedMethod.load(std::memory_order_acquire));
     return original(session, request, std::move(wrapper));
@@ -64,6 +69,8 @@ void destroyHandlers()
 void followApplication()
 {
     qAddPostRoutine(destroyHandlers);
+    if (QXExitArchive::begin())
+        QXSessionHook::install();
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QSaveFile>
 #include <QtCore/QTemporaryFile>
 
 #include <algorithm>
@@ -106,6 +107,21 @@ Result<QUrl> QXTemporaryFile::write(const QDir &folder, const QString &fileName,
     if (const auto error = renameOver(file, path))
         return *error;
     return QUrl::fromLocalFile(path);
+}
+
+std::optional<NSError> QXTemporaryFile::replace(const QString &path, const Writer &writer)
+{
+    const bool isNew = !QFileInfo::exists(path);
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return writeError(NSFileWriteNoPermissionError, file.errorString());
+    if (isNew)
+        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    if (auto error = writer(file))
+        return error;
+    if (!file.commit())
+        return writeError(NSFileWriteUnknownError, file.errorString());
+    return std::nullopt;
 }
 
 Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, QByteArrayView utf8)

@@ -32,6 +32,11 @@ public:
     /// NSFileWriteInvalidFileNameError, so that the file is always in @p folder.
     static Quorvix::Result<QUrl> write(const QDir &folder, const QString &fileName, const Writer &writer);
 
+    /// Writes the file at @p path, which is no temporary one: @p path may lead anywhere, also through links.
+    /// An existing file keeps its permissions; a new one is its owner's only. Returns the error of @p writer,
+    /// NSFileWriteNoPermissionError if no file can be created, or NSFileWriteUnknownError.
+    [[nodiscard]] static std::optional<Quorvix::NSError> replace(const QString &path, const Writer &writer);
+
     /// Writes UTF-8 text to a relative path under the folder "Quorvix" of the process's temporary directory,
     /// and returns its file URL. Creates missing folders that only their owner can access.
     ///

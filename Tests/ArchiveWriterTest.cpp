@@ -95,6 +95,7 @@ private Q_SLOTS:
     void namesExportFiles();
     void exportsOneTrace();
     void refusesToLeaveTheFolder();
+    void writesWholeFilesOrNone();
 
 private:
     std::optional<TemporaryFolder> m_temporary;
@@ -361,6 +362,35 @@ void ArchiveWriterTest::refusesToLeaveTheFolder()
         QCOMPARE(m_temporary->files(), QStringList());
         QCOMPARE(QXArchiveWriter::failureMessage(url.error()),
                  u"Failed to export HAR file: "_s + url.error().localizedDescription);
+    }
+}
+
+void ArchiveWriterTest::writesWholeFilesOrNone()
+{
+    const std::vector<QXRequestTrace> traces = everyKind();
+    const QString path = m_temporary->path(u"all.har"_s);
+    QCOMPARE(QXArchiveWriter::write(QXArchiveWriter::sourceOf(traces), path), std::nullopt);
+    QCOMPARE(contentOf(path), QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces)));
+    constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
+    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    QCOMPARE(QFile::permissions(path) & (owner | others), owner);
+
+    QVERIFY(QFile::setPermissions(path, owner | QFile::ReadOther));
+    bool isComplete = true;
+    const QXArchiveWriter::Source observed = [&, next = QXArchiveWriter::sourceOf(traces)] {
+        isComplete = isComplete && contentOf(path).endsWith("}\n}");
+        return next();
+    };
+    QCOMPARE(QXArchiveWriter::write(observed, path), std::nullopt);
+    QVERIFY(isComplete);
+    QCOMPARE(QFile::permissions(path) & (owner | others), owner | QFile::ReadOther);
+    QCOMPARE(m_temporary->dir().entryList(QDir::Files | QDir::Hidden), QStringList(u"all.har"_s));
+
+    for (const QString &wrong :
+         {m_temporary->path(u"none/all.har"_s), m_temporary->dir().path(), QString()}) {
+        const auto error = QXArchiveWriter::write(QXArchiveWriter::sourceOf(traces), wrong);
+        QVERIFY2(error && !error->localizedDescription.isEmpty(), qPrintable(wrong));
+        QCOMPARE(error->domain, NSCocoaErrorDomain);
     }
 }
 

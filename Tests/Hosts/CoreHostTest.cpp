@@ -7,11 +7,13 @@
 #include <Quorvix/QXSessionHook.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 #include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
@@ -35,13 +37,15 @@ private Q_SLOTS:
     void taskWaitsForTheApplication();
     void writesAnArchiveOfWhatItDid();
     void releasesWhatItHolds();
+    void writesAnArchiveAtItsEnd_data();
+    void writesAnArchiveAtItsEnd();
     void mayExitWithoutDestroyingItsApplication();
     void loadsNothingOfAScreen();
 };
 
 namespace {
 
-/// Answers every request with "hello", or not at all.
+/// Answers every request with "hello", except those for "silent", or none at all.
 class Greeter
 {
 public:
@@ -50,7 +54,8 @@ public:
         QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this, answers] {
             QTcpSocket *const connection = m_server.nextPendingConnection();
             QObject::connect(connection, &QTcpSocket::readyRead, connection, [connection, answers] {
-                if (connection->readAll().endsWith("\r\n\r\n") && answers)
+                const QByteArray request = connection->readAll();
+                if (request.endsWith("\r\n\r\n") && !request.contains("/silent") && answers)
                     connection->write(
                         "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Length: 5\r\n\r\nhello");
             });
@@ -132,6 +137,62 @@ void CoreHostTest::releasesWhatItHolds()
     QCOMPARE(QXRequestRecorder::shared().requests()[0].response->body, "edited"_ba);
     QXBreakpointStore::shared().setRules({});
     QXRequestRecorder::shared().clear();
+}
+
+void CoreHostTest::writesAnArchiveAtItsEnd_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("file");
+    for (const QString &program : QStringLiteral(QUORVIX_ARCHIVE_HOSTS).split(u'|', Qt::SkipEmptyParts)) {
+        const QString name = program.section(u'.', -1);
+        for (const QString &end : {u"return"_s, u"exit"_s, u"leak"_s, u"static"_s})
+            QTest::newRow(qPrintable(name + u' ' + end)) << program << end << u"a.har"_s << u"a.har"_s;
+        QTest::newRow(qPrintable(name + u" process"_s))
+            << program << u"exit"_s << u"%p-%p.har"_s << u"%1-%1.har"_s;
+        QTest::newRow(qPrintable(name + u" empty"_s)) << program << u"exit"_s << QString() << QString();
+        QTest::newRow(qPrintable(name + u" no folder"_s))
+            << program << u"exit"_s << u"none/a.har"_s << QString();
+    }
+}
+
+void CoreHostTest::writesAnArchiveAtItsEnd()
+{
+    QFETCH(const QString, program);
+    QFETCH(const QString, end);
+    QFETCH(const QString, variable);
+    QFETCH(const QString, file);
+    const Greeter server;
+    const QTemporaryDir folder;
+    QProcess host;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"QUORVIX_HAR"_s, variable);
+    host.setProcessEnvironment(environment);
+    host.setWorkingDirectory(folder.path());
+    host.start(program, {server.url(QString()).toString(), end});
+    QVERIFY(host.waitForStarted());
+    const qint64 processId = host.processId();
+    QTRY_COMPARE_WITH_TIMEOUT(host.state(), QProcess::NotRunning, 30'000); // the server is here
+    QCOMPARE(host.readAllStandardError(), QByteArray());
+    QCOMPARE(host.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(host.exitCode(), 0);
+
+    const QStringList files = QDir(folder.path()).entryList(QDir::Files | QDir::Hidden);
+    const QString expected = file.contains(u"%1"_s) ? file.arg(processId) : file;
+    QCOMPARE(files.join(u','), expected);
+    if (expected.isEmpty())
+        return;
+    QFile archive(folder.filePath(expected));
+    QVERIFY(archive.open(QFile::ReadOnly));
+    const QByteArray text = archive.readAll();
+    QVERIFY(!text.contains("secret") && text.contains("[redacted]"));
+    QStringList entries;
+    for (const QJsonValue entry : QJsonDocument::fromJson(text)[u"log"][u"entries"].toArray())
+        entries += QUrl(entry[u"request"][u"url"].toString()).path() + u' ' +
+                   QString::number(entry[u"response"][u"status"].toInt());
+    entries.sort();
+    QCOMPARE(entries, QStringList({u"/first 200"_s, u"/session 200"_s, u"/silent 0"_s, u"/thread 200"_s}));
 }
 
 /// Many hosts never destroy their application object: they end with exit().
