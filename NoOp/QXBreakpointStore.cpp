@@ -25,4 +25,4 @@ bool QXBreakpointStore::matches(const QUrl &, const QString &)
 }
 
 // In this object, so that only a program that uses the class contains it.
-#include "Quorvix/moc_QXBreakpointStore.cpp"
+#include "Quorvix/moc_QXBreakpointStore.cpp" // NOLINT(bugprone-suspicious-include)

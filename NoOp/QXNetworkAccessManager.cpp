@@ -11,4 +11,4 @@ QNetworkReply *QXNetworkAccessManager::createRequest(Operation operation, const 
 }
 
 // In this object, so that only a program that uses the class contains it.
-#include "Quorvix/moc_QXNetworkAccessManager.cpp"
+#include "Quorvix/moc_QXNetworkAccessManager.cpp" // NOLINT(bugprone-suspicious-include)

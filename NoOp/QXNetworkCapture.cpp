@@ -27,6 +27,9 @@ QIODevice *QXNetworkCapture::upload() const
 
 QNetworkReply *QXNetworkCapture::wrap(QNetworkReply *inner)
 {
+    // What the inspector needs them for is not here.
+    Q_UNUSED(m_manager)
+    Q_UNUSED(m_isHeld)
     return inner;
 }
 

@@ -10,7 +10,7 @@ expect() {
     local result=$1 meaning=$2
     shift 2
     rm -rf "${tree:?}"/*
-    mkdir -p "$tree"/{Platform,JSON,Controls,Text,Quorvix,Examples}
+    mkdir -p "$tree"/{Platform,JSON,Controls,Text,Quorvix,NoOp,Examples}
     printf 'quorvix_room(QuorvixCoreObjects\n QXStore.cpp QXStore.h\n QXRequestTrace.h QXBreakpointStore.h\n LINK x)\n' \
         >"$tree/Quorvix/CMakeLists.txt"
     while (($#)); do
@@ -29,6 +29,7 @@ expect fail "controls know text" Controls/A.h '#include "Text/B.h"'
 expect fail "the demo reaches into a room" Examples/A.cpp '#include "Platform/B.h"'
 expect fail "a pair comes back to itself" Platform/A.cpp '#include "B.h"' Platform/B.h '#include "A.h"'
 expect fail "the core knows a screen" Quorvix/QXStore.cpp '#include "Quorvix/QXOverlay.h"'
+expect fail "the core knows its stand-in" Quorvix/QXStore.cpp '#include "NoOp/A.h"'
 expect fail "a store knows a model" Quorvix/QXBreakpointStore.h '#include "Quorvix/QXListModel.h"'
 expect fail "controls import the inspector" Controls/A.h '#include "Platform/B.h"' Controls/A.qml 'import Quorvix.Screens'
-echo "8 wrong arrows found."
+echo "9 wrong arrows found."
