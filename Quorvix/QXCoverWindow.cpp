@@ -78,6 +78,8 @@ void QXCoverWindow::attachTo(QWindow &owner)
     detach();
     m_owner = &owner;
     owner.installEventFilter(this);
+    connect(&owner, &QWindow::visibleChanged, this, &QXCoverWindow::placeLost);
+    connect(&owner, &QObject::destroyed, this, &QXCoverWindow::placeLost);
     if (!QXWindowSystem::placesWindows()) {
         setParent(&owner);
         return;
@@ -89,16 +91,16 @@ void QXCoverWindow::attachTo(QWindow &owner)
             window->setTransientParent(transientParent());
     }
     setTransientParent(&owner);
-    // A window that stays on top of others would hide this one.
-    setFlag(Qt::WindowStaysOnTopHint, owner.flags().testFlag(Qt::WindowStaysOnTopHint));
     showAgain();
 }
 
 /// Leaves the owner: a child window would be deleted with it.
 void QXCoverWindow::detach()
 {
-    if (m_owner)
+    if (m_owner) {
         m_owner->removeEventFilter(this);
+        disconnect(m_owner, nullptr, this, SIGNAL(placeLost()));
+    }
     m_owner = nullptr;
     if (parent()) {
         destroy();
@@ -112,7 +114,7 @@ void QXCoverWindow::showAgain()
     if (!isVisible())
         return;
     setVisible(false);
-    setVisible(true);
+    updateVisibility();
 }
 
 bool QXCoverWindow::isWanted() const
@@ -134,6 +136,9 @@ void QXCoverWindow::updateVisibility()
     // The window manager may have minimised this window together with the host's.
     if (windowStates() != Qt::WindowNoState)
         setWindowStates(Qt::WindowNoState);
+    // A window that stays on top of others would hide this one.
+    if (m_owner)
+        setFlag(Qt::WindowStaysOnTopHint, m_owner->flags().testFlag(Qt::WindowStaysOnTopHint));
     setVisible(isWanted());
 }
 

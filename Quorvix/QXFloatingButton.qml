@@ -24,11 +24,26 @@ QXPressable {
 
     Item {
         anchors.fill: parent
-        scale: root.pressed ? 0.94 : 1
+        scale: root.pressed && root.overlay.isTranslucent ? 0.94 : 1
+
+        // Where nothing is visible below, the window's mask cuts these to an edge around the button and the badge.
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: -1
+            visible: !root.overlay.isTranslucent
+            color: QXTheme.outline
+        }
+
+        Rectangle {
+            anchors.fill: badge
+            visible: badge.visible && !root.overlay.isTranslucent
+            color: badge.color
+        }
 
         QXIcon {
             anchors.centerIn: parent
             anchors.verticalCenterOffset: 6
+            visible: root.overlay.isTranslucent
             symbol: "button.shadow"
             size: 112
             color: QXTheme.shadow
@@ -37,7 +52,7 @@ QXPressable {
         Item {
             objectName: "QXBlurView"
             anchors.fill: parent
-            opacity: 0.85
+            opacity: root.overlay.isTranslucent ? 0.85 : 1
 
             Loader {
                 id: backdrop
@@ -100,6 +115,8 @@ QXPressable {
         }
 
         QXCountBadge {
+            id: badge
+
             anchors.top: parent.top
             anchors.topMargin: -4
             anchors.right: parent.right
@@ -119,6 +136,12 @@ QXPressable {
                 duration: 120
             }
         }
+    }
+
+    Binding {
+        target: root.overlay
+        property: "badgeFrame"
+        value: Qt.rect(badge.x, badge.y, badge.width, badge.height)
     }
 
     onClicked: overlay.handleFloatingButtonTap()

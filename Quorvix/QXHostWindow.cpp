@@ -41,6 +41,7 @@ void QXHostWindow::Remove::operator()(QQuickWindow *window) const
 
 QXHostWindow::QXHostWindow()
 {
+    m_active = QGuiApplication::focusWindow();
     m_delay.setSingleShot(true);
     m_delay.setInterval(ownWindowDelay);
     connect(&m_delay, &QTimer::timeout, this, &QXHostWindow::makeOwn);
@@ -173,6 +174,12 @@ void QXHostWindow::giveKeyboardBack()
 void QXHostWindow::followFocus(QWindow *focused)
 {
     m_requested = nullptr;
+    if (isHostWindow(focused))
+        m_active = focused;
+    // Some platforms activate each window that is shown, also one that does not accept it.
+    const bool mayHaveKeyboard = m_showsScreens && !m_frame;
+    if (focused && focused == m_cover.get() && !mayHaveKeyboard && isHostWindow(m_active))
+        m_active->requestActivate();
     // The host can open a window while a screen of ours has the keyboard.
     if (m_previous && isHostWindow(focused) && focused != screenWindow())
         m_previous = focused;

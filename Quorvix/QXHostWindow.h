@@ -105,6 +105,8 @@ private:
     QPointer<QQuickWindow> m_host;
     std::unique_ptr<QXCoverWindow, Remove> m_cover;
     std::unique_ptr<QXFramedWindow, Remove> m_frame;
+    /// The window of the host that has the keyboard, or had it last.
+    QPointer<QWindow> m_active;
     /// The window that had the keyboard before activate(), or since then.
     QPointer<QWindow> m_previous;
     /// The window to which the keyboard goes back, until the platform has done so.

@@ -5,16 +5,18 @@
 #include "Quorvix/QXLog.h"
 #include "Quorvix/QXQmlView.h"
 #include "Quorvix/QXRequestRecorder.h"
+#include "Quorvix/QXWindowSystem.h"
 
 #include "Controls/QXLayer.h"
 #include "Controls/QXSafeArea.h"
 
 #include <QtCore/QSettings>
+#include <QtGui/QRegion>
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickWindow>
 
 #include <algorithm>
-#include <tuple>
+#include <utility>
 
 using namespace Quorvix;
 
@@ -28,8 +30,9 @@ constexpr qreal buttonRadius = buttonSize / 2;
 constexpr qreal edgeDistance = 12;
 /// The default distance of the button's centre from the left edge and from the bottom edge.
 constexpr qreal defaultDistance = 50;
-/// The distance that the badge and the shadow extend beyond the button.
-constexpr int buttonMargin = 24;
+/// The part of the button's shadow that can be seen: a disc below the button.
+constexpr qreal shadowRadius = 42;
+constexpr qreal shadowOffset = 6;
 constexpr qsizetype largestBadge = 99;
 
 /// Limits the offset to both bounds. If there is too little room for the button, the upper bound applies.
@@ -37,6 +40,20 @@ qreal clampOffset(qreal offset, qreal extent)
 {
     const qreal bound = extent / 2 - buttonRadius - edgeDistance;
     return std::min(std::max(offset, -bound), bound);
+}
+
+QRegion disc(const QPointF &center, qreal radius)
+{
+    return {QRectF(center - QPointF(radius, radius), QSizeF(radius, radius) * 2).toRect(), QRegion::Ellipse};
+}
+
+/// A rectangle with two round ends.
+QRegion capsule(const QRectF &frame)
+{
+    const qreal radius = frame.height() / 2;
+    const QPointF toEnd(frame.width() / 2 - radius, 0);
+    return disc(frame.center() - toEnd, radius) + disc(frame.center() + toEnd, radius) +
+           QRegion(frame.adjusted(radius, 0, -radius, 0).toRect());
 }
 
 } // namespace
@@ -49,6 +66,7 @@ QXOverlay::QXOverlay(QXPresentation presentation) : m_engine(QXQmlView::makeEngi
     connect(&m_host, &QXHostWindow::closed, this, &QXOverlay::dismissRequestList);
     connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateWindows);
     connect(this, &QXOverlay::buttonMoved, this, &QXOverlay::updateMask);
+    connect(this, &QXOverlay::badgeChanged, this, &QXOverlay::updateMask);
     coverWindow();
 
     auto &notifications = NSNotificationCenter::defaultCenter();
@@ -94,6 +112,7 @@ void QXOverlay::coverWindow()
     if (!m_layer && window()) {
         if (m_isShowingRequestList)
             m_previousFocus.remember(*window());
+        m_isTranslucent = !m_host.isOwn() || QXWindowSystem::blendsWindows();
         m_layer = makeLayer(*window(), false);
         connect(&m_layer->page(), &QQuickItem::widthChanged, this, &QXOverlay::buttonMoved);
         connect(&m_layer->page(), &QQuickItem::heightChanged, this, &QXOverlay::buttonMoved);
@@ -139,11 +158,15 @@ QXLayer *QXOverlay::makeLayer(QQuickWindow &window, bool isFramed)
         layer->setClaims([this](const QPointF &point) { return hitTest(point); });
     // Queued, because the host is still deleting its items.
     connect(layer, &QXLayer::lost, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
-    std::ignore = QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
-                                  {{QStringLiteral("overlay"), QVariant::fromValue(this)},
-                                   {QStringLiteral("safeArea"), QVariant::fromValue(layer->safeArea())},
-                                   {QStringLiteral("isFramed"), isFramed}},
-                                  layer->page());
+    QQuickItem *const view =
+        QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
+                        {{QStringLiteral("overlay"), QVariant::fromValue(this)},
+                         {QStringLiteral("safeArea"), QVariant::fromValue(layer->safeArea())},
+                         {QStringLiteral("isFramed"), isFramed}},
+                        layer->page());
+    // A list that is open already could not take the focus before its view was in the window.
+    if (view && m_isShowingRequestList && isFramed == this->isFramed())
+        view->forceActiveFocus();
     return layer;
 }
 
@@ -225,9 +248,16 @@ void QXOverlay::updateWindows()
 void QXOverlay::updateMask()
 {
     const bool coversWindow = !isFramed() && (m_isShowingRequestList || m_breakpointWindow);
-    const QRect button = buttonFrame().toAlignedRect();
-    m_host.setMask(coversWindow ? QRegion()
-                                : button.adjusted(-buttonMargin, -buttonMargin, buttonMargin, buttonMargin));
+    m_host.setMask(coversWindow ? QRegion() : buttonRegion());
+}
+
+/// The button with its badge, and with its shadow where one can see it.
+QRegion QXOverlay::buttonRegion() const
+{
+    const QRegion badge =
+        m_badgeText.isEmpty() ? QRegion() : capsule(m_badgeFrame.translated(buttonFrame().topLeft()));
+    return badge + (m_isTranslucent ? disc(buttonCenter() + QPointF(0, shadowOffset), shadowRadius)
+                                    : disc(buttonCenter(), buttonRadius + 1));
 }
 
 // The badge
@@ -249,6 +279,14 @@ void QXOverlay::updateBadge()
     if (text == m_badgeText)
         return;
     m_badgeText = text;
+    Q_EMIT badgeChanged();
+}
+
+void QXOverlay::setBadgeFrame(const QRectF &frame)
+{
+    if (frame == m_badgeFrame)
+        return;
+    m_badgeFrame = frame;
     Q_EMIT badgeChanged();
 }
 
@@ -329,7 +367,6 @@ void QXOverlay::showBreakpointWindow()
     if (m_breakpointAwaitsWindow)
         return;
     m_host.setShowsScreens(true);
-    coverFrame();
     if (!m_breakpointWindow)
         m_breakpointWindow = std::make_unique<QXBreakpointWindow>(*m_engine, m_host);
     m_breakpointWindow->makeKeyAndVisible(active);

@@ -38,6 +38,11 @@ class QXOverlay : public QObject
     Q_PROPERTY(QPointF buttonCenter READ buttonCenter NOTIFY buttonMoved)
     /// The text of the badge; empty while the badge is hidden.
     Q_PROPERTY(QString badgeText READ badgeText NOTIFY badgeChanged)
+    /// The frame of the badge in the button's coordinates. Set by the view.
+    Q_PROPERTY(QRectF badgeFrame READ badgeFrame WRITE setBadgeFrame NOTIFY badgeChanged)
+    /// Whether the host's window is visible below what is transparent here. Constant for a view: another
+    /// window has its own view.
+    Q_PROPERTY(bool isTranslucent READ isTranslucent CONSTANT)
     /// Whether the request list is open or opening. While this is false and isShowingRequestList is true,
     /// the list is closing.
     Q_PROPERTY(bool presentsRequestList READ presentsRequestList NOTIFY presentationChanged)
@@ -63,6 +68,9 @@ public:
     [[nodiscard]] QPointF buttonCenter() const;
     [[nodiscard]] QRectF buttonFrame() const;
     [[nodiscard]] const QString &badgeText() const noexcept { return m_badgeText; }
+    [[nodiscard]] const QRectF &badgeFrame() const noexcept { return m_badgeFrame; }
+    void setBadgeFrame(const QRectF &frame);
+    [[nodiscard]] bool isTranslucent() const noexcept { return m_isTranslucent; }
     [[nodiscard]] bool presentsRequestList() const noexcept { return m_presentsRequestList; }
     [[nodiscard]] bool isShowingRequestList() const noexcept { return m_isShowingRequestList; }
     [[nodiscard]] bool isFramed() const { return m_host.isFramed(); }
@@ -106,6 +114,7 @@ private:
     void dropLayer(QPointer<QXLayer> &layer);
     void updateBadge();
     void updateMask();
+    [[nodiscard]] QRegion buttonRegion() const;
     [[nodiscard]] QRectF contentRect() const;
     [[nodiscard]] QRectF safeRect() const;
     [[nodiscard]] QXOverlayPoint constraint() const;
@@ -121,6 +130,8 @@ private:
     /// The position that the user has chosen for the button; absent while it is at the default position.
     std::optional<QXOverlayPoint> m_constraint;
     QString m_badgeText;
+    QRectF m_badgeFrame;
+    bool m_isTranslucent = true;
     bool m_presentsRequestList = false;
     bool m_isShowingRequestList = false;
     bool m_isHidden = false;

@@ -65,7 +65,7 @@ FocusScope {
 
         target: root
         property: "progress"
-        duration: QXTheme.duration
+        duration: root.overlay.isTranslucent ? QXTheme.duration : 0
         easing.type: Easing.OutCubic
         onFinished: root.overlay.requestListDismissed()
     }

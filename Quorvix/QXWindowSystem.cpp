@@ -1,5 +1,6 @@
 #include "Quorvix/QXWindowSystem.h"
 
+#include <QtCore/QLibrary>
 #include <QtCore/QStringList>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QWindow>
@@ -12,6 +13,26 @@ bool isPlatform(const QStringList &names)
 {
     return names.contains(QGuiApplication::platformName());
 }
+
+#if QT_CONFIG(xcb)
+/// Whether a compositor runs on the display: it owns a selection with a name that all of them share.
+bool hasCompositor(Display *display)
+{
+    using Atom = unsigned long;
+    using Window = unsigned long;
+    // We do not link Xlib, which Qt's platform plugin has loaded.
+    QLibrary xlib(QStringLiteral("X11"), 6);
+    const auto defaultScreen = reinterpret_cast<int (*)(Display *)>(xlib.resolve("XDefaultScreen"));
+    const auto internAtom =
+        reinterpret_cast<Atom (*)(Display *, const char *, int)>(xlib.resolve("XInternAtom"));
+    const auto selectionOwner =
+        reinterpret_cast<Window (*)(Display *, Atom)>(xlib.resolve("XGetSelectionOwner"));
+    if (!display || !defaultScreen || !internAtom || !selectionOwner)
+        return false;
+    const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(defaultScreen(display));
+    return selectionOwner(display, internAtom(display, name.constData(), false)) != 0;
+}
+#endif
 
 bool belongsTo(const QWindow &window, const QWindow &ancestor)
 {
@@ -48,6 +69,15 @@ bool QXWindowSystem::overlapsWindows()
 {
     return isPlatform({QStringLiteral("xcb"), QStringLiteral("wayland"), QStringLiteral("wayland-egl"),
                        QStringLiteral("windows"), QStringLiteral("cocoa")});
+}
+
+bool QXWindowSystem::blendsWindows()
+{
+#if QT_CONFIG(xcb)
+    if (const auto *const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+        return hasCompositor(x11->display());
+#endif
+    return true;
 }
 
 QWindow *QXWindowSystem::blocker(const QWindow &window)

@@ -19,6 +19,10 @@ namespace QXWindowSystem {
 /// the program sets a mask or raises a window.
 [[nodiscard]] bool overlapsWindows();
 
+/// Whether what is below the transparent parts of a window is visible. Without a compositor, they are black
+/// under X11.
+[[nodiscard]] bool blendsWindows();
+
 /// The modal window that keeps input from @p window and has input itself, or null.
 [[nodiscard]] QWindow *blocker(const QWindow &window);
 

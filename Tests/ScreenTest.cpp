@@ -10,7 +10,8 @@ bool isAboutTheDisplay(const QString &message)
     for (const char *const start :
          {"QUnifiedTimer: animation driver already installed", // the render loop has its own clock; ours
                                                                // stays
-          "Running on a software rasterizer"}) {
+          "Running on a software rasterizer", "This plugin does not support propagateSizeHints()",
+          "This plugin does not support grabbing the keyboard", "This plugin does not support raise()"}) {
         if (message.startsWith(QLatin1StringView(start)))
             return true;
     }
