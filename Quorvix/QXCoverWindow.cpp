@@ -82,6 +82,7 @@ void QXCoverWindow::attachTo(QWindow &owner)
     connect(&owner, &QObject::destroyed, this, &QXCoverWindow::placeLost);
     if (!QXWindowSystem::placesWindows()) {
         setParent(&owner);
+        setTransientParent(&owner); // only this makes Qt look again whether a modal window blocks this one
         return;
     }
     // A host can have made our window the parent of its own. Qt does not end when it looks for the first
@@ -90,8 +91,10 @@ void QXCoverWindow::attachTo(QWindow &owner)
         if (window->transientParent() == this)
             window->setTransientParent(transientParent());
     }
+    // Window systems learn to which window another one belongs when it is shown.
+    if (isVisible())
+        setVisible(false);
     setTransientParent(&owner);
-    showAgain();
 }
 
 /// Leaves the owner: a child window would be deleted with it.
@@ -108,12 +111,12 @@ void QXCoverWindow::detach()
     }
 }
 
-/// Window systems learn to which window another one belongs when it is shown.
 void QXCoverWindow::showAgain()
 {
     if (!isVisible())
         return;
     setVisible(false);
+    fit();
     updateVisibility();
 }
 
@@ -157,23 +160,47 @@ void QXCoverWindow::limitTo(const QRegion &region)
 
 void QXCoverWindow::fit()
 {
+    m_corrections = 0;
     if (!m_area)
         return;
-    if (parent()) {
-        setGeometry(QRect(QPoint(), m_area->size()));
-        return;
-    }
-    if (screen() != m_area->screen())
+    if (!parent() && screen() != m_area->screen())
         setScreen(m_area->screen());
+    setGeometry(place());
+}
+
+QRect QXCoverWindow::place() const
+{
     const QRect area = m_area->geometry();
+    if (parent())
+        return {QPoint(), area.size()};
     const bool needsRoom = m_showsScreens && !isRoomy(area.size());
-    setGeometry(needsRoom ? panelOver(area, m_area->screen()->availableGeometry()) : area);
+    return needsRoom ? panelOver(area, m_area->screen()->availableGeometry()) : area;
+}
+
+/// Moves this window back. A window manager that has just shown it may report, or choose, another place.
+void QXCoverWindow::correct()
+{
+    constexpr int limit = 5;
+    if (m_area && isVisible() && geometry() != place() && m_corrections < limit) {
+        ++m_corrections;
+        setGeometry(place());
+    }
 }
 
 bool QXCoverWindow::event(QEvent *event)
 {
-    if (event->type() == QEvent::WindowBlocked || event->type() == QEvent::Hide)
+    switch (event->type()) {
+    case QEvent::WindowBlocked:
+    case QEvent::Hide:
         Q_EMIT placeLost();
+        break;
+    case QEvent::Move:
+    case QEvent::Resize:
+        QMetaObject::invokeMethod(this, &QXCoverWindow::correct, Qt::QueuedConnection);
+        break;
+    default:
+        break;
+    }
     return QQuickWindow::event(event);
 }
 

@@ -55,11 +55,14 @@ private:
     void attachTo(QWindow &owner);
     void detach();
     void fit();
+    void correct();
+    [[nodiscard]] QRect place() const;
     void updateVisibility();
     void showAgain();
 
     QPointer<QWindow> m_area;
     QPointer<QWindow> m_owner;
+    int m_corrections = 0;
     bool m_isHidden = true;
     bool m_showsScreens = false;
 };

@@ -1,6 +1,5 @@
 #include "Tests/HostTest.h"
 
-#include <QtCore/QTemporaryFile>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 
@@ -197,23 +196,6 @@ void HostWindowTest::windowOfItsContentsSizeShrinks()
     window->setProperty("side", 200);
     QTRY_COMPARE(place().contentItem()->width(), 200);
 }
-
-namespace {
-
-/// Without a display there is one screen unless a file describes several.
-void addScreens()
-{
-    static QTemporaryFile file;
-    if (qgetenv("QT_QPA_PLATFORM") != "offscreen" || !file.open())
-        return;
-    file.write(R"({"screens": [
-        {"name": "first", "x": 0, "y": 0, "width": 1280, "height": 1024, "logicalDpi": 96, "dpr": 1},
-        {"name": "second", "x": 1280, "y": 0, "width": 1600, "height": 1200, "logicalDpi": 96, "dpr": 2}]})");
-    file.flush();
-    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + file.fileName().toUtf8());
-}
-
-} // namespace
 
 int main(int argc, char *argv[])
 {

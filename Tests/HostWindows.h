@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QTemporaryFile>
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
@@ -121,6 +122,19 @@ inline void makeDialogOverQuickWindow(Host &host)
     auto *const dialog = host.make<QDialog>();
     dialog->setModal(true);
     dialog->show();
+}
+
+/// Describes several screens, to be called before there is an application: without a display there is one.
+inline void addScreens()
+{
+    static QTemporaryFile file;
+    if (qgetenv("QT_QPA_PLATFORM") != "offscreen" || !file.open())
+        return;
+    file.write(R"({"screens": [
+        {"name": "first", "x": 0, "y": 0, "width": 1280, "height": 1024, "logicalDpi": 96, "dpr": 1},
+        {"name": "second", "x": 1280, "y": 0, "width": 1600, "height": 1200, "logicalDpi": 96, "dpr": 2}]})");
+    file.flush();
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + file.fileName().toUtf8());
 }
 
 } // namespace HostWindows
