@@ -89,3 +89,13 @@ quorvix_product(Quorvix
     PRIVATE Qt6::Gui Qt6::Quick Qt6::Svg)
 # Before the library in the command line, where CMake puts objects, and behind targets that link it privately, too.
 target_link_libraries(Quorvix INTERFACE $<TARGET_OBJECTS:Quorvix::QmlLink>)
+
+# The module as a file of its own, for programs that do not link the library.
+if(BUILD_SHARED_LIBS)
+    add_library(QuorvixQmlPlugin MODULE ${PROJECT_SOURCE_DIR}/Quorvix/QXQmlLoadedPlugin.cpp)
+    quorvix_target(QuorvixQmlPlugin)
+    set_target_properties(QuorvixQmlPlugin PROPERTIES
+        AUTOMOC_MOC_OPTIONS -Muri=Quorvix
+        LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/qml/Quorvix)
+    target_link_libraries(QuorvixQmlPlugin PRIVATE Quorvix Qt6::Qml)
+endif()
