@@ -5,6 +5,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThread>
 
+#include <atomic>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -78,6 +79,8 @@ struct Reports
     std::list<std::weak_ptr<Report>> list;
 };
 
+std::atomic<bool> areReportsKept = true;
+
 std::vector<ApplicationEnd::Routine> &endRoutines()
 {
     static auto *const routines = new std::vector<ApplicationEnd::Routine>;
@@ -113,6 +116,8 @@ void MainActor::scheduleReport(std::function<void()> task)
 
 void MainActor::scheduleReport(std::function<void()> task, std::function<void()> report)
 {
+    if (!areReportsKept)
+        return schedule(std::move(task));
     auto made = std::make_shared<Reports::Report>(std::move(task), std::move(report));
     Reports::instance().add(made);
     // Moved, so that what the task has captured is never destroyed by this thread.
@@ -120,6 +125,11 @@ void MainActor::scheduleReport(std::function<void()> task, std::function<void()>
         if (!std::exchange(made->hasRun, true))
             made->task();
     });
+}
+
+void MainActor::keepReports(bool keep)
+{
+    areReportsKept = keep;
 }
 
 void MainActor::flushReports()
