@@ -139,10 +139,10 @@ void QXRequestRecorder::removeOldestBodies()
 void QXRequestRecorder::record(const QString &id, const URLRequest &request, const QXMoment &start)
 {
     Q_ASSERT(MainActor::isCurrent());
-    const CellPtr cell = makeCell(id, request, start);
+    CellPtr cell = makeCell(id, request, start);
     admit(cell->trace, m_requests.size(), nullptr);
     m_bodyBytes += bodyBytes(cell->trace);
-    m_requests.prepend(cell);
+    m_requests.prepend(std::move(cell));
     removeOldestBodies();
     postChange();
 }
@@ -155,12 +155,12 @@ void QXRequestRecorder::amend(const QString &id, const URLRequest &request,
     if (index < 0)
         return;
     const QXTraceList::CellPtr old = m_requests.cell(index);
-    const CellPtr cell = makeCell(id, request, {old->trace.date, old->recordedAt});
+    CellPtr cell = makeCell(id, request, {old->trace.date, old->recordedAt});
     cell->trace.discardedBodySize = discardedBodySize;
     cell->trace.response = old->trace.response;
     cell->trace.error = old->trace.error;
     cell->trace.duration = old->trace.duration;
-    replace(index, cell);
+    replace(index, std::move(cell));
 }
 
 void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &response,
@@ -173,7 +173,7 @@ void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &resp
         return;
 
     m_refreshers.remove(id);
-    const auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
+    auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
     QXRequestTrace &trace = cell->trace;
     // A preview is no result: an exchange ends alike, whether or not the user looked at it.
     if (!trace.duration)
@@ -185,7 +185,7 @@ void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &resp
         trace.response = QXResponseTrace(*http, data);
         trace.response->discardedBodySize = discardedBodySize;
     }
-    replace(index, cell);
+    replace(index, std::move(cell));
 }
 
 void QXRequestRecorder::progress(const QString &id, const NSURLResponsePtr &response,
@@ -197,18 +197,18 @@ void QXRequestRecorder::progress(const QString &id, const NSURLResponsePtr &resp
     const qsizetype index = m_requests.indexOf(id);
     if (!http || index < 0 || m_requests[index].duration)
         return;
-    const auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
+    auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
     cell->trace.response = QXResponseTrace(*http, data);
     cell->trace.response->discardedBodySize = discardedBodySize;
-    replace(index, cell);
+    replace(index, std::move(cell));
 }
 
-void QXRequestRecorder::replace(qsizetype index, const CellPtr &cell)
+void QXRequestRecorder::replace(qsizetype index, CellPtr cell)
 {
     const QXRequestTrace &before = m_requests[index];
     admit(cell->trace, m_requests.size() - 1 - index, &before);
     m_bodyBytes += bodyBytes(cell->trace) - bodyBytes(before);
-    m_requests.replace(index, cell);
+    m_requests.replace(index, std::move(cell));
     removeOldestBodies();
     postChange();
 }

@@ -106,7 +106,7 @@ private:
 
     static CellPtr makeCell(const QString &id, const Quorvix::URLRequest &request, const QXMoment &start);
     static void discard(QXRequestTrace &trace, Side side);
-    void replace(qsizetype index, const CellPtr &cell);
+    void replace(qsizetype index, CellPtr cell);
     void postChange() const;
     void admit(QXRequestTrace &trace, qsizetype position, const QXRequestTrace *before);
     void removeOldestBodies();
