@@ -12,6 +12,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
 #include <QtCore/QTextStream>
 #include <QtCore/QThread>
 #include <QtNetwork/QNetworkReply>
@@ -187,6 +188,12 @@ void useRecorder()
     out() << "cleared = " << recorder.requests().size() << '\n';
     const QByteArray archive = QXArchiveWriter::archive(QXArchiveWriter::sourceOf(recorder.requests()));
     out() << "archive = " << archive.toPercentEncoding() << '\n';
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"empty.har"_s);
+    const auto error = QXArchiveWriter::write(QXArchiveWriter::sourceOf(recorder.requests()), path);
+    QFile file(path);
+    out() << "file = " << error.has_value() << ' '
+          << (file.open(QFile::ReadOnly) && file.readAll() == archive) << '\n';
 
     // Records are values, which a host may make itself.
     QXTraceList list;

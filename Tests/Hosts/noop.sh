@@ -31,17 +31,18 @@ case $what in
         answered=$(nm -C --defined-only "$subject" 2>/dev/null | functions)
         exported=$(for library in "$@"; do nm -DC --defined-only "$library"; done | functions)
         [[ -n $answered && -n $exported ]] || { echo "The libraries could not be read." >&2; exit 1; }
+        declare -A texts
         checked=0 wrong=0
         while read -r function; do
             qualified=${function%%(*}
             name=${qualified##*::}
-            owner=$(owners <<<"$qualified")
-            is_public "$owner" || continue
-            declared=$(usable "$owner")
-            grep -qF -- "$name(" <<<"$declared" || continue
+            owner=${qualified#Quorvix::}
+            owner=${owner%%::*}
+            [[ -v texts[$owner] ]] || texts[$owner]=$(! is_public "$owner" || usable "$owner")
+            [[ ${texts[$owner]} == *"$name("* ]] || continue
             ((++checked))
             grep -qxF -- "$function" <<<"$answered" && continue
-            grep -qE -- "^inline .*$owner::$name\(" <<<"$declared" && continue
+            grep -qE -- "^inline .*$owner::$name\(" <<<"${texts[$owner]}" && continue
             echo "NoOp/ does not define $function."
             wrong=1
         done <<<"$exported"
