@@ -9,7 +9,7 @@ cd "${1:-$(dirname "${BASH_SOURCE[0]}")/..}"
 links_and_sections() {
     awk '
         FNR == 1 { in_code = 0 }
-        /^ *```/ { in_code = !in_code }
+        /^(> ?)? *```/ { in_code = !in_code }
         in_code { next }
         /^#+ / {
             name = tolower($0)

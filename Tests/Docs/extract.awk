@@ -95,6 +95,9 @@ FNR == 1 {
     forget_directives()
 }
 
+# A sample may be in a quotation.
+{ sub(/^> ?/, "") }
+
 in_comment {
     if ($0 ~ /^ *-->$/)
         in_comment = 0
