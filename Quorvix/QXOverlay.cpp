@@ -284,10 +284,8 @@ void QXOverlay::updateBadge()
 
 void QXOverlay::setBadgeFrame(const QRectF &frame)
 {
-    if (frame == m_badgeFrame)
-        return;
     m_badgeFrame = frame;
-    Q_EMIT badgeChanged();
+    updateMask();
 }
 
 // The request list

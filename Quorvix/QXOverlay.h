@@ -39,7 +39,7 @@ class QXOverlay : public QObject
     /// The text of the badge; empty while the badge is hidden.
     Q_PROPERTY(QString badgeText READ badgeText NOTIFY badgeChanged)
     /// The frame of the badge in the button's coordinates. Set by the view.
-    Q_PROPERTY(QRectF badgeFrame READ badgeFrame WRITE setBadgeFrame NOTIFY badgeChanged)
+    Q_PROPERTY(QRectF badgeFrame READ badgeFrame WRITE setBadgeFrame)
     /// Whether the host's window is visible below what is transparent here. Constant for a view: another
     /// window has its own view.
     Q_PROPERTY(bool isTranslucent READ isTranslucent CONSTANT)

@@ -182,10 +182,11 @@ void BreakpointEditorTest::comesToTheFront()
             QuorvixClient::shared().show();
         }
         QXOverlay &overlay = *QuorvixClient::shared().overlayWindow();
-        QTRY_VERIFY(overlay.window());
         QRasterWindow other;
+        other.resize(500, 500);
         other.show();
         other.requestActivate();
+        QTRY_VERIFY(overlay.window());
         QTRY_COMPARE(QGuiApplication::focusWindow(), &other);
         breakpointLines.clear();
         QStringList expected;
