@@ -122,6 +122,7 @@ QXPressable {
             anchors.right: parent.right
             anchors.rightMargin: -4
             text: root.overlay.badgeText
+            onXChanged: root.overlay.badgeFrame = Qt.rect(x, y, width, height)
         }
 
         QXFocusRing {
@@ -136,12 +137,6 @@ QXPressable {
                 duration: 120
             }
         }
-    }
-
-    Binding {
-        target: root.overlay
-        property: "badgeFrame"
-        value: Qt.rect(badge.x, badge.y, badge.width, badge.height)
     }
 
     onClicked: overlay.handleFloatingButtonTap()

@@ -113,10 +113,14 @@ void QXOverlay::coverWindow()
         if (m_isShowingRequestList)
             m_previousFocus.remember(*window());
         m_isTranslucent = !m_host.isOwn() || QXWindowSystem::blendsWindows();
-        m_layer = makeLayer(*window(), false);
+        m_layer = makeLayer(*window());
+        // Before the view is made: Qt 6.4 crashes when a change of the page's size moves the button only
+        // after the view's own bindings have seen it.
+        m_layer->setClaims([this](const QPointF &point) { return hitTest(point); });
         connect(&m_layer->page(), &QQuickItem::widthChanged, this, &QXOverlay::buttonMoved);
         connect(&m_layer->page(), &QQuickItem::heightChanged, this, &QXOverlay::buttonMoved);
         connect(safeArea(), &QXSafeArea::marginsChanged, this, &QXOverlay::buttonMoved);
+        makeView(*m_layer, false);
     }
     coverFrame();
     if (m_breakpointWindow)
@@ -131,10 +135,12 @@ void QXOverlay::coverFrame()
 {
     if (isFramed() == !m_frameLayer.isNull())
         return;
-    if (isFramed())
-        m_frameLayer = makeLayer(*m_host.screenWindow(), true);
-    else
+    if (isFramed()) {
+        m_frameLayer = makeLayer(*m_host.screenWindow());
+        makeView(*m_frameLayer, true);
+    } else {
         dropLayer(m_frameLayer);
+    }
     Q_EMIT presentationChanged();
 }
 
@@ -149,25 +155,27 @@ void QXOverlay::dropLayer(QPointer<QXLayer> &layer)
     layer = nullptr;
 }
 
-QXLayer *QXOverlay::makeLayer(QQuickWindow &window, bool isFramed)
+QXLayer *QXOverlay::makeLayer(QQuickWindow &window)
 {
     auto *const layer = new QXLayer(window, overlayLevel);
     layer->setParent(this);
     layer->setVisible(!m_isHidden);
-    if (!isFramed)
-        layer->setClaims([this](const QPointF &point) { return hitTest(point); });
     // Queued, because the host is still deleting its items.
     connect(layer, &QXLayer::lost, &m_host, &QXHostWindow::changed, Qt::QueuedConnection);
+    return layer;
+}
+
+void QXOverlay::makeView(QXLayer &layer, bool isFramed)
+{
     QQuickItem *const view =
         QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
                         {{QStringLiteral("overlay"), QVariant::fromValue(this)},
-                         {QStringLiteral("safeArea"), QVariant::fromValue(layer->safeArea())},
+                         {QStringLiteral("safeArea"), QVariant::fromValue(layer.safeArea())},
                          {QStringLiteral("isFramed"), isFramed}},
-                        layer->page());
+                        layer.page());
     // A list that is open already could not take the focus before its view was in the window.
     if (view && m_isShowingRequestList && isFramed == this->isFramed())
         view->forceActiveFocus();
-    return layer;
 }
 
 // The button's position

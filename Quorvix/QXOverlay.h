@@ -110,7 +110,8 @@ private:
     void coverWindow();
     void coverFrame();
     void updateWindows();
-    [[nodiscard]] QXLayer *makeLayer(QQuickWindow &window, bool isFramed);
+    [[nodiscard]] QXLayer *makeLayer(QQuickWindow &window);
+    void makeView(QXLayer &layer, bool isFramed);
     void dropLayer(QPointer<QXLayer> &layer);
     void updateBadge();
     void updateMask();
