@@ -102,8 +102,9 @@ function(quorvix_product target)
     if(type STREQUAL "STATIC_LIBRARY")
         target_compile_definitions(${target} INTERFACE QUORVIX_STATIC)
     endif()
-    target_include_directories(${target} SYSTEM INTERFACE
-        $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    # For an imported target, the program's own setting decides whether the headers are those of the system.
+    target_include_directories(${target} SYSTEM INTERFACE $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>)
+    target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     # The headers in the build tree are links. g++ would replace a system header by the target of its link, and look
     # there for the headers that it includes.
     target_compile_options(${target} INTERFACE

@@ -1,0 +1,13 @@
+# What the strictest hosts ask of their own sources, and with that of our headers.
+function(check_strictly target)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+    foreach(library IN ITEMS Quorvix::Core Quorvix::Quorvix Quorvix::NoOp)
+        if(TARGET ${library})
+            get_target_property(actual ${library} ALIASED_TARGET)
+            if(NOT actual)
+                set(actual ${library})
+            endif()
+            set_target_properties(${actual} PROPERTIES SYSTEM OFF)
+        endif()
+    endforeach()
+endfunction()
