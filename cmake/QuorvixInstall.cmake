@@ -134,6 +134,9 @@ install(FILES ${PROJECT_BINARY_DIR}/QuorvixConfig.cmake ${PROJECT_BINARY_DIR}/Qu
 include(QuorvixPkgConfig)
 
 if(PROJECT_IS_TOP_LEVEL)
+    if(QUORVIX_ENABLED)
+        include(QuorvixDebian)
+    endif()
     # Comes after everything that installs, because it records that.
     configure_file(${CMAKE_CURRENT_LIST_DIR}/QuorvixRecord.cmake.in ${PROJECT_BINARY_DIR}/QuorvixRecord.cmake @ONLY)
     install(SCRIPT ${PROJECT_BINARY_DIR}/QuorvixRecord.cmake ALL_COMPONENTS)

@@ -147,6 +147,33 @@ do_uninstall() {
     [[ $before == "$after" ]] || fail "the folder is not as before: $(diff <(echo "$before") <(echo "$after"))"
 }
 
+# Makes the packages, looks at them, and installs them into an empty root and removes them from it.
+do_debian() {
+    local root=$SCRATCH/root package contents wrong depends names=() as_root=()
+    (cd "$BUILD" && "${CMAKE%/*}/cpack" -G DEB -B "$SCRATCH/packages")
+    for package in "$SCRATCH"/packages/*.deb; do
+        names+=("$(dpkg-deb -f "$package" Package)")
+        contents=$(dpkg-deb -c "$package")
+        [[ $contents == *"/usr/share/doc/${names[-1]}/copyright"* ]] || fail "${names[-1]} has no copyright"
+        wrong=$(grep -vE ' root/root .* \./(usr/.*)?$' <<<"$contents" || true)
+        [[ -z $wrong ]] || fail "${names[-1]} has wrong owners or folders: $wrong"
+    done
+    [[ ${#names[@]} == 4 ]] || fail "made ${names[*]}"
+    depends=$(dpkg-deb -f "$SCRATCH"/packages/libquorvix0.1*.deb Depends)
+    [[ $depends == *"libquorvixcore0.1 (= "*qml6-module-qtquick*libqt6quick6* ]] || fail "the screens need $depends"
+    depends=$(dpkg-deb -f "$SCRATCH"/packages/libquorvixcore0.1*.deb Depends)
+    [[ $depends == *libqt6network6* && ! $depends =~ libqt6(gui|qml|quick) ]] || fail "the core needs $depends"
+
+    mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/triggers"
+    touch "$root/var/lib/dpkg/status" "$root/var/lib/dpkg/available"
+    ((EUID == 0)) || as_root=(fakeroot)
+    # Nothing else is installed there, neither what the packages depend on nor a shell for their scripts.
+    "${as_root[@]}" dpkg --root="$root" --force-depends --force-script-chrootless --unpack "$SCRATCH"/packages/*.deb
+    [[ -e $(find "$root/usr" -name libQuorvix.so) ]] || fail "the link to the library leads nowhere"
+    "${as_root[@]}" dpkg --root="$root" --force-depends --force-script-chrootless --purge "${names[@]}"
+    [[ ! -e $root/usr ]] || fail "these are left: $(find "$root/usr")"
+}
+
 how=$1
 shift
 rm -rf "$SCRATCH"/{first,stage,root,packages,consumer,trees}
