@@ -63,7 +63,7 @@ do_find() {
     done
     configure_and_build FindPackage -D CMAKE_PREFIX_PATH="$PLACE" -D CMAKE_CXX_FLAGS="${flags[*]}" "${options[@]}"
     "$SCRATCH/consumer" "${expected[@]}"
-    echo "$program works."
+    [[ $program == Core ]] || "$SCRATCH/qml-consumer"
 }
 
 # pkg-config PROGRAM PACKAGE [--expect WORD]
@@ -74,9 +74,14 @@ do_pkg-config() {
     # The headers of Qt are the system's, as with CMake.
     read -r -a compile <<<"$(pkg-config --cflags "${all[@]}" | sed -E 's/-I(\S*qt6\S*)/-isystem \1/g')"
     read -r -a link <<<"$(pkg-config --libs "${all[@]}")"
-    "$CXX" -std=c++20 -fPIC "${flags[@]}" "${strict[@]}" "${compile[@]}" "$here/$program/main.cpp" \
-        -o "$SCRATCH/consumer" "${link[@]}" -Wl,-rpath,"$PLACE/$LIBDIR"
+    compile=("$CXX" -std=c++20 -fPIC "${flags[@]}" "${strict[@]}" "${compile[@]}" -o "$SCRATCH/consumer")
+    link+=("-Wl,-rpath,$PLACE/$LIBDIR")
     shift 2
+    if [[ $program == Screens ]]; then
+        "${compile[@]}" "$here/Qml/main.cpp" "${link[@]}"
+        "$SCRATCH/consumer"
+    fi
+    "${compile[@]}" "$here/$program/main.cpp" "${link[@]}"
     "$SCRATCH/consumer" "${@:2}"
     # Each package takes its own kind, although both kinds lie there.
     local kind=shared taken=static
@@ -85,14 +90,18 @@ do_pkg-config() {
     [[ $taken == "$kind" ]] || fail "$package takes the $taken library"
 }
 
-# A host with the strictest flags, which does not say which kind of libraries it wants, and installs the library, too.
+# subproject [install]: a host with the strictest flags, which does not say which kind of libraries it wants. It may
+# install the library, too.
 do_subproject() {
     configure_and_build Subproject -D HOW=add_subdirectory -D QUORVIX_SOURCE="$SOURCE" -D QUORVIX_INSTALL=ON \
         -D CMAKE_INSTALL_LIBDIR="$LIBDIR" -D CMAKE_CXX_FLAGS="-O0 ${strict[*]/-Wpedantic/}"
     "$SCRATCH/core-consumer"
     "$SCRATCH/screens-consumer"
-    grep -q '^BUILD_SHARED_LIBS' "$SCRATCH/CMakeCache.txt" && fail "the library decides for its host"
+    if grep '^BUILD_SHARED_LIBS' "$SCRATCH/CMakeCache.txt"; then
+        fail "the library decides for its host"
+    fi
     [[ -f $SCRATCH/quorvix/libQuorvix.a ]] || fail "the library is not static"
+    [[ ${1:-} == install ]] || return 0
 
     # Beside what is installed already. The no-op library is the same in both.
     local files before
