@@ -12,6 +12,9 @@ QXPressable {
         && GraphicsInfo.api !== GraphicsInfo.Software && GraphicsInfo.api !== GraphicsInfo.OpenVG
         && GraphicsInfo.api !== GraphicsInfo.Null
 
+    /// Whether the mask of our own window cuts the button out, because nothing is visible below it.
+    readonly property bool isCutOut: !overlay.isTranslucent && (overlay.isFramed || !overlay.isShowingRequestList)
+
     objectName: "QXFloatingButton"
     width: 52
     height: 52
@@ -26,24 +29,24 @@ QXPressable {
         anchors.fill: parent
         scale: root.pressed && root.overlay.isTranslucent ? 0.94 : 1
 
-        // Where nothing is visible below, the window's mask cuts these to an edge around the button and the badge.
+        // The mask cuts these to an edge around the button and the badge.
         Rectangle {
             anchors.fill: parent
             anchors.margins: -1
-            visible: !root.overlay.isTranslucent
+            visible: root.isCutOut
             color: QXTheme.outline
         }
 
         Rectangle {
             anchors.fill: badge
-            visible: badge.visible && !root.overlay.isTranslucent
+            visible: badge.visible && root.isCutOut
             color: badge.color
         }
 
         QXIcon {
             anchors.centerIn: parent
             anchors.verticalCenterOffset: 6
-            visible: root.overlay.isTranslucent
+            visible: !root.isCutOut
             symbol: "button.shadow"
             size: 112
             color: QXTheme.shadow
