@@ -19,12 +19,11 @@ public:
             m_milliseconds = double(m_timer.nsecsElapsed()) / 1e6;
     }
 
-    /// Prints the time in milliseconds, the resident memory, and the part of it that is this process's own,
-    /// in kilobytes.
+    /// Prints the time in milliseconds, the resident memory, and the part of it that the process has written
+    /// itself, in kilobytes.
     void print() const
     {
-        std::printf("%.2f %lld %lld\n", m_milliseconds, kilobytes("Rss:"),
-                    kilobytes("Private_Dirty:") + kilobytes("Private_Clean:"));
+        std::printf("%.2f %lld %lld\n", m_milliseconds, kilobytes("Rss:"), kilobytes("Private_Dirty:"));
     }
 
 private:

@@ -60,16 +60,14 @@ $(awk "{ print \$($column + 3) - \$$column }" "$build/runs" | median)"
 
 # print_runs HOST KIND WHAT
 print_runs() {
-    local lines before after more
+    local lines
     mapfile -t lines < <(compare "$build/plain/$1" "$build/$2/$1")
     ((${#lines[@]} == 3)) || return 1
-    read -r before after more <<<"${lines[0]}"
-    row "$3, $2: time until it is ready" "$before -> $after ms (+$more)"
-    read -r before after more <<<"${lines[1]}"
-    row "$3, $2: resident memory" "$(awk "BEGIN { printf \"%.1f -> %.1f MB (+%.1f)\", $before / 1024, $after / 1024, $more / 1024 }")"
-    read -r before after more <<<"${lines[2]}"
-    row "$3, $2: its own part of that" "$(awk "BEGIN { printf \"%.1f -> %.1f MB (+%.1f)\", $before / 1024, $after / 1024, $more / 1024 }")"
+    row "$3, $2: time until it is ready" "$(awk '{ printf "%.1f -> %.1f ms (%+.1f)", $1, $2, $3 }' <<<"${lines[0]}")"
+    row "$3, $2: resident memory" "$(megabytes <<<"${lines[1]}")"
+    row "$3, $2: memory that it has written" "$(megabytes <<<"${lines[2]}")"
 }
+megabytes() { awk '{ printf "%.1f -> %.1f MB (%+.1f)", $1 / 1024, $2 / 1024, $3 / 1024 }'; }
 
 rm -rf "$build/prefix"
 echo "Building the library ..." >&2
