@@ -114,8 +114,8 @@ void QXOverlay::coverWindow()
             m_previousFocus.remember(*window());
         m_isTranslucent = !m_host.isOwn() || QXWindowSystem::blendsWindows();
         m_layer = makeLayer(*window());
-        // Before the view is made: Qt 6.4 crashes when a change of the page's size moves the button only
-        // after the view's own bindings have seen it.
+        // Before the view is made: with these after it, Qt 6.4 crashed in a binding when a keyboard changed
+        // the size of the page.
         m_layer->setClaims([this](const QPointF &point) { return hitTest(point); });
         connect(&m_layer->page(), &QQuickItem::widthChanged, this, &QXOverlay::buttonMoved);
         connect(&m_layer->page(), &QQuickItem::heightChanged, this, &QXOverlay::buttonMoved);

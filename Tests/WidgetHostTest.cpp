@@ -126,7 +126,9 @@ void WidgetHostTest::start(QWidget &window)
 {
     QVERIFY(waitForActive(*window.windowHandle()));
     QuorvixClient::shared().start();
-    QTRY_VERIFY(has("QXFloatingButton") && covers(window) && QApplication::activeWindow() == &window);
+    QTRY_VERIFY(has("QXFloatingButton") && covers(window));
+    // Some platforms activate each window that is shown; ours then gives the keyboard back.
+    QTRY_VERIFY(place().isExposed() && QApplication::activeWindow() == &window);
 }
 
 bool WidgetHostTest::covers(const QWidget &window)
