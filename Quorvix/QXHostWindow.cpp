@@ -74,7 +74,8 @@ QQuickWindow *QXHostWindow::screenWindow() const
 
 bool QXHostWindow::isReachable() const
 {
-    return m_frame || m_cover || needsFrame() || isHostReachable();
+    // Screens that are open stay where they are, even if that window is gone.
+    return m_frame || m_cover || (!m_showsScreens && needsFrame()) || isHostReachable();
 }
 
 bool QXHostWindow::isHostReachable() const

@@ -83,17 +83,25 @@ bool QXWindowSystem::blendsWindows()
 QWindow *QXWindowSystem::blocker(const QWindow &window)
 {
     QWindow *const newest = QGuiApplication::modalWindow();
-    if (!newest || belongsTo(window, *newest))
+    if (!newest)
         return nullptr;
-    if (blocks(*newest, window))
-        return newest;
     const QWindowList windows = QGuiApplication::allWindows();
-    const auto found = std::find_if(windows.cbegin(), windows.cend(),
-                                    [&](const QWindow *modal) { return blocks(*modal, window); });
-    if (found == windows.cend())
-        return nullptr;
-    QWindow *const next = blocker(**found);
-    return next ? next : *found;
+    // Only Qt knows which of two modal windows is the newer one: here, both can block each other.
+    QWindowList found;
+    while (true) {
+        const QWindow &last = found.isEmpty() ? window : *found.last();
+        if (belongsTo(last, *newest))
+            break;
+        if (blocks(*newest, last))
+            return newest;
+        const auto next = std::find_if(windows.cbegin(), windows.cend(), [&](QWindow *modal) {
+            return modal != &window && !found.contains(modal) && blocks(*modal, last);
+        });
+        if (next == windows.cend())
+            break;
+        found.append(*next);
+    }
+    return found.isEmpty() ? nullptr : found.last();
 }
 
 QWindow *QXWindowSystem::activeWindow()

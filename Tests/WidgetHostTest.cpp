@@ -107,6 +107,9 @@ private Q_SLOTS:
     void framedWindow_data();
     void framedWindow();
     void framedEditorComesBack();
+    void hostLosesItsWindow_data();
+    void hostLosesItsWindow();
+    void modalDialogsSideBySide();
     void endsWithTheHost_data();
     void endsWithTheHost();
 
@@ -559,6 +562,49 @@ void WidgetHostTest::framedEditorComesBack()
     press("QXContinueButton");
     QTRY_COMPARE(m_delivered, QByteArrayList{"200 body"});
     QTRY_VERIFY(!overlay().isFramed());
+}
+
+void WidgetHostTest::hostLosesItsWindow_data()
+{
+    QTest::addColumn<bool>("isFramed");
+    QTest::newRow("list in the host's window") << false;
+    QTest::newRow("list in a window of its own") << true;
+}
+
+/// The list is open when the host's last window goes, and the next screen has no window of the host.
+void WidgetHostTest::hostLosesItsWindow()
+{
+    QFETCH(bool, isFramed);
+    makeQuickWindow(*m_host);
+    QuorvixClient::shared().start();
+    if (isFramed)
+        QuorvixClient::shared().setPresentation(QXPresentation::window);
+    press("QXFloatingButton");
+    QTRY_VERIFY(has("QXRequestListView"));
+    QuorvixClient::shared().setPresentation(QXPresentation::window);
+    m_host->objects.clear();
+    QTRY_VERIFY(!overlay().window());
+    hold("body");
+    press("QXContinueButton");
+    QTRY_COMPARE(m_delivered, QByteArrayList{"200 body"});
+    overlay().dismissRequestList();
+    QTRY_VERIFY(!overlay().isFramed() && !overlay().isShowingRequestList());
+}
+
+/// Neither of two dialogs that block the whole program is the newest one.
+void WidgetHostTest::modalDialogsSideBySide()
+{
+    auto *const main = makeMain(*m_host);
+    QDialog first;
+    QDialog second;
+    QDialog newest(main);
+    for (QDialog *const dialog : {&first, &second, &newest}) {
+        dialog->setWindowModality(dialog == &newest ? Qt::WindowModal : Qt::ApplicationModal);
+        dialog->show();
+    }
+    QCOMPARE(QGuiApplication::modalWindow(), newest.windowHandle());
+    QCOMPARE(QXWindowSystem::blocker(*first.windowHandle()), second.windowHandle());
+    QCOMPARE(QXWindowSystem::blocker(*main->windowHandle()), newest.windowHandle());
 }
 
 void WidgetHostTest::endsWithTheHost_data()
