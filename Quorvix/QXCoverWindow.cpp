@@ -47,8 +47,10 @@ QXCoverWindow::~QXCoverWindow()
 
 void QXCoverWindow::cover(QWindow &area, QWindow &owner)
 {
-    if (m_area != &area)
+    if (m_area != &area) {
+        detach(); // the former window can be the owner, too
         follow(area);
+    }
     if (m_owner != &owner || (QXWindowSystem::placesWindows() ? transientParent() : parent()) != &owner)
         attachTo(owner);
     fit();
@@ -102,7 +104,8 @@ void QXCoverWindow::detach()
 {
     if (m_owner) {
         m_owner->removeEventFilter(this);
-        disconnect(m_owner, nullptr, this, SIGNAL(placeLost()));
+        disconnect(m_owner, &QWindow::visibleChanged, this, &QXCoverWindow::placeLost);
+        disconnect(m_owner, &QObject::destroyed, this, &QXCoverWindow::placeLost);
     }
     m_owner = nullptr;
     if (parent()) {
