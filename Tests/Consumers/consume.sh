@@ -142,16 +142,20 @@ do_refused() {
     done <"$here/refused.txt"
 }
 
-# Removes what was installed, below DESTDIR, and leaves what somebody else has there.
+# Removes what was installed, below DESTDIR, and leaves what somebody else has there, before and after. The name of the
+# folder is relative, and also a pattern that does not match itself.
 do_uninstall() {
-    export DESTDIR=$SCRATCH/stage
-    mkdir -p "$DESTDIR/usr/include/Quorvix" "$DESTDIR/usr/lib/empty"
-    touch "$DESTDIR/usr/include/Quorvix/Other.h"
-    local before after
-    before=$(find "$DESTDIR" | sort)
+    cd "$SCRATCH"
+    export DESTDIR='stage[1]'
+    local include=$DESTDIR/usr/include/Quorvix before after
+    mkdir -p "$include" "$DESTDIR/usr/lib/empty"
+    touch "$include/Other.h"
+    before=$(find "$DESTDIR" && echo "$include/Platform" && echo "$include/Platform/Other.h")
     install_to /usr
-    [[ -f $DESTDIR/usr/include/Quorvix/QuorvixClient.h ]] || fail "nothing was installed below DESTDIR"
-    "$CMAKE" -D RECORD="$SCRATCH/record" -P "$SOURCE/cmake/QuorvixUninstall.cmake"
+    [[ -f $include/QuorvixClient.h ]] || fail "nothing was installed below DESTDIR"
+    touch "$include/Platform/Other.h"
+    (cd / && "$CMAKE" -D RECORD="$SCRATCH/record" -P "$SOURCE/cmake/QuorvixUninstall.cmake")
+    before=$(sort <<<"$before")
     after=$(find "$DESTDIR" | sort)
     [[ $before == "$after" ]] || fail "the folder is not as before: $(diff <(echo "$before") <(echo "$after"))"
 }
@@ -185,6 +189,6 @@ do_debian() {
 
 how=$1
 shift
-rm -rf "$SCRATCH"/{first,stage,root,packages,consumer,trees}
+rm -rf "$SCRATCH"/{first,stage*,root,packages,consumer,trees}
 mkdir -p "$SCRATCH"
 "do_$how" "$@"
