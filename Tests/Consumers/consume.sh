@@ -37,8 +37,9 @@ do_install() {
     rm -rf "$PLACE"
     install_to "$SCRATCH/first"
     mv "$SCRATCH/first" "$PLACE"
+    # The sources may be in a folder such as /quorvix, which ends the names of others.
     local named
-    named=$(grep -rIlE -e "$BUILD|$SOURCE|$SCRATCH" "$PLACE" || true)
+    named=$(grep -rIlE -e "(^|[^[:alnum:]_.}/-]|-[IL])($BUILD|$SOURCE|$SCRATCH)(/|[^[:alnum:]]|\$)" "$PLACE" || true)
     [[ -z $named ]] || fail "these files name a folder of this machine: $named"
     cmp "$SOURCE/LICENSE" "$PLACE/share/doc/quorvix/LICENSE"
 }
