@@ -50,6 +50,10 @@ void QXFramedWindow::setHidden(bool hidden)
 {
     if (std::exchange(m_isHidden, hidden) == hidden && isVisible() != hidden)
         return;
+    // An event that comes after the window was closed makes Qt draw it again, although it is not shown. A
+    // Wayland compositor ends the connection if such a surface becomes a window.
+    if (!hidden && !isVisible())
+        destroy();
     if (!hidden && !handle()) {
         if (transientParent() != &m_none)
             setScreen(transientParent()->screen());

@@ -146,7 +146,9 @@ void QXHostWindow::activate()
     // QWindow::show() would make a maximised window a normal one.
     if (area && area->windowStates() & Qt::WindowMinimized)
         area->setWindowStates(area->windowStates() & ~Qt::WindowMinimized);
-    if (!isOwn())
+    if (m_frame)
+        m_frame->setHidden(m_isHidden);
+    else if (!isOwn())
         window->setVisible(true);
     if (QXWindowSystem::overlapsWindows())
         window->raise();
