@@ -219,7 +219,9 @@ void WidgetHostTest::comesAndGoesWithTheWindow()
         QTRY_VERIFY(!overlay().window() || !overlay().window()->isVisible());
         comeBack(*window);
         QTRY_VERIFY(covers(*window));
-        QCOMPARE(overlay().isShowingRequestList(), isOpen);
+        // On Wayland, the window of the list may close with the window to which it belongs.
+        if (QXWindowSystem::placesWindows())
+            QCOMPARE(overlay().isShowingRequestList(), isOpen);
     }
     // The host deletes the window while the list is open.
     m_host->objects.clear();
