@@ -95,11 +95,12 @@ if(QUORVIX_ENABLED)
         set_target_properties(QuorvixQmlPlugin PROPERTIES INSTALL_RPATH $ORIGIN/${libraries})
         install(TARGETS QuorvixQmlPlugin DESTINATION ${QUORVIX_INSTALL_QMLDIR}/Quorvix COMPONENT quorvix-qml)
     else()
+        list(JOIN module "\" \"" files)
         install(CODE "
             set(folder \"\${CMAKE_INSTALL_PREFIX}/${QUORVIX_INSTALL_QMLDIR}/Quorvix\")
             file(GLOB plugins \"\$ENV{DESTDIR}\${folder}/*QuorvixQmlPlugin*\")
             if(NOT plugins)
-                file(INSTALL ${module} DESTINATION \"\${folder}\")
+                file(INSTALL \"${files}\" DESTINATION \"\${folder}\")
             endif()"
             COMPONENT quorvix-qml)
     endif()
