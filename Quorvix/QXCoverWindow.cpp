@@ -146,6 +146,7 @@ void QXCoverWindow::updateVisibility()
     if (m_owner)
         setFlag(Qt::WindowStaysOnTopHint, m_owner->flags().testFlag(Qt::WindowStaysOnTopHint));
     setVisible(isWanted());
+    stayAbove();
 }
 
 void QXCoverWindow::setShowsScreens(bool shows)
@@ -190,6 +191,15 @@ void QXCoverWindow::correct()
     }
 }
 
+/// Some window managers put a modal window above all others of its program, also above those that belong to
+/// it, whenever they raise it.
+void QXCoverWindow::stayAbove()
+{
+    if (isVisible() && !parent() && m_owner && m_owner->modality() != Qt::NonModal &&
+        QGuiApplication::focusWindow() == m_owner && QXWindowSystem::overlapsWindows())
+        raise();
+}
+
 bool QXCoverWindow::event(QEvent *event)
 {
     switch (event->type()) {
@@ -207,10 +217,16 @@ bool QXCoverWindow::event(QEvent *event)
     return QQuickWindow::event(event);
 }
 
-/// Sees when the owner's native window goes or comes, as it does when the host changes the flags of a widget.
+/// Sees when the owner's native window goes or comes, as it does when the host changes the flags of a widget,
+/// and when the owner may have been raised: by a click, by its title bar, or because it becomes active.
 bool QXCoverWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_owner && event->type() == QEvent::PlatformSurface) {
+    const bool isOwner = watched == m_owner;
+    const auto type = event->type();
+    if (isOwner && (type == QEvent::FocusIn || type == QEvent::MouseButtonPress || type == QEvent::Move ||
+                    type == QEvent::Expose))
+        QMetaObject::invokeMethod(this, &QXCoverWindow::stayAbove, Qt::QueuedConnection);
+    if (isOwner && type == QEvent::PlatformSurface) {
         const bool isCreated = static_cast<QPlatformSurfaceEvent *>(event)->surfaceEventType() ==
                                QPlatformSurfaceEvent::SurfaceCreated;
         if (isCreated) {

@@ -56,6 +56,7 @@ private:
     void detach();
     void fit();
     void correct();
+    void stayAbove();
     [[nodiscard]] QRect place() const;
     void updateVisibility();
     void showAgain();

@@ -101,6 +101,8 @@ private Q_SLOTS:
     void followsTheActiveWindow_data();
     void followsTheActiveWindow();
     void openScreensStay();
+    void staysAboveItsDialog_data();
+    void staysAboveItsDialog();
     void dialogThatWaits_data();
     void dialogThatWaits();
     void smallDialogGetsARoomyPanel();
@@ -417,6 +419,52 @@ void WidgetHostTest::openScreensStay()
     overlay().dismissRequestList();
     QTRY_VERIFY(covers(*second));
     QCOMPARE(QApplication::activeWindow(), second);
+}
+
+namespace {
+
+QColor colorOnScreen(const QPoint &place)
+{
+    const QPixmap pixel = QGuiApplication::primaryScreen()->grabWindow(0, place.x(), place.y(), 1, 1);
+    return pixel.toImage().pixelColor(0, 0);
+}
+
+} // namespace
+
+void WidgetHostTest::staysAboveItsDialog_data()
+{
+    QTest::addColumn<Qt::WindowModality>("modality");
+    QTest::newRow("modeless") << Qt::NonModal;
+    QTest::newRow("of the window") << Qt::WindowModal;
+    QTest::newRow("of the application") << Qt::ApplicationModal;
+}
+
+/// Looks at the screen, because only there one sees which window is above the other.
+void WidgetHostTest::staysAboveItsDialog()
+{
+    if (QGuiApplication::platformName() != "xcb"_L1)
+        QSKIP("A program can look at the screen only there.");
+    QFETCH(Qt::WindowModality, modality);
+    auto *const main = makeMain(*m_host);
+    start(*main);
+    auto *const dialog = m_host->make<QDialog>(main);
+    dialog->setPalette(Qt::magenta);
+    dialog->resize(500, 450);
+    dialog->setWindowModality(modality);
+    dialog->show();
+    QTRY_VERIFY(covers(*dialog));
+    const auto isButtonOnTop = [dialog] {
+        const QPointF button = overlayOfClient().buttonCenter();
+        return colorOnScreen(dialog->mapToGlobal(dialog->rect().center())) == Qt::magenta &&
+               colorOnScreen(dialog->mapToGlobal(button.toPoint() - QPoint(0, 16))) != Qt::magenta;
+    };
+    QTRY_VERIFY(isButtonOnTop());
+    // As the window manager does when the user clicks the dialog.
+    dialog->raise();
+    QTest::mouseClick(dialog->windowHandle(), Qt::LeftButton, {}, QPoint(250, 100));
+    QTRY_VERIFY(isButtonOnTop());
+    dialog->move(dialog->pos() + QPoint(30, 20));
+    QTRY_VERIFY(covers(*dialog) && isButtonOnTop());
 }
 
 void WidgetHostTest::dialogThatWaits_data()
