@@ -5,6 +5,7 @@
 #include "Quorvix/QXOverlay.h"
 #include "Quorvix/QXSessionHook.h"
 
+#include "Platform/ApplicationEnd.h"
 #include "Platform/MainActor.h"
 
 #include <QtGui/QGuiApplication>
@@ -54,6 +55,8 @@ void QuorvixClient::show()
         m_overlayWindow.reset(new QXOverlay(m_presentation));
         // Windows cannot outlive the application that shows them.
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, m_overlayWindow.get(), [this] { hide(); });
+        qRemovePostRoutine(&QuorvixClient::stopDrawing);
+        ApplicationEnd::call(&QuorvixClient::stopDrawing);
         qRemovePostRoutine(&QuorvixClient::applicationEnds);
         qAddPostRoutine(&QuorvixClient::applicationEnds);
     }
@@ -73,6 +76,14 @@ void QuorvixClient::applicationEnds()
     shared().hide();
     // No event loop runs after this, so deferred deletions must be processed now.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+/// Also called by exit(), while a thread may draw our windows, which would then use Qt's destroyed static
+/// objects. Deletes nothing, because the host may call exit() in a handler that a screen has called.
+void QuorvixClient::stopDrawing()
+{
+    if (QXOverlay *const overlay = shared().overlayWindow())
+        overlay->setHidden(true);
 }
 
 QXPresentation QuorvixClient::presentation() const

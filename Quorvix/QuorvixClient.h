@@ -55,6 +55,7 @@ private:
     ~QuorvixClient();
 
     static void applicationEnds();
+    static void stopDrawing();
 
     struct DeleteLater
     {

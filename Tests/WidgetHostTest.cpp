@@ -3,6 +3,7 @@
 #include "Quorvix/QXFramedWindow.h"
 #include "Quorvix/QXWindowSystem.h"
 
+#include <QtCore/QProcess>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
@@ -16,8 +17,13 @@
 #include <QtWidgets/QSplashScreen>
 #include <QtWidgets/QTextEdit>
 
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
 using namespace HostWindows;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -114,6 +120,8 @@ private Q_SLOTS:
     void modalDialogsSideBySide();
     void endsWithTheHost_data();
     void endsWithTheHost();
+    void exitsWhileItDraws_data();
+    void exitsWhileItDraws();
 
 private:
     void start(QWidget &window);
@@ -681,10 +689,72 @@ void WidgetHostTest::endsWithTheHost()
     QCOMPARE(QApplication::exec(), 0);
 }
 
+namespace {
+
+constexpr auto drawingHost = "--drawing-host"_L1;
+
+/// A host that calls exit() while the inspector draws.
+int runDrawingHost(QXPresentation presentation)
+{
+    QMainWindow window;
+    window.resize(600, 500);
+    window.show();
+    auto &client = QuorvixClient::shared();
+    client.setPresentation(presentation);
+    client.start();
+    int frames = 0;
+    QTimer opening;
+    QObject::connect(&opening, &QTimer::timeout, &window, [&] {
+        if (!overlayOfClient().window())
+            return;
+        opening.stop();
+        overlayOfClient().handleFloatingButtonTap();
+        QQuickWindow *const screens = overlayOfClient().screenWindow();
+        // In the thread that draws, which then needs no other thread for the next frame.
+        QObject::connect(
+            screens, &QQuickWindow::frameSwapped, screens, [screens] { screens->update(); },
+            Qt::DirectConnection);
+        QObject::connect(screens, &QQuickWindow::frameSwapped, screens, [&frames] {
+            if (++frames == 10)
+                std::exit(0);
+        });
+        screens->update();
+    });
+    opening.start(10);
+    return QApplication::exec();
+}
+
+} // namespace
+
+void WidgetHostTest::exitsWhileItDraws_data()
+{
+    QTest::addColumn<QXPresentation>("presentation");
+    QTest::newRow("panel") << QXPresentation::panel;
+    QTest::newRow("window") << QXPresentation::window;
+}
+
+void WidgetHostTest::exitsWhileItDraws()
+{
+    QFETCH(QXPresentation, presentation);
+    QProcess host;
+    host.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    host.start(QCoreApplication::applicationFilePath(), {drawingHost, QString::number(int(presentation))});
+    QVERIFY(host.waitForFinished());
+    QCOMPARE(host.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(host.exitCode(), 0);
+}
+
 int main(int argc, char *argv[])
 {
-    addScreens();
+    const bool isDrawingHost = argc == 3 && QLatin1StringView(argv[1]) == drawingHost;
+    // Registered first and called last: then another thread has time to use what is destroyed.
+    if (isDrawingHost)
+        std::atexit([] { std::this_thread::sleep_for(300ms); });
+    else
+        addScreens();
     const QApplication application(argc, argv);
+    if (isDrawingHost)
+        return runDrawingHost(static_cast<QXPresentation>(QString::fromLatin1(argv[2]).toInt()));
     WidgetHostTest test;
     return QTest::qExec(&test, argc, argv);
 }
