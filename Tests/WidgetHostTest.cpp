@@ -396,6 +396,9 @@ void WidgetHostTest::followsTheActiveWindow()
     QTRY_VERIFY(!modal || QGuiApplication::focusWindow() == modal);
     QTest::qWait(50); // what does not follow has the time to do so
     QTRY_VERIFY(covers(*covered));
+    // In some versions of Qt a click beside a popup only closes the popup.
+    while (QWidget *const popup = QApplication::activePopupWidget())
+        popup->close();
     press("QXFloatingButton");
     QTRY_VERIFY(has("QXRequestListView"));
     QTRY_COMPARE(QGuiApplication::focusWindow(), &place());
@@ -404,8 +407,6 @@ void WidgetHostTest::followsTheActiveWindow()
     QTRY_VERIFY(covers(*covered));
     while (m_host->objects.size() > before)
         m_host->objects.pop_back();
-    if (auto *const box = main->findChild<QComboBox *>())
-        box->hidePopup();
     QTRY_VERIFY(covers(*main));
 }
 
