@@ -67,7 +67,11 @@ void QXCoverWindow::follow(QWindow &area)
         connect(&area, changed, this, &QXCoverWindow::fit);
     connect(&area, &QWindow::screenChanged, this, &QXCoverWindow::fit);
     const auto update = [this] {
-        updateVisibility();
+        // The host's window says that it is visible before it is: ours would come first, and be below it.
+        if (isWanted())
+            QMetaObject::invokeMethod(this, &QXCoverWindow::updateVisibility, Qt::QueuedConnection);
+        else
+            updateVisibility();
         Q_EMIT placeLost();
     };
     connect(&area, &QWindow::visibleChanged, this, update);
