@@ -68,7 +68,8 @@ void QXCoverWindow::follow(QWindow &area)
     connect(&area, &QWindow::screenChanged, this, &QXCoverWindow::fit);
     const auto update = [this] {
         // The host's window says that it is visible before it is: ours would come first, and be below it.
-        if (isWanted())
+        m_isDelayed = isWanted();
+        if (m_isDelayed)
             QMetaObject::invokeMethod(this, &QXCoverWindow::updateVisibility, Qt::QueuedConnection);
         else
             updateVisibility();
@@ -141,6 +142,7 @@ void QXCoverWindow::setHidden(bool hidden)
 
 void QXCoverWindow::updateVisibility()
 {
+    m_isDelayed = false;
     if (isVisible() == isWanted())
         return;
     // The window manager may have minimised this window together with the host's.

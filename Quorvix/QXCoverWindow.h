@@ -31,7 +31,7 @@ public:
     /// Hides or shows this window, if the window that it covers is visible.
     void setHidden(bool hidden);
     /// Whether the user has closed this window.
-    [[nodiscard]] bool isClosed() const { return isWanted() && !isVisible(); }
+    [[nodiscard]] bool isClosed() const { return isWanted() && !isVisible() && !m_isDelayed; }
 
     /// Sets whether a screen is open. Only then this window takes the keyboard, at once and also when it is
     /// clicked, and is larger than a host's window that has no room for a screen.
@@ -66,4 +66,6 @@ private:
     int m_corrections = 0;
     bool m_isHidden = true;
     bool m_showsScreens = false;
+    /// Whether this window is about to be shown, after the host's.
+    bool m_isDelayed = false;
 };

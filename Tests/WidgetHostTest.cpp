@@ -194,10 +194,6 @@ void WidgetHostTest::liesExactlyOverTheWindow_data()
         window.setWindowFlag(Qt::WindowStaysOnTopHint);
         window.show();
     });
-    QTest::newRow("no frame") << Act([](QWidget &window) {
-        window.setWindowFlag(Qt::FramelessWindowHint);
-        window.show();
-    });
     QTest::newRow("new native window") << Act([](QWidget &window) {
         window.windowHandle()->destroy();
         window.windowHandle()->show();
