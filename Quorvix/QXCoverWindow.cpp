@@ -76,7 +76,10 @@ void QXCoverWindow::follow(QWindow &area)
         Q_EMIT placeLost();
     };
     connect(&area, &QWindow::visibleChanged, this, update);
-    connect(&area, &QWindow::windowStateChanged, this, update);
+    connect(&area, &QWindow::windowStateChanged, this, [this] {
+        updateVisibility();
+        Q_EMIT placeLost();
+    });
     connect(&area, &QObject::destroyed, this, update);
 }
 
