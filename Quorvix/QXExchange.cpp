@@ -114,7 +114,7 @@ void QXExchange::complete(const NSURLResponsePtr &response, const std::optional<
     auto report = [id = m_id, response, data, error, now = QXMoment::now()] {
         QXRequestRecorder::shared().complete(id, response, data, error, now);
     };
-    auto task = [id = m_id, request = m_request, response, data, error, report,
+    auto task = [id = m_id, request = std::move(m_request), response, data, error, report,
                  deliver = std::move(deliver)] {
         if (QXBreakpointCenter::shared().check(request, id, data, response, error, deliver))
             return;

@@ -17,7 +17,8 @@
 ///
 /// The import alone captures what the engine loads from the network: XMLHttpRequest, Image, FontLoader,
 /// XmlListModel and the rest. It wraps the network access manager factory that the engine has by then.
-/// start() is QuorvixClient::start(); it adds the button, and sessions with completion handlers.
+/// start() is QuorvixClient::start(); it adds the button. It captures sessions with completion handlers, too,
+/// as does each use of logLevel or presentation.
 ///
 /// Each engine has its own object; all of them show the one inspector of the process. Main thread only.
 class QXQmlClient : public QObject
