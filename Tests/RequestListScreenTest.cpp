@@ -304,9 +304,14 @@ void RequestListScreenTest::longUrlsStaySmooth()
         (void)m_window->grabWindow();
         return timer.elapsed();
     };
-    const qint64 usual = timeWith(u"usual"_s);
-    const qint64 extreme = timeWith(u"0123456789/"_s.repeated(27'000));
-    QVERIFY2(extreme < 2 * usual + 100, qPrintable(u"%1 ms instead of %2"_s.arg(extreme).arg(usual)));
+    // Another process can slow one of the two down, but hardly each time.
+    bool isSmooth = false;
+    for (int attempts = 3; !isSmooth; --attempts) {
+        const qint64 usual = timeWith(u"usual"_s);
+        const qint64 extreme = timeWith(u"0123456789/"_s.repeated(27'000));
+        isSmooth = extreme < 2 * usual + 100;
+        QVERIFY2(isSmooth || attempts > 1, qPrintable(u"%1 ms instead of %2"_s.arg(extreme).arg(usual)));
+    }
     type("59/");
     QTRY_COMPARE(titles().size(), 1);
     QVERIFY(titles()[0].startsWith(u"GET /items/159/0123"_s) && titles()[0].endsWith(u"789//end"_s));
