@@ -15,11 +15,6 @@ namespace {
 /// The size of a panel over a window that has no room for one.
 constexpr QSize panelSize(390, 600);
 
-bool isRoomy(QSize size)
-{
-    return size.expandedTo(QXCoverWindow::usableSize) == size;
-}
-
 /// A panel in the middle of @p area, as far as the screen allows.
 QRect panelOver(const QRect &area, const QRect &screen)
 {
@@ -33,6 +28,11 @@ QRect panelOver(const QRect &area, const QRect &screen)
 }
 
 } // namespace
+
+bool QXCoverWindow::isRoomy(QSize size)
+{
+    return size.expandedTo(usableSize) == size;
+}
 
 QXCoverWindow::QXCoverWindow()
 {

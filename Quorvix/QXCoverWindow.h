@@ -17,6 +17,8 @@ class QXCoverWindow final : public QQuickWindow
 public:
     /// The smallest window in which screens can be used.
     static constexpr QSize usableSize{320, 400};
+    /// Whether screens can be used in a window of this size.
+    [[nodiscard]] static bool isRoomy(QSize size);
 
     QXCoverWindow();
     ~QXCoverWindow() override;

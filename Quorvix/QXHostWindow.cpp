@@ -13,21 +13,10 @@
 
 namespace {
 
-bool isForLong(const QWindow &window)
-{
-    return window.type() != Qt::Popup && window.type() != Qt::ToolTip && window.type() != Qt::SplashScreen;
-}
-
-/// Whether a window is one of those with which a user works, and not a dialog or a tool beside it.
-bool isMain(const QWindow &window)
-{
-    return window.type() == Qt::Window;
-}
-
 /// Whether the button can be over a window, and screens can be used in it.
 bool isRoomy(const QWindow &window)
 {
-    return window.type() != Qt::Tool && window.size().expandedTo(QXCoverWindow::usableSize) == window.size();
+    return window.type() != Qt::Tool && QXCoverWindow::isRoomy(window.size());
 }
 
 } // namespace
@@ -212,7 +201,7 @@ bool QXHostWindow::eventFilter(QObject *watched, QEvent *event)
 bool QXHostWindow::isHostWindow(const QWindow *window) const
 {
     return window && window != m_cover.get() && window != m_frame.get() && window->isVisible() &&
-           isForLong(*window);
+           QXWindowSystem::isForLong(*window);
 }
 
 bool QXHostWindow::isCoverable(const QWindow *window) const
@@ -263,9 +252,10 @@ QWindow *QXHostWindow::next() const
     // Between Qt Quick windows, and for their dialogs, the button stays: its items would have to be made
     // again.
     if (!m_cover && isHostReachable() &&
-        (!window || !isMain(*window) || qobject_cast<QQuickWindow *>(window)))
+        (!window || !QXWindowSystem::isMain(*window) || qobject_cast<QQuickWindow *>(window)))
         return last;
-    if (!window || isMain(*window) || isRoomy(*window) || qobject_cast<QQuickWindow *>(window))
+    if (!window || QXWindowSystem::isMain(*window) || isRoomy(*window) ||
+        qobject_cast<QQuickWindow *>(window))
         return window;
     // A small dialog has no room for the button: the window to which it belongs keeps it.
     const auto canKeep = [this](const QWindow *other) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QList>
 #include <QtCore/QVariant>
 
 #include <optional>
@@ -9,6 +10,16 @@ template<typename Record>
 [[nodiscard]] QVariant asVariant(const std::optional<Record> &record)
 {
     return record ? QVariant::fromValue(*record) : QVariant();
+}
+
+/// Converts records for QML, one by one.
+template<typename Record>
+[[nodiscard]] QVariantList asVariants(const QList<Record> &records)
+{
+    QVariantList variants;
+    for (const Record &record : records)
+        variants.append(QVariant::fromValue(record));
+    return variants;
 }
 
 /// Converts a value from QML to a record; absent for undefined and for values of another type.

@@ -45,14 +45,6 @@ QXRequestDetailsViewModel::Kind kindFor(QXRequestSection::Kind kind)
     return QXRequestDetailsViewModel::ValueSection;
 }
 
-QVariantList asVariants(const QList<QXRequestValue> &values)
-{
-    QVariantList variants;
-    for (const QXRequestValue &value : values)
-        variants.append(QVariant::fromValue(value));
-    return variants;
-}
-
 /// Whether the source of a running exchange has told what has arrived, since @p before.
 bool hasAnswer(const QXRequestTrace &before, const QXRequestTrace &now)
 {

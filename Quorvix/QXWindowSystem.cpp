@@ -80,6 +80,16 @@ bool QXWindowSystem::blendsWindows()
     return true;
 }
 
+bool QXWindowSystem::isForLong(const QWindow &window)
+{
+    return window.type() != Qt::Popup && window.type() != Qt::ToolTip && window.type() != Qt::SplashScreen;
+}
+
+bool QXWindowSystem::isMain(const QWindow &window)
+{
+    return window.type() == Qt::Window;
+}
+
 QWindow *QXWindowSystem::blocker(const QWindow &window)
 {
     QWindow *const newest = QGuiApplication::modalWindow();

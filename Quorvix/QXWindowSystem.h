@@ -23,6 +23,12 @@ namespace QXWindowSystem {
 /// under X11.
 [[nodiscard]] bool blendsWindows();
 
+/// Whether a window stays until the user or the program closes it: it is no menu, tool tip or splash screen.
+[[nodiscard]] bool isForLong(const QWindow &window);
+
+/// Whether a window is one of those with which a user works, and not a dialog or a tool beside it.
+[[nodiscard]] bool isMain(const QWindow &window);
+
 /// The modal window that keeps input from @p window and has input itself, or null.
 [[nodiscard]] QWindow *blocker(const QWindow &window);
 
