@@ -30,6 +30,7 @@ enum NSCocoaErrorCode : qint64 {
     NSFileWriteUnknownError = 512,
     NSFileWriteNoPermissionError = 513,
     NSFileWriteInvalidFileNameError = 514,
+    NSUserCancelledError = 3072,
     NSPropertyListReadCorruptError = 3840,
 };
 
