@@ -33,8 +33,10 @@ constexpr Sentence sentences[] = {
      QT_TRANSLATE_NOOP("Quorvix", "redirected to a location that does not exist")},
     {NSURLErrorBadServerResponse, QT_TRANSLATE_NOOP("Quorvix", "There was a bad response from the server.")},
     {NSURLErrorUserAuthenticationRequired, QT_TRANSLATE_NOOP("Quorvix", "Authentication is required.")},
+    {NSURLErrorCannotDecodeRawData, QT_TRANSLATE_NOOP("Quorvix", "cannot decode raw data")},
     {NSURLErrorCannotDecodeContentData, QT_TRANSLATE_NOOP("Quorvix", "cannot decode the content")},
     {NSURLErrorCannotParseResponse, QT_TRANSLATE_NOOP("Quorvix", "cannot parse response")},
+    {NSURLErrorDataLengthExceedsMaximum, QT_TRANSLATE_NOOP("Quorvix", "resource exceeds maximum size")},
     {NSURLErrorSecureConnectionFailed,
      QT_TRANSLATE_NOOP("Quorvix", "A TLS error caused the secure connection to fail.")},
     {NSURLErrorServerCertificateHasBadDate,
@@ -47,6 +49,8 @@ constexpr Sentence sentences[] = {
      QT_TRANSLATE_NOOP("Quorvix", "The certificate for this server is invalid.")},
     {NSURLErrorClientCertificateRejected,
      QT_TRANSLATE_NOOP("Quorvix", "The server did not accept the certificate.")},
+    {NSURLErrorClientCertificateRequired,
+     QT_TRANSLATE_NOOP("Quorvix", "The server requires a client certificate.")},
 };
 
 const char *sentenceFor(NSURLErrorCode code)

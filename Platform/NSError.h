@@ -51,14 +51,17 @@ enum NSURLErrorCode : qint64 {
     NSURLErrorRedirectToNonExistentLocation = -1010,
     NSURLErrorBadServerResponse = -1011,
     NSURLErrorUserAuthenticationRequired = -1013,
+    NSURLErrorCannotDecodeRawData = -1015,
     NSURLErrorCannotDecodeContentData = -1016,
     NSURLErrorCannotParseResponse = -1017,
+    NSURLErrorDataLengthExceedsMaximum = -1103,
     NSURLErrorSecureConnectionFailed = -1200,
     NSURLErrorServerCertificateHasBadDate = -1201,
     NSURLErrorServerCertificateUntrusted = -1202,
     NSURLErrorServerCertificateHasUnknownRoot = -1203,
     NSURLErrorServerCertificateNotYetValid = -1204,
     NSURLErrorClientCertificateRejected = -1205,
+    NSURLErrorClientCertificateRequired = -1206,
 };
 
 /// An error of NSURLErrorDomain with the platform's sentence for @p code. Any thread.

@@ -5,10 +5,12 @@
 #include "Platform/UTF8Text.h"
 
 #include <QtCore/QHash>
+#include <QtCore/QRegularExpression>
 #include <QtNetwork/QNetworkReply>
 #include <QtNetwork/QSslError>
 
 #include <algorithm>
+#include <array>
 
 namespace Quorvix {
 
@@ -29,6 +31,66 @@ NSURLErrorCode codeForCertificate(QSslError::SslError error)
     default:
         return NSURLErrorServerCertificateUntrusted;
     }
+}
+
+NSURLErrorCode codeForAlert(uint alert)
+{
+    // RFC 8446, 6.2. The server complains about what it was sent, which is the client's certificate.
+    constexpr std::array<uint, 7> refusals{
+        42, // bad_certificate
+        43, // unsupported_certificate
+        44, // certificate_revoked
+        45, // certificate_expired
+        46, // certificate_unknown
+        48, // unknown_ca
+        49, // access_denied
+    };
+    constexpr uint certificateRequired = 116;
+    if (alert == certificateRequired)
+        return NSURLErrorClientCertificateRequired;
+    return std::ranges::find(refusals, alert) != refusals.end() ? NSURLErrorClientCertificateRejected
+                                                                : NSURLErrorSecureConnectionFailed;
+}
+
+/// The error of TLS in the text of an error; absent when there is none. Qt passes on the texts of OpenSSL,
+/// whose words depend on its version, but not their numbers: those of the library for TLS, and of the reason,
+/// which is 1000 more than the number of the alert that the server has sent.
+std::optional<NSURLErrorCode> codeForTls(const QString &errorString)
+{
+    static const QRegularExpression number(QStringLiteral("\\berror:([0-9A-Fa-f]{8}):"));
+    constexpr uint tlsLibrary = 20;
+    constexpr uint firstAlert = 1000;
+    std::optional<NSURLErrorCode> code;
+    for (auto it = number.globalMatch(errorString); it.hasNext();) {
+        const uint packed = it.next().capturedView(1).toUInt(nullptr, 16);
+        // OpenSSL 3 has moved the library's number.
+        if ((packed >> 23) != tlsLibrary && (packed >> 24) != tlsLibrary)
+            continue;
+        const uint reason = packed & 0xFFF;
+        code = reason >= firstAlert ? codeForAlert(reason - firstAlert) : NSURLErrorSecureConnectionFailed;
+        if (code != NSURLErrorSecureConnectionFailed)
+            break;
+    }
+    return code;
+}
+
+/// The length that the header declares for the body as it comes over the wire; absent when it declares none,
+/// or several.
+std::optional<qint64> declaredLength(const QNetworkReply &reply)
+{
+    // A length beside a transfer coding does not count (RFC 9112, 6.3).
+    if (reply.hasRawHeader("Transfer-Encoding"))
+        return std::nullopt;
+    std::optional<qint64> length;
+    const QList<QByteArray> values = reply.rawHeader("Content-Length").split(',');
+    for (const QByteArray &value : values) {
+        bool isNumber = false;
+        const qint64 number = value.trimmed().toLongLong(&isNumber);
+        if (!isNumber || number < 0 || (length && *length != number))
+            return std::nullopt;
+        length = number;
+    }
+    return length;
 }
 
 /// The texts of names that this thread has met. An object that is destroyed at the end of the program, such
@@ -134,8 +196,9 @@ std::optional<NSURLErrorCode> ReplyOutcome::transportError(const QNetworkReply &
         return NSURLErrorNotConnectedToInternet;
     case QNetworkReply::SslHandshakeFailedError: {
         const QVariant certificate = reply.property(certificateErrorProperty);
-        return certificate.isValid() ? codeForCertificate(QSslError::SslError(certificate.toInt()))
-                                     : NSURLErrorSecureConnectionFailed;
+        if (certificate.isValid())
+            return codeForCertificate(QSslError::SslError(certificate.toInt()));
+        return codeForTls(reply.errorString()).value_or(NSURLErrorSecureConnectionFailed);
     }
     case QNetworkReply::TooManyRedirectsError:
         return NSURLErrorHTTPTooManyRedirects;
@@ -158,13 +221,23 @@ std::optional<NSURLErrorCode> ReplyOutcome::transportError(const QNetworkReply &
             return NSURLErrorCannotDecodeContentData;
         break;
     case QNetworkReply::UnknownNetworkError:
-        return NSURLErrorCannotConnectToHost;
+        // With TLS 1.3 the server looks at the client's certificate after the client has ended the handshake.
+        return codeForTls(reply.errorString()).value_or(NSURLErrorCannotConnectToHost);
     case QNetworkReply::UnknownProxyError:
         return NSURLErrorCannotConnectToHost;
     default:
         break;
     }
     return isStatus ? std::nullopt : std::optional(NSURLErrorUnknown);
+}
+
+bool ReplyOutcome::isCutShort(const QNetworkReply &reply, qint64 receivedBytes, const QString &method)
+{
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    // RFC 9110, 6.4.1
+    if (method == QLatin1StringView("HEAD") || status < 200 || status == 204 || status == 304)
+        return false;
+    return receivedBytes < declaredLength(reply).value_or(0);
 }
 
 } // namespace Quorvix

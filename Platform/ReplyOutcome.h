@@ -34,7 +34,17 @@ void noteCertificateErrors(QNetworkReply &reply, const QList<QSslError> &errors)
 
 /// The error that ended the transport. An HTTP status code is not an error: it arrives as a response.
 /// @p isCancelled tells whether the application ended the reply; Qt reports a time-out in the same way.
+/// A client certificate that the server refuses or misses is told where Qt uses OpenSSL and the server says
+/// so by a TLS alert of its own: the general alert for a failed handshake, which servers below TLS 1.3 send
+/// when they miss a certificate, is NSURLErrorSecureConnectionFailed.
 [[nodiscard]] std::optional<NSURLErrorCode> transportError(const QNetworkReply &reply, bool isCancelled);
+
+/// Whether the body is shorter than its Content-Length, although Qt may report no error: the connection was
+/// lost.
+/// @p receivedBytes counts the body as it came over the wire, before content codings are decoded. False when
+/// nothing can tell: for a response without that header, such as a chunked one, for one whose header Qt has
+/// removed because it decodes the body itself, and for one that has no body in answer to @p method.
+[[nodiscard]] bool isCutShort(const QNetworkReply &reply, qint64 receivedBytes, const QString &method);
 
 } // namespace ReplyOutcome
 

@@ -548,11 +548,19 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>cannot decode raw data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>cannot decode the content</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>cannot parse response</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>resource exceeds maximum size</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -565,6 +573,10 @@
     </message>
     <message>
         <source>The server did not accept the certificate.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server requires a client certificate.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
