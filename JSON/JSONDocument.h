@@ -15,6 +15,9 @@ public:
     static constexpr int maximumDepth = 1024;
 
     [[nodiscard]] JSONValue root() const noexcept;
+    /// A measure of the work that the whole document makes: JSONValue::extent() of each value, and one for
+    /// each name. Takes constant time.
+    [[nodiscard]] qsizetype size() const noexcept;
 
 private:
     friend class JSONReader;

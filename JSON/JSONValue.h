@@ -25,6 +25,11 @@ public:
     class Members;
 
     [[nodiscard]] Kind kind() const noexcept;
+    /// What a value of this kind adds to JSONDocument::size(), without its name and what it holds.
+    [[nodiscard]] static constexpr qsizetype extent(Kind kind) noexcept
+    {
+        return kind == Kind::Object || kind == Kind::Array || kind == Kind::Number ? 2 : 1;
+    }
 
     /// The text of a String, valid UTF-8; empty for other kinds. It may hold NUL.
     [[nodiscard]] QByteArrayView utf8() const noexcept;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace Quorvix {
@@ -20,24 +21,34 @@ constexpr qsizetype firstBufferSize = 4096;
 /// The number of text units that are written at once. A small chunk keeps the room for the worst case small.
 /// Divisible by three because Base64 encodes three bytes at a time.
 constexpr qsizetype chunkSize = 12'288;
+/// The number of bytes of a text after which a checkpoint is asked.
+constexpr qsizetype checkpointInterval = 64 * chunkSize;
 using Member = JSONValue::Members::Member;
 
 /// Writes parsed values. One stack holds the members of all objects that are being written.
 class ValueWriter
 {
 public:
-    ValueWriter(JSONWriter &writer, JSONWriter::KeyOrder order) : m_writer(writer), m_order(order) {}
+    ValueWriter(JSONWriter &writer, JSONWriter::KeyOrder order, const JSONWriter::Checkpoint &checkpoint)
+        : m_writer(writer), m_order(order), m_checkpoint(checkpoint),
+          m_next(checkpoint ? 0 : std::numeric_limits<qsizetype>::max())
+    {
+    }
 
     // JSONReader::maximumDepth limits the recursion.
     void write(const JSONValue &value) // NOLINT(misc-no-recursion)
     {
-        switch (value.kind()) {
+        const JSONValue::Kind kind = value.kind();
+        m_done += JSONValue::extent(kind);
+        if (m_done >= m_next && !ask())
+            return;
+        switch (kind) {
         case JSONValue::Kind::Object:
             return writeObject(value);
         case JSONValue::Kind::Array:
             return writeArray(value);
         case JSONValue::Kind::String:
-            return m_writer.utf8(value.utf8());
+            return writeString(value);
         case JSONValue::Kind::Number:
             return writeNumber(value);
         case JSONValue::Kind::Boolean:
@@ -51,8 +62,11 @@ private:
     void writeArray(const JSONValue &array) // NOLINT(misc-no-recursion)
     {
         m_writer.beginArray();
-        for (const JSONValue element : array.elements())
+        for (const JSONValue element : array.elements()) {
+            if (m_isStopped)
+                return;
             write(element);
+        }
         m_writer.endArray();
     }
 
@@ -83,8 +97,26 @@ private:
 
     void writeMember(const Member &member) // NOLINT(misc-no-recursion)
     {
+        if (m_isStopped)
+            return;
+        ++m_done;
         m_writer.keyUtf8(member.name);
         write(member.value);
+    }
+
+    void writeString(const JSONValue &string)
+    {
+        if (!m_checkpoint)
+            return m_writer.utf8(string.utf8());
+        m_writer.utf8(string.utf8(), [&](qsizetype) { return ask(); });
+    }
+
+    bool ask()
+    {
+        constexpr qsizetype interval = 8192;
+        m_next = m_done + interval;
+        m_isStopped = m_isStopped || !m_checkpoint(m_done);
+        return !m_isStopped;
     }
 
     void writeNumber(const JSONValue &number)
@@ -103,6 +135,11 @@ private:
 
     JSONWriter &m_writer;
     const JSONWriter::KeyOrder m_order;
+    const JSONWriter::Checkpoint &m_checkpoint;
+    qsizetype m_done = 0;
+    /// What is done when the checkpoint is asked next.
+    qsizetype m_next;
+    bool m_isStopped = false;
     std::vector<Member> m_members;
 };
 
@@ -176,17 +213,19 @@ void JSONWriter::string(QStringView text)
     put('"');
 }
 
-void JSONWriter::utf8(QByteArrayView text)
+void JSONWriter::utf8(QByteArrayView text, const Checkpoint &checkpoint)
 {
     beginValue();
-    writeEscaped(text);
+    writeEscaped(text, checkpoint);
 }
 
-void JSONWriter::base64(QByteArrayView bytes)
+void JSONWriter::base64(QByteArrayView bytes, const Checkpoint &checkpoint)
 {
     beginValue();
     put('"');
     for (qsizetype i = 0; i < bytes.size(); i += chunkSize) {
+        if (checkpoint && i % checkpointInterval == 0 && i > 0 && !checkpoint(i))
+            return;
         const QByteArrayView chunk = bytes.sliced(i, std::min(chunkSize, bytes.size() - i));
         m_cursor = JSONEscape::base64(chunk, room(JSONEscape::roomForBase64(chunk.size())));
     }
@@ -236,9 +275,9 @@ void JSONWriter::null()
     put("null");
 }
 
-void JSONWriter::value(const JSONValue &value, KeyOrder order)
+void JSONWriter::value(const JSONValue &value, KeyOrder order, const Checkpoint &checkpoint)
 {
-    ValueWriter(*this, order).write(value);
+    ValueWriter(*this, order, checkpoint).write(value);
 }
 
 std::optional<NSError> JSONWriter::finish()
@@ -305,10 +344,12 @@ void JSONWriter::writeName(QByteArrayView name)
     m_afterKey = true;
 }
 
-void JSONWriter::writeEscaped(QByteArrayView text)
+void JSONWriter::writeEscaped(QByteArrayView text, const Checkpoint &checkpoint)
 {
     put('"');
     for (qsizetype i = 0; i < text.size(); i += chunkSize) {
+        if (checkpoint && i % checkpointInterval == 0 && i > 0 && !checkpoint(i))
+            return;
         const QByteArrayView chunk = text.sliced(i, std::min(chunkSize, text.size() - i));
         m_cursor = JSONEscape::utf8(chunk, room(JSONEscape::roomForText(chunk.size())));
     }

@@ -7,6 +7,7 @@
 #include <QtCore/QLatin1StringView>
 #include <QtCore/QStringView>
 
+#include <functional>
 #include <optional>
 
 class QIODevice;
@@ -14,6 +15,7 @@ class QIODevice;
 namespace Quorvix {
 
 class JSONValue;
+
 /// Writes one JSON text (RFC 8259) piece by piece, into a buffer of its own or to a device.
 ///
 /// The caller supplies a well-formed sequence: a key before each member's value, an end for each begin.
@@ -26,6 +28,9 @@ public:
     /// How the members of a parsed object are ordered: as in its text, or ascending by the code points of
     /// their names.
     enum class KeyOrder { Document, Sorted };
+    /// Asked about every millisecond while a long value is written, with what is done of it: bytes, or
+    /// parts of JSONDocument::size(). Returns false to stop. The text is then incomplete and of no use.
+    using Checkpoint = std::function<bool(qsizetype done)>;
 
     /// Writes to a buffer, which takeBuffer() returns. The buffer grows in small steps, so the peak use of
     /// memory is close to the size of the result.
@@ -46,9 +51,9 @@ public:
     /// Writes text; a lone surrogate becomes U+FFFD.
     void string(QStringView text);
     /// Writes text that is known to be well-formed UTF-8; see isValidUtf8().
-    void utf8(QByteArrayView text);
+    void utf8(QByteArrayView text, const Checkpoint &checkpoint = {});
     /// Writes bytes as Base64 text (RFC 4648, section 4), without line breaks.
-    void base64(QByteArrayView bytes);
+    void base64(QByteArrayView bytes, const Checkpoint &checkpoint = {});
     void integer(qint64 number);
     void unsignedInteger(quint64 number);
     /// Writes a number in the form of text(). JSON has no infinity and no NaN; both are written as 0, so that
@@ -57,7 +62,7 @@ public:
     void boolean(bool value);
     void null();
     /// Writes a whole parsed value, with all members that share a name.
-    void value(const JSONValue &value, KeyOrder order);
+    void value(const JSONValue &value, KeyOrder order, const Checkpoint &checkpoint = {});
 
     /// Writes a number with the digits of a JSON text; they are not checked.
     void number(QByteArrayView digits);
@@ -77,7 +82,7 @@ private:
     void beginValue();
     void breakLine();
     void writeName(QByteArrayView name);
-    void writeEscaped(QByteArrayView text);
+    void writeEscaped(QByteArrayView text, const Checkpoint &checkpoint = {});
 
     /// Where at least @p size bytes can be written. The caller then moves m_cursor behind what it wrote.
     char *room(qsizetype size) { return m_limit - m_cursor < size ? grownRoom(size) : m_cursor; }

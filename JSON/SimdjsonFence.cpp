@@ -146,12 +146,18 @@ simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text)
     return parser.parse_into_document(parsed, text.data(), size_t(text.size()), copies).error();
 }
 
+/// A word on the tape: the type is above this bit, a size or a place below.
+constexpr int typeShift = 56;
+
+size_t tapeSize(const simdjson::dom::document &parsed) noexcept
+{
+    return parsed.tape[0] & ((quint64(1) << typeShift) - 1);
+}
+
 /// Finds the places of wide numbers on the tape: one word for each value, and a second one for a number.
 void locate(ParsedText &parsed, std::vector<JSONWideNumbers::Number> numbers)
 {
-    constexpr int typeShift = 56;
-    constexpr quint64 payloadMask = (quint64(1) << typeShift) - 1;
-    const size_t end = parsed.tape[0] & payloadMask;
+    const size_t end = tapeSize(parsed);
     auto next = numbers.begin();
     size_t ordinal = 0;
     for (size_t index = 1; index < end && next != numbers.end(); ++index) {
@@ -198,6 +204,11 @@ JSONValue JSONDocument::root() const noexcept
 {
     const auto *parsed = static_cast<const ParsedText *>(m_storage.get());
     return JSONValue(recast<JSONValue::Cursor>(parsed->root()));
+}
+
+qsizetype JSONDocument::size() const noexcept
+{
+    return qsizetype(tapeSize(*static_cast<const ParsedText *>(m_storage.get())));
 }
 
 JSONValue::Kind JSONValue::kind() const noexcept

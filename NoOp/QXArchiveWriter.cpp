@@ -35,12 +35,12 @@ QByteArray QXArchiveWriter::archive(const Source &)
         .toUtf8();
 }
 
-std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice &device)
+std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice &device, QXTaskProgress *)
 {
     return writeAll(device, archive(traces));
 }
 
-std::optional<NSError> QXArchiveWriter::write(const Source &, const QString &path)
+std::optional<NSError> QXArchiveWriter::write(const Source &, const QString &path, QXTaskProgress *)
 {
     return QXTemporaryFile::replace(path, [](QIODevice &file) { return archive({}, file); });
 }
@@ -51,7 +51,7 @@ QString QXArchiveWriter::exportFileName(const QXRequestTrace &, std::chrono::sys
 }
 
 Result<QUrl> QXArchiveWriter::exportTrace(const QXRequestTrace &trace,
-                                          std::chrono::system_clock::time_point now)
+                                          std::chrono::system_clock::time_point now, QXTaskProgress *)
 {
     return QXTemporaryFile::write(QDir::temp(), exportFileName(trace, now),
                                   [](QIODevice &file) { return archive({}, file); });

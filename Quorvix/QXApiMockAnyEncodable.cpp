@@ -1,5 +1,7 @@
 #include "Quorvix/QXApiMockAnyEncodable.h"
 
+#include "Quorvix/QXTaskSteps.h"
+
 #include "JSON/JSONWriter.h"
 
 #include <algorithm>
@@ -19,18 +21,21 @@ struct Member
 class Encoder
 {
 public:
-    explicit Encoder(JSONWriter &writer) : m_writer(writer) {}
+    Encoder(JSONWriter &writer, QXTaskSteps steps) : m_writer(writer), m_steps(steps) {}
 
     // JSONReader::maximumDepth limits the recursion.
     void encode(const JSONValue &value) // NOLINT(misc-no-recursion)
     {
-        switch (value.kind()) {
+        const JSONValue::Kind kind = value.kind();
+        m_done += JSONValue::extent(kind);
+        m_goesOn = m_steps.goOn(m_done);
+        switch (kind) {
         case JSONValue::Kind::Object:
             return encodeObject(value);
         case JSONValue::Kind::Array:
             return encodeArray(value);
         case JSONValue::Kind::String:
-            return m_writer.utf8(value.utf8());
+            return m_writer.utf8(value.utf8(), [&](qsizetype) { return m_steps.goOn(m_done); });
         case JSONValue::Kind::Number:
             return m_writer.number(value.toDouble());
         case JSONValue::Kind::Boolean:
@@ -44,8 +49,11 @@ private:
     void encodeArray(const JSONValue &array) // NOLINT(misc-no-recursion)
     {
         m_writer.beginArray();
-        for (const JSONValue element : array.elements())
+        for (const JSONValue element : array.elements()) {
             encode(element);
+            if (!m_goesOn)
+                return;
+        }
         m_writer.endArray();
     }
 
@@ -65,20 +73,26 @@ private:
             const Member member = m_members[i];
             if (i + 1 < last && m_members[i + 1].key.stringValue == member.key.stringValue)
                 continue;
+            ++m_done;
             m_writer.keyUtf8(member.key.stringValue);
             encode(member.value);
+            if (!m_goesOn)
+                return;
         }
         m_writer.endObject();
         m_members.erase(m_members.begin() + std::ptrdiff_t(first), m_members.end());
     }
 
     JSONWriter &m_writer;
+    QXTaskSteps m_steps;
+    qsizetype m_done = 0;
+    bool m_goesOn = true;
     std::vector<Member> m_members;
 };
 
 } // namespace
 
-void QXApiMockAnyEncodable::encode(JSONWriter &writer) const
+void QXApiMockAnyEncodable::encode(JSONWriter &writer, QXTaskProgress *progress) const
 {
-    Encoder(writer).encode(m_value);
+    Encoder(writer, QXTaskSteps(progress, m_document.size())).encode(m_value);
 }

@@ -7,6 +7,8 @@
 #include <optional>
 #include <utility>
 
+class QXTaskProgress;
+
 namespace Quorvix {
 class JSONWriter;
 } // namespace Quorvix
@@ -42,8 +44,9 @@ public:
     /// last one is written, as in a map.
     ///
     /// Numbers are written as the nearest double. Integers beyond 2^53 lose digits, as in every reader that
-    /// uses doubles for JSON numbers (RFC 8259, 6). Any thread.
-    void encode(Quorvix::JSONWriter &writer) const;
+    /// uses doubles for JSON numbers (RFC 8259, 6). Stops in the middle if the task is cancelled. The current
+    /// stage of @p progress covers the document. Any thread.
+    void encode(Quorvix::JSONWriter &writer, QXTaskProgress *progress = nullptr) const;
 
 private:
     Quorvix::JSONDocument m_document;

@@ -1,5 +1,7 @@
 #include "Quorvix/QXApiMockDefinition.h"
 
+#include "Quorvix/QXTaskSteps.h"
+
 #include "JSON/JSONWriter.h"
 
 #include <QtCore/QCoreApplication>
@@ -31,15 +33,32 @@ void encode(JSONWriter &writer, const QXApiMockRequest &request)
     writer.endObject();
 }
 
-void encode(JSONWriter &writer, const QXApiMockResponse &response)
+void encode(JSONWriter &writer, const QXApiMockResponse &response, QXTaskProgress *progress)
 {
     writer.beginObject();
     writer.key(dataKey);
-    response.data.encode(writer);
+    response.data.encode(writer, progress);
     writer.key(defaultKey);
     writer.boolean(response.isDefault);
     writer.key(statusKey);
     writer.integer(response.status);
+    writer.endObject();
+}
+
+void encode(JSONWriter &writer, const QXApiMockDefinition &definition, QXTaskProgress *progress)
+{
+    writer.beginObject();
+    writer.key(nameKey);
+    writer.string(definition.name);
+    writer.key(requestKey);
+    encode(writer, definition.request);
+    writer.key(responsesKey);
+    writer.beginObject();
+    for (auto it = definition.responses.cbegin(); it != definition.responses.cend(); ++it) {
+        writer.keyUtf8(it.key().toUtf8());
+        encode(writer, *it, progress);
+    }
+    writer.endObject();
     writer.endObject();
 }
 
@@ -125,20 +144,15 @@ std::optional<QXApiMockDefinition> decodeDefinition(const JSONDocument &document
 QByteArray QXApiMockDefinition::encode() const
 {
     JSONWriter writer;
-    writer.beginObject();
-    writer.key(nameKey);
-    writer.string(name);
-    writer.key(requestKey);
-    ::encode(writer, request);
-    writer.key(responsesKey);
-    writer.beginObject();
-    for (auto it = responses.cbegin(); it != responses.cend(); ++it) {
-        writer.keyUtf8(it.key().toUtf8());
-        ::encode(writer, *it);
-    }
-    writer.endObject();
-    writer.endObject();
+    ::encode(writer, *this, nullptr);
     return writer.takeBuffer();
+}
+
+std::optional<NSError> QXApiMockDefinition::encode(QIODevice &device, QXTaskProgress *progress) const
+{
+    JSONWriter writer(device);
+    ::encode(writer, *this, progress);
+    return isCancelled(progress) ? cancelledError() : writer.finish();
 }
 
 Result<QXApiMockDefinition> QXApiMockDefinition::decode(QByteArrayView utf8)

@@ -37,6 +37,9 @@ struct QXApiMockDefinition
 
     /// The definition as pretty-printed JSON with the keys in ascending order. Any thread.
     [[nodiscard]] QByteArray encode() const;
+    /// Writes it to @p device. Fails with the device's own error, or with NSUserCancelledError. The current
+    /// stage of @p progress covers one response.
+    [[nodiscard]] std::optional<Quorvix::NSError> encode(QIODevice &device, QXTaskProgress *progress) const;
     /// Reads the output of encode(). Every key is required, and unknown keys are an error because they would
     /// be lost when the definition is written again.
     ///

@@ -3,6 +3,7 @@
 #include "Quorvix/QXApiMockDefinition.h"
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXPathSegment.h"
+#include "Quorvix/QXTaskSteps.h"
 #include "Quorvix/QXTemporaryFile.h"
 
 #include "JSON/JSONWriter.h"
@@ -17,6 +18,9 @@ using namespace Quorvix;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// The share of the time that it takes to read the body, which is one step; the rest writes the file.
+constexpr double readingShare = 0.3;
 
 constexpr QStringView placeholder = u"{id}";
 
@@ -79,7 +83,7 @@ std::optional<QString> QXApiMockGenerator::relativeFilePath(const QUrl &url, con
            u'_' + method + u".json"_s;
 }
 
-Result<QUrl> QXApiMockGenerator::exportMock(const QXExportedTrace &exported)
+Result<QUrl> QXApiMockGenerator::exportMock(const QXExportedTrace &exported, QXTaskProgress *progress)
 {
     const QXRequestTrace &trace = *exported;
     if (!trace.url)
@@ -88,6 +92,8 @@ Result<QUrl> QXApiMockGenerator::exportMock(const QXExportedTrace &exported)
         return makeError(QXExportError::missingRequestMethod);
     if (!trace.response || !trace.response->body)
         return makeError(QXExportError::missingResponseBody);
+    if (!beginStage(progress, readingShare))
+        return cancelledError();
     const auto body = JSONReader::parse(*trace.response->body, JSONReader::TopLevel::AnyValue);
     if (!body)
         return makeError(QXExportError::responseBodyNotJSON);
@@ -97,6 +103,13 @@ Result<QUrl> QXApiMockGenerator::exportMock(const QXExportedTrace &exported)
 
     if (!isInResourceFolder(*path))
         return makeError(QXExportError::mockFileNotCreated);
-    auto file = QXTemporaryFile::writeText(*path, definitionFor(trace, body.value()).encode());
+    if (!beginStage(progress, 1))
+        return cancelledError();
+    const QXApiMockDefinition definition = definitionFor(trace, body.value());
+    auto file = QXTemporaryFile::writeText(
+        *path, [&](QIODevice &device) { return definition.encode(device, progress); });
+    if (isCancelled(progress))
+        return cancelledError();
+    finish(progress);
     return file ? std::move(file) : makeError(QXExportError::mockFileNotCreated);
 }

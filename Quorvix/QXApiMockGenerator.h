@@ -10,6 +10,8 @@
 
 #include <optional>
 
+class QXTaskProgress;
+
 /// Makes the file that a mock server uses to answer a captured request.
 ///
 /// The rules look at the segments of the URL's path after its percent escapes are decoded. So a mock has the
@@ -37,6 +39,8 @@ public:
     /// Fails with an error of QXExportError and writes nothing: missingRequestURL, missingRequestMethod,
     /// missingResponseBody, responseBodyNotJSON (any JSON value is accepted, also a scalar; an empty body is
     /// not JSON), unmappableRequestPath, mockFileNotCreated. The last error is also reported when the path
-    /// or the method would lead to a folder other than the resource's folder.
-    static Quorvix::Result<QUrl> exportMock(const QXExportedTrace &exported);
+    /// or the method would lead to a folder other than the resource's folder. If the task is cancelled, it
+    /// fails with NSCocoaErrorDomain / NSUserCancelledError.
+    static Quorvix::Result<QUrl> exportMock(const QXExportedTrace &exported,
+                                            QXTaskProgress *progress = nullptr);
 };

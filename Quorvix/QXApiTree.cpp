@@ -1,5 +1,7 @@
 #include "Quorvix/QXApiTree.h"
 
+#include "Quorvix/QXTaskSteps.h"
+
 #include "JSON/JSONReader.h"
 
 #include <cstring>
@@ -13,12 +15,13 @@ using namespace Quorvix;
 class QXApiTree::Builder final
 {
 public:
-    explicit Builder(QXApiTree &tree) : m_tree(tree) {}
+    Builder(QXApiTree &tree, QXTaskSteps &steps) : m_tree(tree), m_steps(steps) {}
 
-    void build(const JSONValue &root)
+    /// False once the task is cancelled. The tree is incomplete then.
+    bool build(const JSONValue &root)
     {
         setValue(m_tree.m_root, root);
-        while (!m_pending.empty()) {
+        while (!m_pending.empty() && m_goesOn) {
             const Container container = m_pending.back();
             m_pending.pop_back();
             if (container.node->m_form == QXApiTreeField::Form::Array)
@@ -26,6 +29,7 @@ public:
             else
                 addMembers(*container.node, container.value);
         }
+        return m_goesOn;
     }
 
 private:
@@ -44,7 +48,10 @@ private:
 
     void setValue(QXApiTreeField &node, const JSONValue &value)
     {
-        switch (value.kind()) {
+        const JSONValue::Kind kind = value.kind();
+        m_done += JSONValue::extent(kind);
+        m_goesOn = m_steps.goOn(m_done);
+        switch (kind) {
         case JSONValue::Kind::Object:
             node.m_form = Form::Object;
             m_pending.push_back({&node, value});
@@ -95,8 +102,11 @@ private:
     void addElements(QXApiTreeField &node, const JSONValue &array)
     {
         QXApiTreeField *child = addChildren(node, size_t(array.size()));
-        for (const JSONValue &element : array.elements())
+        for (const JSONValue &element : array.elements()) {
             setValue(*child++, element);
+            if (!m_goesOn)
+                return;
+        }
     }
 
     void addMembers(QXApiTreeField &node, const JSONValue &object)
@@ -104,8 +114,11 @@ private:
         readMembers(object);
         QXApiTreeField *child = addChildren(node, m_members.size());
         for (const Member &member : m_members) {
+            ++m_done;
             child->m_name = storeText({member.name.data(), qsizetype(member.name.size())}, child->m_nameSize);
             setValue(*child++, member.value);
+            if (!m_goesOn)
+                return;
         }
     }
 
@@ -133,6 +146,7 @@ private:
     QXApiTreeField *addChildren(QXApiTreeField &node, size_t count)
     {
         node.m_size = quint32(count);
+        m_tree.nodeCount += qsizetype(count);
         if (count == 0)
             return nullptr;
         node.m_children = m_tree.m_nodes.allocate(count);
@@ -155,16 +169,20 @@ private:
     }
 
     QXApiTree &m_tree;
+    QXTaskSteps &m_steps;
+    qsizetype m_done = 0;
+    bool m_goesOn = true;
     std::vector<Container> m_pending;
     /// The members of the object that is being read. It is a data member so that its memory is reused.
     std::vector<Member> m_members;
 };
 
-std::shared_ptr<QXApiTreeField> QXApiTree::make(const JSONValue &root)
+std::shared_ptr<QXApiTreeField> QXApiTree::make(const JSONValue &root, QXTaskSteps &steps)
 {
     static_assert(JSONReader::maximumDepth <= std::numeric_limits<quint16>::max());
     const std::shared_ptr<QXApiTree> tree(new QXApiTree);
     tree->m_root.m_owner = tree.get();
-    Builder(*tree).build(root);
+    if (!Builder(*tree, steps).build(root))
+        return nullptr;
     return {tree, &tree->m_root};
 }

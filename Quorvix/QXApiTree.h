@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+class QXTaskSteps;
+
 namespace Quorvix {
 class JSONValue;
 } // namespace Quorvix
@@ -19,8 +21,9 @@ class JSONValue;
 class QXApiTree final : public QXApiTreeField::Owner
 {
 public:
-    /// Copies the value @p root with everything in it, and returns the node for @p root.
-    static std::shared_ptr<QXApiTreeField> make(const Quorvix::JSONValue &root);
+    /// Copies the value @p root with everything in it, and returns the node for @p root; null if the task is
+    /// cancelled. @p steps has the unit of JSONDocument::size().
+    static std::shared_ptr<QXApiTreeField> make(const Quorvix::JSONValue &root, QXTaskSteps &steps);
 
     Q_DISABLE_COPY_MOVE(QXApiTree)
     ~QXApiTree() = default;

@@ -108,10 +108,15 @@ QXApiTreeField::Children QXApiTreeField::children() const noexcept
 
 std::shared_ptr<QXApiTreeField> QXApiTreeField::share()
 {
+    return {owner().shared_from_this(), this};
+}
+
+QXApiTreeField::Owner &QXApiTreeField::owner() const noexcept
+{
     const QXApiTreeField *root = this;
     while (root->m_parent)
         root = root->m_parent;
-    return {root->m_owner->shared_from_this(), this};
+    return *root->m_owner;
 }
 
 std::optional<QString> QXApiTreeField::summary() const

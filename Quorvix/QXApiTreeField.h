@@ -30,6 +30,7 @@ public:
     /// The owner of the nodes of one tree.
     struct Owner : std::enable_shared_from_this<Owner>
     {
+        qsizetype nodeCount = 1;
     };
 
     Q_DISABLE_COPY_MOVE(QXApiTreeField)
@@ -50,6 +51,9 @@ public:
 
     [[nodiscard]] bool isExpanded() const noexcept { return m_isExpanded; }
     void setExpanded(bool expanded) noexcept { m_isExpanded = expanded; }
+
+    /// The number of nodes in the whole tree. Linear in the depth.
+    [[nodiscard]] qsizetype treeSize() const noexcept { return owner().nodeCount; }
 
     /// A shared pointer to this node, which keeps the whole tree alive. Linear in the depth.
     [[nodiscard]] std::shared_ptr<QXApiTreeField> share();
@@ -75,6 +79,7 @@ private:
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
     QXApiTreeField() noexcept : m_children(nullptr), m_name(nullptr) {}
 
+    [[nodiscard]] Owner &owner() const noexcept;
     [[nodiscard]] bool isContainer() const noexcept
     {
         return m_form == Form::Object || m_form == Form::Array;

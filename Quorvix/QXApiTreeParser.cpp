@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXApiTree.h"
 #include "Quorvix/QXSwiftModelGenerator.h"
+#include "Quorvix/QXTaskSteps.h"
 
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
@@ -14,6 +15,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// The share of the time that it takes to read the text, which is one step; the rest builds the tree.
+constexpr double readingShare = 0.3;
+
 NSError invalidTextError()
 {
     return {u"LogTreeParser"_s, -1, QCoreApplication::translate("Quorvix", "Invalid UTF-8 string")};
@@ -21,22 +25,32 @@ NSError invalidTextError()
 
 } // namespace
 
-Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QStringView text)
+Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QStringView text, QXTaskProgress *progress)
 {
     QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
     const QByteArray utf8 = encoder.encode(text);
-    return encoder.hasError() ? invalidTextError() : parse(QByteArrayView(utf8));
+    return encoder.hasError() ? invalidTextError() : parse(QByteArrayView(utf8), progress);
 }
 
-Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QByteArrayView utf8)
+Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QByteArrayView utf8, QXTaskProgress *progress)
 {
+    if (!beginStage(progress, readingShare))
+        return cancelledError();
     const Result<JSONDocument> document = JSONReader::parse(utf8);
-    if (document)
-        return Fields{QXApiTree::make(document.value().root())};
-    return isValidUtf8(utf8) ? document.error() : invalidTextError();
+    if (!document)
+        return isValidUtf8(utf8) ? document.error() : invalidTextError();
+    if (!beginStage(progress, 1))
+        return cancelledError();
+    QXTaskSteps steps(progress, document.value().size());
+    auto root = QXApiTree::make(document.value().root(), steps);
+    if (!root)
+        return cancelledError();
+    finish(progress);
+    return Fields{std::move(root)};
 }
 
-Result<QString> QXApiTreeParser::swiftModel(const QXApiTreeField &root, const QString &rootName)
+Result<QString> QXApiTreeParser::swiftModel(const QXApiTreeField &root, const QString &rootName,
+                                            QXTaskProgress *progress)
 {
-    return QXSwiftModelGenerator::source(root, rootName);
+    return QXSwiftModelGenerator::source(root, rootName, progress);
 }

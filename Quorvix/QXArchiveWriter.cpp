@@ -4,6 +4,7 @@
 #include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXExportedTrace.h"
 #include "Quorvix/QXRequestTrace.h"
+#include "Quorvix/QXTaskSteps.h"
 #include "Quorvix/QXTemporaryFile.h"
 
 #include "JSON/JSONWriter.h"
@@ -44,12 +45,28 @@ qint64 bodySize(const auto &half)
     return half.body ? half.body->size() : half.discardedBodySize.value_or(-1);
 }
 
+/// The number of bytes of both bodies.
+qsizetype bodiesSize(const QXRequestTrace &trace)
+{
+    const auto sizeOf = [](const std::optional<QByteArray> &body) {
+        return body ? body->size() : 0;
+    };
+    return sizeOf(trace.body) + (trace.response ? sizeOf(trace.response->body) : 0);
+}
+
 /// Writes the parts of the document. Every object's keys are written in alphabetical order.
 class ArchiveDocument
 {
 public:
-    explicit ArchiveDocument(JSONWriter &writer) : m_writer(writer) {}
+    using Checkpoint = JSONWriter::Checkpoint;
 
+    /// @p checkpoint is asked with the number of bytes of bodies that are written.
+    explicit ArchiveDocument(JSONWriter &writer, Checkpoint checkpoint = {})
+        : m_writer(writer), m_checkpoint(std::move(checkpoint))
+    {
+    }
+
+    /// Stops in the middle if the checkpoint says so.
     void write(const QXArchiveWriter::Source &traces)
     {
         m_writer.beginObject();
@@ -58,8 +75,11 @@ public:
         writeCreator();
         m_writer.key("entries"_L1);
         m_writer.beginArray();
-        while (const QXRequestTrace *trace = traces())
+        while (const QXRequestTrace *trace = traces()) {
+            if (m_checkpoint && !m_checkpoint(m_written))
+                return;
             writeEntry(*trace);
+        }
         m_writer.endArray();
         string("version"_L1, u"1.2");
         m_writer.endObject();
@@ -211,11 +231,17 @@ private:
 
     void writeText(const QByteArray &body, bool isText)
     {
+        Checkpoint checkpoint;
+        if (m_checkpoint)
+            checkpoint = [this](qsizetype done) {
+                return m_checkpoint(m_written + done);
+            };
         m_writer.key("text"_L1);
         if (isText)
-            m_writer.utf8(body);
+            m_writer.utf8(body, checkpoint);
         else
-            m_writer.base64(body);
+            m_writer.base64(body, checkpoint);
+        m_written += body.size();
     }
 
     void writeEmptyContent()
@@ -274,7 +300,17 @@ private:
     }
 
     JSONWriter &m_writer;
+    const Checkpoint m_checkpoint;
+    qsizetype m_written = 0;
 };
+
+std::optional<NSError> writeDocument(const QXArchiveWriter::Source &traces, QIODevice &device,
+                                     const QXTaskProgress *progress, const JSONWriter::Checkpoint &checkpoint)
+{
+    JSONWriter writer(device);
+    ArchiveDocument(writer, checkpoint).write(traces);
+    return isCancelled(progress) ? cancelledError() : writer.finish();
+}
 
 /// The last component of a URL's path, percent-decoded. A trailing slash is ignored; the root path gives an
 /// empty text.
@@ -295,16 +331,24 @@ QByteArray QXArchiveWriter::archive(const Source &traces)
     return writer.takeBuffer();
 }
 
-std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice &device)
+std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice &device,
+                                                QXTaskProgress *progress)
 {
-    JSONWriter writer(device);
-    ArchiveDocument(writer).write(traces);
-    return writer.finish();
+    JSONWriter::Checkpoint checkpoint;
+    if (progress)
+        checkpoint = [progress](qsizetype) {
+            return !progress->isCancelled();
+        };
+    auto error = writeDocument(traces, device, progress, checkpoint);
+    if (!error)
+        finish(progress);
+    return error;
 }
 
-std::optional<NSError> QXArchiveWriter::write(const Source &traces, const QString &path)
+std::optional<NSError> QXArchiveWriter::write(const Source &traces, const QString &path,
+                                              QXTaskProgress *progress)
 {
-    return QXTemporaryFile::replace(path, [&](QIODevice &file) { return archive(traces, file); });
+    return QXTemporaryFile::replace(path, [&](QIODevice &file) { return archive(traces, file, progress); });
 }
 
 QString QXArchiveWriter::exportFileName(const QXRequestTrace &trace,
@@ -318,15 +362,24 @@ QString QXArchiveWriter::exportFileName(const QXRequestTrace &trace,
 }
 
 Result<QUrl> QXArchiveWriter::exportTrace(const QXRequestTrace &trace,
-                                          std::chrono::system_clock::time_point now)
+                                          std::chrono::system_clock::time_point now, QXTaskProgress *progress)
 {
     // ".." is harmless inside a file name, but such a URL was probably made to escape the folder.
     if (trace.url && lastPathComponent(*trace.url) == ".."_L1)
         return NSError{NSCocoaErrorDomain, NSFileWriteInvalidFileNameError,
                        QCoreApplication::translate("Quorvix", "The file name is invalid.")};
     const std::span list(&trace, 1);
-    return QXTemporaryFile::write(QDir::temp(), exportFileName(trace, now),
-                                  [&](QIODevice &file) { return archive(sourceOf(list), file); });
+    JSONWriter::Checkpoint checkpoint;
+    if (progress)
+        checkpoint = [steps = QXTaskSteps(progress, bodiesSize(trace))](qsizetype done) mutable {
+            return steps.goOn(done);
+        };
+    auto file = QXTemporaryFile::write(QDir::temp(), exportFileName(trace, now), [&](QIODevice &device) {
+        return writeDocument(sourceOf(list), device, progress, checkpoint);
+    });
+    if (file)
+        finish(progress);
+    return file;
 }
 
 QString QXArchiveWriter::failureMessage(const NSError &error)

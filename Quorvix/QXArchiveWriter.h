@@ -13,6 +13,7 @@
 #include <ranges>
 
 class QIODevice;
+class QXTaskProgress;
 struct QXRequestTrace;
 
 /// Writes exchanges as an HTTP Archive (HAR 1.2): pretty-printed JSON, keys in alphabetical order.
@@ -20,6 +21,10 @@ struct QXRequestTrace;
 /// The writer streams: it holds neither the document nor a body as a tree. Missing fields of a trace never
 /// cause an error. Values that QXRedaction keeps secret are replaced. Stateless; any thread, if no other
 /// thread changes the traces.
+///
+/// A function that gets a @p progress can be cancelled from another thread. It then fails with
+/// NSCocoaErrorDomain / NSUserCancelledError and leaves no file. Only exportTrace() knows how far it is; the
+/// others do not know how many traces their source gives, and report the end only.
 ///
 /// A program whose environment has QUORVIX_HAR=path captures its sessions, too, and writes an archive of
 /// QXRequestRecorder::shared() to that file at its end: when the application object is destroyed, or when its
@@ -40,7 +45,8 @@ public:
     /// device.
     [[nodiscard]] static QByteArray archive(const Source &traces);
     /// Writes the document to @p device. Fails with the device's own error.
-    [[nodiscard]] static std::optional<Quorvix::NSError> archive(const Source &traces, QIODevice &device);
+    [[nodiscard]] static std::optional<Quorvix::NSError> archive(const Source &traces, QIODevice &device,
+                                                                 QXTaskProgress *progress = nullptr);
 
     /// Writes the document to the file at @p path, which replaces an existing file when it is complete. On
     /// an error that file stays as it is. A new file can be read by its owner only, because exchanges contain
@@ -49,7 +55,8 @@ public:
     ///
     /// Fails with NSCocoaErrorDomain: NSFileWriteNoPermissionError if the file cannot be created,
     /// NSFileWriteUnknownError if it cannot be written. Any thread.
-    [[nodiscard]] static std::optional<Quorvix::NSError> write(const Source &traces, const QString &path);
+    [[nodiscard]] static std::optional<Quorvix::NSError> write(const Source &traces, const QString &path,
+                                                               QXTaskProgress *progress = nullptr);
 
     /// "Quorvix-GET-42-1700000000.har" for a GET of .../users/42. The decoded path component is not
     /// sanitised, so the result may not be a valid file name.
@@ -58,7 +65,8 @@ public:
     /// Writes an archive with this one exchange to the process's temporary directory and returns its file
     /// URL.
     static Quorvix::Result<QUrl> exportTrace(const QXRequestTrace &trace,
-                                             std::chrono::system_clock::time_point now);
+                                             std::chrono::system_clock::time_point now,
+                                             QXTaskProgress *progress = nullptr);
 
     /// The message for the user when an export fails.
     [[nodiscard]] static QString failureMessage(const Quorvix::NSError &error);

@@ -1,5 +1,7 @@
 #include "Quorvix/QXBodyText.h"
 
+#include "Quorvix/QXTaskSteps.h"
+
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
 
@@ -7,19 +9,27 @@
 
 using namespace Quorvix;
 
-std::optional<QString> QXBodyText::readable(const QByteArray &body)
+std::optional<QString> QXBodyText::readable(const QByteArray &body, QXTaskProgress *progress)
 {
     if (const auto json = JSONReader::parse(body, JSONReader::TopLevel::Container)) {
         JSONWriter writer;
-        writer.value(json.value().root(), JSONWriter::KeyOrder::Sorted);
+        QXTaskSteps steps(progress, json.value().size());
+        JSONWriter::Checkpoint checkpoint;
+        if (progress)
+            checkpoint = [&](qsizetype done) {
+                return steps.goOn(done);
+            };
+        writer.value(json.value().root(), JSONWriter::KeyOrder::Sorted, checkpoint);
+        if (isCancelled(progress))
+            return std::nullopt;
         return QString::fromUtf8(writer.takeBuffer());
     }
     return isValidUtf8(body) ? std::optional(UTF8Text::replacing(body)) : std::nullopt;
 }
 
-QString QXBodyText::text(const QByteArray &body)
+QString QXBodyText::text(const QByteArray &body, QXTaskProgress *progress)
 {
-    if (auto text = readable(body))
+    if (auto text = readable(body, progress))
         return std::move(*text);
-    return QString::fromLatin1(body.toHex(' '));
+    return isCancelled(progress) ? QString() : QString::fromLatin1(body.toHex(' '));
 }

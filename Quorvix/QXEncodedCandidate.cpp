@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXBase64.h"
 #include "Quorvix/QXJWTPieces.h"
+#include "Quorvix/QXTaskSteps.h"
 #include "Quorvix/QXWhiteSpace.h"
 
 #include "JSON/JSONReader.h"
@@ -163,7 +164,7 @@ QByteArrayView afterDataMarker(QByteArrayView text) noexcept
 class Search
 {
 public:
-    explicit Search(QByteArray *decoded) : m_decoded(decoded) {}
+    Search(QByteArray *decoded, QXTaskSteps steps) : m_decoded(decoded), m_steps(steps) {}
 
     Found findInWholeText(QByteArrayView text)
     {
@@ -181,7 +182,8 @@ public:
 
     Found findInWords(QByteArrayView text)
     {
-        while (!text.isEmpty()) {
+        const qsizetype size = text.size();
+        while (!text.isEmpty() && m_steps.goOn(size - text.size())) {
             const QByteArrayView word = takePiece(text, LineBreaks::Separate);
             if (const Found found = word.size() < minimumLength ? Found() : findInWord(withoutWrappers(word)))
                 return found;
@@ -217,18 +219,22 @@ private:
     }
 
     QByteArray *const m_decoded;
+    QXTaskSteps m_steps;
 };
 
 } // namespace
 
-std::optional<QXEncodedCandidate> QXEncodedCandidate::find(QByteArrayView utf8, QByteArray *decoded)
+std::optional<QXEncodedCandidate> QXEncodedCandidate::find(QByteArrayView utf8, QByteArray *decoded,
+                                                           QXTaskProgress *progress)
 {
     const QByteArrayView text = QXWhiteSpace::trimmed(UTF8Text::withoutByteOrderMark(utf8));
     if (text.size() < minimumLength)
         return std::nullopt;
-    Search search(decoded);
+    Search search(decoded, QXTaskSteps(progress, text.size()));
     if (const Found found = search.findInWholeText(text))
         return found;
+    if (isCancelled(progress))
+        return std::nullopt;
     if (const Found found = search.findInDataUrl(text))
         return found;
     return search.findInWords(text);

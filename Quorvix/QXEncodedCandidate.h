@@ -5,6 +5,7 @@
 #include <optional>
 
 class QByteArray;
+class QXTaskProgress;
 
 /// A part of a text that can be decoded: Base64, or a JSON Web Token (RFC 7519). A view of that text.
 ///
@@ -23,6 +24,6 @@ struct QXEncodedCandidate
     /// Characters beyond ASCII, and bytes that are not UTF-8, are never part of encoded text. A byte order
     /// mark is ignored. @p decoded, if given, is overwritten. If the result is Base64, it holds the decoded
     /// bytes, so that the caller need not decode again. Any thread.
-    [[nodiscard]] static std::optional<QXEncodedCandidate> find(QByteArrayView utf8,
-                                                                QByteArray *decoded = nullptr);
+    [[nodiscard]] static std::optional<QXEncodedCandidate>
+    find(QByteArrayView utf8, QByteArray *decoded = nullptr, QXTaskProgress *progress = nullptr);
 };

@@ -3,6 +3,7 @@
 #include "Quorvix/QXBase64.h"
 #include "Quorvix/QXEncodedCandidate.h"
 #include "Quorvix/QXJWTPieces.h"
+#include "Quorvix/QXTaskSteps.h"
 #include "Quorvix/QXWhiteSpace.h"
 
 #include "Platform/Localized.h"
@@ -80,20 +81,20 @@ constexpr auto hexDigits = [] {
 
 } // namespace
 
-std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QByteArrayView utf8)
+std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QByteArrayView utf8, QXTaskProgress *progress)
 {
     QByteArray bytes;
-    const auto candidate = QXEncodedCandidate::find(utf8, &bytes);
-    if (!candidate)
+    const auto candidate = QXEncodedCandidate::find(utf8, &bytes, progress);
+    if (!candidate || isCancelled(progress))
         return std::nullopt;
     if (candidate->kind == QXEncodedCandidate::Kind::JWT)
         return decodeJWT(QXWhiteSpace::removed(candidate->text));
     return QXDecodedPayload(QCoreApplication::translate("Quorvix", "Decoded Base64"), {makeSection(bytes)});
 }
 
-std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QStringView text)
+std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QStringView text, QXTaskProgress *progress)
 {
-    return decodePayload(text.toUtf8());
+    return decodePayload(text.toUtf8(), progress);
 }
 
 std::optional<QByteArray> QXPayloadDecoder::findEncodedCandidate(QByteArrayView utf8)
@@ -108,14 +109,14 @@ std::optional<QString> QXPayloadDecoder::findEncodedCandidate(QStringView text)
     return candidate ? std::optional(QString::fromLatin1(*candidate)) : std::nullopt;
 }
 
-bool QXPayloadDecoder::hasEncodedCandidate(QByteArrayView utf8)
+bool QXPayloadDecoder::hasEncodedCandidate(QByteArrayView utf8, QXTaskProgress *progress)
 {
-    return QXEncodedCandidate::find(utf8).has_value();
+    return QXEncodedCandidate::find(utf8, nullptr, progress).has_value() && !isCancelled(progress);
 }
 
-bool QXPayloadDecoder::hasEncodedCandidate(QStringView text)
+bool QXPayloadDecoder::hasEncodedCandidate(QStringView text, QXTaskProgress *progress)
 {
-    return hasEncodedCandidate(text.toUtf8());
+    return hasEncodedCandidate(text.toUtf8(), progress);
 }
 
 std::optional<QXDecodedPayload> QXPayloadDecoder::decodeJWT(QByteArrayView utf8)

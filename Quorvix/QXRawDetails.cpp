@@ -3,6 +3,7 @@
 #include "Quorvix/QXBodyText.h"
 #include "Quorvix/QXCacheSummary.h"
 #include "Quorvix/QXDisplayFormat.h"
+#include "Quorvix/QXTaskSteps.h"
 
 #include "Platform/Localized.h"
 #include "Platform/URLText.h"
@@ -77,17 +78,20 @@ QString status(const QXRequestTrace &request)
 
 } // namespace
 
-QString rawDetails(const QXExportedTrace &exported)
+QString rawDetails(const QXExportedTrace &exported, QXTaskProgress *progress)
 {
-    return rawDetails(exported, &QXBodyText::text);
+    return rawDetails(
+        exported, [progress](const QByteArray &body) { return QXBodyText::text(body, progress); }, progress);
 }
 
 QString rawDetails(const QXExportedTrace &exported,
-                   const std::function<QString(const QByteArray &)> &bodyText)
+                   const std::function<QString(const QByteArray &)> &bodyText, QXTaskProgress *progress)
 {
     const QXRequestTrace &request = *exported;
     QStringList lines;
     const auto addBody = [&](const Side &side, const auto &half) {
+        if (isCancelled(progress))
+            return;
         if (half.body)
             addBlock(lines, side.body, bodyText(*half.body));
         else if (half.discardedBodySize)
@@ -119,5 +123,9 @@ QString rawDetails(const QXExportedTrace &exported,
         addBlock(
             lines, QT_TRANSLATE_NOOP("Quorvix", "Request Size"),
             QXDisplayFormat::byteCount(request.body ? request.body->size() : *request.discardedBodySize));
-    return lines.join(u'\n');
+    if (isCancelled(progress))
+        return {};
+    QString text = lines.join(u'\n');
+    finish(progress);
+    return text;
 }

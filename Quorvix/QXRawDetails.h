@@ -8,6 +8,8 @@
 
 #include <functional>
 
+class QXTaskProgress;
+
 /// Returns all information about an exchange as one plain text. Each block has a label between two lines of
 /// 83 hyphens, a value if there is one, and an empty line.
 ///
@@ -16,7 +18,9 @@
 /// the shared storage now. Linear in the size of the trace; any thread.
 ///
 /// @p bodyText converts a body to text. A caller that already has the text can return it from there; it must
-/// be equal to QXBodyText::text().
+/// be equal to QXBodyText::text(). A task that is cancelled gives an empty text.
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString
-rawDetails(const QXExportedTrace &exported, const std::function<QString(const QByteArray &)> &bodyText);
-[[nodiscard]] QString rawDetails(const QXExportedTrace &exported);
+rawDetails(const QXExportedTrace &exported, const std::function<QString(const QByteArray &)> &bodyText,
+           QXTaskProgress *progress = nullptr);
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT QString rawDetails(const QXExportedTrace &exported,
+                                                         QXTaskProgress *progress = nullptr);

@@ -1,14 +1,21 @@
 #include "Quorvix/QXSwiftModelExport.h"
 
-#include "Quorvix/QXApiTreeParser.h"
+#include "Quorvix/QXApiTree.h"
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXSwiftModelGenerator.h"
 #include "Quorvix/QXSwiftName.h"
+#include "Quorvix/QXTaskSteps.h"
 #include "Quorvix/QXTemporaryFile.h"
+
+#include "JSON/JSONReader.h"
 
 using namespace Quorvix;
 
 namespace {
+
+/// The shares of the time: to read the text, to build its tree, to write the source.
+constexpr double readingShare = 0.3;
+constexpr double treeShare = 0.65;
 
 /// The response body or else the request body; empty if both are empty or absent.
 QByteArray payloadOf(const QXRequestTrace &trace)
@@ -20,22 +27,32 @@ QByteArray payloadOf(const QXRequestTrace &trace)
 
 } // namespace
 
-Result<QUrl> QXSwiftModelExport::exportTrace(const QXExportedTrace &exported)
+Result<QUrl> QXSwiftModelExport::exportTrace(const QXExportedTrace &exported, QXTaskProgress *progress)
 {
     const QXRequestTrace &trace = *exported;
     const QByteArray payload = payloadOf(trace);
     if (payload.isEmpty())
         return makeError(QXExportError::missingPayload);
-    const auto fields = QXApiTreeParser::parse(QByteArrayView(payload));
-    if (!fields)
+    if (!beginStage(progress, readingShare))
+        return cancelledError();
+    std::shared_ptr<QXApiTreeField> root;
+    if (const auto document = JSONReader::parse(payload); !document) {
         return makeError(QXExportError::payloadNotParsed);
+    } else if (beginStage(progress, readingShare + treeShare)) {
+        QXTaskSteps steps(progress, document.value().size());
+        root = QXApiTree::make(document.value().root(), steps);
+    }
+    if (!root || !beginStage(progress, 1))
+        return cancelledError();
 
     // The path stays percent-encoded, so that an escaped slash does not end a segment.
     const QString path = trace.url ? trace.url->path(QUrl::FullyEncoded) : QString();
     const QString name = QXSwiftName::rootTypeName(path);
-    const Result<QString> source = QXSwiftModelGenerator::source(*fields.value().front(), name);
+    const Result<QString> source = QXSwiftModelGenerator::source(*root, name, progress);
     if (!source)
         return source.error();
+    if (isCancelled(progress))
+        return cancelledError();
     const auto file = QXTemporaryFile::writeText(QXSwiftName::fileName(name), source.value().toUtf8());
     return file ? file : makeError(QXExportError::swiftModelFileNotCreated);
 }

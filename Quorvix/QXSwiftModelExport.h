@@ -7,6 +7,8 @@
 
 #include <QtCore/QUrl>
 
+class QXTaskProgress;
+
 /// Saves Swift types that decode the body of an exchange. Stateless; any thread, if no other thread changes
 /// the trace.
 class QUORVIX_INTERNAL_EXPORT QXSwiftModelExport
@@ -16,6 +18,8 @@ public:
     /// that is named after the request's path. Returns its file URL.
     ///
     /// Fails with QXExportError: missingPayload, payloadNotParsed, swiftModelNotGenerated or
-    /// swiftModelFileNotCreated.
-    static Quorvix::Result<QUrl> exportTrace(const QXExportedTrace &exported);
+    /// swiftModelFileNotCreated; or with NSCocoaErrorDomain / NSUserCancelledError, without a file, if the
+    /// task is cancelled.
+    static Quorvix::Result<QUrl> exportTrace(const QXExportedTrace &exported,
+                                             QXTaskProgress *progress = nullptr);
 };

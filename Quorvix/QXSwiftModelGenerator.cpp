@@ -71,13 +71,6 @@ QString scalarType(QXApiValueKind kind)
     }
 }
 
-bool areOfOneKind(QXApiTreeField::Children nodes)
-{
-    return std::all_of(nodes.begin(), nodes.end(), [kind = nodes.front().kind()](const QXApiTreeField &node) {
-        return node.kind() == kind;
-    });
-}
-
 QString nestedTypeName(QStringView key, QStringView enclosingName)
 {
     return QXSwiftName::withoutResponse(enclosingName).toString() +
@@ -95,16 +88,20 @@ QString elementTypeName(const std::optional<QString> &key, QStringView proposedN
 
 } // namespace
 
-Result<QString> QXSwiftModelGenerator::source(const QXApiTreeField &root, const QString &rootName)
+Result<QString> QXSwiftModelGenerator::source(const QXApiTreeField &root, const QString &rootName,
+                                              QXTaskProgress *progress)
 {
-    QXSwiftModelGenerator generator;
+    QXSwiftModelGenerator generator(QXTaskSteps(progress, root.treeSize()));
     generator.addRoot(root, rootName);
+    if (generator.m_isCancelled)
+        return cancelledError();
     if (generator.m_isLimitReached)
         return makeError(QXExportError::swiftModelNotGenerated);
     if (generator.m_needsFallback)
         generator.m_text.append(u'\n').append(fallbackType);
     else
         generator.m_text.chop(1);
+    finish(progress);
     return std::move(generator.m_text);
 }
 
@@ -129,10 +126,11 @@ QString QXSwiftModelGenerator::addType(const QXApiTreeField &object, const QStri
     const qsizetype cases = m_cases.size();
     // The children are sorted by key.
     for (const QXApiTreeField &member : object.children()) {
-        if (!m_isLimitReached)
-            addProperty(member, name);
+        if (isOver())
+            break;
+        addProperty(member, name);
     }
-    if (!m_isLimitReached)
+    if (!isOver())
         addText(name, QStringView(m_properties).sliced(properties), QStringView(m_cases).sliced(cases));
     m_properties.truncate(properties);
     m_cases.truncate(cases);
@@ -143,7 +141,7 @@ void QXSwiftModelGenerator::addProperty(const QXApiTreeField &member, const QStr
 {
     // This call comes first, because it uses the same buffers for the lines of a nested type.
     const QString type = memberType(member, enclosingName);
-    if (m_isLimitReached)
+    if (isOver())
         return;
     const Property &property = propertyFor(member);
     m_properties.append(property.declaration).append(type).append(u'\n');
@@ -217,7 +215,7 @@ QString QXSwiftModelGenerator::reserveName(const QString &proposedName)
             const std::optional<QString> suffix = QXSwiftName::suffix(index++);
             m_isLimitReached |= !suffix;
             name = proposedName + suffix.value_or(QString());
-        } while (!m_isLimitReached && m_nextSuffixes.contains(name));
+        } while (!isOver() && m_nextSuffixes.contains(name));
         used->second = index;
     }
     m_nextSuffixes.try_emplace(name, 0);
@@ -228,5 +226,18 @@ QString QXSwiftModelGenerator::reserveName(const QString &proposedName)
 
 void QXSwiftModelGenerator::checkSize()
 {
-    m_isLimitReached |= m_nameSize + m_text.size() + m_properties.size() + m_cases.size() > maximumSize;
+    const qsizetype size = m_nameSize + m_text.size() + m_properties.size() + m_cases.size();
+    m_isLimitReached |= size > maximumSize;
+    m_isCancelled |= !m_steps.goOn(++m_done);
+}
+
+bool QXSwiftModelGenerator::areOfOneKind(QXApiTreeField::Children nodes)
+{
+    const QXApiValueKind kind = nodes.front().kind();
+    for (const QXApiTreeField &node : nodes) {
+        m_isCancelled |= !m_steps.goOn(++m_done);
+        if (node.kind() != kind || m_isCancelled)
+            return false;
+    }
+    return true;
 }

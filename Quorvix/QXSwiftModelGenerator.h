@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quorvix/QXApiTreeField.h"
+#include "Quorvix/QXTaskSteps.h"
 
 #include "Platform/Result.h"
 
@@ -21,8 +22,10 @@ public:
     ///
     /// @p rootName is the name of the outermost type and must be an identifier from QXSwiftName. Fails with
     /// QXExportError::swiftModelNotGenerated if too many types need the same name, or if the source would
-    /// exceed maximumSize. Recursive; a tree is no deeper than JSONReader::maximumDepth. Any thread.
-    static Quorvix::Result<QString> source(const QXApiTreeField &root, const QString &rootName);
+    /// exceed maximumSize, and with NSUserCancelledError if the task is cancelled. The current stage of
+    /// @p progress covers the work. Recursive; a tree is no deeper than JSONReader::maximumDepth. Any thread.
+    static Quorvix::Result<QString> source(const QXApiTreeField &root, const QString &rootName,
+                                           QXTaskProgress *progress = nullptr);
 
     /// The maximum size of the source and its names, in characters. A type's name contains the names of all
     /// enclosing types. So without a limit, the source of a deeply nested text could be hundreds of times
@@ -48,7 +51,7 @@ private:
         }
     };
 
-    QXSwiftModelGenerator() = default;
+    explicit QXSwiftModelGenerator(QXTaskSteps steps) : m_steps(steps) {}
 
     void addRoot(const QXApiTreeField &root, const QString &rootName);
     QString addType(const QXApiTreeField &object, const QString &proposedName);
@@ -61,6 +64,9 @@ private:
 
     QString reserveName(const QString &proposedName);
     void checkSize();
+    bool areOfOneKind(QXApiTreeField::Children nodes);
+    /// Whether the rest of the work is skipped.
+    [[nodiscard]] bool isOver() const noexcept { return m_isLimitReached || m_isCancelled; }
 
     /// The source of the finished types. Each ends with a line break.
     QString m_text;
@@ -76,4 +82,7 @@ private:
     qsizetype m_nameSize = 0;
     bool m_needsFallback = false;
     bool m_isLimitReached = false;
+    QXTaskSteps m_steps;
+    qsizetype m_done = 0;
+    bool m_isCancelled = false;
 };

@@ -126,6 +126,11 @@ std::optional<NSError> QXTemporaryFile::replace(const QString &path, const Write
 
 Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, QByteArrayView utf8)
 {
+    return writeText(relativePath, [utf8](QIODevice &file) { return writeAll(file, utf8); });
+}
+
+Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, const Writer &writer)
+{
     const QStringList names = relativePath.split(u'/', Qt::SkipEmptyParts);
     if (names.isEmpty() || relativePath.endsWith(u'/') ||
         !std::all_of(names.cbegin(), names.cend(), isEntryName))
@@ -139,5 +144,5 @@ Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, QByteArrayV
         if (const auto error = enterSubfolder(folder, name))
             return *error;
     }
-    return write(folder, names.last(), [utf8](QIODevice &file) { return writeAll(file, utf8); });
+    return write(folder, names.last(), writer);
 }

@@ -43,4 +43,6 @@ public:
     /// Leading and doubled slashes are ignored. Rejects a path that would leave the folder, through ".." or
     /// through a symbolic link, with NSFileWriteInvalidFileNameError.
     static Quorvix::Result<QUrl> writeText(const QString &relativePath, QByteArrayView utf8);
+    /// The same for a text that @p writer writes. Returns the error of @p writer.
+    static Quorvix::Result<QUrl> writeText(const QString &relativePath, const Writer &writer);
 };

@@ -33,6 +33,7 @@ set(QUORVIX_PUBLIC_HEADERS
     Quorvix/QXRequestTrace.h
     Quorvix/QXResponseTrace.h
     Quorvix/QXSessionHook.h
+    Quorvix/QXTaskProgress.h
     Quorvix/QXTraceList.h
     Quorvix/QuorvixClient.h
     Quorvix/QuorvixGlobal.h
