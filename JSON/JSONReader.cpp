@@ -1,5 +1,6 @@
 #include "JSON/JSONReader.h"
 
+#include "JSON/JSONEncoding.h"
 #include "JSON/SimdjsonFence.h"
 
 #include "Platform/Localized.h"
@@ -30,11 +31,19 @@ NSError readError(const char *sentence)
     return {NSCocoaErrorDomain, NSPropertyListReadCorruptError, localized(sentence)};
 }
 
+SimdjsonFence::Outcome parsed(QByteArrayView bytes)
+{
+    if (!JSONEncoding::isMarked(bytes))
+        return SimdjsonFence::parse(UTF8Text::withoutByteOrderMark(bytes));
+    const std::optional<QByteArray> utf8 = JSONEncoding::toUtf8(bytes);
+    return utf8 ? SimdjsonFence::parse(*utf8) : SimdjsonFence::Outcome{nullptr, Failure::NotUtf8};
+}
+
 } // namespace
 
-Result<JSONDocument> JSONReader::parse(QByteArrayView utf8, TopLevel topLevel)
+Result<JSONDocument> JSONReader::parse(QByteArrayView bytes, TopLevel topLevel)
 {
-    SimdjsonFence::Outcome outcome = SimdjsonFence::parse(UTF8Text::withoutByteOrderMark(utf8));
+    SimdjsonFence::Outcome outcome = parsed(bytes);
     if (!outcome.storage)
         return readError(sentences[size_t(outcome.failure)]);
     JSONDocument document(std::move(outcome.storage));
@@ -43,6 +52,18 @@ Result<JSONDocument> JSONReader::parse(QByteArrayView utf8, TopLevel topLevel)
         return readError(QT_TRANSLATE_NOOP(
             "Quorvix", "The top level of the JSON text is neither an object nor an array."));
     return document;
+}
+
+bool JSONReader::beginsLikeContainer(QByteArrayView bytes) noexcept
+{
+    // In UTF-16 and UTF-32 there are NUL bytes around ASCII.
+    const bool isMarked = JSONEncoding::isMarked(bytes);
+    for (const char c : isMarked ? bytes.sliced(2) : UTF8Text::withoutByteOrderMark(bytes)) {
+        const bool isBeforeValue = c == ' ' || c == '\t' || c == '\n' || c == '\r';
+        if (!isBeforeValue && !(isMarked && (c == '\0' || c == '\xFE' || c == '\xFF')))
+            return c == '{' || c == '[';
+    }
+    return false;
 }
 
 } // namespace Quorvix

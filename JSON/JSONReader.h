@@ -15,12 +15,17 @@ public:
     /// The reader refuses a text that is nested deeper than this.
     static constexpr int maximumDepth = JSONDocument::maximumDepth;
 
-    /// Parses @p utf8, which may begin with a byte order mark.
+    /// Parses a text in UTF-8, with or without a byte order mark, or in UTF-16 or UTF-32 with one. A lone
+    /// surrogate in an escape, as in "\ud83d", becomes U+FFFD.
     ///
     /// Fails with NSCocoaErrorDomain / NSPropertyListReadCorruptError and a sentence that gives the reason:
     /// not JSON, not UTF-8, nested deeper than maximumDepth, or a scalar at the top level where only a
     /// @p topLevel container is accepted.
-    static Result<JSONDocument> parse(QByteArrayView utf8, TopLevel topLevel = TopLevel::AnyValue);
+    static Result<JSONDocument> parse(QByteArrayView bytes, TopLevel topLevel = TopLevel::AnyValue);
+
+    /// A fast check that rejects most texts without a container at the top level. parse() reports a wrong
+    /// beginning only after it has read the whole text.
+    [[nodiscard]] static bool beginsLikeContainer(QByteArrayView bytes) noexcept;
 };
 
 } // namespace Quorvix

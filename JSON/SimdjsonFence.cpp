@@ -1,6 +1,7 @@
 #include "JSON/SimdjsonFence.h"
 
 #include "JSON/JSONDocument.h"
+#include "JSON/JSONSurrogates.h"
 #include "JSON/JSONWideNumbers.h"
 
 #include "Platform/UTF8Text.h"
@@ -186,6 +187,14 @@ SimdjsonFence::Outcome SimdjsonFence::parse(QByteArrayView text)
 {
     const auto parsed = std::make_shared<ParsedText>();
     simdjson::error_code error = parseInto(*parsed, text);
+    // simdjson stops at the first error, and a text may have both kinds that have a cure.
+    std::optional<QByteArray> replaced;
+    if (error == simdjson::STRING_ERROR || isAboutNumber(error))
+        replaced = withLoneSurrogatesReplaced(text);
+    if (replaced) {
+        text = *replaced;
+        error = parseInto(*parsed, text);
+    }
     if (isAboutNumber(error))
         error = parseWideNumbersInto(*parsed, text);
     if (error == simdjson::SUCCESS)

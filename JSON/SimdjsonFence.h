@@ -33,7 +33,7 @@ struct Outcome
 };
 
 /// Parses a whole text. The text needs no padding, and the caller may free it afterwards. A byte order mark
-/// is an error.
+/// is an error; an escape of a lone surrogate becomes U+FFFD.
 [[nodiscard]] Outcome parse(QByteArrayView text);
 
 /// Whether bytes are well-formed UTF-8 (RFC 3629).

@@ -60,17 +60,6 @@ std::optional<QXDecodedPayload> decodedJWT(View token)
          QXDecodedSection(QCoreApplication::translate("Quorvix", "Signature"), asText(pieces->signature))});
 }
 
-/// A fast check that rejects most texts that are not JSON. The reader reports a wrong beginning only after
-/// it has read the whole text.
-bool beginsLikeContainer(QByteArrayView bytes) noexcept
-{
-    for (const char c : UTF8Text::withoutByteOrderMark(bytes)) {
-        if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
-            return c == '{' || c == '[';
-    }
-    return false;
-}
-
 /// The two hexadecimal digits of every byte.
 constexpr auto hexDigits = [] {
     std::array<std::array<char16_t, 2>, 256> table{};
@@ -144,7 +133,7 @@ QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::
 
 std::optional<QString> QXPayloadDecoder::prettyPrintedJSON(QByteArrayView bytes)
 {
-    if (!beginsLikeContainer(bytes))
+    if (!JSONReader::beginsLikeContainer(bytes))
         return std::nullopt;
     const auto document = JSONReader::parse(bytes, JSONReader::TopLevel::Container);
     if (!document)

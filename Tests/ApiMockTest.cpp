@@ -118,6 +118,8 @@ void ApiMockTest::encodesValues_data()
     QTest::newRow("last of a name, in an inner object too")
         << '{' + R"("b":1,"a":2,)"_ba.repeated(40) + R"("b":3,"a":{"c":4,"c":5}})"
         << R"({"a":{"c":5},"b":3})"_ba;
+    QTest::newRow("half of an emoji") << R"({"\ude00":"\ud83d"})"_ba
+                                      << R"({"�":"�"})"_ba;
     // Doubles have only 53 bits, so longer integers are rounded.
     QTest::newRow("numbers") << "[-9007199254740993,18446744073709551615,1.0,-0.5,1e300]"_ba
                              << "[-9007199254740992,18446744073709551616,1,-0.5,1e+300]"_ba;

@@ -4,6 +4,7 @@
 #include <QtCore/QBuffer>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
+#include <QtCore/QStringEncoder>
 #include <QtTest/QTest>
 
 #include <algorithm>
@@ -62,6 +63,8 @@ private Q_SLOTS:
     void streamsToADevice();
     void reportsADeviceThatIsFull();
     void acceptsText();
+    void replacesLoneSurrogates();
+    void readsEncodings();
     void readsValues();
     void ordersMembers();
 };
@@ -201,6 +204,38 @@ void JSONTest::acceptsText()
         R"("e":[-9223372036854775808,18446744073709551615,-9223372036854775809,18446744073709551616]})";
     for (const QByteArray &json : {"{}"_ba, nested, beyondTheMachine})
         QCOMPARE(rewritten("\xEF\xBB\xBF" + json, JSONWriter::KeyOrder::Sorted), json);
+}
+
+void JSONTest::replacesLoneSurrogates()
+{
+    constexpr std::pair<const char *, const char *> rows[] = {
+        {R"("\ud83d")", R"("�")"},
+        {R"("\uDE00")", R"("�")"},
+        {R"("a\uD83D\u0041\n\ude00")", R"("a�A\n�")"},
+        {R"("\ud83d\ud83d\ude00\ude00")", R"("�😀�")"},
+        {R"("\\ud83d\\\ud83d")", R"("\\ud83d\\�")"},
+        {R"("\ud83dude00\ud83d\\ude00")", R"("�ude00�\\ude00")"},
+    };
+    for (const auto &[text, expected] : rows) {
+        // The numbers before and behind it stop the parser, too.
+        const auto json = [](const QByteArray &string) {
+            return "[1e400,{" + string + ':' + string + "},-1e400]";
+        };
+        QCOMPARE(rewritten(json(text), JSONWriter::KeyOrder::Document), json(expected));
+    }
+}
+
+void JSONTest::readsEncodings()
+{
+    const QString text = u" {\"\u00e9\" : [\"\U0001F600\\ud83d\", 1e400]}\n"_s;
+    const QByteArray json = u"{\"\u00e9\":[\"\U0001F600\ufffd\",1e400]}"_s.toUtf8();
+    using enum QStringConverter::Encoding;
+    for (const auto encoding : {Utf8, Utf16LE, Utf16BE, Utf32LE, Utf32BE}) {
+        QStringEncoder encoder(encoding, QStringConverter::Flag::WriteBom);
+        const QByteArray bytes = encoder.encode(text);
+        QCOMPARE(rewritten(bytes, JSONWriter::KeyOrder::Document), json);
+        QVERIFY(JSONReader::beginsLikeContainer(bytes));
+    }
 }
 
 void JSONTest::readsValues()

@@ -244,6 +244,8 @@ void PayloadDecoderTest::makesSection_data()
     row("byte order mark alone", "\xEF\xBB\xBF", u"Bytes"_s, u"efbbbf"_s);
     row("not UTF-8", "a\xff\x0f", u"Bytes"_s, u"61ff0f"_s);
     row("array after a byte order mark", "\xEF\xBB\xBF\t[\"a/b\"]", u"JSON"_s, u"[\n  \"a/b\"\n]"_s);
+    row("array in UTF-16", "\xFF\xFE\t\0[\0]\0"_ba, u"JSON"_s, u"[]"_s);
+    row("half of an emoji", R"({"\ud83d":1})", u"JSON"_s, u"{\n  \"\ufffd\" : 1\n}"_s);
     row("members of one name", R"({"b":1,"a":2,"b":3})", u"JSON"_s,
         u"{\n  \"b\" : 1,\n  \"a\" : 2,\n  \"b\" : 3\n}"_s);
     row("JSON that breaks off", "{\"a\":", u"Text"_s, u"{\"a\":"_s);

@@ -219,6 +219,8 @@ void RequestDetailsModelTest::bodyTexts_data()
         << u"{\n  \"B\" : \"/\",\n  \"b\" : {\n    \"c\" : [],\n    \"d\" : 1\n  }\n}"_s;
     QTest::newRow("a scalar stays as it is written") << " 1.50 "_ba << u" 1.50 "_s;
     QTest::newRow("broken JSON stays text") << "{\"a\":1,}\r\n"_ba << u"{\"a\":1,}\r\n"_s;
+    QTest::newRow("half of an emoji") << R"(["\ud83d"])"_ba << u"[\n  \"\ufffd\"\n]"_s;
+    QTest::newRow("JSON in UTF-16") << "\xFE\xFF\0[\0]"_ba << u"[]"_s;
     QTest::newRow("a byte order mark stays") << "\xEF\xBB\xBFx"_ba << u"\uFEFFx"_s;
     QTest::newRow("bytes that are no text") << "\x00\xFF"_ba << u"00 ff"_s;
     QTest::newRow("a NUL is text") << "a\0b"_ba << u"a\0b"_s;

@@ -110,7 +110,12 @@ void SimdjsonFenceTest::tellsReasons_data()
     QTest::newRow("open string") << "[\"a"_ba << string;
     QTest::newRow("raw control character") << "[\"\x01\"]"_ba << string;
     QTest::newRow("escape of nothing") << R"(["\a"])"_ba << string;
-    QTest::newRow("newer releases can put a character in for half of a pair") << R"(["\ud800"])"_ba << string;
+    QTest::newRow("escape of nothing beside half of a pair") << R"(["\ud800\a"])"_ba << string;
+    QTest::newRow("half of a pair outside of a string") << R"([\ud800])"_ba << noJson;
+    QTest::newRow("UTF-16 that breaks off") << "\xFF\xFE[\0]\0\n"_ba << noUtf8;
+    QTest::newRow("half of a pair in UTF-16") << "\xFE\xFF\0[\0\"\xD8\0\0\"\0]"_ba << noUtf8;
+    QTest::newRow("UTF-32 beyond the largest character") << "\xFF\xFE\0\0\0\0\x11\0"_ba << noUtf8;
+    QTest::newRow("UTF-32 with a pair") << "\0\0\xFE\xFF\0\0\xD8\0\0\0\xDC\0"_ba << noUtf8;
     QTest::newRow("just too deep") << nested(tooDeep, {}) << u"The JSON text is nested too deeply."_s;
     QTest::newRow("leading zero") << "[01]"_ba << number;
     QTest::newRow("leading zero of a wide number") << "[-098765432109876543210]"_ba << number;

@@ -242,6 +242,8 @@ void SwiftModelTest::exportsPayload_data()
     const QString url = u"https://h.example/v1/users/7?a=/b"_s;
     QTest::newRow("response before request") << url << answered << u"UsersResponse.swift"_s << u"answered"_s;
     QTest::newRow("empty response") << url << ""_ba << u"UsersResponse.swift"_s << u"asked"_s;
+    QTest::newRow("response in UTF-16")
+        << url << "\xFF\xFE{\0\"\0b\0\"\0:\0\x31\0}\0"_ba << u"UsersResponse.swift"_s << u"b"_s;
     QTest::newRow("no URL") << QString() << answered << u"ApiResponse.swift"_s << u"answered"_s;
     QTest::newRow("path leads out") << u"https://h.example/a%2f%2e%2e%2fb"_s << answered
                                     << u"ABResponse.swift"_s << u"answered"_s;
