@@ -57,8 +57,11 @@ public:
             return false;
         if (m_isInteger && !fits<qint64>() && !fits<quint64>())
             return true;
+        // A number that is too small for a double is out of range, too, but then 0 is the nearest double, as
+        // for a parser.
         double value = 0;
-        return std::from_chars(m_first, m_last, value).ec == std::errc::result_out_of_range;
+        return std::from_chars(m_first, m_last, value).ec == std::errc::result_out_of_range &&
+               nearestDouble(view()) != 0;
     }
 
     [[nodiscard]] QByteArrayView view() const { return {m_first, m_last}; }

@@ -181,6 +181,7 @@ void SimdjsonFenceTest::keepsDigits_data()
     QTest::newRow("largest double") << "1.7976931348623157e308"_ba << Kind::Double << false;
     QTest::newRow("beyond a double") << "1e309"_ba << Kind::Double << true;
     QTest::newRow("below a double") << "-1.5E+400"_ba << Kind::Double << true;
+    QTest::newRow("too small for a double") << "-1e-400"_ba << Kind::Double << false;
     QTest::newRow("wide with a fraction") << "12345678901234567890123.5"_ba << Kind::Double << false;
     QTest::newRow("wide with an exponent") << "100000000000000000000e-2"_ba << Kind::Double << false;
 }
