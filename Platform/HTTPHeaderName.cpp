@@ -159,7 +159,9 @@ QByteArray HTTPHeaderName::usualSpelling(const QByteArray &name)
 {
     const auto *const found =
         std::lower_bound(unusualNames.begin(), unusualNames.end(), name.constData(), isBefore);
-    if (found != unusualNames.end() && !isBefore(name.constData(), *found))
+    // The comparison ends at a NUL, which a hostile name can contain.
+    if (found != unusualNames.end() && !isBefore(name.constData(), *found) &&
+        qstrlen(*found) == size_t(name.size()))
         return *found;
     return hasCapital(name) ? name : capitalized(name);
 }

@@ -232,6 +232,7 @@ void PlatformTest::headerNamesHaveTheirUsualSpelling_data()
     row("the sender's capitals", "CONTENT-TYPE", "CONTENT-TYPE");
     row("odd hyphens", "-x--y-", "-X--Y-");
     row("nothing", "", "");
+    QTest::newRow("a NUL behind a registered name") << "te\0x"_ba << "Te\0x"_ba;
     row("the beginning of a registered name", "te-x", "Te-X");
     for (const char *name : {"A-IM", "Content-MD5", "DNT", "ETag", "SourceMap", "TE", "WWW-Authenticate",
                              "X-Request-ID", "X-XSS-Protection", "Sec-WebSocket-Accept"}) {
