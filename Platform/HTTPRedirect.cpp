@@ -59,4 +59,14 @@ std::optional<URLRequest> HTTPRedirect::follow(const URLRequest &request, int st
     return next;
 }
 
+std::optional<NSURLErrorCode> HTTPRedirect::problem(const URLRequest &redirected, int count)
+{
+    if (count > maximum)
+        return NSURLErrorHTTPTooManyRedirects;
+    const QString scheme = redirected.url->scheme();
+    if (scheme != QLatin1StringView("http") && scheme != QLatin1StringView("https"))
+        return NSURLErrorUnsupportedURL;
+    return redirected.url->isValid() ? std::nullopt : std::optional(NSURLErrorBadURL);
+}
+
 } // namespace Quorvix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/NSError.h"
 #include "Platform/URLRequest.h"
 
 #include <optional>
@@ -19,6 +20,11 @@ inline constexpr int maximum = 20;
 /// body. A redirect to another origin removes the credentials.
 [[nodiscard]] std::optional<URLRequest> follow(const URLRequest &request, int statusCode,
                                                const QByteArray &location);
+
+/// Why the exchange ends with an error instead of this request, which is its redirect number @p count; absent
+/// if the request may be sent. A redirect leads to the web only: no server can make the application read a
+/// file. Any thread.
+[[nodiscard]] std::optional<NSURLErrorCode> problem(const URLRequest &redirected, int count);
 
 } // namespace HTTPRedirect
 

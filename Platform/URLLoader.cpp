@@ -137,16 +137,12 @@ void sendCurrent(const TaskPtr &task);
 /// Follows a redirect, or ends the task with the response.
 void handleFinished(const TaskPtr &task, QNetworkReply &reply)
 {
-    static const QStringList webSchemes{QStringLiteral("http"), QStringLiteral("https")};
-
     reply.deleteLater();
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     auto next = HTTPRedirect::follow(task->current, status, reply.rawHeader("Location"));
     if (!next || transportError(reply, *task))
         return finish(*task, reply);
-    if (++task->redirects > HTTPRedirect::maximum)
-        return fail(*task, NSURLErrorHTTPTooManyRedirects);
-    if (const auto problem = requestProblem(*next, webSchemes))
+    if (const auto problem = HTTPRedirect::problem(*next, ++task->redirects))
         return fail(*task, *problem);
     task->current = std::move(*next);
     sendCurrent(task);
