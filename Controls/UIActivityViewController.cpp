@@ -1,6 +1,8 @@
 #include "Controls/UIActivityViewController.h"
 
+#include "Platform/ReplaceFile.h"
 #include "Platform/ShortText.h"
+#include "Platform/WriteAll.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -8,7 +10,6 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
 #include <QtCore/QMimeData>
-#include <QtCore/QSaveFile>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QStringDecoder>
 #include <QtCore/QUrl>
@@ -51,6 +52,22 @@ QString unusedPath(const QString &path)
         candidate = QStringLiteral("%1/%2 %3%4").arg(info.path(), info.baseName()).arg(number).arg(suffix);
     }
     return candidate;
+}
+
+std::optional<NSError> copyFile(const QString &path, QIODevice &target)
+{
+    QFile source(path);
+    if (!source.open(QIODevice::ReadOnly))
+        return NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, source.errorString()};
+    constexpr qint64 block = 1 << 20;
+    while (!source.atEnd()) {
+        const QByteArray bytes = source.read(block);
+        if (source.error() != QFileDevice::NoError)
+            return NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, source.errorString()};
+        if (auto error = writeAll(target, bytes))
+            return error;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -136,24 +153,10 @@ void UIActivityViewController::copy()
 
 QString UIActivityViewController::saveAs(const QString &path)
 {
-    QSaveFile target(QDir::fromNativeSeparators(path));
-    if (!target.open(QIODevice::WriteOnly))
-        return target.errorString();
-    if (isFile()) {
-        QFile source(filePath());
-        if (!source.open(QIODevice::ReadOnly))
-            return source.errorString();
-        constexpr qint64 block = 1 << 20;
-        while (!source.atEnd()) {
-            const QByteArray bytes = source.read(block);
-            if (source.error() != QFileDevice::NoError)
-                return source.errorString();
-            target.write(bytes);
-        }
-    } else {
-        target.write(text().toUtf8());
-    }
-    return target.commit() ? QString() : target.errorString();
+    const auto error = replaceFile(QDir::fromNativeSeparators(path), [this](QIODevice &target) {
+        return isFile() ? copyFile(filePath(), target) : writeAll(target, text().toUtf8());
+    });
+    return error ? error->localizedDescription : QString();
 }
 
 bool UIActivityViewController::open()

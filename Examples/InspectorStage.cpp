@@ -2,10 +2,12 @@
 
 #include "Examples/TourSummary.h"
 
-#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QMetaProperty>
+#include <QtCore/QUrl>
 #include <QtQuick/QQuickItem>
 
 namespace {
@@ -13,6 +15,21 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto exportLimit = 180s;
+
+/// The path of the file that a share sheet shares. The type of what it shares is the inspector's own.
+QString sharedFile(const QQuickItem &sheet)
+{
+    const QVariant shared = sheet.property("shareItem");
+    const QMetaObject *const type = shared.metaType().metaObject();
+    const int items = type ? type->indexOfProperty("activityItems") : -1;
+    return items < 0 ? QString()
+                     : type->property(items)
+                           .readOnGadget(shared.constData())
+                           .toList()
+                           .value(0)
+                           .toUrl()
+                           .toLocalFile();
+}
 
 } // namespace
 
@@ -82,15 +99,15 @@ bool InspectorStage::exportShares()
 
 bool InspectorStage::exportedFileIsComplete()
 {
-    const QFileInfoList files =
-        QDir::temp().entryInfoList({QStringLiteral("Quorvix-export-*.har")}, QDir::Files, QDir::Time);
-    if (!robot().check(!files.isEmpty() && files.first().lastModified() >= started().addSecs(-1),
+    const QQuickItem *const sheet = robot().find(name("QXActivitySheet"));
+    const QFileInfo exported(sheet ? sharedFile(*sheet) : QString());
+    if (!robot().check(exported.isFile() && exported.lastModified() >= started().addSecs(-1),
                        "no file was exported"))
         return false;
     const QString copy = outputFile(QStringLiteral("quorvix-export.har"));
     QFile::remove(copy);
     QFile file(copy);
-    if (!robot().check(QFile::copy(files.first().filePath(), copy) && file.open(QIODevice::ReadOnly),
+    if (!robot().check(QFile::copy(exported.filePath(), copy) && file.open(QIODevice::ReadOnly),
                        "cannot copy it"))
         return false;
     const QJsonValue log = QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("log"));

@@ -3,9 +3,8 @@
 #include "Quorvix/QXTemporaryFile.h"
 
 #include "Platform/BundleInfo.h"
+#include "Platform/ReplaceFile.h"
 #include "Platform/WriteAll.h"
-
-#include <QtCore/QDir>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
@@ -42,7 +41,7 @@ std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice 
 
 std::optional<NSError> QXArchiveWriter::write(const Source &, const QString &path, QXTaskProgress *)
 {
-    return QXTemporaryFile::replace(path, [](QIODevice &file) { return archive({}, file); });
+    return replaceFile(path, [](QIODevice &file) { return archive({}, file); });
 }
 
 QString QXArchiveWriter::exportFileName(const QXRequestTrace &, std::chrono::system_clock::time_point)
@@ -53,7 +52,7 @@ QString QXArchiveWriter::exportFileName(const QXRequestTrace &, std::chrono::sys
 Result<QUrl> QXArchiveWriter::exportTrace(const QXRequestTrace &trace,
                                           std::chrono::system_clock::time_point now, QXTaskProgress *)
 {
-    return QXTemporaryFile::write(QDir::temp(), exportFileName(trace, now),
+    return QXTemporaryFile::write(exportFileName(trace, now),
                                   [](QIODevice &file) { return archive({}, file); });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/NSError.h"
+#include "Platform/PlatformGlobal.h"
 
 #include <QtCore/QByteArrayView>
 
@@ -12,6 +13,7 @@ namespace Quorvix {
 
 /// Writes all of the bytes. Fails with NSCocoaErrorDomain / NSFileWriteUnknownError and the device's own
 /// sentence; the device may then hold a part of the bytes. On the device's thread.
-[[nodiscard]] std::optional<NSError> writeAll(QIODevice &device, QByteArrayView bytes);
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT std::optional<NSError> writeAll(QIODevice &device,
+                                                                      QByteArrayView bytes);
 
 } // namespace Quorvix

@@ -11,10 +11,10 @@
 
 #include "Platform/BundleInfo.h"
 #include "Platform/NSISO8601DateFormatter.h"
+#include "Platform/ReplaceFile.h"
 #include "Platform/URLText.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
 
 #include <algorithm>
 #include <span>
@@ -348,7 +348,7 @@ std::optional<NSError> QXArchiveWriter::archive(const Source &traces, QIODevice 
 std::optional<NSError> QXArchiveWriter::write(const Source &traces, const QString &path,
                                               QXTaskProgress *progress)
 {
-    return QXTemporaryFile::replace(path, [&](QIODevice &file) { return archive(traces, file, progress); });
+    return replaceFile(path, [&](QIODevice &file) { return archive(traces, file, progress); });
 }
 
 QString QXArchiveWriter::exportFileName(const QXRequestTrace &trace,
@@ -374,7 +374,7 @@ Result<QUrl> QXArchiveWriter::exportTrace(const QXRequestTrace &trace,
         checkpoint = [steps = QXTaskSteps(progress, bodiesSize(trace))](qsizetype done) mutable {
             return steps.goOn(done);
         };
-    auto file = QXTemporaryFile::write(QDir::temp(), exportFileName(trace, now), [&](QIODevice &device) {
+    auto file = QXTemporaryFile::write(exportFileName(trace, now), [&](QIODevice &device) {
         return writeDocument(sourceOf(list), device, progress, checkpoint);
     });
     if (file)

@@ -50,11 +50,12 @@ public:
 
     /// Writes the document to the file at @p path, which replaces an existing file when it is complete. On
     /// an error that file stays as it is. A new file can be read by its owner only, because exchanges contain
-    /// credentials; an existing one keeps its permissions. A relative path is relative to the working
-    /// directory, and folders are not created.
+    /// credentials; an existing one of this user's keeps its permissions. A device or pipe is written to. A
+    /// relative path is relative to the working directory, and folders are not created.
     ///
-    /// Fails with NSCocoaErrorDomain: NSFileWriteNoPermissionError if the file cannot be created,
-    /// NSFileWriteUnknownError if it cannot be written. Any thread.
+    /// Fails with NSCocoaErrorDomain: NSFileWriteNoPermissionError if the file cannot be created, or if a
+    /// link, device or pipe of another user is there; NSFileWriteUnknownError if it cannot be written. Any
+    /// thread.
     [[nodiscard]] static std::optional<Quorvix::NSError> write(const Source &traces, const QString &path,
                                                                QXTaskProgress *progress = nullptr);
 
@@ -63,7 +64,7 @@ public:
     [[nodiscard]] static QString exportFileName(const QXRequestTrace &trace,
                                                 std::chrono::system_clock::time_point now);
     /// Writes an archive with this one exchange to the process's temporary directory and returns its file
-    /// URL.
+    /// URL. In a temporary directory that users share, the file is in a folder that only this user can open.
     static Quorvix::Result<QUrl> exportTrace(const QXRequestTrace &trace,
                                              std::chrono::system_clock::time_point now,
                                              QXTaskProgress *progress = nullptr);

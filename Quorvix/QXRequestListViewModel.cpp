@@ -9,7 +9,6 @@
 #include "Platform/ShortText.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
 #include <QtCore/QLocale>
 #include <QtCore/QTimerEvent>
 
@@ -44,7 +43,7 @@ ExportOutcome exportArchive(const std::vector<const QXRequestTrace *> &traces)
 {
     if (traces.empty())
         return QXArchiveError::noEntries;
-    auto file = QXTemporaryFile::write(QDir::temp(), exportFileName(), [&](QIODevice &device) {
+    auto file = QXTemporaryFile::write(exportFileName(), [&](QIODevice &device) {
         return QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces), device);
     });
     if (!file)

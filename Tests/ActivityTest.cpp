@@ -56,6 +56,8 @@ void ActivityTest::fileIsShownCopiedAndSaved()
     const QString target = m_folder.filePath(u"saved.har"_s);
     QCOMPARE(controller.saveAs(target), QString());
     QCOMPARE(contents(target), contents(m_path));
+    constexpr auto others = QFileDevice::ReadGroup | QFileDevice::ReadOther;
+    QVERIFY(!(QFile::permissions(target) & others));
 }
 
 void ActivityTest::textIsNeverTakenForAFile()

@@ -1,9 +1,9 @@
 #include "Tests/Exchanges.h"
 #include "Tests/ScreenTest.h"
+#include "Tests/TestKit.h"
 
 #include "Quorvix/QXOverlay.h"
 
-#include <QtCore/QDir>
 #include <QtGui/QPalette>
 
 using namespace Exchanges;
@@ -17,11 +17,6 @@ void record(const QString &path)
 {
     Exchanges::record(path, u"https://api.test"_s + path);
     complete(path, 200, "{}");
-}
-
-QFileInfoList exportedFiles()
-{
-    return QDir::temp().entryInfoList({u"Quorvix-export-*.har"_s}, QDir::Files);
 }
 
 } // namespace
@@ -204,10 +199,12 @@ void RequestListScreenTest::newRowsDoNotMoveWhatIsRead()
 
 void RequestListScreenTest::exportPresentsTheShareSheetEachTime()
 {
+    const TemporaryFolder temporary;
+    const auto exportedFiles = [&] {
+        return temporary.dir().entryInfoList({u"Quorvix-export-*.har"_s}, QDir::Files);
+    };
     record(u"/a"_s);
     openList();
-    for (const QFileInfo &file : exportedFiles())
-        QFile::remove(file.filePath());
     qsizetype files = 0;
     for (const auto &dismiss :
          std::initializer_list<std::function<void()>>{[this] { click(QPoint(200, 20)); }, // outside

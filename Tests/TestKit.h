@@ -20,7 +20,9 @@ public:
     TemporaryFolder()
         : m_former(qgetenv("TMPDIR")), m_folder(m_surroundings.filePath(QStringLiteral("a/tmp")))
     {
-        if (m_folder.mkpath(QStringLiteral(".")))
+        // A folder in which others can write would not be used as it is.
+        constexpr auto owner = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
+        if (m_folder.mkpath(QStringLiteral(".")) && QFile::setPermissions(m_folder.path(), owner))
             qputenv("TMPDIR", QFile::encodeName(m_folder.path()));
     }
     ~TemporaryFolder() { qputenv("TMPDIR", m_former); }
