@@ -76,9 +76,8 @@ void NetworkPlays::addCaches()
 
 void NetworkPlays::addFailures()
 {
-    for (const char *url :
-         {"http://127.0.0.1:1/", "http://host.invalid/", "http://", "", "unknown:x", "ftp://127.0.0.1:1/",
-          "about:blank", "https://127.0.0.1:1/", "//no/scheme", "http://127.0.0.1:99999/"}) {
+    for (const char *url : {"http://127.0.0.1:1/", "http://host.invalid/", "http://", "", "unknown:x",
+                            "https://127.0.0.1:1/", "//no/scheme", "http://127.0.0.1:99999/"}) {
         row(QByteArray("URL ") + url,
             [url](Stage &stage) { stage.get(Request(QUrl(QString::fromLatin1(url)))); });
         // Qt leaks the body of a POST by a scheme that it does not know.
@@ -148,13 +147,6 @@ void NetworkPlays::addLives()
         });
         stage.get();
     });
-    row("delete the manager of a reply that has another parent and has finished", [](Stage &stage) {
-        stage.server.answer("/", {{{httpAnswer("200 OK", "bytes")}}});
-        Reply *const reply = stage.get();
-        stage.finish();
-        reply->setParent(nullptr);
-        delete stage.manager.data();
-    });
     row("several replies", [](Stage &stage) {
         stage.isParallel = true;
         stage.server.answer("*", {{{httpAnswer("200 OK", QByteArray(5000, 'x'))}}});
@@ -174,24 +166,18 @@ void NetworkPlays::addLives()
         QObject::connect(reply, &Reply::readyRead, &stage.diary, note, Qt::QueuedConnection);
         QObject::connect(reply, &Reply::finished, &stage.diary, note, Qt::QueuedConnection);
     });
-    const std::pair<const char *, Stage::Play> subclassed[] = {
-        {"GET",
-         [](Stage &s) {
-             s.get();
-         }},
-        {"local",
-         [](Stage &s) {
-             s.diary.note("class", s.get(Request(QUrl(u"data:,x"_s)))->metaObject()->className());
-         }},
-        {"POST",
-         [](Stage &s) {
-             s.watch(s.manager->sendCustomRequest(s.request(), "POST", QByteArray("x")));
-         }},
-    };
-    for (const auto &[name, play] : subclassed)
-        for (const Manager manager : {Manager::Subclass, Manager::Wrapped, Manager::OneLine})
-            row(QByteArray("a host's own manager, ") + name + ' ' + QByteArray::number(int(manager)), play,
-                manager);
+    for (const Manager manager : {Manager::Subclass, Manager::Wrapped, Manager::OneLine}) {
+        row(
+            "a host's own manager " + QByteArray::number(int(manager)),
+            [](Stage &s) {
+                s.get();
+                s.finish();
+                s.diary.note("class", s.get(Request(QUrl(u"data:,x"_s)))->metaObject()->className());
+                s.finish();
+                s.watch(s.manager->sendCustomRequest(s.request(), "POST", QByteArray("x")));
+            },
+            manager);
+    }
     for (const char *status : {"200 OK", "404 Not Found", "302 Found"}) {
         row(QByteArray("synchronous ") + status, [status](Stage &stage) {
             stage.server.answer("/", {{{httpAnswer(status, "bytes", "Location: /end\r\n")}}});

@@ -11,82 +11,74 @@ using Stage = NetworkStage;
 void NetworkPlays::addReaders()
 {
     using Read = void (*)(ReplyDiary &, QNetworkReply &);
-    const std::pair<const char *, Read> readers[] = {
-        {"all", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.readAll()); }},
-        {"three bytes", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.read(3)); }},
-        {"no bytes", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.read(0), r.peek(0), r.atEnd()); }},
-        {"more than there is",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             char data[100];
-             d.note("read", r.read(data, 100));
-             d.note("beyond", r.read(data, 1), r.getChar(data), r.atEnd(), r.errorString());
-         }},
-        {"whole lines",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             while (r.canReadLine())
-                 d.note("line", r.readLine());
-         }},
-        {"lines", [](ReplyDiary &d, QNetworkReply &r) { d.note("line", r.readLine(), r.canReadLine()); }},
-        {"short lines", [](ReplyDiary &d, QNetworkReply &r) { d.note("line", r.readLine(4)); }},
-        {"peeking", [](ReplyDiary &d, QNetworkReply &r) { d.note("peek", r.peek(4), r.peek(99), r.bytesAvailable()); }},
-        {"peeking first", [](ReplyDiary &d, QNetworkReply &r) { d.note("peek", r.peek(2)), d.note("read", r.readAll()); }},
-        {"back again",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             char c = 0;
-             d.note("got", r.getChar(&c), c);
-             r.ungetChar('x');
-             d.note("back", r.bytesAvailable(), r.peek(3), r.pos());
-         }},
-        {"in text mode",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.setTextModeEnabled(true);
-             d.note("text", r.readAll());
-         }},
-        {"skipping", [](ReplyDiary &d, QNetworkReply &r) { d.note("skip", r.skip(4)), d.note("read", r.read(4)); }},
-        {"and rolling back",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.startTransaction();
-             d.note("tried", r.read(20), r.isTransactionStarted());
-             r.rollbackTransaction();
-             d.note("back", r.bytesAvailable(), r.peek(5));
-         }},
-        {"and committing",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.startTransaction();
-             d.note("tried", r.read(20));
-             r.commitTransaction();
-         }},
-        {"within one transaction",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             if (!r.isTransactionStarted())
-                 r.startTransaction();
-             d.note("tried", r.read(5), r.bytesAvailable());
-         }},
-        {"from a stream",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             QDataStream stream(&r);
-             QByteArray bytes(30, ' ');
-             stream.startTransaction();
-             stream.readRawData(bytes.data(), 30);
-             d.note("whole", stream.commitTransaction(), bytes);
-         }},
-        {"nothing", [](ReplyDiary &, QNetworkReply &) {}},
-        {"and writing", [](ReplyDiary &d, QNetworkReply &r) { d.note("write", r.write("x"), r.putChar('x')); }},
-        {"and seeking", [](ReplyDiary &d, QNetworkReply &r) { d.note("seek", r.seek(0), r.reset(), r.size()); }},
-        {"and waiting",
-         [](ReplyDiary &d, QNetworkReply &r) { d.note("wait", r.waitForReadyRead(1), r.waitForBytesWritten(1)); }},
-        {"and aborting",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.abort();
-             d.note("read", r.readAll(), r.bytesAvailable());
-         }},
-        {"and opening again", [](ReplyDiary &d, QNetworkReply &r) { d.note("open", r.open(QIODevice::ReadOnly)); }},
-        {"with a bound that comes and goes",
-         [](ReplyDiary &d, QNetworkReply &r) {
-             r.setReadBufferSize(r.readBufferSize() == 0 ? 1000 : 0);
-             d.note("read", r.read(2), r.readBufferSize());
-         }},
+    QList<std::pair<const char *, Read>> readers;
+    const auto add = [&readers](const char *name, Read read) {
+        readers.append({name, read});
     };
+    add("nothing", [](ReplyDiary &, QNetworkReply &) {});
+    add("all", [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.readAll()); });
+    add("three bytes",
+        [](ReplyDiary &d, QNetworkReply &r) { d.note("read", r.read(3), r.read(0), r.atEnd()); });
+    add("more than there is", [](ReplyDiary &d, QNetworkReply &r) {
+        char data[100];
+        d.note("read", r.read(data, 100));
+        d.note("beyond", r.read(data, 1), r.getChar(data), r.atEnd(), r.errorString());
+    });
+    add("whole lines", [](ReplyDiary &d, QNetworkReply &r) {
+        while (r.canReadLine())
+            d.note("line", r.readLine());
+    });
+    add("lines", [](ReplyDiary &d, QNetworkReply &r) { d.note("line", r.readLine(), r.canReadLine()); });
+    add("short lines", [](ReplyDiary &d, QNetworkReply &r) { d.note("line", r.readLine(4)); });
+    add("peeking",
+        [](ReplyDiary &d, QNetworkReply &r) { d.note("peek", r.peek(4), r.peek(99), r.bytesAvailable()); });
+    add("peeking first",
+        [](ReplyDiary &d, QNetworkReply &r) { d.note("peek", r.peek(2)), d.note("read", r.readAll()); });
+    add("back again", [](ReplyDiary &d, QNetworkReply &r) {
+        char c = 0;
+        d.note("got", r.getChar(&c), c);
+        r.ungetChar('x');
+        d.note("back", r.bytesAvailable(), r.peek(3), r.pos());
+    });
+    add("in text mode", [](ReplyDiary &d, QNetworkReply &r) {
+        r.setTextModeEnabled(true);
+        d.note("text", r.readAll());
+    });
+    add("skipping",
+        [](ReplyDiary &d, QNetworkReply &r) { d.note("skip", r.skip(4)), d.note("read", r.read(4)); });
+    add("in transactions", [](ReplyDiary &d, QNetworkReply &r) {
+        r.startTransaction();
+        d.note("tried", r.read(20), r.isTransactionStarted());
+        r.rollbackTransaction();
+        d.note("back", r.bytesAvailable(), r.peek(5));
+        r.startTransaction();
+        d.note("tried", r.read(20));
+        r.commitTransaction();
+    });
+    add("within one transaction", [](ReplyDiary &d, QNetworkReply &r) {
+        if (!r.isTransactionStarted())
+            r.startTransaction();
+        d.note("tried", r.read(5), r.bytesAvailable());
+    });
+    add("from a stream", [](ReplyDiary &d, QNetworkReply &r) {
+        QDataStream stream(&r);
+        QByteArray bytes(30, ' ');
+        stream.startTransaction();
+        stream.readRawData(bytes.data(), 30);
+        d.note("whole", stream.commitTransaction(), bytes);
+    });
+    add("and what a reply cannot do", [](ReplyDiary &d, QNetworkReply &r) {
+        d.note("write", r.write("x"), r.putChar('x'), r.seek(0), r.reset(), r.size());
+        d.note("wait", r.waitForReadyRead(1), r.waitForBytesWritten(1), r.open(QIODevice::ReadOnly));
+    });
+    add("and aborting", [](ReplyDiary &d, QNetworkReply &r) {
+        r.abort();
+        d.note("read", r.readAll(), r.bytesAvailable());
+    });
+    add("with a bound that comes and goes", [](ReplyDiary &d, QNetworkReply &r) {
+        r.setReadBufferSize(r.readBufferSize() == 0 ? 1000 : 0);
+        d.note("read", r.read(2), r.readBufferSize());
+    });
     const auto chunk = [](const QByteArray &bytes) {
         return QByteArray::number(bytes.size(), 16) + "\r\n" + bytes + "\r\n";
     };
@@ -108,7 +100,7 @@ void NetworkPlays::addReaders()
         {"of a failure", inPartsWithLength("404 Not Found", parts), 0},
     };
     for (const auto &[body, answer, bound] : bodies) {
-        for (const auto &[way, read] : readers) {
+        for (const auto &[way, read] : std::as_const(readers)) {
             row(QByteArray("body ") + body + ", read " + way,
                 [answer = answer, bound = bound, read = read](Stage &stage) {
                     stage.server.answer("/", {answer});
