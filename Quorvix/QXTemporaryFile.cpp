@@ -50,7 +50,7 @@ Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, QByteArrayV
     return writeText(relativePath, [utf8](QIODevice &file) { return writeAll(file, utf8); });
 }
 
-Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, const Writer &writer)
+Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, const FileWriter &writer)
 {
     const QStringList names = relativePath.split(u'/', Qt::SkipEmptyParts);
     if (names.isEmpty() || relativePath.endsWith(u'/') ||

@@ -28,5 +28,5 @@ public:
     /// through a symbolic link, with NSFileWriteInvalidFileNameError.
     static Quorvix::Result<QUrl> writeText(const QString &relativePath, QByteArrayView utf8);
     /// The same for a text that @p writer writes. Returns the error of @p writer.
-    static Quorvix::Result<QUrl> writeText(const QString &relativePath, const Writer &writer);
+    static Quorvix::Result<QUrl> writeText(const QString &relativePath, const Quorvix::FileWriter &writer);
 };
