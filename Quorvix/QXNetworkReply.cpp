@@ -320,14 +320,32 @@ void QXNetworkReply::innerFinished()
 
 // The report
 
+/// Whether Qt could not decode the body. Called after all bytes were read, because a read can fail, too.
+bool QXNetworkReply::isUndecodable() const
+{
+    // Qt has the same error for some status codes, always with this text.
+    return inner()->error() == UnknownContentError && isCompressed() &&
+           !inner()->errorString().startsWith(QLatin1StringView("Error transferring "));
+}
+
+/// Whether bytes are missing that the server has announced. Qt does not always tell.
+bool QXNetworkReply::isCutShort() const
+{
+    return isOfQt() && !isCancelled() &&
+           ReplyOutcome::isCutShort(*inner(), m_body.takenSize(), m_source.method);
+}
+
 std::optional<NSError> QXNetworkReply::transportError() const
 {
     if (!inner())
         return makeURLError(NSURLErrorCancelled);
     if (!inner()->isFinished() && isCancelled())
         return makeURLError(NSURLErrorCancelled);
-    const auto code = ReplyOutcome::transportError(*inner(), isCancelled());
-    return code ? std::optional(makeURLError(*code)) : std::nullopt;
+    if (isUndecodable())
+        return makeURLError(NSURLErrorCannotDecodeRawData);
+    if (const auto code = ReplyOutcome::transportError(*inner(), isCancelled()))
+        return makeURLError(*code);
+    return isCutShort() ? std::optional(makeURLError(NSURLErrorNetworkConnectionLost)) : std::nullopt;
 }
 
 void QXNetworkReply::complete(const DataTaskCompletionHandler &deliver)

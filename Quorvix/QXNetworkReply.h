@@ -94,6 +94,8 @@ private:
     void loseUnread();
     void reportProgress();
     void innerRedirected(const QUrl &url);
+    [[nodiscard]] bool isUndecodable() const;
+    [[nodiscard]] bool isCutShort() const;
     [[nodiscard]] std::optional<Quorvix::NSError> transportError() const;
 
     const QNetworkReply *const m_innerKey;

@@ -33,6 +33,8 @@ public:
 
     /// All bytes that were taken, whether or not the host has read them; absent if they were discarded.
     [[nodiscard]] std::optional<QByteArray> bytes() const;
+    /// How many bytes were taken, whether or not they are kept.
+    [[nodiscard]] qsizetype takenSize() const { return m_taken; }
     /// How many bytes a body has that was discarded, so far; absent if it was not.
     [[nodiscard]] std::optional<qsizetype> discardedSize() const;
     /// Gives the memory back that a growing buffer has too much.
@@ -45,7 +47,6 @@ private:
     QByteArray m_bytes;
     /// The place in m_bytes of the byte that the host gets next.
     qsizetype m_position = 0;
-    /// How many bytes were taken.
     qsizetype m_taken = 0;
     bool m_isDiscarded = false;
 };
