@@ -225,6 +225,13 @@ std::optional<NSURLErrorCode> ReplyOutcome::transportError(const QNetworkReply &
         return codeForTls(reply.errorString()).value_or(NSURLErrorCannotConnectToHost);
     case QNetworkReply::UnknownProxyError:
         return NSURLErrorCannotConnectToHost;
+    case QNetworkReply::InternalServerError:
+    case QNetworkReply::UnknownServerError:
+    case QNetworkReply::ContentReSendError:
+        // So Qt calls it when a server of HTTP/2 ends a stream or the connection.
+        if (!isStatus)
+            return NSURLErrorNetworkConnectionLost;
+        break;
     default:
         break;
     }
