@@ -34,6 +34,13 @@ const QSslConfiguration &identity()
     return identity;
 }
 
+std::unique_ptr<QTcpServer> serverWith(const QSslConfiguration &identity)
+{
+    auto server = std::make_unique<QSslServer>();
+    server->setSslConfiguration(identity);
+    return server;
+}
+
 /// The path of a request line, without its query.
 QByteArray pathOf(const QByteArray &request)
 {
@@ -62,15 +69,22 @@ QByteArray httpAnswer(const QByteArray &status, const QByteArray &body, const QB
 }
 
 ScriptedServer::ScriptedServer(Transport transport)
-    : m_scheme(transport == Transport::Encrypted ? u"https"_s : u"http"_s)
 {
-    if (transport == Transport::Encrypted) {
-        auto server = std::make_unique<QSslServer>();
-        server->setSslConfiguration(identity());
-        m_server = std::move(server);
-    } else {
-        m_server = std::make_unique<QTcpServer>();
-    }
+    if (transport == Transport::Encrypted)
+        listen(serverWith(identity()));
+    else
+        listen(std::make_unique<QTcpServer>());
+}
+
+ScriptedServer::ScriptedServer(const QSslConfiguration &identity)
+{
+    listen(serverWith(identity));
+}
+
+void ScriptedServer::listen(std::unique_ptr<QTcpServer> server)
+{
+    m_scheme = qobject_cast<QSslServer *>(server.get()) ? u"https"_s : u"http"_s;
+    m_server = std::move(server);
     QObject::connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, m_server.get(),
                      [this] { accept(); });
     // The whole loopback network, so that 127.0.0.2 is another host.

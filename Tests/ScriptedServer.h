@@ -4,6 +4,7 @@
 #include <QtCore/QThread>
 #include <QtCore/QUrl>
 #include <QtNetwork/QSslCertificate>
+#include <QtNetwork/QSslConfiguration>
 #include <QtNetwork/QTcpServer>
 
 /// A whole answer with its length; each of @p fields ends with a line break.
@@ -27,6 +28,8 @@ public:
     };
 
     explicit ScriptedServer(Transport transport = Transport::Plain);
+    /// An encrypted server with a certificate of the caller's.
+    explicit ScriptedServer(const QSslConfiguration &identity);
     ~ScriptedServer();
     Q_DISABLE_COPY_MOVE(ScriptedServer)
 
@@ -52,7 +55,7 @@ private:
         Answer answer;
     };
 
-    void listen(Transport transport);
+    void listen(std::unique_ptr<QTcpServer> server);
     void accept();
     void read(QTcpSocket *socket);
     void proceed(QTcpSocket *socket);
