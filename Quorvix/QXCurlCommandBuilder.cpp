@@ -49,6 +49,35 @@ void appendQuoted(QString &command, QStringView text)
     }
 }
 
+/// curl sends a request for each number in a range such as "[1-3]", and refuses other brackets. Only the
+/// address of a host is between brackets for it, too. QUrl has encoded the braces and backslashes.
+QString urlText(const QUrl &url)
+{
+    const QString text = absoluteString(url);
+    const qsizetype head = url.toEncoded(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment).size();
+    return text.first(head) + text.sliced(head).replace(u'[', u"%5B"_s).replace(u']', u"%5D"_s);
+}
+
+/// Whether every shell reads the method as one word, as it is.
+bool isPlainWord(QStringView method)
+{
+    return !method.isEmpty() && std::all_of(method.begin(), method.end(), [](QChar c) {
+        return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') ||
+               c == u'-' || c == u'_' || c == u'.';
+    });
+}
+
+void appendMethod(QString &command, const QString &method)
+{
+    if (isPlainWord(method)) {
+        command += method;
+        return;
+    }
+    command += u'\'';
+    appendQuoted(command, method);
+    command += u'\'';
+}
+
 void appendHeaders(QString &command, const HTTPHeaderFields &headers)
 {
     for (auto it = headers.cbegin(); it != headers.cend(); ++it) {
@@ -121,11 +150,13 @@ void appendDiscardedBody(QString &command, qsizetype size)
 Result<QString> QXCurlCommandBuilder::build(const QXExportedTrace &exported)
 {
     const QXRequestTrace &trace = *exported;
-    const QString url = trace.url ? absoluteString(*trace.url) : QString();
+    const QString url = trace.url ? urlText(*trace.url) : QString();
     if (url.isEmpty())
         return makeError(QXExportError::missingRequestURL);
 
-    QString command = u"curl -X "_s + sentMethod(trace.method) + " '"_L1;
+    QString command = u"curl -X "_s;
+    appendMethod(command, sentMethod(trace.method));
+    command += u" '";
     appendQuoted(command, url);
     command += u'\'';
     if (trace.headers)

@@ -57,10 +57,14 @@ private Q_SLOTS:
     void initTestCase();
     void writesText_data();
     void writesText();
+    void encodesBrackets_data();
+    void encodesBrackets();
     void needsURL();
     void writesLargeBodies();
     void repeatsTheRequest_data();
     void repeatsTheRequest();
+    void repeatsTheMethod_data();
+    void repeatsTheMethod();
 
 private:
     QStringList m_shells;
@@ -112,6 +116,27 @@ void CurlCommandTest::writesText()
     QVERIFY(commandFor(trace).startsWith(u"curl -X PUT 'h"_s));
     trace.method.reset();
     QVERIFY(commandFor(trace).startsWith(u"curl -X GET 'h"_s));
+}
+
+void CurlCommandTest::encodesBrackets_data()
+{
+    QTest::addColumn<QString>("url");
+    QTest::addColumn<QString>("written");
+    QTest::newRow("host") << u"http://[::1]:80/a[1]?b[c]=[::1]#[d]"_s
+                          << u"http://[::1]:80/a%5B1%5D?b%5Bc%5D=%5B::1%5D#%5Bd%5D"_s;
+    QTest::newRow("host alone") << u"http://[::1]"_s << u"http://[::1]"_s;
+    QTest::newRow("URL in the path") << u"http://h//[::1]/"_s << u"http://h//%5B::1%5D/"_s;
+    QTest::newRow("user") << u"http://u[1]@h/"_s << u"http://u%5B1%5D@h/"_s;
+    QTest::newRow("no scheme") << u"//[::1]/[x]"_s << u"//[::1]/%5Bx%5D"_s;
+    QTest::newRow("no host") << u"urn:[x]"_s << u"urn:%5Bx%5D"_s;
+    QTest::newRow("encoded before") << u"http://h/%5B%7B{\\"_s << u"http://h/%5B%7B%7B%5C"_s;
+}
+
+void CurlCommandTest::encodesBrackets()
+{
+    QFETCH(const QString, url);
+    QFETCH(const QString, written);
+    QCOMPARE(commandFor(makeTrace(url)), u"curl -X GET '%1'"_s.arg(written));
 }
 
 void CurlCommandTest::needsURL()
@@ -170,6 +195,8 @@ void CurlCommandTest::repeatsTheRequest_data()
     row("query is cut at &", u"/a?x=1&y=2;z=3"_s, {}, {});
     row("URL breaks the quotation", u"/it's/''/$(touch%20ran)/`touch ran`/!!?q='&r=$HOME"_s, {}, {});
     row("URL is encoded again", u"/%27%20%25/é?q=a+b%26"_s, {}, {});
+    row("brackets are ranges", u"/a[1-3]/b]?r=[1-3]&filter[name]=x&s=[a-z:2]"_s, {}, {});
+    row("braces are alternatives", u"/{a,b}?q={c,d}&e=\\["_s, {}, {});
     row("header breaks the quotation", u"/"_s, {{u"X-Note"_s, hostile}}, {});
     row("header's name begins with a dash", u"/"_s, {{u"-o"_s, u"ran"_s}}, {});
     row("header takes the place of curl's own", u"/"_s,
@@ -214,10 +241,45 @@ void CurlCommandTest::repeatsTheRequest()
     QCOMPARE(arrivals.size(), 1);
     QCOMPARE(arrivals[0].method, trace.method->toUtf8());
     const QUrl::ComponentFormattingOption asSent = QUrl::FullyEncoded;
-    QCOMPARE(arrivals[0].target, trace.url->toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | asSent));
+    QByteArray target = trace.url->toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | asSent);
+    QCOMPARE(arrivals[0].target, target.replace('[', "%5B").replace(']', "%5D"));
     QCOMPARE(ownHeaders(arrivals[0], arrivingHeaders), arrivingHeaders);
     QTEST(arrivals[0].body, "arrivingBody");
     QVERIFY(m_runner.home().isEmpty());
+}
+
+void CurlCommandTest::repeatsTheMethod_data()
+{
+    QTest::addColumn<QString>("shell");
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<bool>("isQuoted");
+    for (const QString &shell : std::as_const(m_shells)) {
+        for (const char *method : {"M-SEARCH", "a.b_1"})
+            QTest::addRow("%s: %s", qPrintable(shell), method)
+                << shell << QString::fromLatin1(method) << false;
+        for (const char *method :
+             {"A`touch ran`", "$(touch ran)", "a|touch ran", "a&touch ran", "a;touch ran", "a>ran", "it's",
+              "*", "~", "!!", "#", "a\ntouch ran", "-o", "$HOME"})
+            QTest::addRow("%s: %s", qPrintable(shell), method)
+                << shell << QString::fromLatin1(method) << (qstrcmp(method, "-o") != 0);
+    }
+}
+
+void CurlCommandTest::repeatsTheMethod()
+{
+    QFETCH(const QString, shell);
+    QFETCH(const QString, method);
+    QFETCH(const bool, isQuoted);
+    QXRequestTrace trace = makeTrace(m_runner.url(u"/"_s));
+    trace.method = method;
+    const QString command = commandFor(trace);
+    QCOMPARE(command.startsWith(u"curl -X '"_s), isQuoted);
+    const QList<Arrival> arrivals = m_runner.run(shell, command);
+    QVERIFY2(m_runner.home().isEmpty(), qPrintable(m_runner.home().entryList().join(u' ')));
+    QVERIFY2(m_runner.exitCode() == 0, m_runner.complaints());
+    QCOMPARE(arrivals.size(), 1);
+    // A space ends the method on the wire.
+    QCOMPARE(arrivals[0].method, method.toUtf8().split(' ').constFirst());
 }
 
 QTEST_GUILESS_MAIN(CurlCommandTest)
