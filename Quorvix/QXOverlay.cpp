@@ -35,13 +35,6 @@ constexpr qreal shadowRadius = 42;
 constexpr qreal shadowOffset = 6;
 constexpr qsizetype largestBadge = 99;
 
-/// Limits the offset to both bounds. If there is too little room for the button, the upper bound applies.
-qreal clampOffset(qreal offset, qreal extent)
-{
-    const qreal bound = extent / 2 - buttonRadius - edgeDistance;
-    return std::min(std::max(offset, -bound), bound);
-}
-
 QRegion disc(const QPointF &center, qreal radius)
 {
     return {QRectF(center - QPointF(radius, radius), QSizeF(radius, radius) * 2).toRect(), QRegion::Ellipse};
@@ -208,9 +201,8 @@ QPointF QXOverlay::buttonCenter() const
     // A position from a larger window is only limited here, not changed, so that it applies again when the
     // window grows.
     const QRectF area = safeRect();
-    const QXOverlayPoint offset = constraint();
-    const QPointF center =
-        area.center() + QPointF(clampOffset(offset.x, area.width()), clampOffset(offset.y, area.height()));
+    const QXOverlayPoint offset = constraint().within(area.size(), buttonRadius + edgeDistance);
+    const QPointF center = area.center() + QPointF(offset.x, offset.y);
     if (!m_layer || safeArea()->keyboard() == 0)
         return center;
     const qreal aboveKeyboard = m_layer->page().height() - edgeDistance - buttonRadius;
@@ -226,8 +218,7 @@ void QXOverlay::handleButtonPan(const QPointF &translation)
 {
     const QRectF area = safeRect();
     const QPointF offset = buttonCenter() - area.center() + translation;
-    m_constraint =
-        QXOverlayPoint{clampOffset(offset.x(), area.width()), clampOffset(offset.y(), area.height())};
+    m_constraint = QXOverlayPoint{offset.x(), offset.y()}.within(area.size(), buttonRadius + edgeDistance);
     Q_EMIT buttonMoved();
 }
 

@@ -3,6 +3,7 @@
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Quorvix;
@@ -15,6 +16,13 @@ std::optional<double> finiteNumber(const JSONValue &object, QByteArrayView name)
     if (!member || member->kind() != JSONValue::Kind::Number || !std::isfinite(member->toDouble()))
         return std::nullopt;
     return member->toDouble();
+}
+
+/// Limits the offset to both bounds; the upper bound is stronger.
+double limited(double offset, double extent, double margin)
+{
+    const double bound = extent / 2 - margin;
+    return std::min(std::max(offset, -bound), bound);
 }
 
 } // namespace
@@ -39,4 +47,9 @@ std::optional<QXOverlayPoint> QXOverlayPoint::decoded(const QByteArray &json)
     const auto x = finiteNumber(document.value().root(), "x");
     const auto y = finiteNumber(document.value().root(), "y");
     return x && y ? std::optional(QXOverlayPoint{*x, *y}) : std::nullopt;
+}
+
+QXOverlayPoint QXOverlayPoint::within(const QSizeF &size, double margin) const
+{
+    return {limited(x, size.width(), margin), limited(y, size.height(), margin)};
 }

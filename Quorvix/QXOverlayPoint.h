@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QSizeF>
 
 #include <optional>
 
@@ -15,6 +16,10 @@ struct QXOverlayPoint
     [[nodiscard]] QByteArray encoded() const;
     /// Reads such an object; absent if @p json is not one.
     [[nodiscard]] static std::optional<QXOverlayPoint> decoded(const QByteArray &json);
+
+    /// The nearest position whose distance from each edge of an area of this size is at least @p margin. If
+    /// there is too little room, the right and the lower edge apply.
+    [[nodiscard]] QXOverlayPoint within(const QSizeF &size, double margin) const;
 
     bool operator==(const QXOverlayPoint &) const = default;
 };
