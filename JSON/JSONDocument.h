@@ -19,6 +19,10 @@ public:
     /// each name. Takes constant time.
     [[nodiscard]] qsizetype size() const noexcept;
 
+    /// Gives up a document but keeps the texts of its strings, names and wide numbers, which are valid as
+    /// long as the result. The values must not be used afterwards. Frees memory if there is no other copy.
+    [[nodiscard]] static std::shared_ptr<const void> keepTexts(JSONDocument document);
+
 private:
     friend class JSONReader;
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <limits>
+#include <string_view>
 
 namespace Quorvix {
 
@@ -24,7 +25,8 @@ bool isPartOfNumber(char c)
 /// Whether this character can stand directly before or after a value.
 bool isBetweenValues(char c)
 {
-    return QByteArrayView(" \t\n\r[]{},:").contains(c);
+    constexpr std::string_view characters = " \t\n\r[]{},:";
+    return characters.find(c) != characters.npos;
 }
 
 /// The end of the string that opens at @p quote.
@@ -55,8 +57,11 @@ public:
     {
         if (!m_isNumber)
             return false;
-        if (m_isInteger && !fits<qint64>() && !fits<quint64>())
-            return true;
+        if (m_isInteger)
+            return m_last - m_first > digitsOfInt64 && !fits<qint64>() && !fits<quint64>();
+        // Most numbers need no conversion to see that they are in range.
+        if (m_last - m_first <= shortNumber && m_last - m_exponent <= shortExponent)
+            return false;
         // A number that is too small for a double is out of range, too, but then 0 is the nearest double, as
         // for a parser.
         double value = 0;
@@ -75,6 +80,7 @@ private:
         if (at == integer || (*integer == '0' && at - integer > 1))
             return;
         m_isInteger = at == m_last;
+        m_exponent = m_last;
         if (at != m_last && *at == '.') {
             const char *const fraction = ++at;
             at = afterDigits(at, m_last);
@@ -85,9 +91,9 @@ private:
             ++at;
             if (at != m_last && (*at == '+' || *at == '-'))
                 ++at;
-            const char *const exponent = at;
+            m_exponent = at;
             at = afterDigits(at, m_last);
-            if (at == exponent)
+            if (at == m_exponent)
                 return;
         }
         m_isNumber = at == m_last;
@@ -100,19 +106,27 @@ private:
         return std::from_chars(m_first, m_last, value).ec == std::errc();
     }
 
+    /// Any integer of this length fits into 64 bits.
+    static constexpr std::ptrdiff_t digitsOfInt64 = std::numeric_limits<qint64>::digits10;
+    /// A number of this length with an exponent of this length is in the range of a double.
+    static constexpr std::ptrdiff_t shortNumber = 200;
+    static constexpr std::ptrdiff_t shortExponent = 2;
+
     const char *m_first;
     const char *m_last;
+    /// The digits of the exponent; the end if there are none.
+    const char *m_exponent = nullptr;
     bool m_isNumber = false;
     bool m_isInteger = false;
 };
 
-/// The number in a form that a parser never reads as an integer.
-QByteArray doubleText(double number)
+/// Appends the number in a form that a parser never reads as an integer.
+void append(QByteArray &text, double number)
 {
-    std::array<char, 32> text{};
+    std::array<char, 32> form{};
     char *const end =
-        std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific).ptr;
-    return {text.data(), end - text.data()};
+        std::to_chars(form.data(), form.data() + form.size(), number, std::chars_format::scientific).ptr;
+    text.append(form.data(), end - form.data());
 }
 
 } // namespace
@@ -120,6 +134,7 @@ QByteArray doubleText(double number)
 JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
 {
     JSONWideNumbers wide;
+    wide.text.reserve(original.size());
     const char *copied = original.cbegin();
     const char *at = original.cbegin();
     const char *const end = original.cend();
@@ -136,9 +151,11 @@ JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
         if (first == original.cbegin() || isBetweenValues(first[-1]))
             wide.hasMalformedNumber |= !token.isNumber() || (at != end && !isBetweenValues(*at));
         if (token.isWide()) {
-            wide.text.append(copied, first - copied).append(doubleText(nearestDouble(token.view())));
+            wide.text.append(copied, first - copied);
+            append(wide.text, nearestDouble(token.view()));
             copied = at;
-            wide.numbers.push_back({ordinal, token.view().toByteArray()});
+            wide.digits.append(token.view());
+            wide.numbers.push_back({ordinal, size_t(wide.digits.size())});
         }
         ++ordinal;
     }
@@ -149,6 +166,9 @@ JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
 double nearestDouble(QByteArrayView digits)
 {
     using Limits = std::numeric_limits<double>;
+    double nearest = 0;
+    if (std::from_chars(digits.cbegin(), digits.cend(), nearest).ec == std::errc())
+        return nearest;
     // QLocale gives infinity for a number that is too large; QByteArrayView::toDouble() would give 0.
     const double value = QLocale::c().toDouble(QLatin1StringView(digits.data(), digits.size()));
     return std::clamp(value, Limits::lowest(), Limits::max());

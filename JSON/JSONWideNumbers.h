@@ -17,8 +17,8 @@ struct JSONWideNumbers
     {
         /// How many numbers the text has before this one.
         size_t ordinal;
-        /// The number as it is written in the text.
-        QByteArray digits;
+        /// Where its digits end; they begin where those of the number before it end.
+        size_t digitsEnd;
     };
 
     [[nodiscard]] static JSONWideNumbers replacedIn(QByteArrayView original);
@@ -26,6 +26,8 @@ struct JSONWideNumbers
     QByteArray text;
     /// The replaced numbers, in the order of the text.
     std::vector<Number> numbers;
+    /// The replaced numbers as they are written in the text, without anything between them.
+    QByteArray digits;
     /// Whether a value of the text begins like a number but is not a number.
     bool hasMalformedNumber = false;
 };

@@ -3,6 +3,7 @@
 #include "JSON/JSONEscape.h"
 #include "JSON/JSONReader.h"
 #include "JSON/SimdjsonFence.h"
+#include "JSON/StableSort.h"
 
 #include "Platform/WriteAll.h"
 
@@ -87,8 +88,10 @@ private:
         for (const Member &member : object.members())
             m_members.push_back(member);
         // UTF-8 bytes sort in the order of their code points.
-        std::stable_sort(m_members.begin() + std::ptrdiff_t(first), m_members.end(),
-                         [](const Member &a, const Member &b) { return a.name < b.name; });
+        stableSort(
+            m_members.begin() + std::ptrdiff_t(first), m_members.end(),
+            [](const Member &a, const Member &b) { return a.name < b.name; },
+            [this] { return !m_checkpoint || ask(); });
         const size_t last = m_members.size();
         for (size_t i = first; i < last; ++i)
             writeMember(Member(m_members[i]));

@@ -12,8 +12,10 @@
 #define SIMDJSON_EXCEPTIONS 0
 #include <simdjson.h>
 
-#include <algorithm>
 #include <bit>
+#include <cmath>
+#include <limits>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -29,16 +31,20 @@ namespace {
 /// The parsed data that the cursors point into. It outlives its parser and the text.
 struct ParsedText final : simdjson::dom::document
 {
-    /// A number for which the tape holds only the nearest double.
-    struct WideNumber
-    {
-        size_t index;
-        QByteArray digits;
-    };
-
-    /// In the order of their places on the tape.
-    std::vector<WideNumber> wideNumbers;
+    /// The numbers that no machine number holds, one behind the other, and the end of each. The tape holds
+    /// their index in a NaN, which no JSON text has.
+    QByteArray wideDigits;
+    std::vector<size_t> wideEnds;
 };
+
+constexpr quint64 notANumber = std::bit_cast<quint64>(std::numeric_limits<double>::quiet_NaN());
+
+/// The index of a wide number for which the tape has this double; absent for other numbers.
+std::optional<qsizetype> wideIndex(double onTape) noexcept
+{
+    return std::isnan(onTape) ? std::optional(qsizetype(std::bit_cast<quint64>(onTape) ^ notANumber))
+                              : std::nullopt;
+}
 
 /// Converts between simdjson's cursors and ours, which are two words each, so that no data is copied. The
 /// first word points to the document, the second one is a position on the tape.
@@ -130,7 +136,11 @@ Failure failureOf(simdjson::error_code code) noexcept
     }
 }
 
-simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text)
+/// Whether simdjson copies a text. It reads beyond the end of a text, so the memory behind one that is not
+/// copied must hold the padding, too.
+enum class Padding { Copied, Present };
+
+simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text, Padding padding = Padding::Copied)
 {
     // simdjson would copy from a null pointer.
     if (text.isEmpty())
@@ -141,8 +151,7 @@ simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text)
     // Newer releases skip the byte order mark, 3.0 refuses it.
     if (text.startsWith(UTF8Text::byteOrderMark))
         return simdjson::TAPE_ERROR;
-    // simdjson reads beyond the end of a text, so it has to make a copy with padding.
-    constexpr bool copies = true;
+    const bool copies = padding == Padding::Copied;
     simdjson::dom::parser parser;
     return parser.parse_into_document(parsed, text.data(), size_t(text.size()), copies).error();
 }
@@ -155,8 +164,8 @@ size_t tapeSize(const simdjson::dom::document &parsed) noexcept
     return parsed.tape[0] & ((quint64(1) << typeShift) - 1);
 }
 
-/// Finds the places of wide numbers on the tape: one word for each value, and a second one for a number.
-void locate(ParsedText &parsed, std::vector<JSONWideNumbers::Number> numbers)
+/// Marks the wide numbers on the tape, which has one word for each value, and a second one for a number.
+void mark(ParsedText &parsed, const std::vector<JSONWideNumbers::Number> &numbers)
 {
     const size_t end = tapeSize(parsed);
     auto next = numbers.begin();
@@ -165,18 +174,24 @@ void locate(ParsedText &parsed, std::vector<JSONWideNumbers::Number> numbers)
         const char type = char(parsed.tape[index] >> typeShift);
         if (type != 'l' && type != 'u' && type != 'd')
             continue;
-        if (next->ordinal == ordinal++)
-            parsed.wideNumbers.push_back({index, std::move(next++->digits)});
         ++index;
+        if (next->ordinal != ordinal++)
+            continue;
+        parsed.tape[index] = notANumber ^ parsed.wideEnds.size();
+        parsed.wideEnds.push_back(next++->digitsEnd);
     }
 }
 
 simdjson::error_code parseWideNumbersInto(ParsedText &parsed, QByteArrayView text)
 {
     JSONWideNumbers wide = JSONWideNumbers::replacedIn(text);
-    const simdjson::error_code error = parseInto(parsed, wide.text);
-    if (error == simdjson::SUCCESS)
-        locate(parsed, std::move(wide.numbers));
+    wide.text.reserve(wide.text.size() + qsizetype(simdjson::SIMDJSON_PADDING));
+    const simdjson::error_code error = parseInto(parsed, wide.text, Padding::Present);
+    if (error == simdjson::SUCCESS) {
+        parsed.wideDigits = std::move(wide.digits);
+        parsed.wideEnds.reserve(wide.numbers.size());
+        mark(parsed, wide.numbers);
+    }
     // Newer releases report every unknown word as a malformed number.
     return isAboutNumber(error) && !wide.hasMalformedNumber ? simdjson::TAPE_ERROR : error;
 }
@@ -218,6 +233,15 @@ JSONValue JSONDocument::root() const noexcept
 qsizetype JSONDocument::size() const noexcept
 {
     return qsizetype(tapeSize(*static_cast<const ParsedText *>(m_storage.get())));
+}
+
+std::shared_ptr<const void> JSONDocument::keepTexts(JSONDocument document)
+{
+    // SimdjsonFence::parse() made the storage, and made it writable.
+    auto *parsed = static_cast<ParsedText *>(const_cast<void *>(document.m_storage.get()));
+    if (document.m_storage.use_count() == 1)
+        parsed->tape.reset();
+    return std::move(document.m_storage);
 }
 
 JSONValue::Kind JSONValue::kind() const noexcept
@@ -271,18 +295,20 @@ quint64 JSONValue::toUInt64() const noexcept
 
 double JSONValue::toDouble() const noexcept
 {
-    return valueOrZero<double>(m_cursor);
+    const auto value = valueOrZero<double>(m_cursor);
+    return std::isnan(value) ? nearestDouble(wideNumber()) : value;
 }
 
 QByteArrayView JSONValue::wideNumber() const noexcept
 {
+    const auto index = wideIndex(valueOrZero<double>(m_cursor));
+    if (!index)
+        return {};
     const auto *document = static_cast<const simdjson::dom::document *>(m_cursor.document);
-    const auto &numbers = static_cast<const ParsedText *>(document)->wideNumbers;
-    const auto found = std::lower_bound(
-        numbers.cbegin(), numbers.cend(), m_cursor.index,
-        [](const ParsedText::WideNumber &number, size_t index) { return number.index < index; });
-    const bool isWide = found != numbers.cend() && found->index == m_cursor.index;
-    return isWide ? QByteArrayView(found->digits) : QByteArrayView();
+    const auto *parsed = static_cast<const ParsedText *>(document);
+    const size_t begin = *index == 0 ? 0 : parsed->wideEnds[size_t(*index) - 1];
+    const size_t end = parsed->wideEnds[size_t(*index)];
+    return QByteArrayView(parsed->wideDigits).sliced(qsizetype(begin), qsizetype(end - begin));
 }
 
 bool JSONValue::isTrue() const noexcept
