@@ -3,8 +3,8 @@
 #include "Quorvix/QXTaskSteps.h"
 
 #include "JSON/JSONWriter.h"
+#include "JSON/StableSort.h"
 
-#include <algorithm>
 #include <vector>
 
 using namespace Quorvix;
@@ -63,9 +63,12 @@ private:
         for (const auto &[name, value] : object.members())
             m_members.push_back({DynamicCodingKey(name), value});
         // Comparing UTF-8 bytes gives the order of the code points.
-        std::stable_sort(
+        m_goesOn = stableSort(
             m_members.begin() + std::ptrdiff_t(first), m_members.end(),
-            [](const Member &a, const Member &b) { return a.key.stringValue < b.key.stringValue; });
+            [](const Member &a, const Member &b) { return a.key.stringValue < b.key.stringValue; },
+            [this] { return m_steps.goOn(m_done); });
+        if (!m_goesOn)
+            return;
         const size_t last = m_members.size();
         m_writer.beginObject();
         for (size_t i = first; i < last; ++i) {

@@ -3,9 +3,11 @@
 #include "Quorvix/QXTaskSteps.h"
 
 #include "JSON/JSONReader.h"
+#include "JSON/StableSort.h"
 
-#include <cstring>
+#include <algorithm>
 #include <limits>
+#include <new>
 #include <string_view>
 
 using namespace Quorvix;
@@ -62,7 +64,7 @@ private:
             break;
         case JSONValue::Kind::String:
             node.m_form = Form::String;
-            node.m_text = storeText(value.utf8(), node.m_size);
+            setText(node.m_text, node.m_size, value.utf8());
             break;
         case JSONValue::Kind::Number:
             setNumber(node, value);
@@ -80,7 +82,7 @@ private:
     {
         if (const QByteArrayView digits = value.wideNumber(); !digits.isEmpty()) {
             node.m_form = Form::WideNumber;
-            node.m_text = storeText(digits, node.m_size);
+            setText(node.m_text, node.m_size, digits);
             return;
         }
         switch (value.numberKind()) {
@@ -103,7 +105,7 @@ private:
     {
         QXApiTreeField *child = addChildren(node, size_t(array.size()));
         for (const JSONValue &element : array.elements()) {
-            setValue(*child++, element);
+            setValue(makeChild(child++, node), element);
             if (!m_goesOn)
                 return;
         }
@@ -111,19 +113,22 @@ private:
 
     void addMembers(QXApiTreeField &node, const JSONValue &object)
     {
-        readMembers(object);
+        if (!readMembers(object))
+            return;
         QXApiTreeField *child = addChildren(node, m_members.size());
         for (const Member &member : m_members) {
             ++m_done;
-            child->m_name = storeText({member.name.data(), qsizetype(member.name.size())}, child->m_nameSize);
-            setValue(*child++, member.value);
+            QXApiTreeField &made = makeChild(child++, node);
+            setText(made.m_name, made.m_nameSize, {member.name.data(), qsizetype(member.name.size())});
+            setValue(made, member.value);
             if (!m_goesOn)
                 return;
         }
     }
 
-    /// Sorts the members by name. If several members have the same name, only the last one is kept.
-    void readMembers(const JSONValue &object)
+    /// Sorts the members by name. If several members have the same name, only the last one is kept. False
+    /// once the task is cancelled.
+    bool readMembers(const JSONValue &object)
     {
         m_members.clear();
         for (const auto &[name, value] : object.members())
@@ -133,39 +138,42 @@ private:
             return a.name >= b.name;
         };
         if (std::adjacent_find(m_members.cbegin(), m_members.cend(), isNotBefore) == m_members.cend())
-            return;
+            return true;
         // The reversed order puts the last member of each name first; std::unique keeps the first one.
         std::reverse(m_members.begin(), m_members.end());
-        std::stable_sort(m_members.begin(), m_members.end(),
-                         [](const Member &a, const Member &b) { return a.name < b.name; });
+        m_goesOn = stableSort(
+            m_members.begin(), m_members.end(),
+            [](const Member &a, const Member &b) { return a.name < b.name; },
+            [this] { return m_steps.goOn(m_done); });
         const auto end = std::unique(m_members.begin(), m_members.end(),
                                      [](const Member &a, const Member &b) { return a.name == b.name; });
         m_members.erase(end, m_members.end());
+        return m_goesOn;
     }
 
+    /// Makes room for the children. makeChild() makes each of them.
     QXApiTreeField *addChildren(QXApiTreeField &node, size_t count)
     {
         node.m_size = quint32(count);
+        node.m_children = count > 0 ? m_tree.m_nodes.allocate(count) : nullptr;
         m_tree.nodeCount += qsizetype(count);
-        if (count == 0)
-            return nullptr;
-        node.m_children = m_tree.m_nodes.allocate(count);
-        for (QXApiTreeField &child : node.children()) {
-            child.m_parent = &node;
-            child.m_depth = quint16(node.m_depth + 1);
-        }
         return node.m_children;
     }
 
-    const char *storeText(QByteArrayView text, quint32 &size)
+    static QXApiTreeField &makeChild(QXApiTreeField *place, QXApiTreeField &parent)
     {
-        // The parser accepts no text of 4 GB or more, so the size fits.
-        size = quint32(text.size());
-        if (text.isEmpty())
-            return nullptr;
-        char *stored = m_tree.m_texts.allocate(size_t(text.size()));
-        std::memcpy(stored, text.data(), size_t(text.size()));
-        return stored;
+        auto *child = new (place) QXApiTreeField;
+        child->m_parent = &parent;
+        child->m_depth = quint16(parent.m_depth + 1);
+        return *child;
+    }
+
+    /// The tree keeps the texts of the document. The parser accepts no text of 4 GB or more, so the size
+    /// fits.
+    static void setText(const char *&text, quint32 &size, QByteArrayView stored)
+    {
+        text = stored.data();
+        size = quint32(stored.size());
     }
 
     QXApiTree &m_tree;
@@ -177,12 +185,33 @@ private:
     std::vector<Member> m_members;
 };
 
-std::shared_ptr<QXApiTreeField> QXApiTree::make(const JSONValue &root, QXTaskSteps &steps)
+std::shared_ptr<QXApiTreeField> QXApiTree::make(JSONDocument document, QXTaskSteps steps)
 {
     static_assert(JSONReader::maximumDepth <= std::numeric_limits<quint16>::max());
     const std::shared_ptr<QXApiTree> tree(new QXApiTree);
     tree->m_root.m_owner = tree.get();
-    if (!Builder(*tree, steps).build(root))
+    if (!Builder(*tree, steps).build(document.root()))
         return nullptr;
+    tree->m_texts = JSONDocument::keepTexts(std::move(document));
     return {tree, &tree->m_root};
+}
+
+QXApiTreeField *QXApiTree::Arena::allocate(size_t count)
+{
+    // Freeing a tree frees its chunks only, however many nodes there are.
+    static_assert(std::is_trivially_destructible_v<QXApiTreeField>);
+    const auto addChunk = [this](size_t size) {
+        auto &chunk = m_chunks.emplace_back(new std::byte[size * sizeof(QXApiTreeField)]);
+        return reinterpret_cast<QXApiTreeField *>(chunk.get());
+    };
+    // A large array gets a chunk of its own, so that the rest of the current chunk is not lost.
+    if (count > m_chunkSize / 4)
+        return addChunk(count);
+    if (count > m_left) {
+        m_next = addChunk(m_chunkSize);
+        m_left = m_chunkSize;
+        m_chunkSize = std::min(m_chunkSize * 2, largestChunk);
+    }
+    m_left -= count;
+    return std::exchange(m_next, m_next + count);
 }

@@ -36,13 +36,13 @@ Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QByteArrayView utf8, QXTa
 {
     if (!beginStage(progress, readingShare))
         return cancelledError();
-    const Result<JSONDocument> document = JSONReader::parse(utf8);
+    Result<JSONDocument> document = JSONReader::parse(utf8);
     if (!document)
         return isValidUtf8(utf8) ? document.error() : invalidTextError();
     if (!beginStage(progress, 1))
         return cancelledError();
-    QXTaskSteps steps(progress, document.value().size());
-    auto root = QXApiTree::make(document.value().root(), steps);
+    const QXTaskSteps steps(progress, document.value().size());
+    auto root = QXApiTree::make(std::move(document).value(), steps);
     if (!root)
         return cancelledError();
     finish(progress);

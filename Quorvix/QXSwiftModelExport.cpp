@@ -36,11 +36,11 @@ Result<QUrl> QXSwiftModelExport::exportTrace(const QXExportedTrace &exported, QX
     if (!beginStage(progress, readingShare))
         return cancelledError();
     std::shared_ptr<QXApiTreeField> root;
-    if (const auto document = JSONReader::parse(payload); !document) {
+    if (auto document = JSONReader::parse(payload); !document) {
         return makeError(QXExportError::payloadNotParsed);
     } else if (beginStage(progress, readingShare + treeShare)) {
-        QXTaskSteps steps(progress, document.value().size());
-        root = QXApiTree::make(document.value().root(), steps);
+        const QXTaskSteps steps(progress, document.value().size());
+        root = QXApiTree::make(std::move(document).value(), steps);
     }
     if (!root || !beginStage(progress, 1))
         return cancelledError();
