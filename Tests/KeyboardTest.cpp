@@ -1,11 +1,7 @@
-#include "Tests/Exchanges.h"
-#include "Tests/ScreenTest.h"
-
-#include "Quorvix/QXOverlay.h"
+#include "Tests/EveryScreen.h"
 
 #include "Controls/QXKeyFilter.h"
 
-#include <QtGui/QRasterWindow>
 #include <QtGui/QShortcut>
 
 using namespace Quorvix;
@@ -59,60 +55,18 @@ Item {
 )";
 
 /// Keys that an inspector's screen uses or may be meant for. A screen may close for the last ones.
-const QStringList screenKeys = QStringList({u"A"_s,
-                                            u"Shift+A"_s,
-                                            u"7"_s,
-                                            u"/"_s,
-                                            u"Delete"_s,
-                                            u"Backspace"_s,
-                                            u"Up"_s,
-                                            u"Down"_s,
-                                            u"Left"_s,
-                                            u"Right"_s,
-                                            u"PgUp"_s,
-                                            u"PgDown"_s,
-                                            u"Home"_s,
-                                            u"End"_s,
-                                            u"Ctrl+C"_s,
-                                            u"Ctrl+X"_s,
-                                            u"Ctrl+V"_s,
-                                            u"Ctrl+Z"_s,
-                                            u"Ctrl+A"_s,
-                                            u"Ctrl+F"_s,
-                                            u"F3"_s,
-                                            u"Ctrl+G"_s,
-                                            u"Ctrl+Shift+Z"_s,
-                                            u"Ctrl+S"_s,
-                                            u"Ctrl+W"_s,
-                                            u"Ctrl+Left"_s,
-                                            u"Shift+Up"_s,
-                                            u"Ctrl+Home"_s,
-                                            u"Ctrl+Backspace"_s,
-                                            u"Alt+Left"_s,
-                                            u"Alt+F"_s,
-                                            u"Ctrl+Delete"_s,
-                                            u"Ctrl+K"_s,
-                                            u"Ctrl+Tab"_s,
-                                            u"F5"_s,
-                                            u"Tab"_s,
-                                            u"Shift+Tab"_s,
-                                            u"Shift+F10"_s,
-                                            u"Menu"_s,
-                                            u"Ctrl+Return"_s,
-                                            u"Return"_s,
-                                            u"Enter"_s,
-                                            u"Space"_s,
-                                            u"Back"_s,
-                                            u"Esc"_s});
+const QStringList screenKeys =
+    u"A, Shift+A, 7, /, Delete, Backspace, Up, Down, Left, Right, PgUp, PgDown, Home, End, Ctrl+C, Ctrl+X, "
+    "Ctrl+V, Ctrl+Z, Ctrl+A, Ctrl+F, F3, Ctrl+G, Ctrl+Shift+Z, Ctrl+S, Ctrl+W, Ctrl+Left, Shift+Up, "
+    "Ctrl+Home, Ctrl+Backspace, Alt+Left, Alt+F, Ctrl+Delete, Ctrl+K, Ctrl+Tab, F5, Tab, Shift+Tab, "
+    "Shift+F10, Menu, Ctrl+Return, Return, Enter, Space, Back, Esc"_s.split(u", "_s);
 
 const QStringList hostKeys({u"Ctrl+Q"_s, u"F11"_s, u"Ctrl+Shift+I"_s, u"Ctrl+Meta+D"_s, u"Volume Up"_s});
-
-using Open = std::function<void()>;
 
 } // namespace
 
 /// Which keys reach the host while the inspector has the keyboard.
-class KeyboardTest : public ScreenTest
+class KeyboardTest : public EveryScreen
 {
     Q_OBJECT
 
@@ -125,7 +79,6 @@ private Q_SLOTS:
     void keyStaysWithItsScreen();
     void keyStaysWithTheHost();
     void typesDespiteShortcuts();
-    void ownWindowGivesTheKeyboardBack();
 
 private:
     void addShortcuts(const QStringList &keys);
@@ -139,7 +92,6 @@ private:
         QKeyEvent event(type, key, {}, {}, isRepeated);
         QCoreApplication::sendEvent(m_window.get(), &event);
     }
-    void openList();
     [[nodiscard]] HostWindow &host() { return static_cast<HostWindow &>(*m_window); }
     [[nodiscard]] int count(const char *name) const { return m_content->property(name).toInt(); }
     /// The keys that any part of the host has got.
@@ -172,11 +124,8 @@ void KeyboardTest::init()
     m_content->setFocus(true);
     m_nativeShortcuts = 0;
 
-    URLRequest request = Exchanges::makeRequest(u"https://shop.test/v1/users/42"_s);
-    request.allHTTPHeaderFields = {
-        {u"Authorization"_s, QString::fromLatin1(("[1" + QByteArray(",2").repeated(60) + "]").toBase64())}};
-    QXRequestRecorder::shared().record(u"id"_s, request);
-    Exchanges::complete(u"id"_s, 200, "{\"a\":1}");
+    m_heldPath = u"/held"_s;
+    record(Exchanges::makeRequest(u"https://shop.test/v1/users/42"_s));
     QuorvixClient::shared().show();
 }
 
@@ -191,12 +140,6 @@ void KeyboardTest::addShortcuts(const QStringList &keys)
             connect(shortcut, &QShortcut::activated, this, [this] { ++m_nativeShortcuts; });
         }
     }
-}
-
-void KeyboardTest::openList()
-{
-    click("QXFloatingButton");
-    QVERIFY(waitFor("QXRequestRow"));
 }
 
 void KeyboardTest::hostKeepsItsKeys_data()
@@ -233,84 +176,43 @@ void KeyboardTest::hostKeepsItsKeys()
 
 void KeyboardTest::screenKeepsItsKeys_data()
 {
-    QTest::addColumn<Open>("open");
-    QTest::addColumn<QString>("opened");
-    QTest::addColumn<QString>("focused");
-    const auto through = [this](const Open &before, const char *item) {
-        return Open([=, this] {
-            before();
-            click(item);
-        });
+    everyScreen();
+    const Open nothing = [] {
     };
-    const auto rightClick = [this](const QQuickItem &item, QPointF at) {
-        click(item.mapToScene(at).toPoint(), Qt::RightButton);
+    const Open details = [this] {
+        openDetails();
     };
-    const Open list = [this] {
-        openList();
-    };
-    const Open details = through(list, "QXRequestRow");
-    const Open tree = [=, this] {
-        details();
-        QVERIFY(waitFor("QXLogTreeButton"));
-        find("QXLogTreeButton")->forceActiveFocus();
-        press(u"Return"_s);
-    };
-    const Open menu = [=, this] {
-        details();
-        QVERIFY(waitFor("QXRequestDetailsView"));
-        rightClick(*find("QXValueRow", "label", u"Authorization"_s), {30, 20});
-    };
-    const Open dialog = through(details, "QXShareButton");
-    const Open sheet = through(dialog, "QXShareCurl");
-    const Open emptyList = [=, this] {
-        list();
-        QXRequestRecorder::shared().clear();
-        click("QXExportButton");
-    };
-    const Open held = [] {
+    const Open path = through(through(through(details, "QXShareButton"), "QXShareCurl"), "QXActivitySaveAs");
+    const Open held = [this] {
         QVERIFY(hold("one two", [](auto...) {}));
+        QVERIFY(waitFor("QXTextEditor"));
     };
     const Open editMenu = [=, this] {
         held();
-        QVERIFY(waitFor("QXTextEditor"));
-        rightClick(*find("QXTextEditor"), {10, 20});
+        click(find("QXTextEditor")->mapToScene({10, 20}).toPoint(), Qt::RightButton);
     };
-    QTest::newRow("list") << list << u"QXRequestListView"_s << u"QXRequestList"_s;
-    QTest::newRow("search field") << list << u"QXRequestListView"_s << u"QXSearchField"_s;
-    QTest::newRow("button in the bar") << list << u"QXRequestListView"_s << u"QXBreakpointsButton"_s;
-    QTest::newRow("floating button") << list << u"QXRequestListView"_s << u"QXFloatingButton"_s;
-    QTest::newRow("breakpoints") << through(list, "QXBreakpointsButton") << u"QXBreakpointsListView"_s
-                                 << QString();
-    QTest::newRow("alert") << emptyList << u"QXAlert"_s << QString();
-    QTest::newRow("details") << details << u"QXRequestDetailsView"_s << QString();
-    QTest::newRow("row of the details") << details << u"QXRequestDetailsView"_s << u"QXValueRow"_s;
-    QTest::newRow("tree") << tree << u"QXLogTreeView"_s << QString();
-    QTest::newRow("menu") << menu << u"QXContextMenu"_s << QString();
-    QTest::newRow("payload") << through(menu, "QXDecodeValueItem") << u"QXDecodedPayloadSheet"_s << QString();
-    QTest::newRow("dialog") << dialog << u"QXConfirmationDialog"_s << QString();
-    QTest::newRow("share sheet") << sheet << u"QXActivitySheet"_s << QString();
-    QTest::newRow("path to save to") << through(sheet, "QXActivitySaveAs") << u"QXActivitySheet"_s
-                                     << u"QXActivityPath"_s;
-    QTest::newRow("status code") << held << u"QXBreakpointEditorView"_s << QString();
-    QTest::newRow("held body") << held << u"QXBreakpointEditorView"_s << u"QXTextEditor"_s;
-    QTest::newRow("menu of the body") << editMenu << u"QXContextMenu"_s << QString();
+    row("search field", nothing, "QXRequestListView", "QXSearchField");
+    row("button in the bar", nothing, "QXRequestListView", "QXBreakpointsButton");
+    row("floating button", nothing, "QXRequestListView", "QXFloatingButton");
+    row("row of the details", details, "QXRequestDetailsView", "QXValueRow");
+    row("path to save to", path, "QXActivitySheet", "QXActivityPath");
+    row("held body", held, "QXBreakpointEditorView", "QXTextEditor");
+    row("menu of the body", editMenu, "QXContextMenu");
 }
 
 void KeyboardTest::screenKeepsItsKeys()
 {
-    QFETCH(const Open, open);
-    QFETCH(const QString, opened);
-    QFETCH(const QString, focused);
+    QFETCH(const QByteArray, opened);
+    QFETCH(const QByteArray, focused);
     addShortcuts(screenKeys + hostKeys);
+    openList();
     open();
-    QTRY_VERIFY(find(opened.toLatin1()));
-    QVERIFY(waitFor(opened.toLatin1()));
     const auto takeFocus = [&] {
-        QQuickItem *const item = focused.isEmpty() ? nullptr : find(focused.toLatin1());
+        QQuickItem *const item = focused.isEmpty() ? nullptr : find(focused);
         if (item)
             item->forceActiveFocus();
         // The row is about this screen as long as it is there.
-        return find(opened.toLatin1()) && (item || focused.isEmpty());
+        return find(opened) && (item || focused.isEmpty());
     };
     for (const QString &key : hostKeys) {
         QVERIFY(takeFocus());
@@ -373,31 +275,6 @@ void KeyboardTest::typesDespiteShortcuts()
         press(key);
     QCOMPARE(text("QXSearchField"), u"a7"_s);
     QCOMPARE(heard(), 0);
-}
-
-void KeyboardTest::ownWindowGivesTheKeyboardBack()
-{
-    if (QGuiApplication::platformName().startsWith(u"wayland"_s))
-        QSKIP("A program cannot choose its active window here.");
-    QuorvixClient::shared().hide();
-    m_window.reset();
-    QRasterWindow plain; // not a Qt Quick window
-    plain.resize(390, 844);
-    plain.show();
-    QVERIFY(waitForActive(plain));
-    QuorvixClient::shared().show();
-    QTRY_VERIFY(QuorvixClient::shared().overlayWindow()->window());
-    QQuickWindow &own = *QuorvixClient::shared().overlayWindow()->window();
-    for (int i = 0; i < 2; ++i) {
-        QVERIFY(own.flags() & Qt::WindowDoesNotAcceptFocus);
-        plain.requestActivate();
-        QVERIFY(waitForActive(plain));
-        ScreenDriver::click(own, "QXFloatingButton");
-        QTRY_COMPARE(QGuiApplication::focusWindow(), &own);
-        QVERIFY(waitForRest(own, "QXRequestRow"));
-        QTest::keyClick(&own, Qt::Key_Escape);
-        QTRY_COMPARE(QGuiApplication::focusWindow(), &plain);
-    }
 }
 
 QTEST_MAIN(KeyboardTest)

@@ -1,9 +1,6 @@
 #include "Tests/Contrast.h"
-#include "Tests/Exchanges.h"
-#include "Tests/ScreenTest.h"
+#include "Tests/EveryScreen.h"
 #include "Tests/TestKit.h"
-
-#include "Quorvix/QXOverlay.h"
 
 #include "Controls/QXControlsModule.h"
 
@@ -14,51 +11,14 @@ using namespace Quorvix;
 using namespace Qt::StringLiterals;
 using namespace ScreenDriver;
 
-namespace {
-
-using Open = std::function<void(QQuickWindow &)>;
-
-void rightClickRow(QQuickWindow &window, const QString &label)
-{
-    for (QQuickItem *const row : findAll(window, "QXValueRow")) {
-        if (row->property("label").toString() == label)
-            return QTest::mouseClick(&window, Qt::RightButton, {}, row->mapToScene({30, 20}).toPoint());
-    }
-    QFAIL(qPrintable(label));
-}
-
-void openDetails(QQuickWindow &window)
-{
-    click(window, "QXRequestRow");
-    QTRY_VERIFY(find(window, "QXRequestDetailsView"));
-    QVERIFY(waitForRest(window, "QXRequestDetailsView"));
-}
-
-void openMenu(QQuickWindow &window)
-{
-    openDetails(window);
-    rightClickRow(window, u"Authorization"_s);
-}
-
-/// Opens the menu, and then the sheet or the page that an item of a screen opens.
-Open through(const Open &before, const char *item)
-{
-    return [=](QQuickWindow &window) {
-        before(window);
-        click(window, item);
-    };
-}
-
-} // namespace
-
 /// What holds for all that comes up over a screen, and for every way back.
-class ModalTest : public ScreenTest
+class ModalTest : public EveryScreen
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init() override;
-    void isFencedAndLeft_data();
+    void isFencedAndLeft_data() { pages(), popups(); }
     void isFencedAndLeft();
     void growsWithText_data() { everyScreen(); }
     void growsWithText();
@@ -68,7 +28,7 @@ private Q_SLOTS:
     void endsWithItsCarrier();
     void survivesTinyWindows_data() { everyScreen(); }
     void survivesTinyWindows();
-    void longTextsAreCut_data();
+    void longTextsAreCut_data() { pages(), heldResponse(); }
     void longTextsAreCut();
     void secondTapIsIgnored();
     void fingerSwipesBack();
@@ -77,17 +37,13 @@ private Q_SLOTS:
     void colorsContrast();
 
 private:
-    void everyScreen();
-    static void record(URLRequest request);
-    /// Opens what a row is about.
-    void open();
-
     QQuickItem *m_hostField = nullptr;
 };
 
 void ModalTest::init()
 {
     ScreenTest::init();
+    m_heldPath = u"/held"_s;
     m_hostField = new QQuickItem(m_window->contentItem());
     m_hostField->setSize(m_window->size());
     m_hostField->setZ(-1);
@@ -96,77 +52,14 @@ void ModalTest::init()
 
     QXBreakpointStore::shared().insert(*QXBreakpointKey::make(QUrl(u"https://shop.test/held"_s), {}));
     record(Exchanges::makeRequest(u"https://shop.test/v1/users/42"_s));
-    click("QXFloatingButton");
-    QVERIFY(waitFor("QXRequestRow"));
-}
-
-void ModalTest::record(URLRequest request)
-{
-    HTTPHeaderFields headers = request.allHTTPHeaderFields.value_or(HTTPHeaderFields());
-    headers[u"Authorization"_s] =
-        QString::fromLatin1(("[1" + QByteArray(",2").repeated(60) + "]").toBase64());
-    request.allHTTPHeaderFields = headers;
-    QXRequestRecorder::shared().record(u"id"_s, request);
-    Exchanges::complete(u"id"_s, 200, "{\"a\":1}");
-}
-
-void ModalTest::isFencedAndLeft_data()
-{
-    QTest::addColumn<Open>("open");
-    QTest::addColumn<QString>("opened");
-    const Open nothing = [](QQuickWindow &) {
-    };
-    const Open shareMenu = through(openDetails, "QXShareButton");
-    const Open emptyList = [](QQuickWindow &window) {
-        QXRequestRecorder::shared().clear();
-        ScreenDriver::click(window, "QXExportButton");
-    };
-    QTest::newRow("list") << nothing << u"QXRequestListView"_s;
-    QTest::newRow("breakpoints") << through(nothing, "QXBreakpointsButton") << u"QXBreakpointsListView"_s;
-    QTest::newRow("list's alert") << emptyList << u"QXAlert"_s;
-    QTest::newRow("details") << Open(openDetails) << u"QXRequestDetailsView"_s;
-    QTest::newRow("menu") << Open(openMenu) << u"QXContextMenu"_s;
-    QTest::newRow("alert") << through(openMenu, "QXCopyValueItem") << u"QXAlert"_s;
-    QTest::newRow("payload") << through(openMenu, "QXDecodeValueItem") << u"QXDecodedPayloadSheet"_s;
-    QTest::newRow("share menu") << shareMenu << u"QXConfirmationDialog"_s;
-    QTest::newRow("share sheet") << through(shareMenu, "QXShareCurl") << u"QXActivitySheet"_s;
-    const Open lowerDetails = [](QQuickWindow &window) {
-        openDetails(window);
-        const auto isInView = [&] {
-            return middle(*ScreenDriver::find(window, "QXLogTreeButton")).y() < window.height() - 60;
-        };
-        QVERIFY(QTest::qWaitFor([&] {
-            if (!isInView())
-                turnWheel(window, {200, 400}, 1);
-            return isInView();
-        }));
-    };
-    QTest::newRow("tree") << through(lowerDetails, "QXLogTreeButton") << u"QXLogTreeView"_s;
-}
-
-void ModalTest::everyScreen()
-{
-    isFencedAndLeft_data();
-    const Open heldResponse = [](QQuickWindow &) {
-        QVERIFY(hold("{}", [](auto...) {}));
-    };
-    QTest::newRow("held response") << heldResponse << u"QXBreakpointEditorView"_s;
-}
-
-void ModalTest::open()
-{
-    QFETCH(const Open, open);
-    QFETCH(const QString, opened);
-    open(*m_window);
-    QTRY_VERIFY(find(opened.toLatin1()));
-    QVERIFY(waitFor(opened.toLatin1()));
+    openList();
 }
 
 void ModalTest::isFencedAndLeft()
 {
     open();
-    QFETCH(const QString, opened);
-    const QByteArray name = opened.toLatin1();
+    QFETCH(const QByteArray, opened);
+    const QByteArray name = opened;
     const QQuickItem *const root = find(name);
     if (!name.endsWith("View"))
         QVERIFY(!spoken(find(name)).isEmpty());
@@ -209,8 +102,8 @@ void ModalTest::growsWithText()
         });
         if (direction == Qt::LeftToRight)
             open();
-        QFETCH(const QString, opened);
-        QVERIFY(waitFor(opened.toLatin1()));
+        QFETCH(const QByteArray, opened);
+        QVERIFY(waitFor(opened));
         visitVisible(m_window->contentItem(), [&](const QQuickItem *item) {
             if (!item->inherits("QQuickText") || item->property("text").toString().isEmpty())
                 return;
@@ -230,8 +123,7 @@ void ModalTest::isTranslated()
     QuorvixClient::shared().hide();
     QCoreApplication::installTranslator(&host);
     QuorvixClient::shared().show();
-    click("QXFloatingButton");
-    QVERIFY(waitFor("QXRequestRow"));
+    openList();
     open();
     // What comes of the exchange, and numbers with their units, stays as it is.
     const QRegularExpression data(
@@ -246,22 +138,14 @@ void ModalTest::isTranslated()
 /// Nothing complains when a screen is deleted with everything that it shows.
 void ModalTest::endsWithItsCarrier()
 {
-    const std::initializer_list<std::function<void()>> ends{
-        [this] {
-            QuorvixClient::shared().overlayWindow()->dismissRequestList();
-            QTRY_VERIFY(!find("QXRequestListView"));
-        },
-        [] { QuorvixClient::shared().hide(); },
-        [this] {
-            m_window.reset();
-        }};
-    for (const auto &end : ends) {
-        open();
-        end();
-        QCoreApplication::processEvents();
-        cleanup();
-        init();
-    }
+    open();
+    QuorvixClient::shared().overlayWindow()->dismissRequestList();
+    QTRY_VERIFY(!find("QXRequestListView"));
+    cleanup();
+    init();
+    open();
+    m_window.reset();
+    QCoreApplication::processEvents();
 }
 
 /// No binding loops, no warnings, and no item turned inside out.
@@ -292,41 +176,17 @@ void ModalTest::survivesTinyWindows()
     check();
 }
 
-void ModalTest::longTextsAreCut_data()
-{
-    QTest::addColumn<Open>("open");
-    QTest::addColumn<QString>("opened");
-    const Open nothing = [](QQuickWindow &) {
-    };
-    const Open shareMenu = through(openDetails, "QXShareButton");
-    const Open tree = [](QQuickWindow &window) {
-        openDetails(window);
-        const QVariant details = ScreenDriver::find(window, "QXRequestDetailsView")->property("viewModel");
-        auto *const model = details.value<QAbstractItemModel *>();
-        QMetaObject::invokeMethod(model, "openLogTree", Q_ARG(int, model->rowCount() - 1));
-    };
-    QTest::newRow("list") << nothing << u"QXRequestListView"_s;
-    QTest::newRow("breakpoints") << through(nothing, "QXBreakpointsButton") << u"QXBreakpointsListView"_s;
-    QTest::newRow("details") << Open(openDetails) << u"QXRequestDetailsView"_s;
-    QTest::newRow("share sheet") << through(shareMenu, "QXShareCurl") << u"QXActivitySheet"_s;
-    QTest::newRow("tree") << tree << u"QXLogTreeView"_s;
-    QTest::newRow("held response") << nothing << u"QXBreakpointEditorView"_s;
-}
-
 /// Text items never get the long texts that requests can have, and neither do assistive technologies.
 void ModalTest::longTextsAreCut()
 {
-    const QString path = u'/' + QString(30'000, u'p');
-    const QString url = u"https://shop.test"_s + path;
+    m_heldPath = u'/' + QString(30'000, u'p');
+    const QString url = u"https://shop.test"_s + m_heldPath;
     QXBreakpointStore::shared().insert(*QXBreakpointKey::make(QUrl(url), {}));
     QXRequestRecorder::shared().clear();
     URLRequest request = Exchanges::makeRequest(url, QString(30'000, u'M'));
     request.allHTTPHeaderFields = {{QString(30'000, u'N'), QString(30'000, u'v')}};
     record(request);
     QTRY_COMPARE(findAll("QXRequestRow").size(), 1);
-    if (QLatin1StringView(QTest::currentDataTag()) == "held response"_L1)
-        QVERIFY(hold(
-            "{}", [](auto...) {}, path));
     open();
     visitVisible(m_window->contentItem(), [](QQuickItem *item) {
         const QString text = item->inherits("QQuickText") ? item->property("text").toString() : QString();
@@ -337,7 +197,8 @@ void ModalTest::longTextsAreCut()
 
 void ModalTest::secondTapIsIgnored()
 {
-    through(openDetails, "QXShareButton")(*m_window);
+    openDetails();
+    click("QXShareButton");
     QVERIFY(waitFor("QXShareRawDetails"));
     const QPoint at = middle(*find("QXShareCurl"));
     click(at);
@@ -347,7 +208,7 @@ void ModalTest::secondTapIsIgnored()
 
 void ModalTest::fingerSwipesBack()
 {
-    openDetails(*m_window);
+    openDetails();
     const auto swipe = [this](int distance) {
         touch({4, 400});
         for (int step = 1; step <= 10; ++step) {
@@ -370,7 +231,8 @@ void ModalTest::fingerSwipesBack()
 
 void ModalTest::keysScrollSheets()
 {
-    through(openMenu, "QXDecodeValueItem")(*m_window);
+    openMenu();
+    click("QXDecodeValueItem");
     QVERIFY(waitFor("QXDecodedPayloadSheet"));
     const QQuickItem *const page = find("QXDecodedPayloadPage");
     press(Qt::Key_PageDown);
