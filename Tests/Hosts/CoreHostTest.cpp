@@ -1,8 +1,4 @@
 #include <Quorvix/Platform/NSURLSession.h>
-#include <Quorvix/QXArchiveWriter.h>
-#include <Quorvix/QXBreakpointCenter.h>
-#include <Quorvix/QXBreakpointStore.h>
-#include <Quorvix/QXRecorderWatcher.h>
 #include <Quorvix/QXRequestRecorder.h>
 #include <Quorvix/QXSessionHook.h>
 
@@ -17,7 +13,6 @@
 #include <QtCore/QTimer>
 #include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
-#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 #include <cstdlib>
@@ -35,8 +30,6 @@ public:
 
 private Q_SLOTS:
     void taskWaitsForTheApplication();
-    void writesAnArchiveOfWhatItDid();
-    void releasesWhatItHolds();
     void writesAnArchiveAtItsEnd_data();
     void writesAnArchiveAtItsEnd();
     void mayExitWithoutDestroyingItsApplication();
@@ -81,61 +74,6 @@ void CoreHostTest::taskWaitsForTheApplication()
     const auto &traces = QXRequestRecorder::shared().requests();
     QCOMPARE(traces.size(), 1);
     QVERIFY(traces[0].duration);
-    QXRequestRecorder::shared().clear();
-}
-
-void CoreHostTest::writesAnArchiveOfWhatItDid()
-{
-    const Greeter server;
-    std::optional<QByteArray> body;
-    const QUrl url = server.url(u"greeting"_s);
-    const QXRecorderWatcher watcher;
-    QSignalSpy changes(&watcher, &QXRecorderWatcher::requestsChanged);
-    NSURLSession::shared()
-        .dataTaskWithRequest(URLRequest(url), [&body](auto data, auto, auto) { body = data; })
-        ->resume();
-    QTRY_VERIFY(body);
-    QCOMPARE(*body, "hello");
-    QCOMPARE(changes.size(), 2);
-
-    const auto traces = QXArchiveWriter::sourceOf(QXRequestRecorder::shared().requests());
-    QXRequestRecorder::shared().clear();
-    const QJsonObject log =
-        QJsonDocument::fromJson(QXArchiveWriter::archive(traces)).object()[u"log"].toObject();
-    const QJsonArray entries = log[u"entries"].toArray();
-    QCOMPARE(entries.size(), 1);
-    QCOMPARE(entries[0][u"request"][u"url"].toString(), url.toString());
-    QCOMPARE(entries[0][u"response"][u"content"][u"text"].toString(), u"hello"_s);
-}
-
-void CoreHostTest::releasesWhatItHolds()
-{
-    const Greeter server;
-    const QUrl url = server.url(u"held"_s);
-    QXBreakpointStore::shared().insert(*QXBreakpointKey::make(url, u"GET"_s));
-    QStringList held;
-    const auto observer = NSNotificationCenter::defaultCenter().addObserver(QuorvixBreakpointChanged, [&] {
-        auto &center = QXBreakpointCenter::shared();
-        if (!center.activeBreakpoint())
-            return;
-        held += center.activeBreakpoint()->displayTitle();
-        held += QString::fromUtf8(center.activeBreakpoint()->data.value());
-        center.apply(u"503"_s, u"edited"_s);
-    });
-    QStringList delivered;
-    NSURLSession::shared()
-        .dataTaskWithRequest(URLRequest(url),
-                             [&](auto data, auto response, auto) {
-                                 const auto http =
-                                     std::dynamic_pointer_cast<const NSHTTPURLResponse>(response);
-                                 delivered += QString::number(http->statusCode());
-                                 delivered += QString::fromUtf8(*data);
-                             })
-        ->resume();
-    QTRY_COMPARE(delivered, QStringList({u"503"_s, u"edited"_s}));
-    QCOMPARE(held, QStringList({u"GET 127.0.0.1/held"_s, u"hello"_s}));
-    QCOMPARE(QXRequestRecorder::shared().requests()[0].response->body, "edited"_ba);
-    QXBreakpointStore::shared().setRules({});
     QXRequestRecorder::shared().clear();
 }
 

@@ -2,12 +2,14 @@
 
 #include <Quorvix/QXRequestRecorder.h>
 
+#include <QtCore/QBuffer>
 #include <QtCore/QDir>
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTimer>
 #include <QtGui/QGenericPlugin>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QImage>
 #include <QtTest/QTest>
 
 /// Runs a test inside a program that does not know of it. Qt loads the plugin while the program makes its
@@ -47,6 +49,16 @@ inline QByteArray textOf(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline QByteArray picture(Qt::GlobalColor color)
+{
+    QByteArray png;
+    QBuffer buffer(&png);
+    QImage image(8, 8, QImage::Format_RGB32);
+    image.fill(color);
+    image.save(&buffer, "PNG");
+    return png;
 }
 
 /// The lines that begin with @p mark in the difference between two folders, without that mark.

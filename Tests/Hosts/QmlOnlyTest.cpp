@@ -2,8 +2,6 @@
 #include "Tests/ScreenDriver.h"
 #include "Tests/ScriptedServer.h"
 
-#include <QtCore/QBuffer>
-#include <QtGui/QImage>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 
@@ -22,16 +20,6 @@ private Q_SLOTS:
 };
 
 namespace {
-
-QByteArray picture()
-{
-    QByteArray png;
-    QBuffer buffer(&png);
-    QImage image(8, 8, QImage::Format_RGB32);
-    image.fill(Qt::darkCyan);
-    image.save(&buffer, "PNG");
-    return png;
-}
 
 QQuickWindow *guide()
 {
@@ -76,7 +64,7 @@ void QmlOnlyTest::showsItsRequests()
     };
     answer("/places", "application/json",
            R"([{"name":"Old Harbour","country":"Norway","picture":"/harbour.png"}])");
-    answer("/harbour.png", "image/png", picture());
+    answer("/harbour.png", "image/png", picture(Qt::darkCyan));
     type(window, server.url({}).toString().toLatin1().constData());
     QTest::keyClick(&window, Qt::Key_Return);
     QTRY_COMPARE(textOf(window, "note"), u"1 places to see"_s);

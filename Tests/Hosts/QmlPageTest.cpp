@@ -2,12 +2,10 @@
 #include "Tests/ScreenDriver.h"
 #include "Tests/ScriptedServer.h"
 
-#include <QtCore/QBuffer>
 #include <QtCore/QDirIterator>
 #include <QtCore/QHash>
 #include <QtCore/QStandardPaths>
 #include <QtGui/QFont>
-#include <QtGui/QImage>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 
@@ -30,16 +28,6 @@ constexpr QByteArrayView articles{
     R"([{"title":"How it is made","picture":"/a.png"},{"title":"Glass","picture":"/b.png"}])"};
 constexpr QByteArrayView feed{"<?xml version=\"1.0\"?><rss><channel><item><title>News of glass</title></item>"
                               "<item><title>A new vase</title></item></channel></rss>"};
-
-QByteArray picture(Qt::GlobalColor color)
-{
-    QByteArray png;
-    QBuffer buffer(&png);
-    QImage image(8, 8, QImage::Format_RGB32);
-    image.fill(color);
-    image.save(&buffer, "PNG");
-    return png;
-}
 
 QByteArray typeface()
 {
