@@ -6,7 +6,7 @@
 #include <QtGui/QScreen>
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
-#include <QtQuick/QQuickView>
+#include <QtQuick/QQuickWindow>
 #include <QtQuickWidgets/QQuickWidget>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QMainWindow>
@@ -54,13 +54,6 @@ inline void makeQuickWindow(Host &host)
     host.makeQml("Window { visible: true; width: 390; height: 844 }");
 }
 
-inline void makeQuickView(Host &host)
-{
-    auto *const view = host.make<QQuickView>();
-    view->resize(500, 500);
-    view->show();
-}
-
 /// Replaces all items, as a program does that loads one page after another.
 inline void makeLoader(Host &host)
 {
@@ -74,12 +67,6 @@ inline void makeLoader(Host &host)
         })");
     for (int page = 1; page < 4; ++page)
         QTimer::singleShot(50 * page, window, [window, page] { window->setProperty("page", page); });
-}
-
-inline void makeSeveralWindows(Host &host)
-{
-    for (int i = 0; i < 3; ++i)
-        makeQuickWindow(host);
 }
 
 inline void makeWindowOnEachScreen(Host &host)

@@ -253,18 +253,6 @@ void NetworkPlays::addFlows()
         stage.diary.note("at hand", reply->bytesAvailable());
         read(stage, reply, large.size());
     });
-    row("flow, without a bound", [=](Stage &stage) {
-        stage.diary.flow();
-        stage.server.answer("/", {{{httpAnswer("200 OK", large)}}});
-        read(stage, stage.get(), 1'000'000);
-    });
-    row("flow, to the server", [=](Stage &stage) {
-        stage.diary.flow();
-        stage.server.answer("/", {{{httpAnswer("200 OK", "")}}});
-        Request request = stage.request();
-        request.setHeader(Request::ContentTypeHeader, u"text/plain"_s);
-        stage.watch(stage.manager->put(request, large.left(1'000'000)));
-    });
     row("progress of each part", [](Stage &stage) {
         stage.diary.keepProgress();
         stage.server.answer("/", {inPartsWithLength("200 OK", {"a", "bc", "def"})});
