@@ -6,15 +6,6 @@ using ScreenDriver::middle;
 
 namespace {
 
-/// What the host received.
-struct Delivery
-{
-    qint64 status = 0;
-    QByteArray body;
-
-    bool operator==(const Delivery &) const = default;
-};
-
 QXBreakpointStore &store()
 {
     return QXBreakpointStore::shared();
@@ -35,20 +26,19 @@ private Q_SLOTS:
     void releasesWhatIsShown();
     void showsAndCopiesTheHeldResponse();
     void worksByKeyboardAlone();
-    void keepsEditsWhenTheWindowChanges();
     void rulesAreDeleted_data();
     void rulesAreDeleted();
     void listFollowsTheStore();
 
 private:
     void hold(const QByteArray &body);
-    Delivery release(const QByteArray &held, const char *status, bool deletesBody, const char *body,
-                     const char *button = "QXApplyButton");
+    QByteArray release(const QByteArray &held, const char *status, bool deletesBody, const char *body,
+                       const char *button = "QXApplyButton");
     void openRules();
     void tabTo(const char *name);
     void selectAll() { QTest::keySequence(m_window.get(), QKeySequence::SelectAll); }
 
-    QList<Delivery> m_delivered;
+    QByteArrayList m_delivered;
 };
 
 void BreakpointScreenTest::hold(const QByteArray &body)
@@ -56,7 +46,7 @@ void BreakpointScreenTest::hold(const QByteArray &body)
     m_delivered.clear();
     QVERIFY(ScreenTest::hold(body, [this](const auto &data, const auto &response, const auto &) {
         const auto &http = dynamic_cast<const NSHTTPURLResponse &>(*response);
-        m_delivered.append({http.statusCode(), data.value_or(QByteArray())});
+        m_delivered.append(QByteArray::number(http.statusCode()) + ' ' + *data);
     }));
     QTRY_VERIFY(find("QXBreakpointEditorView"));
 }
@@ -68,8 +58,8 @@ void BreakpointScreenTest::tabTo(const char *name)
     QVERIFY2(find(name)->hasActiveFocus(), name);
 }
 
-Delivery BreakpointScreenTest::release(const QByteArray &held, const char *status, bool deletesBody,
-                                       const char *body, const char *button)
+QByteArray BreakpointScreenTest::release(const QByteArray &held, const char *status, bool deletesBody,
+                                         const char *body, const char *button)
 {
     hold(held);
     if (*status) {
@@ -86,18 +76,18 @@ Delivery BreakpointScreenTest::release(const QByteArray &held, const char *statu
     }
     click(button);
     const bool isGone = QTest::qWaitFor([this] { return !find("QXBreakpointEditorView"); });
-    return isGone && m_delivered.size() == 1 ? m_delivered[0] : Delivery();
+    return isGone && m_delivered.size() == 1 ? m_delivered[0] : QByteArray("none");
 }
 
 void BreakpointScreenTest::releasesWhatIsShown()
 {
-    QCOMPARE(release("old", "404", true, "{\"new\":1}"), (Delivery{404, "{\"new\":1}"}));
-    QCOMPARE(release("old", "", false, " and new"), (Delivery{200, "old and new"}));
-    QCOMPARE(release("old", "abc", false, ""), (Delivery{200, "old"}));
-    QCOMPARE(release("old", "404", true, "new", "QXContinueButton"), (Delivery{200, "old"}));
-    QCOMPARE(release("a\r\nb\rc\n", "", false, ""), (Delivery{200, "a\r\nb\rc\n"}));
-    QCOMPARE(release("\x00\xff|"_ba, "", false, ""), (Delivery{200, "\0\xEF\xBF\xBD|"_ba})); // as shown
-    QCOMPARE(release("\xff\xfe", "", false, "", "QXContinueButton"), (Delivery{200, "\xff\xfe"}));
+    QCOMPARE(release("old", "404", true, "{\"new\":1}"), "404 {\"new\":1}");
+    QCOMPARE(release("old", "", false, " and new"), "200 old and new");
+    QCOMPARE(release("old", "abc", false, ""), "200 old");
+    QCOMPARE(release("old", "404", true, "new", "QXContinueButton"), "200 old");
+    QCOMPARE(release("a\r\nb\rc\n", "", false, ""), "200 a\r\nb\rc\n");
+    QCOMPARE(release("\x00\xff|"_ba, "", false, ""), "200 \0\xEF\xBF\xBD|"_ba); // as shown
+    QCOMPARE(release("\xff\xfe", "", false, "", "QXContinueButton"), "200 \xff\xfe");
 }
 
 void BreakpointScreenTest::showsAndCopiesTheHeldResponse()
@@ -111,7 +101,7 @@ void BreakpointScreenTest::showsAndCopiesTheHeldResponse()
         QVERIFY2(isUsable(name), name);
     click("QXCopyBodyButton");
     QCOMPARE(clipboard(), u"the body"_s);
-    QCOMPARE(m_delivered, {});
+    QVERIFY(m_delivered.isEmpty());
 }
 
 void BreakpointScreenTest::worksByKeyboardAlone()
@@ -125,22 +115,7 @@ void BreakpointScreenTest::worksByKeyboardAlone()
     type("new");
     tabTo("QXApplyButton");
     press(Qt::Key_Return);
-    QCOMPARE(m_delivered, QList<Delivery>({{201, "new"}}));
-}
-
-void BreakpointScreenTest::keepsEditsWhenTheWindowChanges()
-{
-    hold("old");
-    click("QXDeleteBodyButton");
-    m_window->resize(800, 600);
-    QTRY_COMPARE(find("QXBreakpointEditorView")->width(), 800);
-
-    auto next = makeWindow();
-    m_window->close();
-    m_window = std::move(next);
-    QTRY_VERIFY(find("QXBreakpointEditorView"));
-    click("QXApplyButton");
-    QCOMPARE(m_delivered, QList<Delivery>({{200, ""}}));
+    QCOMPARE(m_delivered, QByteArrayList{"201 new"});
 }
 
 void BreakpointScreenTest::openRules()
@@ -177,7 +152,7 @@ void BreakpointScreenTest::rulesAreDeleted()
         if (way == "swipe by touch"_L1) {
             touch(at);
             for (int step = 1; step <= 8; ++step)
-                QTest::touchEvent(m_window.get(), m_finger.get()).move(0, at - QPoint(20 * step, 0));
+                moveFinger(at - QPoint(20 * step, 0));
             lift(at - QPoint(160, 0));
         } else {
             ScreenDriver::drag(*m_window, at, QPoint(-160, 0));

@@ -82,11 +82,6 @@ private Q_SLOTS:
 
 private:
     void addShortcuts(const QStringList &keys);
-    void press(const QString &key)
-    {
-        const QKeyCombination combination = QKeySequence::fromString(key)[0];
-        QTest::keyClick(m_window.get(), combination.key(), combination.keyboardModifiers());
-    }
     void send(QEvent::Type type, Qt::Key key, bool isRepeated = false)
     {
         QKeyEvent event(type, key, {}, {}, isRepeated);

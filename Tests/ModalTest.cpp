@@ -213,8 +213,7 @@ void ModalTest::fingerSwipesBack()
         touch({4, 400});
         for (int step = 1; step <= 10; ++step) {
             QTest::qWait(30); // slowly: it is the distance that counts
-            QTest::touchEvent(m_window.get(), m_finger.get())
-                .move(0, {4 + distance * step / 10, 400}, m_window.get());
+            moveFinger({4 + distance * step / 10, 400});
         }
         QTest::qWait(100);
         lift({4 + distance, 400});

@@ -83,8 +83,20 @@ protected:
     {
         QTest::keyClick(m_window.get(), key, modifiers);
     }
+    /// Presses keys that are written as in "Ctrl+Z, A".
+    void press(const QString &keys)
+    {
+        for (const QString &key : keys.split(QStringLiteral(", "))) {
+            const QKeyCombination combination = QKeySequence::fromString(key)[0];
+            press(combination.key(), combination.keyboardModifiers());
+        }
+    }
     /// The finger goes down, and stays there until it is lifted.
     void touch(QPoint at) { QTest::touchEvent(m_window.get(), m_finger.get()).press(0, at, m_window.get()); }
+    void moveFinger(QPoint to)
+    {
+        QTest::touchEvent(m_window.get(), m_finger.get()).move(0, to, m_window.get());
+    }
     void lift(QPoint at) { QTest::touchEvent(m_window.get(), m_finger.get()).release(0, at, m_window.get()); }
 
     [[nodiscard]] static QString clipboard() { return QGuiApplication::clipboard()->text(); }

@@ -58,8 +58,6 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] QXTextEditor *editor() { return qobject_cast<QXTextEditor *>(find("QXTextEditor")); }
-    /// Presses keys that are written as in "Ctrl+Z, A".
-    void press(const QString &keys);
     void place(qsizetype anchor, qsizetype cursor);
     void compose(const QString &preedit, const QString &commit, int replacementStart = 0,
                  int replacementLength = 0);
@@ -75,14 +73,6 @@ void TextEditorTest::init()
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     m_window = makeWindow(m_engine, pageQml);
     QTRY_VERIFY(editor() && editor()->hasActiveFocus() && editor()->contentHeight() > 0);
-}
-
-void TextEditorTest::press(const QString &keys)
-{
-    for (const QString &key : keys.split(u", "_s)) {
-        const QKeyCombination combination = QKeySequence::fromString(key)[0];
-        QTest::keyClick(m_window.get(), combination.key(), combination.keyboardModifiers());
-    }
 }
 
 void TextEditorTest::place(qsizetype anchor, qsizetype cursor)

@@ -156,7 +156,7 @@ QPoint TextViewTest::middleOfKnob(const char *handle)
 QString TextViewTest::copied()
 {
     QGuiApplication::clipboard()->clear();
-    QTest::keyClick(m_window.get(), Qt::Key_C, Qt::ControlModifier);
+    press(Qt::Key_C, Qt::ControlModifier);
     return clipboard();
 }
 
@@ -213,23 +213,18 @@ void TextViewTest::selectsWithTheMouse_data()
 {
     QTest::addColumn<QList<int>>("clicks"); // the first number is the number of clicks
     QTest::addColumn<int>("dragTo");
-    QTest::addColumn<int>("shiftClick");
     QTest::addColumn<QString>("selected");
-    QTest::newRow("drag") << QList<int>{1, 2} << 9 << -1 << u"e two\nt"_s;
-    QTest::newRow("drag backwards") << QList<int>{1, 9} << 2 << -1 << u"e two\nt"_s;
-    QTest::newRow("word") << QList<int>{2, 5} << -1 << -1 << u"two"_s;
-    QTest::newRow("word after another click") << QList<int>{2, 9} << -1 << -1 << u"three_3"_s;
-    QTest::newRow("words by dragging back") << QList<int>{2, 9} << 5 << -1 << u"two\nthree_3"_s;
-    QTest::newRow("line") << QList<int>{3, 5} << -1 << -1 << u"one two\n"_s;
-    QTest::newRow("shift") << QList<int>{1, 2} << -1 << 9 << u"e two\nt"_s;
-    QTest::newRow("click") << QList<int>{1, 2} << -1 << -1 << QString();
+    QTest::newRow("drag backwards") << QList<int>{1, 9} << 2 << u"e two\nt"_s;
+    QTest::newRow("word") << QList<int>{2, 9} << -1 << u"three_3"_s;
+    QTest::newRow("words by dragging back") << QList<int>{2, 9} << 5 << u"two\nthree_3"_s;
+    QTest::newRow("line") << QList<int>{3, 5} << -1 << u"one two\n"_s;
+    QTest::newRow("click") << QList<int>{1, 2} << -1 << QString();
 }
 
 void TextViewTest::selectsWithTheMouse()
 {
     QFETCH(const QList<int>, clicks);
     QFETCH(const int, dragTo);
-    QFETCH(const int, shiftClick);
     QVERIFY(open(new QXTextDocument(u"one two\nthree_3 four"_s)));
     QQuickWindow *const window = m_window.get();
     const QPoint first = placeOf(clicks[1]);
@@ -246,8 +241,6 @@ void TextViewTest::selectsWithTheMouse()
     if (dragTo >= 0)
         QTest::mouseMove(window, placeOf(dragTo));
     QTest::mouseRelease(window, Qt::LeftButton, {}, dragTo >= 0 ? placeOf(dragTo) : first);
-    if (shiftClick >= 0)
-        QTest::mouseClick(window, Qt::LeftButton, Qt::ShiftModifier, placeOf(shiftClick));
     QTEST(view()->selectedText(), "selected");
     QTEST(copied(), "selected");
 }
@@ -267,52 +260,44 @@ void TextViewTest::selectionScrollsAlong()
     scrollTo(1'000'000);
     QCOMPARE(view()->selectedText(), selected);
     QCOMPARE(copied(), selected);
-    QTest::keyClick(window, Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(copied(), m_document->text());
 }
 
 void TextViewTest::selectsWithKeys()
 {
     QVERIFY(open(new QXTextDocument(numberedLines(100'000))));
-    QQuickWindow *const window = m_window.get();
     QVERIFY(find("block")->hasActiveFocus());
-    QTest::keyClick(window, Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier);
+    press(Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(copied(), u"line "_s);
-    QTest::keyClick(window, Qt::Key_Down, Qt::ShiftModifier);
-    QTest::keyClick(window, Qt::Key_End, Qt::ShiftModifier);
-    QTest::keyClick(window, Qt::Key_Left, Qt::ShiftModifier);
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    press(Qt::Key_End, Qt::ShiftModifier);
+    press(Qt::Key_Left, Qt::ShiftModifier);
     QCOMPARE(copied(), u"line 00000000000000\nline 0000000000000"_s);
-    QTest::keyClick(window, Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
+    press(Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
     QTRY_COMPARE(view()->rowTextAt(view()->height() - 1), QString());
     QCOMPARE(view()->selection().end(), m_document->length());
     // The selection begins in the visible part.
-    QTest::mouseClick(window, Qt::LeftButton, {}, placeOf(m_document->length()));
+    click(placeOf(m_document->length()));
     scrollTo(112 + 50'000 * view()->rowHeight());
-    QTest::keyClick(window, Qt::Key_Right, Qt::ShiftModifier);
+    press(Qt::Key_Right, Qt::ShiftModifier);
     QVERIFY(qAbs(view()->selection().start() - qsizetype(50'000) * 20) <= 20);
 }
 
 void TextViewTest::touchScrolls()
 {
     QVERIFY(open(new QXTextDocument(numberedLines(1000))));
-    QQuickWindow *const window = m_window.get();
-    QPoint place(200, 400);
-    touch(place);
-    for (int step = 0; step < 10; ++step) {
-        place.ry() -= 20;
-        QTest::touchEvent(window, m_finger.get()).move(0, place, window).commit();
-    }
-    lift(place);
+    touch({200, 400});
+    for (int y = 380; y >= 200; y -= 20)
+        moveFinger({200, y});
+    lift({200, 200});
     QTRY_VERIFY(page()->property("contentY").toReal() > 50);
-    QVERIFY(!view()->hasSelection() && window->property("requested").toString().isEmpty());
+    QVERIFY(!view()->hasSelection() && m_window->property("requested").toString().isEmpty());
 }
 
 void TextViewTest::fingerSelects()
 {
     QVERIFY(open(new QXTextDocument(u"one two three four\nfive six seven"_s + u"\n"_s.repeated(100))));
-    const auto moveFinger = [this](QPoint to) {
-        QTest::touchEvent(m_window.get(), m_finger.get()).move(0, to, m_window.get());
-    };
     const auto requested = [this] {
         return m_window->property("requested").toString();
     };
@@ -354,13 +339,16 @@ void TextViewTest::fingerSelects()
 void TextViewTest::asksForTheMenu()
 {
     QVERIFY(open(new QXTextDocument(numberedLines(100'000))));
+    click(placeOf(2));
+    QTest::mouseClick(m_window.get(), Qt::LeftButton, Qt::ShiftModifier, placeOf(9));
+    QCOMPARE(view()->selectedText(), u"ne 0000"_s);
     QSignalSpy requested(view(), &QXTextView::contextMenuRequested);
-    QTest::keyClick(m_window.get(), Qt::Key_A, Qt::ControlModifier);
-    QTest::mouseClick(m_window.get(), Qt::RightButton, {}, QPoint(100, 300));
+    press(Qt::Key_A, Qt::ControlModifier);
+    click(QPoint(100, 300), Qt::RightButton);
     QCOMPARE(m_window->property("requested").toString(), u"84,200"_s);
     QVERIFY(view()->hasSelection());
-    QTest::keyClick(m_window.get(), Qt::Key_Menu);
-    QTest::keyClick(m_window.get(), Qt::Key_F10, Qt::ShiftModifier);
+    press(Qt::Key_Menu);
+    press(Qt::Key_F10, Qt::ShiftModifier);
     QCOMPARE(requested.size(), 3);
     QCOMPARE(requested[1][0].toPointF(), QPointF()); // the cursor is not visible
 }
@@ -376,7 +364,7 @@ void TextViewTest::fitsForeignLetters()
         QVERIFY(caret.x() >= 0 && caret.right() <= view()->width());
     }
     QVERIFY(!view()->rowTextAt(1).contains(QChar(1)) && !view()->rowTextAt(1).contains(QChar::LineSeparator));
-    QTest::keyClick(m_window.get(), Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(copied(), line); // not the symbols that are painted instead
 }
 
