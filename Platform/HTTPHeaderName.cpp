@@ -9,9 +9,9 @@ namespace Quorvix {
 
 namespace {
 
-/// Names whose usual spelling is not simply a capital letter at the start of each word, in alphabetical order
-/// regardless of case.
-constexpr std::array unusualNames{
+/// Names whose usual spelling is not simply a capital letter at the start of each word, and those that the
+/// exports look up in their usual spelling. In alphabetical order regardless of case.
+constexpr std::array knownNames{
     "A-IM",
     "Accept-CH",
     "ALPN",
@@ -31,6 +31,8 @@ constexpr std::array unusualNames{
     "Content-DPR",
     "Content-ID",
     "Content-MD5",
+    "Content-Type",
+    "Cookie",
     "CTA-Common-Access-Token",
     "DASL",
     "DAV",
@@ -89,6 +91,7 @@ constexpr std::array unusualNames{
     "Sec-WebSocket-Key",
     "Sec-WebSocket-Protocol",
     "Sec-WebSocket-Version",
+    "Set-Cookie",
     "SetProfile",
     "SLUG",
     "SOAPAction",
@@ -158,9 +161,9 @@ QByteArray capitalized(QByteArray name)
 QByteArray HTTPHeaderName::usualSpelling(const QByteArray &name)
 {
     const auto *const found =
-        std::lower_bound(unusualNames.begin(), unusualNames.end(), name.constData(), isBefore);
+        std::lower_bound(knownNames.begin(), knownNames.end(), name.constData(), isBefore);
     // The comparison ends at a NUL, which a hostile name can contain.
-    if (found != unusualNames.end() && !isBefore(name.constData(), *found) &&
+    if (found != knownNames.end() && !isBefore(name.constData(), *found) &&
         qstrlen(*found) == size_t(name.size()))
         return *found;
     return hasCapital(name) ? name : capitalized(name);

@@ -8,6 +8,7 @@
 #include "Platform/URLText.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QLocale>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
@@ -43,16 +44,35 @@ QXSystemColor::Value colorForStatusCode(qint64 code)
     return code >= 400 ? QXSystemColor::Red : QXSystemColor::Orange;
 }
 
+/// The screen has an item for each value, which takes it a quarter of a millisecond. So a host or a server
+/// with thousands of headers or cookies would keep it busy for seconds: all behind the first ones are one
+/// text.
+constexpr qsizetype mostItems = 200;
+
+Values withFewItems(Values values)
+{
+    if (values.size() <= mostItems)
+        return values;
+    QString others;
+    for (qsizetype index = mostItems; index < values.size(); ++index)
+        others += values[index].label + u": "_s + values[index].text + u'\n';
+    others.chop(1);
+    const QString count = QLocale().toString(values.size() - mostItems);
+    values.resize(mostItems);
+    values.append({QCoreApplication::translate("Quorvix", "%1 more").arg(count), others});
+    return values;
+}
+
 void addValues(Sections &sections, const char *title, Values values)
 {
     if (!values.isEmpty())
-        sections.push_back({Kind::Values, localized(title), std::move(values), {}, {}});
+        sections.push_back({Kind::Values, localized(title), withFewItems(std::move(values)), {}, {}});
 }
 
 void addGroup(Sections &sections, const char *title, Group group, Values values)
 {
     if (!values.isEmpty())
-        sections.push_back({Kind::Group, localized(title), std::move(values), group, {}});
+        sections.push_back({Kind::Group, localized(title), withFewItems(std::move(values)), group, {}});
 }
 
 void addHeaders(Sections &sections, const Side &side, const std::optional<HTTPHeaderFields> &headers)

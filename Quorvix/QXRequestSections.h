@@ -33,6 +33,7 @@ struct QXRequestSection
 
     Kind kind = Kind::Values;
     QString title;
+    /// At most 201: a last one has all that would be behind it as lines of "label: text".
     QList<QXRequestValue> values;
     /// The group, if this section is one.
     std::optional<Group> group;

@@ -976,6 +976,10 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%1 more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The file or link belongs to another user.</source>
         <translation type="unfinished"></translation>
     </message>
