@@ -16,7 +16,7 @@ public:
     QByteArray take()
     {
         const qsizetype end = m_rest.indexOf('\0');
-        const QByteArray part = m_rest.first(end < 0 ? m_rest.size() : end);
+        QByteArray part = m_rest.first(end < 0 ? m_rest.size() : end);
         m_rest.remove(0, end < 0 ? m_rest.size() : end + 1);
         return part;
     }

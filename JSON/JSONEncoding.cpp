@@ -14,7 +14,7 @@ namespace {
 struct Encoding
 {
     QByteArrayView mark;
-    bool isBigEndian;
+    bool isBigEndian = false;
 };
 
 /// The mark of UTF-16LE begins that of UTF-32LE, so the longer marks come first. No JSON text begins with

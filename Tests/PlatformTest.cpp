@@ -231,7 +231,8 @@ void PlatformTest::headerNamesHaveTheirUsualSpelling_data()
     row("the sender's capitals", "CONTENT-LENGTH", "CONTENT-LENGTH");
     row("odd hyphens", "-x--y-", "-X--Y-");
     row("nothing", "", "");
-    QTest::newRow("a NUL behind a registered name") << "te\0x"_ba << "Te\0x"_ba;
+    QTest::newRow("a NUL behind a registered name") << "te\0x"_ba
+                                                    << "Te\0x"_ba;
     row("the beginning of a registered name", "te-x", "Te-X");
     for (const char *name : {"A-IM", "Content-MD5", "Content-Type", "Cookie", "Set-Cookie", "DNT", "ETag", "SourceMap", "TE", "WWW-Authenticate",
                              "X-Request-ID", "X-XSS-Protection", "Sec-WebSocket-Accept"}) {
