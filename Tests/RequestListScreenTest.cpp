@@ -280,12 +280,17 @@ void RequestListScreenTest::longUrlsStaySmooth()
         (void)m_window->grabWindow();
         return timer.elapsed();
     };
+#ifdef __SANITIZE_THREAD__
+    constexpr int factor = 5; // slows our code down, but not Qt's
+#else
+    constexpr int factor = 2;
+#endif
     // Another process can slow one of the two down, but hardly each time.
     bool isSmooth = false;
     for (int attempts = 3; !isSmooth; --attempts) {
         const qint64 usual = timeWith(u"usual"_s);
         const qint64 extreme = timeWith(u"0123456789/"_s.repeated(27'000));
-        isSmooth = extreme < 2 * usual + 100;
+        isSmooth = extreme < factor * usual + 100;
         QVERIFY2(isSmooth || attempts > 1, qPrintable(u"%1 ms instead of %2"_s.arg(extreme).arg(usual)));
     }
     type("59/");

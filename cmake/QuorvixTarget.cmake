@@ -19,6 +19,15 @@ function(quorvix_target target)
         target_compile_options(${target} PRIVATE
             -fsanitize=${QUORVIX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
         target_link_options(${target} PRIVATE -fsanitize=${QUORVIX_SANITIZE})
+        # Qt's inline functions contain fences that only a weakly ordered processor needs. g++ warns that the sanitizer
+        # does not know fences.
+        if(QUORVIX_SANITIZE MATCHES "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+            target_compile_options(${target} PRIVATE -Wno-tsan)
+        endif()
+        get_target_property(type ${target} TYPE)
+        if(QUORVIX_SANITIZE MATCHES "thread" AND type STREQUAL "EXECUTABLE")
+            target_link_libraries(${target} PRIVATE QuorvixQtHandOver)
+        endif()
     endif()
 endfunction()
 
