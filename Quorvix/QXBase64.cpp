@@ -4,6 +4,7 @@
 
 #include <QtCore/QtEndian>
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -64,25 +65,30 @@ template<typename Sink>
 class Decoder
 {
 public:
-    Decoder(QByteArrayView text, QXBase64::WhiteSpace whiteSpace, Sink &sink) noexcept
-        : m_at(text.begin()), m_end(text.end()),
-          m_skipsWhiteSpace(whiteSpace == QXBase64::WhiteSpace::Skipped), m_sink(sink)
+    Decoder(QByteArrayView text, QXBase64::WhiteSpace whiteSpace, Sink &sink, QXTaskSteps steps) noexcept
+        : m_begin(text.begin()), m_at(text.begin()), m_end(text.end()),
+          m_skipsWhiteSpace(whiteSpace == QXBase64::WhiteSpace::Skipped), m_sink(sink), m_steps(steps)
     {
     }
 
     bool decode() noexcept
     {
         do {
+            if (!m_steps.goOn(m_at - m_begin))
+                return false;
             decodeGroupPairs();
         } while (decodeGroup());
         return decodeEnd();
     }
 
 private:
-    /// Decodes pairs of groups, for speed. decodeGroup() handles a single group that remains.
+    /// Decodes pairs of groups, for speed, up to some number. decodeGroup() handles a single group that
+    /// remains.
     void decodeGroupPairs() noexcept
     {
-        for (; m_end - m_at >= groupSize + groupSize; m_at += groupSize + groupSize) {
+        constexpr std::ptrdiff_t mostAtOnce = 1 << 18;
+        const char *const end = m_at + std::min(m_end - m_at, mostAtOnce);
+        for (; end - m_at >= groupSize + groupSize; m_at += groupSize + groupSize) {
             const qint32 first = groupAt(m_at);
             const qint32 second = groupAt(m_at + groupSize);
             if ((first | second) < 0)
@@ -134,10 +140,12 @@ private:
         }
     }
 
+    const char *const m_begin;
     const char *m_at;
     const char *const m_end;
     const bool m_skipsWhiteSpace;
     Sink &m_sink;
+    QXTaskSteps m_steps;
     /// The incomplete group and the number of its characters.
     qint32 m_group = 0;
     int m_count = 0;
@@ -145,15 +153,15 @@ private:
 
 } // namespace
 
-bool QXBase64::decode(QByteArrayView text, WhiteSpace whiteSpace, QByteArray *bytes)
+bool QXBase64::decode(QByteArrayView text, WhiteSpace whiteSpace, QByteArray *bytes, QXTaskSteps steps)
 {
     if (!bytes) {
         NoSink sink;
-        return Decoder(text, whiteSpace, sink).decode();
+        return Decoder(text, whiteSpace, sink, steps).decode();
     }
     bytes->resize((text.size() / groupSize + 1) * bytesPerGroup + 1);
     ByteSink sink(bytes->data());
-    if (!Decoder(text, whiteSpace, sink).decode())
+    if (!Decoder(text, whiteSpace, sink, steps).decode())
         return false;
     bytes->truncate(sink.end() - bytes->constData());
     return true;

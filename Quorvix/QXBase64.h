@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Quorvix/QXTaskSteps.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 
@@ -17,5 +19,7 @@ public:
     ///
     /// Stops at the first invalid character. If @p bytes is given, it is overwritten: with the decoded
     /// bytes, or with undefined content if the text is not Base64. The capacity of @p bytes is reused.
-    [[nodiscard]] static bool decode(QByteArrayView text, WhiteSpace whiteSpace, QByteArray *bytes = nullptr);
+    /// False, too, once the task is cancelled. @p steps has the unit byte.
+    [[nodiscard]] static bool decode(QByteArrayView text, WhiteSpace whiteSpace, QByteArray *bytes = nullptr,
+                                     QXTaskSteps steps = QXTaskSteps());
 };

@@ -1,35 +1,48 @@
 #include "Quorvix/QXBodyText.h"
 
+#include "Quorvix/QXLongText.h"
 #include "Quorvix/QXTaskSteps.h"
 
 #include "JSON/JSONReader.h"
-#include "JSON/JSONWriter.h"
-
-#include "Platform/UTF8Text.h"
 
 using namespace Quorvix;
 
+namespace {
+
+/// Reading a JSON text takes this part of the time that writing it takes.
+constexpr double readingTime = 0.4;
+
+} // namespace
+
+bool QXBodyText::appendReadable(QString &text, const QByteArray &body, QXTaskProgress *progress)
+{
+    if (JSONReader::beginsLikeContainer(body)) {
+        if (const auto json = JSONReader::parse(body, JSONReader::TopLevel::Container)) {
+            const qsizetype size = json.value().size();
+            return QXLongText::appendJson(text, json.value(), JSONWriter::KeyOrder::Sorted,
+                                          QXTaskSteps(progress, size, qsizetype(double(size) * readingTime)));
+        }
+    }
+    return !isCancelled(progress) && isValidUtf8(body) &&
+           QXLongText::appendUtf8(text, body, QXTaskSteps(progress, body.size()));
+}
+
+void QXBodyText::appendText(QString &text, const QByteArray &body, QXTaskProgress *progress)
+{
+    if (!appendReadable(text, body, progress) && !isCancelled(progress))
+        static_cast<void>(QXLongText::appendHex(text, body, QXLongText::Digits::InPairs,
+                                                QXTaskSteps(progress, body.size())));
+}
+
 std::optional<QString> QXBodyText::readable(const QByteArray &body, QXTaskProgress *progress)
 {
-    if (const auto json = JSONReader::parse(body, JSONReader::TopLevel::Container)) {
-        JSONWriter writer;
-        QXTaskSteps steps(progress, json.value().size());
-        JSONWriter::Checkpoint checkpoint;
-        if (progress)
-            checkpoint = [&](qsizetype done) {
-                return steps.goOn(done);
-            };
-        writer.value(json.value().root(), JSONWriter::KeyOrder::Sorted, checkpoint);
-        if (isCancelled(progress))
-            return std::nullopt;
-        return QString::fromUtf8(writer.takeBuffer());
-    }
-    return isValidUtf8(body) ? std::optional(UTF8Text::replacing(body)) : std::nullopt;
+    QString text;
+    return appendReadable(text, body, progress) ? std::optional(std::move(text)) : std::nullopt;
 }
 
 QString QXBodyText::text(const QByteArray &body, QXTaskProgress *progress)
 {
-    if (auto text = readable(body, progress))
-        return std::move(*text);
-    return isCancelled(progress) ? QString() : QString::fromLatin1(body.toHex(' '));
+    QString text;
+    appendText(text, body, progress);
+    return text;
 }

@@ -25,4 +25,9 @@ public:
     /// Like readable(), but bytes that are not UTF-8 are shown as two lower-case hexadecimal digits each,
     /// separated by spaces.
     [[nodiscard]] static QString text(const QByteArray &body, QXTaskProgress *progress = nullptr);
+    /// Appends text(), without a copy of it.
+    static void appendText(QString &text, const QByteArray &body, QXTaskProgress *progress = nullptr);
+
+private:
+    static bool appendReadable(QString &text, const QByteArray &body, QXTaskProgress *progress);
 };

@@ -89,22 +89,6 @@ bool isMediaType(QByteArrayView base64) noexcept
            !base64.contains('=') && !base64.contains('_');
 }
 
-/// Whether the text is a JSON Web Token. The caller has removed white space at both ends.
-bool isJWT(QByteArrayView text)
-{
-    for (qsizetype i = 0; i < text.size();) {
-        const qsizetype size = isIn(text[i], JWT) ? 1 : QXWhiteSpace::sizeAtStart(text.sliced(i));
-        if (size == 0)
-            return false;
-        i += size;
-    }
-    const auto pieces = QXJWTPieces<QByteArrayView>::split(text);
-    if (!pieces || pieces->header.isEmpty() || QXWhiteSpace::trimmed(pieces->body).isEmpty() ||
-        pieces->signature.isEmpty())
-        return false;
-    return QXBase64::decode(pieces->header, Skipped) && QXBase64::decode(pieces->body, Skipped);
-}
-
 /// After the white space in "Bearer <token>" is removed, the text often looks like a token with a
 /// meaningless header. So a header that contains white space must also be JSON (RFC 7519, section 7.2).
 bool hasMangledHeader(QByteArrayView jwt)
@@ -128,47 +112,16 @@ qsizetype separatorSize(QByteArrayView text, LineBreaks lineBreaks) noexcept
     return QXWhiteSpace::sizeAtStart(text);
 }
 
-/// Removes the first piece and the separators before it from @p rest, and returns the piece. Empty at the
-/// end.
-QByteArrayView takePiece(QByteArrayView &rest, LineBreaks lineBreaks) noexcept
-{
-    qsizetype start = 0;
-    while (start < rest.size()) {
-        const qsizetype size = separatorSize(rest.sliced(start), lineBreaks);
-        if (size == 0)
-            break;
-        start += size;
-    }
-    qsizetype end = start;
-    while (end < rest.size() &&
-           (!isIn(rest[end], Separator | MaybeSeparator) || separatorSize(rest.sliced(end), lineBreaks) == 0))
-        ++end;
-    const QByteArrayView piece = rest.sliced(start, end - start);
-    rest = rest.sliced(end);
-    return piece;
-}
-
-/// The text after the first "base64,"; empty if there is none.
-QByteArrayView afterDataMarker(QByteArrayView text) noexcept
-{
-    const std::string_view view(text.data(), size_t(text.size()));
-    constexpr std::string_view head("base6");
-    constexpr std::string_view tail("4,");
-    for (size_t at = view.find(tail, head.size()); at != view.npos; at = view.find(tail, at + 1)) {
-        if (qstrnicmp(view.data() + at - head.size(), head.data(), head.size()) == 0)
-            return text.sliced(qsizetype(at) + qsizetype(tail.size()));
-    }
-    return {};
-}
-
 class Search
 {
 public:
-    Search(QByteArray *decoded, QXTaskSteps steps) : m_decoded(decoded), m_steps(steps) {}
+    Search(QByteArray *decoded, QXTaskProgress *progress) : m_decoded(decoded), m_progress(progress) {}
 
     Found findInWholeText(QByteArrayView text)
     {
+        m_isWholeText = true;
         const Found found = candidate(text);
+        m_isWholeText = false;
         return found && found->kind == Kind::JWT && hasMangledHeader(found->text) ? Found() : found;
     }
 
@@ -176,14 +129,17 @@ public:
     /// URLs.
     Found findInDataUrl(QByteArrayView text)
     {
+        m_steps = QXTaskSteps(m_progress, text.size());
         QByteArrayView content = afterDataMarker(text);
+        m_done = text.size() - content.size();
         return candidate(takePiece(content, LineBreaks::Join));
     }
 
     Found findInWords(QByteArrayView text)
     {
-        const qsizetype size = text.size();
-        while (!text.isEmpty() && m_steps.goOn(size - text.size())) {
+        m_steps = QXTaskSteps(m_progress, text.size());
+        m_done = 0;
+        while (!text.isEmpty() && !isCancelled(m_progress)) {
             const QByteArrayView word = takePiece(text, LineBreaks::Separate);
             if (const Found found = word.size() < minimumLength ? Found() : findInWord(withoutWrappers(word)))
                 return found;
@@ -192,6 +148,53 @@ public:
     }
 
 private:
+    /// The text after the first "base64,"; empty if there is none.
+    QByteArrayView afterDataMarker(QByteArrayView text)
+    {
+        const std::string_view view(text.data(), size_t(text.size()));
+        constexpr std::string_view head("base6");
+        constexpr std::string_view tail("4,");
+        constexpr size_t windowSize = 1 << 20;
+        for (size_t begin = head.size(); begin < view.size(); begin += windowSize) {
+            if (!m_steps.goOn(qsizetype(begin)))
+                return {};
+            const std::string_view window = view.substr(0, begin + windowSize + tail.size() - 1);
+            for (size_t at = window.find(tail, begin); at != view.npos; at = window.find(tail, at + 1)) {
+                if (qstrnicmp(view.data() + at - head.size(), head.data(), head.size()) == 0)
+                    return text.sliced(qsizetype(at + tail.size()));
+            }
+        }
+        return {};
+    }
+
+    /// Removes the first piece and the separators before it from @p rest, and returns the piece. Empty at the
+    /// end.
+    QByteArrayView takePiece(QByteArrayView &rest, LineBreaks lineBreaks)
+    {
+        qsizetype start = 0;
+        while (start < rest.size()) {
+            const qsizetype size = separatorSize(rest.sliced(start), lineBreaks);
+            if (size == 0)
+                break;
+            start += size;
+            if (!m_steps.goOn(m_done + start))
+                return {};
+        }
+        qsizetype end = start;
+        while (end < rest.size() && (!isIn(rest[end], Separator | MaybeSeparator) ||
+                                     separatorSize(rest.sliced(end), lineBreaks) == 0)) {
+            if (!m_steps.goOn(m_done + ++end))
+                return {};
+        }
+        const QByteArrayView piece = rest.sliced(start, end - start);
+        rest = rest.sliced(end);
+        m_done += end;
+        return piece;
+    }
+
+    /// For a part whose text is reported elsewhere.
+    [[nodiscard]] QXTaskSteps asking() const { return QXTaskSteps(m_progress); }
+
     /// Checks a piece that may contain white space anywhere.
     Found candidate(QByteArrayView piece)
     {
@@ -209,33 +212,61 @@ private:
                                                                          : std::nullopt;
     }
 
+    /// Whether the text is a JSON Web Token. The caller has removed white space at both ends.
+    bool isJWT(QByteArrayView text)
+    {
+        QXTaskSteps steps = asking();
+        for (qsizetype i = 0; i < text.size();) {
+            const qsizetype size = isIn(text[i], JWT) ? 1 : QXWhiteSpace::sizeAtStart(text.sliced(i));
+            if (size == 0 || !steps.goOn(i))
+                return false;
+            i += size;
+        }
+        const auto pieces = QXJWTPieces<QByteArrayView>::split(text);
+        if (!pieces || pieces->header.isEmpty() || QXWhiteSpace::trimmed(pieces->body).isEmpty() ||
+            pieces->signature.isEmpty())
+            return false;
+        return QXBase64::decode(pieces->header, Skipped, nullptr, asking()) &&
+               QXBase64::decode(pieces->body, Skipped, nullptr, asking());
+    }
+
     /// A token contains dots, which Base64 never does. So at most one of the two formats matches, and their
     /// order does not matter.
     Found encoded(QByteArrayView text)
     {
-        if (QXBase64::decode(text, Skipped, m_decoded))
+        if (QXBase64::decode(text, Skipped, m_decoded,
+                             m_isWholeText ? QXTaskSteps(m_progress, text.size()) : asking()))
             return isMediaType(text) ? Found() : QXEncodedCandidate{text, Kind::Base64};
         return isJWT(text) ? QXEncodedCandidate{text, Kind::JWT} : Found();
     }
 
     QByteArray *const m_decoded;
+    QXTaskProgress *const m_progress;
     QXTaskSteps m_steps;
+    bool m_isWholeText = false;
+    /// How much of the text comes before the rest in which a piece is searched.
+    qsizetype m_done = 0;
 };
 
 } // namespace
 
 std::optional<QXEncodedCandidate> QXEncodedCandidate::find(QByteArrayView utf8, QByteArray *decoded,
-                                                           QXTaskProgress *progress)
+                                                           QXTaskProgress *progress, double end)
 {
     const QByteArrayView text = QXWhiteSpace::trimmed(UTF8Text::withoutByteOrderMark(utf8));
     if (text.size() < minimumLength)
         return std::nullopt;
-    Search search(decoded, QXTaskSteps(progress, text.size()));
+    Search search(decoded, progress);
+    // The whole text is rejected at its first character that is not encoded, in most cases.
+    if (!beginStage(progress, end * 0.4))
+        return std::nullopt;
     if (const Found found = search.findInWholeText(text))
         return found;
-    if (isCancelled(progress))
+    if (!beginStage(progress, end * 0.5))
         return std::nullopt;
     if (const Found found = search.findInDataUrl(text))
         return found;
+    if (!beginStage(progress, end))
+        return std::nullopt;
     return search.findInWords(text);
 }

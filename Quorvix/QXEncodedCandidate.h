@@ -23,7 +23,10 @@ struct QXEncodedCandidate
     ///
     /// Characters beyond ASCII, and bytes that are not UTF-8, are never part of encoded text. A byte order
     /// mark is ignored. @p decoded, if given, is overwritten. If the result is Base64, it holds the decoded
-    /// bytes, so that the caller need not decode again. Any thread.
-    [[nodiscard]] static std::optional<QXEncodedCandidate>
-    find(QByteArrayView utf8, QByteArray *decoded = nullptr, QXTaskProgress *progress = nullptr);
+    /// bytes, so that the caller need not decode again. Absent, too, once the task is cancelled; its stages
+    /// up to @p end cover the search. Any thread.
+    [[nodiscard]] static std::optional<QXEncodedCandidate> find(QByteArrayView utf8,
+                                                                QByteArray *decoded = nullptr,
+                                                                QXTaskProgress *progress = nullptr,
+                                                                double end = 1);
 };

@@ -3,6 +3,7 @@
 #include "Quorvix/QXBase64.h"
 #include "Quorvix/QXEncodedCandidate.h"
 #include "Quorvix/QXJWTPieces.h"
+#include "Quorvix/QXLongText.h"
 #include "Quorvix/QXTaskSteps.h"
 #include "Quorvix/QXWhiteSpace.h"
 
@@ -10,17 +11,16 @@
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
 
-#include "Platform/HexDigit.h"
 #include "Platform/UTF8Text.h"
 
 #include <QtCore/QCoreApplication>
 
-#include <array>
-#include <cstring>
-
 using namespace Quorvix;
 
 namespace {
+
+/// The share of the time that it takes to find the encoded text and to decode it; the rest formats it.
+constexpr double searchShare = 0.4;
 
 QByteArrayView asUtf8(QByteArrayView utf8)
 {
@@ -60,25 +60,23 @@ std::optional<QXDecodedPayload> decodedJWT(View token)
          QXDecodedSection(QCoreApplication::translate("Quorvix", "Signature"), asText(pieces->signature))});
 }
 
-/// The two hexadecimal digits of every byte.
-constexpr auto hexDigits = [] {
-    std::array<std::array<char16_t, 2>, 256> table{};
-    for (unsigned byte = 0; byte < table.size(); ++byte)
-        table[byte] = {char16_t(hexDigit(byte >> 4)), char16_t(hexDigit(byte & 0xF))};
-    return table;
-}();
-
 } // namespace
 
 std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QByteArrayView utf8, QXTaskProgress *progress)
 {
     QByteArray bytes;
-    const auto candidate = QXEncodedCandidate::find(utf8, &bytes, progress);
-    if (!candidate || isCancelled(progress))
+    const auto candidate = QXEncodedCandidate::find(utf8, &bytes, progress, searchShare);
+    if (!candidate || !beginStage(progress, 1))
         return std::nullopt;
-    if (candidate->kind == QXEncodedCandidate::Kind::JWT)
-        return decodeJWT(QXWhiteSpace::removed(candidate->text));
-    return QXDecodedPayload(QCoreApplication::translate("Quorvix", "Decoded Base64"), {makeSection(bytes)});
+    auto payload =
+        candidate->kind == QXEncodedCandidate::Kind::JWT
+            ? decodeJWT(QXWhiteSpace::removed(candidate->text))
+            : std::optional(QXDecodedPayload(QCoreApplication::translate("Quorvix", "Decoded Base64"),
+                                             {makeSection(bytes, std::nullopt, progress)}));
+    if (isCancelled(progress))
+        return std::nullopt;
+    finish(progress);
+    return payload;
 }
 
 std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QStringView text, QXTaskProgress *progress)
@@ -100,7 +98,11 @@ std::optional<QString> QXPayloadDecoder::findEncodedCandidate(QStringView text)
 
 bool QXPayloadDecoder::hasEncodedCandidate(QByteArrayView utf8, QXTaskProgress *progress)
 {
-    return QXEncodedCandidate::find(utf8, nullptr, progress).has_value() && !isCancelled(progress);
+    const bool isThere = QXEncodedCandidate::find(utf8, nullptr, progress).has_value();
+    if (isCancelled(progress))
+        return false;
+    finish(progress);
+    return isThere;
 }
 
 bool QXPayloadDecoder::hasEncodedCandidate(QStringView text, QXTaskProgress *progress)
@@ -118,39 +120,40 @@ std::optional<QXDecodedPayload> QXPayloadDecoder::decodeJWT(QStringView text)
     return decodedJWT(text);
 }
 
-QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::optional<QString> &title)
+QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::optional<QString> &title,
+                                               QXTaskProgress *progress)
 {
     const auto section = [&](const char *defaultTitle, QString content) {
         return QXDecodedSection(title ? *title : localized(defaultTitle), std::move(content));
     };
-    if (auto json = prettyPrintedJSON(bytes))
+    if (auto json = prettyPrintedJSON(bytes, progress))
         return section(QT_TRANSLATE_NOOP("Quorvix", "JSON"), std::move(*json));
-    // A byte order mark alone does not count as text: fromUtf8() removes it, and the result is empty.
-    if (QString text = isValidUtf8(bytes) ? QString::fromUtf8(bytes) : QString(); !text.isEmpty())
+    // A byte order mark alone does not count as text.
+    const QByteArrayView utf8 = UTF8Text::withoutByteOrderMark(bytes);
+    if (QString text; !utf8.isEmpty() && isValidUtf8(utf8) &&
+                      QXLongText::appendUtf8(text, utf8, QXTaskSteps(progress, utf8.size())))
         return section(QT_TRANSLATE_NOOP("Quorvix", "Text"), std::move(text));
-    return section(QT_TRANSLATE_NOOP("Quorvix", "Bytes"), hexString(bytes));
+    return section(QT_TRANSLATE_NOOP("Quorvix", "Bytes"), hexString(bytes, progress));
 }
 
-std::optional<QString> QXPayloadDecoder::prettyPrintedJSON(QByteArrayView bytes)
+std::optional<QString> QXPayloadDecoder::prettyPrintedJSON(QByteArrayView bytes, QXTaskProgress *progress)
 {
     if (!JSONReader::beginsLikeContainer(bytes))
         return std::nullopt;
     const auto document = JSONReader::parse(bytes, JSONReader::TopLevel::Container);
     if (!document)
         return std::nullopt;
-    JSONWriter writer;
-    writer.value(document.value().root(), JSONWriter::KeyOrder::Document);
-    return QString::fromUtf8(writer.takeBuffer());
+    QString text;
+    const QXTaskSteps steps(progress, document.value().size());
+    return QXLongText::appendJson(text, document.value(), JSONWriter::KeyOrder::Document, steps)
+               ? std::optional(std::move(text))
+               : std::nullopt;
 }
 
-QString QXPayloadDecoder::hexString(QByteArrayView bytes)
+QString QXPayloadDecoder::hexString(QByteArrayView bytes, QXTaskProgress *progress)
 {
-    constexpr qsizetype digitsPerByte = 2;
-    QString text(bytes.size() * digitsPerByte, Qt::Uninitialized);
-    QChar *to = text.data();
-    for (const char byte : bytes) {
-        std::memcpy(static_cast<void *>(to), hexDigits[uchar(byte)].data(), digitsPerByte * sizeof(QChar));
-        to += digitsPerByte;
-    }
+    QString text;
+    const QXTaskSteps steps(progress, bytes.size());
+    static_cast<void>(QXLongText::appendHex(text, bytes, QXLongText::Digits::Together, steps));
     return text;
 }

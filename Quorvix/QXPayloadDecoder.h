@@ -15,7 +15,8 @@ class QXTaskProgress;
 ///
 /// Texts are UTF-8 or UTF-16; UTF-16 is converted once. Bytes that are not UTF-8 never cause an error: they
 /// count as characters that are not part of encoded text. Every function takes time that is linear in the
-/// length of the text. A task that is cancelled gives an absent result, or false. Stateless; any thread.
+/// length of the text. A task that is cancelled gives an absent result, or false, or an
+/// incomplete section. Stateless; any thread.
 class QUORVIX_INTERNAL_EXPORT QXPayloadDecoder
 {
 public:
@@ -40,12 +41,14 @@ public:
     /// Makes a section that shows bytes as pretty-printed JSON, or as text if they are UTF-8 and not empty,
     /// or else in hexadecimal. Without @p title, the title names the format.
     [[nodiscard]] static QXDecodedSection makeSection(QByteArrayView bytes,
-                                                      const std::optional<QString> &title = std::nullopt);
+                                                      const std::optional<QString> &title = std::nullopt,
+                                                      QXTaskProgress *progress = nullptr);
 
     /// Pretty-prints a JSON object or array; absent for other values and for text that is not JSON.
     ///
     /// Members keep their order, and members with the same name are all shown.
-    [[nodiscard]] static std::optional<QString> prettyPrintedJSON(QByteArrayView bytes);
+    [[nodiscard]] static std::optional<QString> prettyPrintedJSON(QByteArrayView bytes,
+                                                                  QXTaskProgress *progress = nullptr);
     /// Returns two lower-case hexadecimal digits for each byte, without separators.
-    [[nodiscard]] static QString hexString(QByteArrayView bytes);
+    [[nodiscard]] static QString hexString(QByteArrayView bytes, QXTaskProgress *progress = nullptr);
 };

@@ -15,8 +15,10 @@ class QXTaskSteps final
 {
 public:
     /// The work has @p total parts in any unit; those of @p before are already done. All of them belong to
-    /// the current stage of @p progress. Null means: nothing is reported, and nobody cancels.
-    QXTaskSteps(QXTaskProgress *progress, qsizetype total, qsizetype before = 0) noexcept
+    /// the current stage of @p progress. A total of 0 means: nothing is reported, only asked. Null means:
+    /// nobody cancels, either.
+    explicit QXTaskSteps(QXTaskProgress *progress = nullptr, qsizetype total = 0,
+                         qsizetype before = 0) noexcept
         : m_progress(progress), m_total(total + before), m_before(before),
           m_next(progress ? 0 : std::numeric_limits<qsizetype>::max())
     {
@@ -28,8 +30,11 @@ public:
 private:
     bool report(qsizetype done) noexcept
     {
-        m_progress->report(std::min(m_before + done, m_total), m_total);
-        m_next = m_progress->isCancelled() ? 0 : done + m_total / 4096 + 1;
+        constexpr qsizetype unreportedInterval = 65'536;
+        if (m_total > 0)
+            m_progress->report(std::min(m_before + done, m_total), m_total);
+        const qsizetype interval = m_total > 0 ? m_total / 4096 + 1 : unreportedInterval;
+        m_next = m_progress->isCancelled() ? 0 : done + interval;
         return m_next != 0;
     }
 
