@@ -14,6 +14,17 @@ struct URLLoadSession;
 ///
 /// A session follows redirects, decodes content codings, keeps cookies in the shared storage and uses HTTP/2
 /// when the server negotiates it. A session may be destroyed while its tasks run; the tasks continue.
+///
+/// The content codings are gzip (also x-gzip), deflate (with the header of zlib or raw), br and zstd, alone
+/// or several in a row. A request offers all of them, unless it sets Accept-Encoding itself: then that is
+/// sent as it is, and a body in one of these codings is decoded all the same. A body with any other coding,
+/// or a part of one (status 206), arrives as it was sent. Content-Length, the length of the coded body, is
+/// left out of a response with a decoded one.
+///
+/// Data that cannot be decoded is an error: NSURLErrorCannotDecodeRawData if it is damaged,
+/// NSURLErrorCannotDecodeContentData if it has more than five codings. A body that is shorter than its
+/// Content-Length is NSURLErrorNetworkConnectionLost. The response, if any, comes with the error, the data
+/// does not.
 class QUORVIX_CORE_EXPORT NSURLSession
 {
 public:

@@ -16,6 +16,12 @@ struct NSURLSessionConfiguration
     /// Whether completion handlers run on the main thread, in a later turn of its event loop, as they do
     /// while the session is captured. If not, the sessions' own thread calls them then.
     bool completesOnMainThread = false;
+    /// How many bytes a body may have after its content codings are decoded. A longer one fails with
+    /// NSURLErrorDataLengthExceedsMaximum, without its data. A server can compress a gigabyte to less than a
+    /// megabyte, and a task keeps the whole body in memory: the default, a gigabyte, is more than an
+    /// application reads at once, and less than what brings down a usual machine. On a machine of 32 bits
+    /// memory may end first, with the same error. Bodies without a content coding have no limit.
+    qint64 maximumDecodedSize = Q_INT64_C(1) << 30;
 };
 
 } // namespace Quorvix

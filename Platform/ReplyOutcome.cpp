@@ -149,7 +149,7 @@ URLRequest ReplyOutcome::request(const QNetworkReply &reply, const QString &meth
     return request;
 }
 
-NSURLResponsePtr ReplyOutcome::response(const QNetworkReply &reply)
+NSURLResponsePtr ReplyOutcome::response(const QNetworkReply &reply, BodyLength length)
 {
     const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (!status.isValid())
@@ -157,8 +157,10 @@ NSURLResponsePtr ReplyOutcome::response(const QNetworkReply &reply)
                                                        : nullptr;
     const bool http2 = reply.attribute(QNetworkRequest::Http2WasUsedAttribute).toBool();
     NSHeaderFields fields;
-    for (const auto &[name, value] : reply.rawHeaderPairs())
-        fields.insert_or_assign(fieldName(name), fieldText(value));
+    for (const auto &[name, value] : reply.rawHeaderPairs()) {
+        if (length == BodyLength::AsSent || name.compare("Content-Length", Qt::CaseInsensitive) != 0)
+            fields.insert_or_assign(fieldName(name), fieldText(value));
+    }
     return std::make_shared<const NSHTTPURLResponse>(
         reply.url(), status.toLongLong(), http2 ? QStringLiteral("HTTP/2.0") : QStringLiteral("HTTP/1.1"),
         std::move(fields));

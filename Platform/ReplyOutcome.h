@@ -26,8 +26,12 @@ namespace ReplyOutcome {
 [[nodiscard]] URLRequest request(const QNetworkReply &reply, const QString &method,
                                  const std::optional<QByteArray> &body);
 
-/// The response that has arrived so far. Null if there is none.
-[[nodiscard]] NSURLResponsePtr response(const QNetworkReply &reply);
+/// Whether Content-Length is still true of the body.
+enum class BodyLength { AsSent, Changed };
+
+/// The response that has arrived so far. Null if there is none. Content-Length is left out when the caller
+/// has changed the length by decoding the body, as Qt does when it decodes.
+[[nodiscard]] NSURLResponsePtr response(const QNetworkReply &reply, BodyLength length = BodyLength::AsSent);
 
 /// Remembers for transportError() why a certificate was refused. Called when the reply emits sslErrors().
 void noteCertificateErrors(QNetworkReply &reply, const QList<QSslError> &errors);

@@ -1,5 +1,6 @@
 #include "Platform/URLLoader.h"
 
+#include "Platform/ContentDecoder.h"
 #include "Platform/HTTPRedirect.h"
 #include "Platform/LoadingThread.h"
 #include "Platform/ReplyOutcome.h"
@@ -55,6 +56,16 @@ void addHeaders(QNetworkRequest &request, const HTTPHeaderFields &fields)
     }
 }
 
+/// Offers the codings that ContentDecoder knows. Qt decodes nothing itself when the request has this header.
+void addAcceptEncoding(QNetworkRequest &request)
+{
+    constexpr char name[] = "Accept-Encoding";
+    if (!request.rawHeader(name).isEmpty())
+        return;
+    // Qt replaces an empty value, which accepts no coding, by its own.
+    request.setRawHeader(name, request.hasRawHeader(name) ? "identity" : ContentDecoder::acceptedCodings);
+}
+
 QNetworkRequest makeRequest(const Task &task, const NSURLSessionConfiguration &configuration)
 {
     QNetworkRequest request(*task.current.url);
@@ -70,14 +81,17 @@ QNetworkRequest makeRequest(const Task &task, const NSURLSessionConfiguration &c
         addHeaders(request, *task.current.allHTTPHeaderFields);
     if (task.current.httpBody && !request.hasRawHeader("Content-Type"))
         request.setRawHeader("Content-Type", "application/x-www-form-urlencoded");
+    addAcceptEncoding(request);
     return request;
 }
 
 QNetworkReply *send(QNetworkAccessManager &manager, const QNetworkRequest &request, const QByteArray &method,
                     const std::optional<QByteArray> &body)
 {
+    // To a POST, Qt adds a content type that nobody has set, and prints a complaint. It does not to a custom
+    // method.
     if (method == "POST")
-        return manager.post(request, body.value_or(QByteArray()));
+        return manager.sendCustomRequest(request, method, body.value_or(QByteArray()));
     if (method == "PUT")
         return manager.put(request, body.value_or(QByteArray()));
     if (body)
@@ -112,14 +126,38 @@ QByteArray readBody(QNetworkReply &reply)
     return body;
 }
 
+/// Whether the body of a response is to be decoded.
+bool isCoded(const QNetworkReply &reply)
+{
+    // A part of a coded body cannot be decoded without the parts before it (RFC 9110, 14.2).
+    constexpr int partialContent = 206;
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != partialContent &&
+           reply.bytesAvailable() > 0 && ContentDecoder::canDecode(reply.rawHeader("Content-Encoding"));
+}
+
 void finish(Task &task, QNetworkReply &reply)
 {
-    const auto code = transportError(reply, task);
-    auto response = ReplyOutcome::response(reply);
+    auto code = transportError(reply, task);
+    if (!code && ReplyOutcome::isCutShort(reply, reply.bytesAvailable(), sentMethod(task.current.httpMethod)))
+        code = NSURLErrorNetworkConnectionLost;
     if (code)
-        complete(task, std::nullopt, std::move(response), makeURLError(*code));
-    else
-        complete(task, readBody(reply), std::move(response), std::nullopt);
+        return complete(task, std::nullopt, ReplyOutcome::response(reply), makeURLError(*code));
+
+    const bool decodes = isCoded(reply);
+    const auto isCancelled = [&task] {
+        return task.state == State::Canceling || LoadingThread::isEnding();
+    };
+    auto body = decodes ? ContentDecoder::decode(reply, reply.rawHeader("Content-Encoding"),
+                                                 task.session->configuration.maximumDecodedSize, isCancelled)
+                        : Result(readBody(reply));
+    // Reading may fail, too.
+    if (code = transportError(reply, task); code)
+        body = makeURLError(*code);
+    if (!body)
+        return complete(task, std::nullopt, ReplyOutcome::response(reply), body.error());
+    using ReplyOutcome::BodyLength;
+    auto response = ReplyOutcome::response(reply, decodes ? BodyLength::Changed : BodyLength::AsSent);
+    complete(task, std::move(body).value(), std::move(response), std::nullopt);
 }
 
 /// Why a request cannot be sent; absent when it can.

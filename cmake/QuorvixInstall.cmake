@@ -40,8 +40,8 @@ if(PROJECT_IS_TOP_LEVEL)
     install(SCRIPT ${PROJECT_BINARY_DIR}/QuorvixFolders.cmake ALL_COMPONENTS)
 endif()
 
-# Sets the variables to the names of Qt's modules, without Qt6::, and of simdjson, that a program needs to find when it
-# links the target.
+# Sets the variables to the names of Qt's modules, without Qt6::, and of the other packages, that a program needs to find
+# when it links the target.
 function(quorvix_needs target modules others)
     get_target_property(libraries ${target} INTERFACE_LINK_LIBRARIES)
     set(all "${libraries}")
@@ -49,8 +49,10 @@ function(quorvix_needs target modules others)
     list(TRANSFORM qt REPLACE "Qt6::" "")
     list(REMOVE_DUPLICATES qt)
     set(${modules} "${qt}" PARENT_SCOPE)
-    string(REGEX MATCH "simdjson" simdjson "${all}")
-    set(${others} "${simdjson}" PARENT_SCOPE)
+    string(REGEX MATCHALL "(simdjson|QuorvixCodings)::" packages "${all}")
+    list(TRANSFORM packages REPLACE "::" "")
+    list(REMOVE_DUPLICATES packages)
+    set(${others} "${packages}" PARENT_SCOPE)
 endfunction()
 
 # Installs a component of the package: one library, with files in the CMake package that bear its name and kind.
@@ -128,7 +130,9 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/QuorvixConfig.cmake.in
     INSTALL_DESTINATION ${QUORVIX_INSTALL_CMAKEDIR})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuorvixConfigVersion.cmake
     COMPATIBILITY SameMinorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/QuorvixConfig.cmake ${PROJECT_BINARY_DIR}/QuorvixConfigVersion.cmake
+install(FILES
+    ${PROJECT_BINARY_DIR}/QuorvixConfig.cmake ${PROJECT_BINARY_DIR}/QuorvixConfigVersion.cmake
+    ${CMAKE_CURRENT_LIST_DIR}/FindQuorvixCodings.cmake
     DESTINATION ${QUORVIX_INSTALL_CMAKEDIR}
     COMPONENT quorvix-dev)
 

@@ -65,7 +65,8 @@ quorvix_product(QuorvixNoOp
     EXPORT_NAME NoOp
     TYPE STATIC
     ROOMS QuorvixHiddenPlatform QuorvixNoOpObjects
-    PUBLIC Qt6::Core Qt6::Network)
+    PUBLIC Qt6::Core Qt6::Network
+    PRIVATE QuorvixCodings::QuorvixCodings)
 target_compile_definitions(QuorvixNoOp INTERFACE QUORVIX_NOOP)
 # No C++ code refers to the QML module, so that the linker would leave it out.
 target_link_options(QuorvixNoOp INTERFACE LINKER:-u,$<$<PLATFORM_ID:Darwin>:_>quorvixNoOpModule)
@@ -82,7 +83,7 @@ quorvix_product(QuorvixCore
     EXPORT_NAME Core
     ROOMS ${QUORVIX_CORE_ROOMS}
     PUBLIC Qt6::Core Qt6::Network
-    PRIVATE simdjson::simdjson)
+    PRIVATE simdjson::simdjson QuorvixCodings::QuorvixCodings)
 quorvix_product(Quorvix
     EXPORT_NAME Quorvix
     ROOMS ${QUORVIX_SCREEN_ROOMS}

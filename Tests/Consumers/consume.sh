@@ -52,7 +52,7 @@ do_find() {
         case $1 in
             --without)
                 for module in ${2//,/ }; do
-                    [[ $module == simdjson ]] || module=Qt6$module
+                    [[ $module =~ ^(simdjson|QuorvixCodings)$ ]] || module=Qt6$module
                     options+=(-D "CMAKE_DISABLE_FIND_PACKAGE_$module=ON")
                 done
                 ;;
