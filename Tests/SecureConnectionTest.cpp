@@ -249,9 +249,9 @@ void SecureConnectionTest::manyStreams()
     QFETCH(bool, uploads);
     if (m_nghttpd.isEmpty())
         QSKIP(noNghttpd);
-    constexpr int requests = 300;
+    constexpr int requests = 200;
     QByteArrayList bodies;
-    for (const int size : {0, 1, 100, 16'383, 16'384, 16'385, 65'535, 70'000, 300'000}) {
+    for (const int size : {0, 1, 100, 16'383, 16'384, 16'385, 65'535, 100'000}) {
         QByteArray body(size, Qt::Uninitialized);
         QRandomGenerator numbers(size);
         std::generate(body.begin(), body.end(), [&] { return char(numbers.generate()); });
@@ -299,14 +299,15 @@ void SecureConnectionTest::connectionBreaks()
     QFETCH(Source, source);
     if (m_nghttpd.isEmpty())
         QSKIP(noNghttpd);
-    constexpr int requests = 30;
+    constexpr int requests = 20;
     const QByteArray body(4'000'000, 'x');
     writeFile(u"large"_s, body);
     ServerProcess server(m_nghttpd, nghttpd({}), m_files.path());
     Client client(source);
     for (int i = 0; i < requests; ++i)
         client.send(URLRequest(server.url(u"/large?%1."_s.arg(i))));
-    QTRY_VERIFY(server.output().contains("?%1."_ba.replace("%1", QByteArray::number(requests - 1))));
+    const QByteArray last = '?' + QByteArray::number(requests - 1) + '.';
+    QTRY_VERIFY_WITH_TIMEOUT(server.output().contains(last), 20'000);
     server.kill();
     QTRY_COMPARE_WITH_TIMEOUT(client.outcomes.size(), requests, 10'000);
     int lost = 0;
