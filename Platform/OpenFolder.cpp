@@ -72,7 +72,8 @@ OpenFolder::OpenFolder(std::shared_ptr<const Handle> handle, QString path)
 
 QString OpenFolder::pathOf(const QString &name) const
 {
-    return QDir(m_path).filePath(name);
+    // QDir takes a name that begins with a colon for the path of a resource.
+    return m_path.endsWith(u'/') ? m_path + name : m_path + u'/' + name;
 }
 
 #ifdef Q_OS_UNIX

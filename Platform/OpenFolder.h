@@ -39,6 +39,8 @@ public:
 
     /// The path by which the folder was found.
     [[nodiscard]] const QString &path() const noexcept { return m_path; }
+    /// The path of an entry with this name.
+    [[nodiscard]] QString pathOf(const QString &name) const;
     /// Whether other users can create or remove files in it.
     [[nodiscard]] bool isShared() const;
     /// Whether it is this user's, and no other user can look into it.
@@ -70,7 +72,6 @@ private:
     class Handle;
 
     OpenFolder(std::shared_ptr<const Handle> handle, QString path);
-    [[nodiscard]] QString pathOf(const QString &name) const;
 
     std::shared_ptr<const Handle> m_handle;
     QString m_path;

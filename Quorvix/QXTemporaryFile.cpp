@@ -5,7 +5,6 @@
 #include "Platform/WriteAll.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
 
 #include <algorithm>
 #include <utility>
@@ -33,7 +32,7 @@ Result<QUrl> writeTo(const Result<OpenFolder> &folder, const QString &fileName, 
         return folder.error();
     if (auto error = folder.value().write(fileName, writer))
         return std::move(*error);
-    return QUrl::fromLocalFile(QDir(folder.value().path()).filePath(fileName));
+    return QUrl::fromLocalFile(folder.value().pathOf(fileName));
 }
 
 } // namespace
