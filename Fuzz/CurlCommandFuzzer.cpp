@@ -9,6 +9,7 @@
 
 #include "Platform/URLText.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtCore/QStringList>
 
 using namespace Quorvix;
@@ -55,11 +56,19 @@ QString withLineFeeds(QString text)
     return text.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');
 }
 
+/// The URL with brackets around the address of its host only, because curl takes others for a range.
+QString withoutRanges(const QString &url)
+{
+    static const QRegularExpression toHost(u"\\A(?:[A-Za-z][A-Za-z0-9+.-]*:)?(?://[^/?#]*)?"_s);
+    const QString host = toHost.match(url).captured();
+    return host + url.sliced(host.size()).replace(u'[', u"%5B"_s).replace(u']', u"%5D"_s);
+}
+
 } // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    // NUL bytes separate a URL, a header's name and value, and a body.
+    // NUL bytes separate a URL, a header's name and value, a body, and a method.
     const QList<QByteArray> parts = view(data, size).toByteArray().split('\0');
     URLRequest request(QUrl(QString::fromUtf8(parts.value(0))));
     if (parts.size() > 2)
@@ -67,13 +76,16 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     QXRequestTrace trace(u"id"_s, request);
     if (parts.size() > 3)
         trace.body = parts.value(3);
+    if (parts.size() > 4)
+        trace.method = QString::fromUtf8(parts.value(4));
 
     const auto command = QXCurlCommandBuilder::build(trace);
     if (!command || (trace.body && !isValidUtf8(*trace.body)))
         return 0;
     check(!command.value().contains(u'\r'), "no carriage return is left");
 
-    QStringList expected{u"curl"_s, u"-X"_s, u"GET"_s, withLineFeeds(absoluteString(*trace.url))};
+    QStringList expected{u"curl"_s, u"-X"_s, withLineFeeds(sentMethod(trace.method)),
+                         withoutRanges(absoluteString(*trace.url))};
     const HTTPHeaderFields headers = trace.headers.value_or(HTTPHeaderFields());
     for (auto it = headers.cbegin(); it != headers.cend(); ++it)
         expected << u"-H"_s << withLineFeeds(it.key() + ": "_L1 + it.value());
