@@ -23,7 +23,7 @@ constexpr qsizetype firstBufferSize = 4096;
 /// Divisible by three because Base64 encodes three bytes at a time.
 constexpr qsizetype chunkSize = 12'288;
 /// The number of bytes of a text after which a checkpoint is asked.
-constexpr qsizetype checkpointInterval = 64 * chunkSize;
+constexpr qsizetype checkpointInterval = 8 * chunkSize;
 using Member = JSONValue::Members::Member;
 
 /// Writes parsed values. One stack holds the members of all objects that are being written.

@@ -32,12 +32,16 @@ void QXBodyText::appendText(QString &text, const QByteArray &body, QXTaskProgres
     if (!appendReadable(text, body, progress) && !isCancelled(progress))
         static_cast<void>(QXLongText::appendHex(text, body, QXLongText::Digits::InPairs,
                                                 QXTaskSteps(progress, body.size())));
+    finish(progress);
 }
 
 std::optional<QString> QXBodyText::readable(const QByteArray &body, QXTaskProgress *progress)
 {
     QString text;
-    return appendReadable(text, body, progress) ? std::optional(std::move(text)) : std::nullopt;
+    if (!appendReadable(text, body, progress))
+        return std::nullopt;
+    finish(progress);
+    return text;
 }
 
 QString QXBodyText::text(const QByteArray &body, QXTaskProgress *progress)

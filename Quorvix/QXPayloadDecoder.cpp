@@ -130,10 +130,11 @@ QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::
         return section(QT_TRANSLATE_NOOP("Quorvix", "JSON"), std::move(*json));
     // A byte order mark alone does not count as text.
     const QByteArrayView utf8 = UTF8Text::withoutByteOrderMark(bytes);
-    if (QString text; !utf8.isEmpty() && isValidUtf8(utf8) &&
+    if (QString text; !utf8.isEmpty() && !isCancelled(progress) && isValidUtf8(utf8) &&
                       QXLongText::appendUtf8(text, utf8, QXTaskSteps(progress, utf8.size())))
         return section(QT_TRANSLATE_NOOP("Quorvix", "Text"), std::move(text));
-    return section(QT_TRANSLATE_NOOP("Quorvix", "Bytes"), hexString(bytes, progress));
+    return section(QT_TRANSLATE_NOOP("Quorvix", "Bytes"),
+                   isCancelled(progress) ? QString() : hexString(bytes, progress));
 }
 
 std::optional<QString> QXPayloadDecoder::prettyPrintedJSON(QByteArrayView bytes, QXTaskProgress *progress)
