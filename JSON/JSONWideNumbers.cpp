@@ -3,7 +3,6 @@
 #include <QtCore/QLocale>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <limits>
 #include <string_view>
@@ -58,7 +57,8 @@ public:
         if (!m_isNumber)
             return false;
         if (m_isInteger)
-            return m_last - m_first > digitsOfInt64 && !fits<qint64>() && !fits<quint64>();
+            return m_last - m_first > digitsOfUInt64 + 1 ||
+                   (m_last - m_first > digitsOfInt64 && !fits<qint64>() && !fits<quint64>());
         // Most numbers need no conversion to see that they are in range.
         if (m_last - m_first <= shortNumber && m_last - m_exponent <= shortExponent)
             return false;
@@ -106,8 +106,9 @@ private:
         return std::from_chars(m_first, m_last, value).ec == std::errc();
     }
 
-    /// Any integer of this length fits into 64 bits.
+    /// Any integer of this length fits into 64 bits; none fits with two digits more.
     static constexpr std::ptrdiff_t digitsOfInt64 = std::numeric_limits<qint64>::digits10;
+    static constexpr std::ptrdiff_t digitsOfUInt64 = std::numeric_limits<quint64>::digits10;
     /// A number of this length with an exponent of this length is in the range of a double.
     static constexpr std::ptrdiff_t shortNumber = 200;
     static constexpr std::ptrdiff_t shortExponent = 2;
@@ -120,14 +121,8 @@ private:
     bool m_isInteger = false;
 };
 
-/// Appends the number in a form that a parser never reads as an integer.
-void append(QByteArray &text, double number)
-{
-    std::array<char, 32> form{};
-    char *const end =
-        std::to_chars(form.data(), form.data() + form.size(), number, std::chars_format::scientific).ptr;
-    text.append(form.data(), end - form.data());
-}
+/// A double, because a parser reads an integer into another form.
+constexpr QByteArrayView placeholder("0.0");
 
 } // namespace
 
@@ -151,8 +146,7 @@ JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
         if (first == original.cbegin() || isBetweenValues(first[-1]))
             wide.hasMalformedNumber |= !token.isNumber() || (at != end && !isBetweenValues(*at));
         if (token.isWide()) {
-            wide.text.append(copied, first - copied);
-            append(wide.text, nearestDouble(token.view()));
+            wide.text.append(copied, first - copied).append(placeholder);
             copied = at;
             wide.digits.append(token.view());
             wide.numbers.push_back({ordinal, size_t(wide.digits.size())});

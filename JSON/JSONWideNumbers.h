@@ -7,8 +7,8 @@
 
 namespace Quorvix {
 
-/// A JSON text in which the nearest double replaces each wide number: an integer beyond 64 bits, or a number
-/// beyond the range of a double. RFC 8259 allows wide numbers, but a parser for machine numbers refuses them.
+/// A JSON text in which a double replaces each wide number: an integer beyond 64 bits, or a number beyond the
+/// range of a double. RFC 8259 allows wide numbers, but a parser for machine numbers refuses them.
 ///
 /// Every other token stays as it is, malformed ones included. Any thread.
 struct JSONWideNumbers
