@@ -176,7 +176,7 @@ private:
 struct Known
 {
     QByteArrayView name;
-    std::unique_ptr<ContentCoding> (*create)();
+    std::unique_ptr<ContentCoding> (*create)() = nullptr;
 };
 
 constexpr Known knownCodings[] = {

@@ -48,7 +48,7 @@ public:
     /// Room for the next bytes: not much of it, so that the caller can look around between two pieces.
     std::span<char> room()
     {
-        constexpr qsizetype piece = 256 * 1024;
+        constexpr qsizetype piece = 262'144;
         if (m_size == m_bytes.size()) {
             const qsizetype size = std::min(m_limit, std::max(m_expectedSize, 2 * m_size));
             m_bytes.reserve(size);
@@ -104,10 +104,10 @@ Result<QByteArray> undo(ContentCoding &coding, const Source &next, Output output
 Result<QByteArray> undoAll(QIODevice &coded, QList<QByteArray> codings, qint64 maximumSize,
                            const std::function<bool()> &isCancelled)
 {
-    constexpr qsizetype pieceSize = 64 * 1024;
+    constexpr qsizetype pieceSize = 65'536;
     constexpr qsizetype usualRatio = 4;
     const auto expectedFor = [](qint64 codedSize) {
-        return static_cast<qsizetype>(std::clamp<qint64>(codedSize * usualRatio, 4096, 64 * 1024 * 1024));
+        return static_cast<qsizetype>(std::clamp<qint64>(codedSize * usualRatio, 4096, 67'108'864));
     };
     QByteArray piece(pieceSize, Qt::Uninitialized);
     Source next = [&]() -> QByteArrayView {
