@@ -137,6 +137,7 @@ class ContentCodingTest : public QObject
 private Q_SLOTS:
     void arrives_data();
     void arrives();
+    void partsArriveAsSent();
     void fails_data();
     void fails();
     void everyDamageIsFound_data();
@@ -208,6 +209,14 @@ void ContentCodingTest::arrives()
     QVERIFY(fields.contains(u"Content-Encoding"_s));
     // The length of the coded body is not that of the data.
     QCOMPARE(fields.contains(u"Content-Length"_s), body == data);
+}
+
+/// The application puts the parts together.
+void ContentCodingTest::partsArriveAsSent()
+{
+    const QByteArray part = gzip(sample(300)).sliced(50);
+    const QByteArray fields = "Content-Encoding: gzip\r\nContent-Range: bytes 50-99/100\r\n";
+    QCOMPARE(exchange(m_session, httpAnswer("206 Partial Content", part, fields)).data, part);
 }
 
 void ContentCodingTest::fails_data()
