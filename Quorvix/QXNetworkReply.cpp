@@ -1,5 +1,6 @@
 #include "Quorvix/QXNetworkReply.h"
 
+#include "Quorvix/QXReadableBody.h"
 #include "Quorvix/QXReplyRegistry.h"
 #include "Quorvix/QXRequestRecorder.h"
 
@@ -360,12 +361,15 @@ void QXNetworkReply::complete(const DataTaskCompletionHandler &deliver)
         m_exchange.amend(ReplyOutcome::request(*inner(), m_source.method, m_source.body),
                          m_source.tee->discardedSize());
     }
-    const NSURLResponsePtr response = inner() ? ReplyOutcome::response(*inner()) : nullptr;
-    if (deliver)
-        m_exchange.complete(response, m_body.bytes(), transportError(), deliver);
-    else
-        m_exchange.complete(response, m_body.bytes(), transportError(), m_body.discardedSize());
     m_source.body.reset();
+    const NSURLResponsePtr response = inner() ? ReplyOutcome::response(*inner()) : nullptr;
+    std::optional<QByteArray> body = m_body.bytes();
+    if (deliver)
+        return m_exchange.complete(response, body, transportError(), deliver);
+    // The host has asked for this coding, or Qt would have decoded it.
+    if (body && isOfQt() && !isCompressed())
+        body = QXReadableBody::decoded(*body, rawHeader("Content-Encoding"));
+    m_exchange.complete(response, body, transportError(), m_body.discardedSize());
 }
 
 bool QXNetworkReply::refresh(const QString &id)

@@ -49,6 +49,8 @@ private Q_SLOTS:
     void recordsBodiesFromDevices();
     void recordsTheBodyOfASynchronousRequest();
     void recordsHeadersThatQtAdds();
+    void showsWhatTheHostDecodes_data();
+    void showsWhatTheHostDecodes();
     void keepsNoMoreThanTheBody();
     void localUrlsAreQtsOwn();
     void worksOnManyThreads();
@@ -222,6 +224,40 @@ void NetworkCaptureTest::recordsHeadersThatQtAdds()
     const QXRequestTrace trace = newest();
     QCOMPARE(trace.headers->value(u"Cookie"_s), u"flavour=oat"_s);
     QCOMPARE(trace.headers->value(u"Content-Length"_s), u"4"_s);
+}
+
+void NetworkCaptureTest::showsWhatTheHostDecodes_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QByteArray>("coding");
+    QTest::addColumn<QByteArray>("shown");
+    const QByteArray text(100'000, 'x');
+    const QByteArray coded = qCompress(text).mid(4);
+    const QByteArray large = qCompress(QByteArray(5'000'000, 'x')).mid(4);
+    const QByteArray broken = coded.left(50);
+    QTest::newRow("known coding") << coded << "deflate"_ba << text;
+    QTest::newRow("unknown coding") << coded << "other"_ba << coded;
+    QTest::newRow("no coding") << text << ""_ba << text;
+    QTest::newRow("broken") << broken << "deflate"_ba << broken;
+    QTest::newRow("too large") << large << "deflate"_ba << large;
+}
+
+void NetworkCaptureTest::showsWhatTheHostDecodes()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QByteArray, coding);
+    QFETCH(QByteArray, shown);
+    Tap tap;
+    tap.first = {"HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) +
+                 "\r\nContent-Encoding: " + coding + "\r\n\r\n" + body};
+    QXNetworkAccessManager manager;
+    QNetworkRequest sent(tap.url());
+    sent.setRawHeader("Accept-Encoding", "deflate, other");
+    const std::unique_ptr<QNetworkReply> reply(manager.get(sent));
+    QTRY_VERIFY(reply->isFinished());
+    QVERIFY(reply->readAll() == body);
+    QVERIFY(newest().response->body == shown);
+    QVERIFY(!newest().error);
 }
 
 void NetworkCaptureTest::keepsNoMoreThanTheBody()

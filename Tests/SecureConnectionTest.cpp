@@ -349,10 +349,9 @@ void SecureConnectionTest::streamEnds_data()
     rows("reset at once", frame(reset, 0, 1, number(2)), broken);
     rows("refused", frame(reset, 0, 1, number(7)), broken);
     rows("reset in the body", ok + frame(data, 0, 1, "body") + frame(reset, 0, 1, number(2)), broken);
-    QTest::newRow("manager, shorter than its length")
-        << Source::Manager << okOfNine + frame(data, endStream, 1, "body") << lost;
-    QTest::newRow("manager, reset without an error")
-        << Source::Manager << okOfNine + frame(data, 0, 1, "body") + frame(reset, 0, 1, number(0)) << lost;
+    rows("shorter than its length", okOfNine + frame(data, endStream, 1, "body"), lost);
+    rows("reset without an error", okOfNine + frame(data, 0, 1, "body") + frame(reset, 0, 1, number(0)),
+         lost);
     rows("server goes away at once", frame(goAway, 0, 0, number(0) + number(0)), broken);
     rows("server goes away after the body",
          ok + frame(data, endStream, 1, "body") + frame(goAway, 0, 0, number(1) + number(0)), none);
