@@ -234,8 +234,9 @@ void PlatformTest::headerNamesHaveTheirUsualSpelling_data()
     QTest::newRow("a NUL behind a registered name") << "te\0x"_ba
                                                     << "Te\0x"_ba;
     row("the beginning of a registered name", "te-x", "Te-X");
-    for (const char *name : {"A-IM", "Content-MD5", "Content-Type", "Cookie", "Set-Cookie", "DNT", "ETag", "SourceMap", "TE", "WWW-Authenticate",
-                             "X-Request-ID", "X-XSS-Protection", "Sec-WebSocket-Accept"}) {
+    for (const char *name :
+         {"A-IM", "Content-MD5", "Content-Type", "Cookie", "Set-Cookie", "DNT", "ETag", "SourceMap", "TE",
+          "WWW-Authenticate", "X-Request-ID", "X-XSS-Protection", "Sec-WebSocket-Accept"}) {
         QTest::newRow(name) << QByteArray(name).toLower() << QByteArray(name);
         QTest::addRow("%s, shouted", name) << QByteArray(name).toUpper() << QByteArray(name);
     }
