@@ -7,6 +7,11 @@
 #include <QtCore/QMap>
 #include <QtCore/QString>
 
+#include <optional>
+
+class QIODevice;
+class QXTaskProgress;
+
 /// The request that a mock responds to.
 struct QXApiMockRequest
 {

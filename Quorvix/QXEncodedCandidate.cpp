@@ -112,6 +112,18 @@ qsizetype separatorSize(QByteArrayView text, LineBreaks lineBreaks) noexcept
     return QXWhiteSpace::sizeAtStart(text);
 }
 
+/// The place of the first separator between @p at and @p end; @p end if there is none.
+qsizetype separatorIn(QByteArrayView text, qsizetype at, qsizetype end, LineBreaks lineBreaks) noexcept
+{
+    while (at < end &&
+           (!isIn(text[at], Separator | MaybeSeparator) || separatorSize(text.sliced(at), lineBreaks) == 0))
+        ++at;
+    return at;
+}
+
+/// The number of bytes after which a search asks whether it goes on.
+constexpr qsizetype searchedAtOnce = 1 << 16;
+
 class Search
 {
 public:
@@ -161,7 +173,7 @@ private:
             const std::string_view window = view.substr(0, begin + windowSize + tail.size() - 1);
             for (size_t at = window.find(tail, begin); at != view.npos; at = window.find(tail, at + 1)) {
                 if (qstrnicmp(view.data() + at - head.size(), head.data(), head.size()) == 0)
-                    return text.sliced(qsizetype(at + tail.size()));
+                    return text.sliced(qsizetype(at) + qsizetype(tail.size()));
             }
         }
         return {};
@@ -181,10 +193,12 @@ private:
                 return {};
         }
         qsizetype end = start;
-        while (end < rest.size() && (!isIn(rest[end], Separator | MaybeSeparator) ||
-                                     separatorSize(rest.sliced(end), lineBreaks) == 0)) {
-            if (!m_steps.goOn(m_done + ++end))
+        for (bool isFound = false; !isFound; isFound = isFound || end == rest.size()) {
+            if (!m_steps.goOn(m_done + end))
                 return {};
+            const qsizetype limit = std::min(rest.size(), end + searchedAtOnce);
+            end = separatorIn(rest, end, limit, lineBreaks);
+            isFound = end < limit;
         }
         const QByteArrayView piece = rest.sliced(start, end - start);
         rest = rest.sliced(end);
