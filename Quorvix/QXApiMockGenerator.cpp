@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The share of the time that it takes to read the body, which is one step; the rest writes the file.
-constexpr double readingShare = 0.3;
+constexpr double readingShare = 0.4;
 
 constexpr QStringView placeholder = u"{id}";
 

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The share of the time that it takes to read the text, which is one step; the rest builds the tree.
-constexpr double readingShare = 0.3;
+constexpr double readingShare = 0.4;
 
 NSError invalidTextError()
 {

@@ -10,7 +10,7 @@ using namespace Quorvix;
 namespace {
 
 /// Reading a JSON text takes this part of the time that writing it takes.
-constexpr double readingTime = 0.4;
+constexpr double readingTime = 0.55;
 
 } // namespace
 

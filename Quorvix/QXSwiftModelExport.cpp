@@ -14,8 +14,8 @@ using namespace Quorvix;
 namespace {
 
 /// The shares of the time: to read the text, to build its tree, to write the source.
-constexpr double readingShare = 0.3;
-constexpr double treeShare = 0.65;
+constexpr double readingShare = 0.4;
+constexpr double treeShare = 0.55;
 
 /// The response body or else the request body; empty if both are empty or absent.
 QByteArray payloadOf(const QXRequestTrace &trace)
