@@ -172,10 +172,24 @@ std::optional<NSURLErrorCode> requestProblem(const URLRequest &request, const QS
 
 void sendCurrent(const TaskPtr &task);
 
-/// Follows a redirect, or ends the task with the response.
+/// Whether the request failed only because the connection of another one broke: Qt then fails all that wait
+/// for a connection to the same server. Such a request can be sent again, whatever its method.
+bool hasFailedBeside(const Task &task, const QNetworkReply &reply)
+{
+    // A server that accepts connections and closes them at once may look the same.
+    constexpr int mostResends = 20;
+    return !task.isSent && task.resends < mostResends && task.state == State::Running &&
+           reply.error() == QNetworkReply::RemoteHostClosedError && !LoadingThread::isEnding();
+}
+
+/// Sends the request again, follows a redirect, or ends the task with the response.
 void handleFinished(const TaskPtr &task, QNetworkReply &reply)
 {
     reply.deleteLater();
+    if (hasFailedBeside(*task, reply)) {
+        ++task->resends;
+        return sendCurrent(task);
+    }
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     auto next = HTTPRedirect::follow(task->current, status, reply.rawHeader("Location"));
     if (!next || transportError(reply, *task))
@@ -193,6 +207,8 @@ void sendCurrent(const TaskPtr &task)
         send(*task->session->manager(), makeRequest(*task, task->session->configuration), method,
              task->current.httpBody);
     task->reply = reply;
+    task->isSent = false;
+    QObject::connect(reply, &QNetworkReply::requestSent, reply, [task] { task->isSent = true; });
     QObject::connect(reply, &QNetworkReply::sslErrors, reply, [reply](const QList<QSslError> &errors) {
         ReplyOutcome::noteCertificateErrors(*reply, errors);
     });

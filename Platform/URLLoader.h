@@ -22,6 +22,10 @@ struct URLLoadTask
     /// The request that is being sent: the original one, or the one after a redirect.
     URLRequest current;
     int redirects = 0;
+    /// How often the request was sent again because it had never left.
+    int resends = 0;
+    /// Whether the request has left. In the loading thread only.
+    bool isSent = false;
     /// The reply while it is still loading. In the loading thread only.
     QPointer<QNetworkReply> reply;
 };

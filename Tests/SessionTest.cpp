@@ -34,6 +34,7 @@ private Q_SLOTS:
     void failures_data();
     void failures();
     void serverWithoutTls();
+    void brokenConnectionFailsNoOther();
     void timeOut();
     void cancelling();
     void cookiesAreShared();
@@ -176,6 +177,28 @@ void SessionTest::serverWithoutTls()
     });
     QVERIFY(outcome.error.has_value());
     QCOMPARE(outcome.error->code, qint64(NSURLErrorSecureConnectionFailed));
+}
+
+/// More tasks than there are connections to a server, one of which breaks while others wait.
+void SessionTest::brokenConnectionFailsNoOther()
+{
+    constexpr int broken = 8;
+    constexpr int others = 40;
+    QSemaphore done;
+    QSemaphore failed;
+    for (int i = 0; i < broken + others; ++i) {
+        const URLRequest request = this->request(i < broken ? u"/drop"_s : u"/slow?ms=20"_s);
+        m_session
+            .dataTaskWithRequest(request,
+                                 [&](auto, auto, auto error) {
+                                     if (error)
+                                         failed.release();
+                                     done.release();
+                                 })
+            ->resume();
+    }
+    QVERIFY(done.tryAcquire(broken + others, 10'000));
+    QCOMPARE(failed.available(), broken);
 }
 
 void SessionTest::timeOut()
