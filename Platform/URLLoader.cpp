@@ -173,13 +173,15 @@ std::optional<NSURLErrorCode> requestProblem(const URLRequest &request, const QS
 void sendCurrent(const TaskPtr &task);
 
 /// Whether the request failed only because the connection of another one broke: Qt then fails all that wait
-/// for a connection to the same server. Such a request can be sent again, whatever its method.
+/// for a connection to the same server. Such a request can be sent again, whatever its method; one with a
+/// body can not, because a part of it may have left before Qt says that it was sent.
 bool hasFailedBeside(const Task &task, const QNetworkReply &reply)
 {
     // A server that accepts connections and closes them at once may look the same.
     constexpr int mostResends = 20;
-    return !task.isSent && task.resends < mostResends && task.state == State::Running &&
-           reply.error() == QNetworkReply::RemoteHostClosedError && !LoadingThread::isEnding();
+    return !task.isSent && !task.current.httpBody && task.resends < mostResends &&
+           task.state == State::Running && reply.error() == QNetworkReply::RemoteHostClosedError &&
+           !LoadingThread::isEnding();
 }
 
 /// Sends the request again, follows a redirect, or ends the task with the response.
