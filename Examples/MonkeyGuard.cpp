@@ -39,6 +39,7 @@ bool isHarmless(const QString &message)
         QStringLiteral("OpenType support missing"),             // of a script in a font of the system
         QStringLiteral("QUnifiedTimer::"),                      // about the clock of the animations
         QStringLiteral("QXcbClipboard: "),                      // about other clients of the display
+        QStringLiteral("QNetworkReplyImplPrivate::error: "),    // about two faults of one answer
         QStringLiteral("QQuickTextInputPrivate::setSelection"), // the input method selects beyond the text
     };
     // The store shows no picture when its held response is released without a body.
