@@ -10,6 +10,6 @@ namespace Quorvix {
 /// has that name, a random number follows, and the folder is this process's only.
 ///
 /// Fails if the system's temporary directory is missing, or if no folder can be created there. Any thread.
-[[nodiscard]] QUORVIX_INTERNAL_EXPORT Result<OpenFolder> temporaryDirectory();
+[[nodiscard]] Result<OpenFolder> temporaryDirectory();
 
 } // namespace Quorvix
