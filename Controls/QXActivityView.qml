@@ -20,6 +20,10 @@ QXSheet {
         if (!visible && !presented)
             activity.activityItems = [];
     }
+    onPresentedChanged: {
+        if (!presented)
+            activity.task.cancel();
+    }
     Component.onCompleted: root.begin()
 
     function begin() {
@@ -32,6 +36,11 @@ QXSheet {
 
     UIActivityViewController {
         id: activity
+    }
+
+    QXProgressCard {
+        presentationLayer: root.presentationLayer
+        task: activity.task
     }
 
     QXScrollArea {

@@ -22,9 +22,17 @@ Column {
     }
 
     function save() {
-        const reason = root.controller.saveAs(path.text);
-        root.failed = reason.length > 0;
-        root.outcome = root.failed ? reason : qsTranslate("Quorvix", "Saved.");
+        root.outcome = "";
+        root.controller.saveAs(path.text);
+    }
+
+    Connections {
+        target: root.controller
+
+        function onSaved(failure: string) {
+            root.failed = failure.length > 0;
+            root.outcome = root.failed ? failure : qsTranslate("Quorvix", "Saved.");
+        }
     }
 
     Row {

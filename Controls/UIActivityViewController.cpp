@@ -1,5 +1,7 @@
 #include "Controls/UIActivityViewController.h"
 
+#include "Platform/BackgroundThread.h"
+#include "Platform/MainActor.h"
 #include "Platform/ReplaceFile.h"
 #include "Platform/ShortText.h"
 #include "Platform/WriteAll.h"
@@ -18,6 +20,7 @@
 #include <QtGui/QGuiApplication>
 
 #include <memory>
+#include <utility>
 
 namespace Quorvix {
 
@@ -26,6 +29,11 @@ namespace {
 /// The length of the preview, in bytes.
 constexpr qsizetype previewLength = 4096;
 constexpr qsizetype titleLength = 80;
+/// The length of a text up to which its UTF-8 form is measured at once, in UTF-16 units: a millisecond or
+/// two.
+constexpr qsizetype shortText = 1'000'000;
+/// How much is saved between two looks at the progress.
+constexpr qsizetype block = 1 << 20;
 
 /// The text at the start of @p bytes, without a character that is cut off at the end; empty when the bytes
 /// are not text.
@@ -54,20 +62,68 @@ QString unusedPath(const QString &path)
     return candidate;
 }
 
-std::optional<NSError> copyFile(const QString &path, QIODevice &target)
+NSError writeError(const QString &message)
+{
+    return {NSCocoaErrorDomain, NSFileWriteUnknownError, message};
+}
+
+/// Reports the progress. An error if the task is cancelled, so that no file is made.
+std::optional<NSError> checkpoint(QXTaskProgress *progress, qsizetype done, qsizetype total)
+{
+    if (!progress)
+        return std::nullopt;
+    progress->report(done, total);
+    return progress->isCancelled() ? std::optional(writeError(QString())) : std::nullopt;
+}
+
+std::optional<NSError> copyFile(const QString &path, QIODevice &target, QXTaskProgress *progress)
 {
     QFile source(path);
     if (!source.open(QIODevice::ReadOnly))
-        return NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, source.errorString()};
-    constexpr qint64 block = 1 << 20;
+        return writeError(source.errorString());
     while (!source.atEnd()) {
         const QByteArray bytes = source.read(block);
         if (source.error() != QFileDevice::NoError)
-            return NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, source.errorString()};
+            return writeError(source.errorString());
         if (auto error = writeAll(target, bytes))
+            return error;
+        if (auto error = checkpoint(progress, source.pos(), source.size()))
             return error;
     }
     return std::nullopt;
+}
+
+/// Calls @p take with the UTF-8 form of each block of a text, until it returns an error. No block splits a
+/// pair of surrogates.
+template<typename Take>
+std::optional<NSError> forEachBlock(QStringView text, Take take)
+{
+    for (qsizetype start = 0, end = 0; start < text.size(); start = end) {
+        end = qMin(start + block, text.size());
+        if (end < text.size() && text[end].isLowSurrogate())
+            --end;
+        if (auto error = take(text.sliced(start, end - start).toUtf8(), end))
+            return error;
+    }
+    return std::nullopt;
+}
+
+std::optional<NSError> copyText(const QString &text, QIODevice &target, QXTaskProgress *progress)
+{
+    return forEachBlock(text, [&](const QByteArray &utf8, qsizetype done) {
+        auto error = writeAll(target, utf8);
+        return error ? error : checkpoint(progress, done, text.size());
+    });
+}
+
+qsizetype utf8Size(const QString &text)
+{
+    qsizetype size = 0;
+    (void)forEachBlock(text, [&](const QByteArray &utf8, qsizetype) {
+        size += utf8.size();
+        return std::optional<NSError>();
+    });
+    return size;
 }
 
 } // namespace
@@ -79,7 +135,28 @@ UIActivityViewController::~UIActivityViewController() = default;
 void UIActivityViewController::setActivityItems(const QVariantList &items)
 {
     m_items = items;
+    m_itemsToken = std::make_shared<const bool>(true);
+    measureText();
     Q_EMIT activityItemsChanged();
+    Q_EMIT subtitleChanged();
+}
+
+void UIActivityViewController::measureText()
+{
+    m_textSize.reset();
+    const QString shared = text();
+    if (shared.size() <= shortText) {
+        m_textSize = utf8Size(shared);
+        return;
+    }
+    BackgroundThread::post([this, token = std::weak_ptr(m_itemsToken), shared] {
+        MainActor::schedule([this, token, size = utf8Size(shared)] {
+            if (token.expired())
+                return;
+            m_textSize = size;
+            Q_EMIT subtitleChanged();
+        });
+    });
 }
 
 bool UIActivityViewController::isFile() const
@@ -107,9 +184,10 @@ QString UIActivityViewController::title() const
 QString UIActivityViewController::subtitle() const
 {
     const QLocale locale;
-    if (!isFile())
-        return QCoreApplication::translate("Quorvix", "Text") + QStringLiteral(" · ") +
-               locale.formattedDataSize(text().toUtf8().size());
+    if (!isFile()) {
+        const QString kind = QCoreApplication::translate("Quorvix", "Text");
+        return m_textSize ? kind + QStringLiteral(" · ") + locale.formattedDataSize(*m_textSize) : kind;
+    }
     const QFileInfo info(filePath());
     return info.suffix().toUpper() + QStringLiteral(" · ") + locale.formattedDataSize(info.size());
 }
@@ -145,18 +223,25 @@ void UIActivityViewController::copy()
             texts.append(item.toString());
         }
     }
-    mimeData->setText(texts.join(u'\n'));
+    // join() would copy a single text.
+    mimeData->setText(texts.size() == 1 ? texts.constFirst() : texts.join(u'\n'));
     if (!urls.isEmpty())
         mimeData->setUrls(urls);
     QGuiApplication::clipboard()->setMimeData(mimeData.release());
 }
 
-QString UIActivityViewController::saveAs(const QString &path)
+void UIActivityViewController::saveAs(const QString &path)
 {
-    const auto error = replaceFile(QDir::fromNativeSeparators(path), [this](QIODevice &target) {
-        return isFile() ? copyFile(filePath(), target) : writeAll(target, text().toUtf8());
-    });
-    return error ? error->localizedDescription : QString();
+    const bool file = isFile();
+    m_task->perform(
+        file ? QFileInfo(filePath()).size() : text().size(),
+        QCoreApplication::translate("Quorvix", "Saving…"),
+        [file, source = file ? filePath() : text(), to = QDir::fromNativeSeparators(path)](auto *progress) {
+            return replaceFile(to, [&](QIODevice &target) {
+                return file ? copyFile(source, target, progress) : copyText(source, target, progress);
+            });
+        },
+        [this](const auto &error) { Q_EMIT saved(error ? error->localizedDescription : QString()); });
 }
 
 bool UIActivityViewController::open()

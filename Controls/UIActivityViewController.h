@@ -1,9 +1,14 @@
 #pragma once
 
+#include "Controls/QXBackgroundTask.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 #include <QtCore/QVariantList>
 #include <QtQml/qqmlregistration.h>
+
+#include <memory>
+#include <optional>
 
 namespace Quorvix {
 
@@ -17,10 +22,12 @@ class UIActivityViewController : public QObject
     Q_PROPERTY(
         QVariantList activityItems READ activityItems WRITE setActivityItems NOTIFY activityItemsChanged)
     Q_PROPERTY(QString title READ title NOTIFY activityItemsChanged)
-    Q_PROPERTY(QString subtitle READ subtitle NOTIFY activityItemsChanged)
+    Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
     Q_PROPERTY(QString previewText READ previewText NOTIFY activityItemsChanged)
     Q_PROPERTY(bool isFile READ isFile NOTIFY activityItemsChanged)
     Q_PROPERTY(QString suggestedPath READ suggestedPath NOTIFY activityItemsChanged)
+    /// The task that saves a large item.
+    Q_PROPERTY(QXBackgroundTask *task READ task CONSTANT)
 
 public:
     explicit UIActivityViewController(QObject *parent = nullptr);
@@ -31,7 +38,7 @@ public:
 
     /// The file's name, or the first line of the text.
     [[nodiscard]] QString title() const;
-    /// The kind and size of the first item.
+    /// The kind and size of the first item. The size of a long text follows later.
     [[nodiscard]] QString subtitle() const;
     /// The beginning of the text or of the file's text; empty for a file that is not text.
     [[nodiscard]] QString previewText() const;
@@ -39,11 +46,13 @@ public:
     [[nodiscard]] bool isFile() const;
     /// The path that "Save As" suggests: an unused name in the user's download folder.
     [[nodiscard]] QString suggestedPath() const;
+    [[nodiscard]] QXBackgroundTask *task() const { return m_task; }
 
     /// Copies the texts to the clipboard; for files, the URLs and the paths.
     Q_INVOKABLE void copy();
-    /// Saves the first item to @p path. Returns the reason of a failure, or an empty text.
-    Q_INVOKABLE QString saveAs(const QString &path);
+    /// Saves the first item to @p path and emits saved(), for a large item later. A task that is cancelled
+    /// leaves what was there before and emits nothing.
+    Q_INVOKABLE void saveAs(const QString &path);
     /// Opens the file with the user's default application; false when the platform has none.
     Q_INVOKABLE bool open();
     /// Opens the file's folder; false when the platform cannot.
@@ -51,12 +60,22 @@ public:
 
 Q_SIGNALS:
     void activityItemsChanged();
+    void subtitleChanged();
+    /// With the reason of a failure, or an empty text.
+    void saved(const QString &failure);
 
 private:
+    void measureText();
     [[nodiscard]] QString filePath() const;
     [[nodiscard]] QString text() const;
 
     QVariantList m_items;
+    /// The number of bytes of the text as UTF-8; absent while it is not known.
+    std::optional<qsizetype> m_textSize;
+    /// Replaced when the items change. A text that is measured has a weak pointer to it.
+    std::shared_ptr<const bool> m_itemsToken;
+    /// Owned by this object as its QObject parent.
+    QXBackgroundTask *m_task = new QXBackgroundTask(this);
 };
 
 } // namespace Quorvix

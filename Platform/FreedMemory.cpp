@@ -60,12 +60,20 @@ void trim([[maybe_unused]] std::size_t noted)
 
 /// What was noted since memory was returned last. Main thread only.
 std::size_t noted = 0;
+/// The values that wait for their destruction. Main thread only.
+std::vector<std::shared_ptr<const void>> discarded;
 
 void returnMemory()
 {
     NSNotificationCenter::defaultCenter().post(FreedMemory::willReturn);
+    if (!discarded.empty())
+        BackgroundThread::post([values = std::exchange(discarded, {})]() mutable { values.clear(); });
 #if defined(__GLIBC__)
-    BackgroundThread::post([bytes = std::exchange(noted, 0)] { trim(bytes); });
+    // Behind the destruction, and in the thread of the tasks, because each thread has memory of its own.
+    BackgroundThread::post([bytes = std::exchange(noted, 0)] {
+        trim(bytes);
+        BackgroundThread::postBehindTasks([bytes] { trim(bytes); });
+    });
 #endif
 }
 
@@ -87,6 +95,13 @@ void FreedMemory::note(qsizetype bytes)
     }
     if (!timer->isActive())
         timer->start();
+}
+
+void FreedMemory::discardShared(std::shared_ptr<const void> value, qsizetype bytes)
+{
+    if (bytes >= largeAmount && QCoreApplication::instance())
+        discarded.push_back(std::move(value));
+    note(bytes);
 }
 
 } // namespace Quorvix

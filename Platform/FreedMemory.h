@@ -4,6 +4,9 @@
 
 #include <QtCore/QString>
 
+#include <memory>
+#include <utility>
+
 namespace Quorvix {
 
 /// Returns memory to the system after large objects were destroyed. Allocators keep it otherwise, and a
@@ -18,6 +21,18 @@ inline const QString willReturn = QStringLiteral("QuorvixMemoryWillReturn");
 /// thread, but allocations of the main thread may wait for it, about 0.1 ms for each megabyte. Small amounts
 /// are ignored. Main thread only.
 QUORVIX_INTERNAL_EXPORT void note(qsizetype bytes);
+
+/// Like discard() for a value of any type.
+QUORVIX_INTERNAL_EXPORT void discardShared(std::shared_ptr<const void> value, qsizetype bytes);
+
+/// Destroys a value of about @p bytes and notes it. Freeing hundreds of megabytes takes long, so a large
+/// value is destroyed on another thread, a moment after what else shares it has been released. Main thread
+/// only.
+template<typename Value>
+void discard(Value value, qsizetype bytes)
+{
+    discardShared(std::make_shared<const Value>(std::move(value)), bytes);
+}
 
 } // namespace FreedMemory
 

@@ -5,6 +5,7 @@
 #include <QtCore/QUrl>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
+#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 using namespace Quorvix;
@@ -16,6 +17,15 @@ QByteArray contents(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : "unreadable"_ba;
+}
+
+/// Saves the item. Returns the reason of a failure, or an empty text.
+QString save(UIActivityViewController &controller, const QString &path)
+{
+    const QSignalSpy saved(&controller, &UIActivityViewController::saved);
+    controller.saveAs(path);
+    const bool isDone = QTest::qWaitFor([&] { return !saved.isEmpty(); });
+    return isDone ? saved.constFirst().constFirst().toString() : u"not saved"_s;
 }
 
 } // namespace
@@ -54,7 +64,7 @@ void ActivityTest::fileIsShownCopiedAndSaved()
     controller.copy();
     QVERIFY(QGuiApplication::clipboard()->text().endsWith(u"archive.har"_s));
     const QString target = m_folder.filePath(u"saved.har"_s);
-    QCOMPARE(controller.saveAs(target), QString());
+    QCOMPARE(save(controller, target), QString());
     QCOMPARE(contents(target), contents(m_path));
     constexpr auto others = QFileDevice::ReadGroup | QFileDevice::ReadOther;
     QVERIFY(!(QFile::permissions(target) & others));
@@ -69,7 +79,7 @@ void ActivityTest::textIsNeverTakenForAFile()
     QCOMPARE(controller.previewText(), text);
     QVERIFY(!controller.open() && !controller.showInFolder());
     const QString target = m_folder.filePath(u"saved.txt"_s);
-    QCOMPARE(controller.saveAs(target), QString());
+    QCOMPARE(save(controller, target), QString());
     QCOMPARE(contents(target), text.toUtf8());
 }
 
@@ -78,10 +88,10 @@ void ActivityTest::savingTellsWhyItFailed()
     UIActivityViewController controller;
     controller.setActivityItems({QUrl::fromLocalFile(m_path)});
     const QString taken = m_folder.filePath(u"saved.har"_s);
-    QVERIFY(!controller.saveAs(m_folder.filePath(u"no/such/folder/saved.har"_s)).isEmpty());
+    QVERIFY(!save(controller, m_folder.filePath(u"no/such/folder/saved.har"_s)).isEmpty());
     QVERIFY(QFile::remove(m_path));
     const QByteArray before = contents(taken);
-    QVERIFY(!controller.saveAs(taken).isEmpty());
+    QVERIFY(!save(controller, taken).isEmpty());
     QCOMPARE(contents(taken), before); // a failure does not change the existing file
 }
 

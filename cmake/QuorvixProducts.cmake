@@ -12,6 +12,7 @@ set(QUORVIX_PUBLIC_HEADERS
     Platform/NSURLSessionTask.h
     Platform/ObjectRuntime.h
     Platform/PlatformGlobal.h
+    Platform/QXTaskProgress.h
     Platform/Result.h
     Platform/URLRequest.h
     Quorvix/QXArchiveWriter.h
