@@ -176,7 +176,7 @@ void TextViewTest::scrolls()
 {
     QVERIFY(open(new QXTextDocument(numberedLines(500'000))));
     QCOMPARE(view()->rowTextAt(1), u"line 00000000000000"_s);
-    QVERIFY(view()->contentHeight() > 5e6);
+    QTRY_VERIFY(view()->contentHeight() > 5e6); // another thread breaks the rows
     const qreal row = view()->rowHeight();
     scrollTo(112 + 250'000 * row);
     QCOMPARE(view()->rowTextAt(1), u"line 00000000250000"_s);
@@ -190,9 +190,9 @@ void TextViewTest::scrolls()
 void TextViewTest::showsALineWithoutEnd()
 {
     QVERIFY(open(new QXTextDocument(QString(5'000'000, u'x') + u"end"_s)));
+    QTRY_COMPARE(view()->rows().end(view()->rows().count() - 1), 5'000'003); // another thread breaks the rows
     scrollTo(page()->property("contentHeight").toReal() - 600);
     QVERIFY(view()->rowTextAt(view()->height() - 1).endsWith(u"xend"_s));
-    QCOMPARE(view()->rows().end(view()->rows().count() - 1), 5'000'003);
 }
 
 void TextViewTest::staysAtTheTopRowWhenResized()

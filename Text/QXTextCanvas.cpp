@@ -2,6 +2,10 @@
 
 #include "Text/QXTextCell.h"
 
+#include "Platform/BackgroundThread.h"
+#include "Platform/MainActor.h"
+#include "Platform/QXTaskProgress.h"
+
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QPainter>
 #include <QtQuick/QQuickWindow>
@@ -18,6 +22,11 @@ constexpr qreal leading = 1.2;
 /// The maximum number of cached row layouts: enough for a few screens.
 constexpr size_t maximumLayouts = 500;
 constexpr qreal caretWidth = 1;
+/// The length of a text whose rows are broken at once, in UTF-16 units. That takes a few milliseconds, and in
+/// scripts of wide or joined characters up to a frame.
+constexpr qsizetype longestSynchronousText = 1 << 21;
+/// The part of a longer text that is shown at once.
+constexpr qsizetype beginningLength = 100'000;
 
 /// The width of one column. If the font is not monospaced, this is the width of the widest letter.
 qreal columnWidth(const QFontMetricsF &metrics)
@@ -34,7 +43,10 @@ QXTextCanvas::QXTextCanvas(QQuickItem *parent) : QQuickItem(parent)
     connect(this, &QXTextCanvas::coloursChanged, this, &QQuickItem::polish);
 }
 
-QXTextCanvas::~QXTextCanvas() = default;
+QXTextCanvas::~QXTextCanvas()
+{
+    stopBreaking();
+}
 
 void QXTextCanvas::setDocument(QXTextDocument *document)
 {
@@ -45,10 +57,10 @@ void QXTextCanvas::setDocument(QXTextDocument *document)
     m_document = document;
     if (m_document) {
         connect(m_document, &QXTextDocument::replaced, this, &QXTextCanvas::followEdit);
-        connect(m_document, &QObject::destroyed, this, &QXTextCanvas::invalidateRows);
+        connect(m_document, &QObject::destroyed, this, &QXTextCanvas::forgetText);
     }
     setSelection({});
-    invalidateRows();
+    forgetText();
     Q_EMIT documentChanged();
 }
 
@@ -152,10 +164,18 @@ void QXTextCanvas::invalidateRows()
     clearLayouts();
 }
 
+void QXTextCanvas::forgetText()
+{
+    m_hasRows = false;
+    invalidateRows();
+}
+
 void QXTextCanvas::breakRows()
 {
     if (!m_document || width() <= 0) {
+        stopBreaking();
         m_rows = {};
+        m_hasRows = false;
         m_columns = 0;
         setContentHeight(0);
         return;
@@ -163,13 +183,58 @@ void QXTextCanvas::breakRows()
     const int columns = qMax(1, int(width() / m_columnWidth + 0.01));
     if (columns == m_columns)
         return;
+    const bool keepsTop = std::exchange(m_columns, columns) != 0;
+    stopBreaking();
+    m_layouts.clear();
+    if (m_document->view().size() > longestSynchronousText)
+        return breakInBackground(keepsTop);
+    QXTextRows rows;
+    m_document->breakInto(rows, columns);
+    setRows(std::move(rows), keepsTop);
+}
+
+void QXTextCanvas::breakInBackground(bool keepsTop)
+{
+    if (!m_hasRows) {
+        QXTextRows beginning;
+        beginning.breakText(m_document->view().first(beginningLength), m_columns);
+        setRows(std::move(beginning), false);
+    }
+    m_breaking = std::make_shared<QXTaskProgress>();
+    Quorvix::BackgroundThread::postTask(
+        [this, keepsTop, text = m_document->text(), columns = m_columns, progress = m_breaking] {
+            const auto rows = std::make_shared<QXTextRows>();
+            rows->breakText(text, columns, progress.get());
+            if (progress->isCancelled())
+                return;
+            Quorvix::MainActor::schedule([this, keepsTop, rows, progress] {
+                if (progress->isCancelled())
+                    return;
+                m_breaking.reset();
+                m_layouts.clear();
+                setRows(std::move(*rows), keepsTop);
+                polish();
+            });
+        },
+        [progress = m_breaking] { progress->cancel(); });
+}
+
+void QXTextCanvas::stopBreaking()
+{
+    if (m_breaking)
+        m_breaking->cancel();
+    m_breaking.reset();
+}
+
+/// Shows other rows of the text. With @p keepsTop the row at the top stays there.
+void QXTextCanvas::setRows(QXTextRows rows, bool keepsTop)
+{
     const int top = rowAtOffset(m_scrollOffset);
     const qsizetype topPosition = m_rows.start(top);
-    const bool isFirst = std::exchange(m_columns, columns) == 0;
-    m_document->breakInto(m_rows, columns);
-    m_layouts.clear();
+    m_hasRows = true;
+    m_rows = std::move(rows);
     setContentHeight(m_rows.count() * m_rowHeight);
-    if (const int moved = m_rows.rowAt(topPosition) - top; !isFirst && m_scrollOffset > 0 && moved != 0)
+    if (const int moved = m_rows.rowAt(topPosition) - top; keepsTop && m_scrollOffset > 0 && moved != 0)
         Q_EMIT topRowMoved(moved * m_rowHeight);
 }
 
@@ -183,8 +248,12 @@ void QXTextCanvas::followEdit(qsizetype position, qsizetype removed, qsizetype a
 {
     clearLayouts();
     const bool areBroken = m_columns > 0;
-    if (areBroken)
+    if (areBroken && !m_breaking && added <= longestSynchronousText) {
         m_rows.follow(m_document->view(), position, removed, added);
+    } else if (areBroken) {
+        forgetText();
+        breakRows();
+    }
     // This happens before any signal, so that no listener asks for a position beyond the end.
     const qsizetype length = m_document->length();
     if (m_selection.end() > length) {

@@ -13,14 +13,18 @@
 #include <memory>
 #include <unordered_map>
 
+class QXTaskProgress;
+
 /// Paints the visible rows of a document and maps positions to points. Main thread only.
 ///
 /// The rows are painted before a frame, on the main thread, and the render thread only shows the picture:
 /// fonts belong to the thread that uses them first, and a render thread ends with its window or when the
 /// window releases its resources. A layout that a render thread has drawn may keep such a font.
 ///
-/// Rows are as wide as the item and are broken again at most once per frame. Like code, they read from left
-/// to right in every language; within a row, text of either direction is shaped correctly.
+/// Rows are as wide as the item and are broken again at most once per frame. Those of a very long text are
+/// broken by another thread; until then the item shows the beginning of the text, or the rows of its former
+/// width. Like code, they read from left to right in every language; within a row, text of either direction
+/// is shaped correctly.
 class QXTextCanvas : public QQuickItem
 {
     Q_OBJECT
@@ -96,6 +100,10 @@ protected:
 
 private:
     void invalidateRows();
+    void forgetText();
+    void breakInBackground(bool keepsTop);
+    void stopBreaking();
+    void setRows(QXTextRows rows, bool keepsTop);
     void setContentHeight(qreal height);
     void followEdit(qsizetype position, qsizetype removed, qsizetype added);
     [[nodiscard]] int rowAtOffset(qreal offset) const;
@@ -117,6 +125,10 @@ private:
     QXTextRows m_rows;
     /// The number of columns per row; 0 when the rows have to be broken.
     int m_columns = 0;
+    /// Whether the rows are those of the text, maybe of its beginning only or with another width.
+    bool m_hasRows = false;
+    /// The work of another thread that breaks the rows, or null.
+    std::shared_ptr<QXTaskProgress> m_breaking;
     QXTextSelection m_selection;
     /// The item in device pixels. Kept, because a window that has released its resources asks for it again.
     QImage m_picture;

@@ -5,6 +5,8 @@
 #include "Platform/FreedMemory.h"
 #include "Platform/HexDigit.h"
 
+#include <utility>
+
 using Quorvix::hexDigit;
 
 namespace {
@@ -37,7 +39,9 @@ QXTextDocument::QXTextDocument(const QByteArray &bytes, QObject *parent)
 
 QXTextDocument::~QXTextDocument()
 {
-    Quorvix::FreedMemory::note(m_text.size() * qsizetype(sizeof(QChar)) + m_bytes.size());
+    const qsizetype size = m_text.size() * qsizetype(sizeof(QChar));
+    Quorvix::FreedMemory::discard(std::move(m_text), size);
+    Quorvix::FreedMemory::note(m_bytes.size());
 }
 
 qsizetype QXTextDocument::length() const
@@ -73,11 +77,22 @@ void QXTextDocument::breakInto(QXTextRows &rows, int columns) const
     }
 }
 
+void QXTextDocument::setText(const QString &text)
+{
+    Q_ASSERT(!m_isHexadecimal);
+    const qsizetype removed = m_text.size();
+    m_text = text;
+    Q_EMIT replaced(0, removed, m_text.size());
+}
+
 void QXTextDocument::replace(qsizetype position, qsizetype removed, const QString &added)
 {
     Q_ASSERT(!m_isHexadecimal);
     const qsizetype start = qBound<qsizetype>(0, position, m_text.size());
     const qsizetype available = qBound<qsizetype>(0, removed, m_text.size() - start);
+    // Edits that can be undone share the whole text, which would be copied first.
+    if (available == m_text.size())
+        return setText(added);
     m_text.replace(start, available, added);
     Q_EMIT replaced(start, available, added.size());
 }

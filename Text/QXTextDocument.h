@@ -36,6 +36,8 @@ public:
     /// The text itself; empty when bytes are shown.
     [[nodiscard]] QStringView view() const { return m_text; }
 
+    /// Replaces the whole text, which is shared. Texts only, not bytes.
+    void setText(const QString &text);
     void breakInto(QXTextRows &rows, int columns) const;
     /// Replaces a part of the text. Texts only, not bytes.
     void replace(qsizetype position, qsizetype removed, const QString &added);

@@ -3,6 +3,7 @@
 #include "Text/QXTextCell.h"
 
 #include "Platform/CodePoint.h"
+#include "Platform/QXTaskProgress.h"
 
 #include <QtCore/QChar>
 
@@ -100,14 +101,14 @@ void replaceRange(std::vector<quint32> &starts, std::vector<quint32>::iterator f
 
 } // namespace
 
-void QXTextRows::breakText(QStringView text, int columns)
+void QXTextRows::breakText(QStringView text, int columns, const QXTaskProgress *progress)
 {
     m_length = text.size();
     m_columns = qMax(1, columns);
     m_rowLength = 0;
     m_starts.assign(1, 0);
     const RowBreaker breaker(text, m_columns);
-    for (qsizetype start = 0; start < m_length;) {
+    for (qsizetype start = 0; start < m_length && !(progress && progress->isCancelled());) {
         const RowEnd end = breaker.rowFrom(start);
         ++m_brokenCount;
         if (end.next < m_length || end.endsLine)

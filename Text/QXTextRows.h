@@ -4,6 +4,8 @@
 
 #include <vector>
 
+class QXTaskProgress;
+
 /// The rows of a text. A row ends at a line end, or at any character when its columns are full. A value; any
 /// thread.
 ///
@@ -13,8 +15,9 @@
 class QXTextRows
 {
 public:
-    /// Breaks a text into rows. Takes linear time.
-    void breakText(QStringView text, int columns);
+    /// Breaks a text into rows. Takes linear time. If @p progress is cancelled, the rest of the text is one
+    /// row.
+    void breakText(QStringView text, int columns, const QXTaskProgress *progress = nullptr);
     /// Makes rows of @p rowLength units for a text without line ends.
     void breakEvenly(qsizetype length, qsizetype rowLength);
     /// Updates the rows after an edit that replaced @p removed units at @p position by @p added units. Breaks
