@@ -21,4 +21,5 @@ bool QXBreakpointCenter::check(const URLRequest &, const QString &, const std::o
 
 void QXBreakpointCenter::continueActive() {}
 void QXBreakpointCenter::apply(const std::optional<QString> &, const std::optional<QString> &) {}
+void QXBreakpointCenter::applyBody(const std::optional<QString> &, const QByteArray &) {}
 void QXBreakpointCenter::dropAll() {}

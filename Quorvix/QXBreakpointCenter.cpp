@@ -122,14 +122,21 @@ void QXBreakpointCenter::continueActive()
                    .arg(QXLog::boolText(m_activeBreakpoint.has_value()))
                    .arg(m_queue.size())
                    .arg(QXLog::boolText(MainActor::isCurrent())));
-    release(std::nullopt, true, std::nullopt);
+    release(std::nullopt, std::nullopt);
 }
 
 void QXBreakpointCenter::apply(const std::optional<QString> &statusCode, const std::optional<QString> &body)
 {
     QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] apply"));
     startCooldown();
-    release(statusCode, false, body);
+    release(statusCode, body ? body->toUtf8() : QByteArray(""));
+}
+
+void QXBreakpointCenter::applyBody(const std::optional<QString> &statusCode, const QByteArray &body)
+{
+    QXLog::log(QXLogLevel::info, QStringLiteral("[Breakpoint] apply"));
+    startCooldown();
+    release(statusCode, body);
 }
 
 void QXBreakpointCenter::dropAll()
@@ -145,8 +152,8 @@ void QXBreakpointCenter::startCooldown()
     m_lastContinuedKey = m_activeBreakpoint ? m_activeBreakpoint->key() : std::nullopt;
 }
 
-void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool keepBody,
-                                 const std::optional<QString> &bodyText)
+void QXBreakpointCenter::release(const std::optional<QString> &statusText,
+                                 const std::optional<QByteArray> &newBody)
 {
     Q_ASSERT(MainActor::isCurrent());
     if (!m_activeBreakpoint || m_activeBreakpoint->id == m_releasing)
@@ -154,9 +161,7 @@ void QXBreakpointCenter::release(const std::optional<QString> &statusText, bool 
     const QXBreakpointItem item = *m_activeBreakpoint;
     const qint64 statusCode =
         parseStatusCode(statusText.value_or(QString())).value_or(item.response->statusCode());
-    std::optional<QByteArray> body = item.data;
-    if (!keepBody)
-        body = bodyText ? bodyText->toUtf8() : QByteArray("");
+    const std::optional<QByteArray> body = newBody ? newBody : item.data;
     std::optional<qsizetype> bodyLength;
     if (body)
         bodyLength = body->size();

@@ -66,6 +66,8 @@ public:
     /// integer, the status code stays as it was. An absent body text gives an empty body.
     /// A body text is sent as UTF-8. Otherwise like continueActive().
     void apply(const std::optional<QString> &statusCode, const std::optional<QString> &body);
+    /// Like apply(), for a body of any bytes. It takes the same time for a body of any size.
+    void applyBody(const std::optional<QString> &statusCode, const QByteArray &body);
 
     /// Destroys the held responses without delivering them. Called when the application ends; nobody is
     /// notified.
@@ -76,8 +78,8 @@ public:
 
 private:
     void startCooldown();
-    void release(const std::optional<QString> &statusText, bool keepBody,
-                 const std::optional<QString> &bodyText);
+    /// Without a new body the response keeps its own.
+    void release(const std::optional<QString> &statusText, const std::optional<QByteArray> &newBody);
 
     void promoteAfter(const QUuid &released);
 

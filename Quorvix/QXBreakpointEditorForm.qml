@@ -62,6 +62,7 @@ Flickable {
             anchors.top: head.bottom
             anchors.topMargin: QXTheme.spacing
             width: parent.width
+            enabled: root.model.isLoaded
             onCopyRequested: root.model.copyBody()
             onDeleteRequested: body.editor.clear()
         }
@@ -75,6 +76,7 @@ Flickable {
             anchors.bottomMargin: QXTheme.margin
             width: parent.width
             document: root.model.document
+            enabled: root.model.isLoaded
             Accessible.name: qsTranslate("Quorvix", "RESPONSE BODY")
             onContextMenuRequested: position => root.contextMenuRequested(position)
             onRevealed: (top, bottom) => {

@@ -5,16 +5,25 @@
 #include "Platform/MainActor.h"
 #include "Platform/UTF8Text.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 
 #include <utility>
 
 QXBreakpointEditorModel::QXBreakpointEditorModel(const QXBreakpointItem &item, QObject *parent)
-    : QObject(parent), m_item(item.id), m_displayTitle(item.displayTitle()),
-      m_statusCodeText(QString::number(item.response->statusCode())),
-      m_document(new QXTextDocument(Quorvix::UTF8Text::replacing(item.data.value_or(QByteArray())), this))
+    : QObject(parent), m_item(item.id), m_body(item.data.value_or(QByteArray())),
+      m_displayTitle(item.displayTitle()), m_statusCodeText(QString::number(item.response->statusCode())),
+      m_document(new QXTextDocument(QString(), this)), m_task(new QXBackgroundTask(this))
 {
+    m_task->perform(
+        m_body.size(), QCoreApplication::translate("Quorvix", "Loading Body…"),
+        [body = m_body](QXTaskProgress *) { return Quorvix::UTF8Text::replacing(body); },
+        [this](const QString &text) {
+            m_document->setText(text);
+            m_isLoaded = true;
+            Q_EMIT isLoadedChanged();
+        });
 }
 
 void QXBreakpointEditorModel::setStatusCodeText(const QString &text)
@@ -32,9 +41,18 @@ void QXBreakpointEditorModel::continueResponse()
 
 void QXBreakpointEditorModel::applyChanges()
 {
-    release([statusCode = m_statusCodeText, body = bodyText()] {
-        QXBreakpointCenter::shared().apply(statusCode, body);
-    });
+    const auto textOf = [isLoaded = m_isLoaded, text = bodyText(), body = m_body] {
+        return isLoaded ? text : Quorvix::UTF8Text::replacing(body);
+    };
+    m_task->perform(
+        qMax(m_body.size(), m_document->length()),
+        QCoreApplication::translate("Quorvix", "Applying Changes…"),
+        [textOf](QXTaskProgress *) { return textOf().toUtf8(); },
+        [this](const QByteArray &body) {
+            release([statusCode = m_statusCodeText, body] {
+                QXBreakpointCenter::shared().applyBody(statusCode, body);
+            });
+        });
 }
 
 /// Only the first press counts: a second one must not release the next response.

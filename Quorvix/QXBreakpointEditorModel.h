@@ -4,6 +4,8 @@
 
 #include "Text/QXTextDocument.h"
 
+#include "Controls/QXBackgroundTask.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QUuid>
 #include <QtQml/qqmlregistration.h>
@@ -21,6 +23,11 @@ class QXBreakpointEditorModel final : public QObject
         QString statusCodeText READ statusCodeText WRITE setStatusCodeText NOTIFY statusCodeTextChanged)
     /// The body with the user's edits.
     Q_PROPERTY(QXTextDocument *document READ document CONSTANT)
+    /// Whether the document has the body. A large one is loaded by a task; if that is cancelled, the body
+    /// cannot be edited.
+    Q_PROPERTY(bool isLoaded READ isLoaded NOTIFY isLoadedChanged)
+    /// Loads and applies a large body.
+    Q_PROPERTY(QXBackgroundTask *task READ task CONSTANT)
 
 public:
     explicit QXBreakpointEditorModel(const QXBreakpointItem &item, QObject *parent = nullptr);
@@ -30,6 +37,8 @@ public:
     void setStatusCodeText(const QString &text);
     [[nodiscard]] QXTextDocument *document() const noexcept { return m_document; }
     [[nodiscard]] QString bodyText() const { return m_document->text(); }
+    [[nodiscard]] bool isLoaded() const noexcept { return m_isLoaded; }
+    [[nodiscard]] QXBackgroundTask *task() const noexcept { return m_task; }
 
     /// Releases the response without changes, in a later turn of the event loop. The host's completion
     /// handler runs then; it must not run inside an event of the editor, because it can hide the inspector.
@@ -43,14 +52,19 @@ public:
 
 Q_SIGNALS:
     void statusCodeTextChanged();
+    void isLoadedChanged();
 
 private:
     void release(std::function<void()> release);
 
     QUuid m_item;
+    /// The body as it was received.
+    QByteArray m_body;
+    bool m_isLoaded = false;
     bool m_isReleased = false;
     QString m_displayTitle;
     QString m_statusCodeText;
-    /// Owned by this object as its QObject parent.
+    // Owned by this object as their QObject parent.
     QXTextDocument *m_document;
+    QXBackgroundTask *m_task;
 };

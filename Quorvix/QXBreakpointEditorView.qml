@@ -71,6 +71,11 @@ QXScreen {
         safeArea: root.safeArea
     }
 
+    QXProgressCard {
+        presentationLayer: presentations
+        task: root.model.task
+    }
+
     QXEditMenu {
         id: menu
 

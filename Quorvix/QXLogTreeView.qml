@@ -29,6 +29,8 @@ QXStackScreen {
     }
 
     QXLogTreeList {
+        id: list
+
         height: root.height - y
         visible: !root.hasFailed
         bar: root.navigationBar
@@ -64,6 +66,23 @@ QXStackScreen {
             menu.row = row;
             menu.canDecode = root.viewModel.canDecodeBase64(row);
             menu.open(item, position.x, position.y);
+        }
+    }
+
+    Connections {
+        target: root.viewModel
+
+        function onDecodableChanged() {
+            menu.canDecode = root.viewModel.canDecodeBase64(menu.row);
+        }
+    }
+
+    Connections {
+        target: root.viewModel.task
+
+        function onCancelled() {
+            if (list.count === 0 && !root.hasFailed)
+                root.leave();
         }
     }
 

@@ -5,11 +5,19 @@
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXSwiftName.h"
 
+#include "Platform/BackgroundThread.h"
 #include "Platform/FreedMemory.h"
+#include "Platform/MainActor.h"
 #include "Platform/ShortText.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
+
+#include <algorithm>
+#include <array>
+#include <numeric>
+#include <utility>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
@@ -60,16 +68,50 @@ QString shownSummary(const QXApiTreeField &field)
     return shortened(field.summary().value_or(QString()));
 }
 
-/// The next visible node after @p node within the subtree @p top, or null.
-QXApiTreeField *next(QXApiTreeField *node, const QXApiTreeField *top)
+/// The text of a row for the clipboard.
+QString textOf(const QXApiTreeField &copied)
 {
-    if (node->isExpanded() && !node->children().empty())
-        return node->children().data();
-    for (; node != top; node = node->parent()) {
-        if (node != &node->parent()->children().back())
-            return node + 1;
+    if (const auto text = copied.rowText())
+        return *text;
+    const QString key = copied.key().value_or(QString());
+    const QString summary = copied.summary().value_or(QString());
+    return key.isEmpty() ? summary : key + ": "_L1 + summary;
+}
+
+/// The visible descendants of a node that is expanded.
+std::vector<QXLogTreeRows::Run> descendantsOf(QXApiTreeField &top)
+{
+    struct Level
+    {
+        QXApiTreeField *next;
+        QXApiTreeField *end;
+    };
+    const auto levelOf = [](QXApiTreeField &node) {
+        return Level{node.children().data(), node.children().data() + node.children().size()};
+    };
+    const auto isOpen = [](const QXApiTreeField &node) {
+        return node.isExpanded() && !node.children().empty();
+    };
+    std::vector<QXLogTreeRows::Run> runs;
+    std::vector<Level> levels{levelOf(top)};
+    while (!levels.empty()) {
+        Level &level = levels.back();
+        QXApiTreeField *const first = level.next;
+        QXApiTreeField *const open = std::find_if(first, level.end, isOpen);
+        level.next = open == level.end ? open : open + 1;
+        runs.push_back({first, size_t(level.next - first)});
+        if (open == level.end)
+            levels.pop_back();
+        else
+            levels.push_back(levelOf(*open));
     }
-    return nullptr;
+    return runs;
+}
+
+/// About how many bytes the tree of a text of that many UTF-16 units needs.
+constexpr qsizetype treeSize(qsizetype units)
+{
+    return 4 * units;
 }
 
 } // namespace
@@ -81,25 +123,30 @@ QXLogTreeViewModel::QXLogTreeViewModel(const QString &json, QObject *parent) : Q
 
 QXLogTreeViewModel::~QXLogTreeViewModel()
 {
-    Quorvix::FreedMemory::note(m_textSize);
+    FreedMemory::discard(std::move(m_rootFields), treeSize(m_textSize));
 }
 
-void QXLogTreeViewModel::load(QStringView json)
+void QXLogTreeViewModel::load(const QString &json)
 {
     m_textSize = json.size();
-    auto fields = QXApiTreeParser::parse(json);
-    if (!fields) {
-        m_parseError = fields.error().localizedDescription;
-        Q_EMIT parseErrorChanged();
-        return;
-    }
+    task()->perform(
+        json.size(), QCoreApplication::translate("Quorvix", "Opening Tree…"),
+        [json](QXTaskProgress *progress) { return QXApiTreeParser::parse(json, progress); },
+        [this](Result<Fields> fields) {
+            if (fields)
+                return show(std::move(fields).value());
+            m_parseError = fields.error().localizedDescription;
+            Q_EMIT parseErrorChanged();
+        });
+}
+
+void QXLogTreeViewModel::show(Fields fields)
+{
     beginResetModel();
     m_rows.clear();
-    m_rootFields = std::move(fields).value();
-    std::vector<QXApiTreeField *> shown;
+    FreedMemory::discard(std::exchange(m_rootFields, std::move(fields)), treeSize(m_textSize));
     for (const auto &root : std::as_const(m_rootFields))
-        shown.push_back(root.get());
-    m_rows.insert(0, shown);
+        m_rows.insert(m_rows.size(), std::array{QXLogTreeRows::Run{root.get(), 1}});
     endResetModel();
 }
 
@@ -166,11 +213,11 @@ void QXLogTreeViewModel::insertDescendants(int row)
 {
     QXApiTreeField &top = field(row);
     top.setExpanded(true);
-    std::vector<QXApiTreeField *> below;
-    for (QXApiTreeField *node = next(&top, &top); node; node = next(node, &top))
-        below.push_back(node);
-    beginInsertRows({}, row + 1, row + int(below.size()));
-    m_rows.insert(size_t(row) + 1, below);
+    const auto runs = descendantsOf(top);
+    const size_t count = std::accumulate(runs.cbegin(), runs.cend(), size_t(0),
+                                         [](size_t sum, const auto &run) { return sum + run.count; });
+    beginInsertRows({}, row + 1, row + int(count));
+    m_rows.insert(size_t(row) + 1, runs);
     endInsertRows();
 }
 
@@ -210,45 +257,78 @@ int QXLogTreeViewModel::collapse(int row)
 
 QString QXLogTreeViewModel::copyText(int row) const
 {
-    if (!hasRow(row))
-        return {};
-    const QXApiTreeField &copied = field(row);
-    if (const auto text = copied.rowText())
-        return *text;
-    const QString key = copied.key().value_or(QString());
-    const QString summary = copied.summary().value_or(QString());
-    return key.isEmpty() ? summary : key + ": "_L1 + summary;
+    return hasRow(row) ? textOf(field(row)) : QString();
 }
 
 void QXLogTreeViewModel::copy(int row) const
 {
-    if (const QString text = copyText(row); !text.isEmpty())
-        QGuiApplication::clipboard()->setText(text);
+    if (!hasRow(row))
+        return;
+    task()->perform(
+        field(row).textUtf8().size(), QCoreApplication::translate("Quorvix", "Copying…"),
+        [copied = field(row).share()](QXTaskProgress *) { return textOf(*copied); },
+        [](const QString &text) {
+            if (!text.isEmpty())
+                QGuiApplication::clipboard()->setText(text);
+        });
 }
 
-bool QXLogTreeViewModel::canDecodeBase64(int row) const
+bool QXLogTreeViewModel::canDecodeBase64(int row)
 {
-    return hasRow(row) && field(row).kind() == QXApiValueKind::string &&
-           QXPayloadDecoder::hasEncodedCandidate(field(row).textUtf8());
+    if (!hasRow(row) || field(row).kind() != QXApiValueKind::string)
+        return false;
+    QXApiTreeField &checked = field(row);
+    if (checked.textUtf8().size() <= QXBackgroundTask::largestSynchronousSize)
+        return QXPayloadDecoder::hasEncodedCandidate(checked.textUtf8());
+    if (m_checked != &checked)
+        checkDecodable(checked);
+    return m_isCheckedDecodable;
+}
+
+void QXLogTreeViewModel::checkDecodable(QXApiTreeField &checked)
+{
+    m_checked = &checked;
+    m_isCheckedDecodable = false;
+    BackgroundThread::post([this, token = std::weak_ptr(m_lifetimeToken), shared = checked.share()] {
+        if (token.expired())
+            return;
+        const bool canDecode = QXPayloadDecoder::hasEncodedCandidate(shared->textUtf8());
+        MainActor::schedule([this, token, canDecode, checked = shared.get()] {
+            if (token.expired() || m_checked != checked || !canDecode)
+                return;
+            m_isCheckedDecodable = true;
+            Q_EMIT decodableChanged();
+        });
+    });
 }
 
 void QXLogTreeViewModel::decodeBase64(int row)
 {
     if (!hasRow(row) || field(row).kind() != QXApiValueKind::string)
         return;
-    presentDecodedPayload(QXPayloadDecoder::decodePayload(field(row).textUtf8()));
+    task()->perform(
+        field(row).textUtf8().size(), QCoreApplication::translate("Quorvix", "Decoding…"),
+        [decoded = field(row).share()](QXTaskProgress *progress) {
+            return QXPayloadDecoder::decodePayload(decoded->textUtf8(), progress);
+        },
+        [this](std::optional<QXDecodedPayload> payload) { presentDecodedPayload(std::move(payload)); });
 }
 
 void QXLogTreeViewModel::shareSwiftModel(const QString &requestPath)
 {
     if (m_rootFields.isEmpty())
         return presentAlert(makeError(QXExportError::swiftModelNotGenerated).localizedDescription);
-    Quorvix::FreedMemory::note(m_textSize);
-    const QString name = QXSwiftName::rootTypeName(requestPath);
-    const auto source = QXApiTreeParser::swiftModel(*m_rootFields.constFirst(), name);
-    if (!source)
-        return presentAlert(source.error().localizedDescription);
-    presentShareItem(QXShareItem(source.value()));
+    task()->perform(
+        m_textSize, QCoreApplication::translate("Quorvix", "Preparing Swift Model…"),
+        [root = m_rootFields.constFirst(), requestPath](QXTaskProgress *progress) {
+            return QXApiTreeParser::swiftModel(*root, QXSwiftName::rootTypeName(requestPath), progress);
+        },
+        [this](const Result<QString> &source) {
+            FreedMemory::note(m_textSize);
+            if (!source)
+                return presentAlert(source.error().localizedDescription);
+            presentShareItem(QXShareItem(source.value()));
+        });
 }
 
 QVariant QXLogTreeViewModel::parseErrorValue() const

@@ -6,11 +6,13 @@
 
 #include <QtQml/qqmlregistration.h>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
 /// One JSON body as a tree. The rows are the visible nodes, that is, those without a collapsed ancestor.
-/// Each row comes before the rows of its children. Main thread only; parsing blocks it.
+/// Each row comes before the rows of its children. Main thread only. A large text is parsed by a task, and
+/// the rows follow later.
 ///
 /// toggle() changes only the row itself and the rows that it shows or hides, and its cost depends on their
 /// number. The nodes store whether they are expanded.
@@ -51,9 +53,10 @@ public:
 
     [[nodiscard]] const std::optional<QString> &parseError() const noexcept { return m_parseError; }
 
-    /// Shows the tree of another text. If the text is not JSON, sets the parse error and changes nothing
-    /// else.
-    void load(QStringView json);
+    /// Shows the tree of another text, of a large one later. If the text is not JSON, sets the parse error
+    /// and changes nothing else.
+    void load(const QString &json);
+    void load(QStringView json) { load(json.toString()); }
 
     /// Expands or collapses a row; does nothing if it has no children. This function and the functions below
     /// ignore a row that does not exist.
@@ -68,11 +71,12 @@ public:
     /// The text of a row for the clipboard: "key: value", or only the value if there is no key. It is never
     /// shortened.
     [[nodiscard]] QString copyText(int row) const;
-    /// Copies the text of a row to the clipboard, unless the text is empty.
+    /// Copies the text of a row to the clipboard, a large one later, unless the text is empty.
     Q_INVOKABLE void copy(int row) const;
 
-    /// Whether a row is a string that contains encoded text. Linear in the length of the string.
-    [[nodiscard]] Q_INVOKABLE bool canDecodeBase64(int row) const;
+    /// Whether a row is a string that contains encoded text. For a large string this is false at first, and
+    /// decodableChanged() is emitted if it changes.
+    [[nodiscard]] Q_INVOKABLE bool canDecodeBase64(int row);
     /// Sets decodedPayload to the decoded string of a row; absent if there is nothing to decode. Does
     /// nothing for rows of another kind.
     Q_INVOKABLE void decodeBase64(int row);
@@ -83,16 +87,25 @@ public:
 
 Q_SIGNALS:
     void parseErrorChanged();
+    /// Emitted when canDecodeBase64() changes for a row.
+    void decodableChanged();
 
 private:
     [[nodiscard]] bool hasRow(int row) const { return row >= 0 && size_t(row) < m_rows.size(); }
     [[nodiscard]] QVariant parseErrorValue() const;
 
+    void show(Fields fields);
     void insertDescendants(int row);
     void removeDescendants(int row);
+    void checkDecodable(QXApiTreeField &checked);
 
     Fields m_rootFields;
     QXLogTreeRows m_rows;
     std::optional<QString> m_parseError;
     qsizetype m_textSize = 0;
+    /// The large string that was checked last.
+    const QXApiTreeField *m_checked = nullptr;
+    bool m_isCheckedDecodable = false;
+    /// Exists as long as the model. Work on other threads holds a weak pointer to it.
+    std::shared_ptr<const bool> m_lifetimeToken = std::make_shared<const bool>(true);
 };

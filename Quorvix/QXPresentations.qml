@@ -2,7 +2,8 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix.Screens
 
-/// Shows what a model presents over its screen: the share sheet, a decoded payload, an alert.
+/// Shows what a model presents over its screen: the share sheet, a decoded payload, an alert, the
+/// progress of a task.
 Item {
     id: root
 
@@ -28,5 +29,10 @@ Item {
         title: root.alertTitle
         message: root.model.alertMessage
         onDismissRequested: root.model.showAlert = false
+    }
+
+    QXProgressCard {
+        presentationLayer: root.presentationLayer
+        task: root.model.task
     }
 }

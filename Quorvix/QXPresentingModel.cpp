@@ -7,6 +7,8 @@
 #include <QtCore/QPointer>
 #include <QtQml/QQmlEngine>
 
+#include <utility>
+
 namespace {
 
 /// The last child of a screen, by which the screen owns a model.
@@ -51,17 +53,25 @@ void QXPresentingModel::belongTo(QObject *screen)
 
 void QXPresentingModel::presentShareItem(const std::optional<QXShareItem> &item)
 {
-    const auto former = std::exchange(m_shareItem, item);
+    auto former = std::exchange(m_shareItem, item);
     Q_EMIT shareItemChanged();
+    if (!former)
+        return;
     // The share sheet has also kept the item as values of the script engine.
-    if (former)
-        Quorvix::FreedMemory::note(textBytes(*former));
+    const qsizetype bytes = textBytes(*former);
+    Quorvix::FreedMemory::discard(std::move(former), bytes);
 }
 
 void QXPresentingModel::presentDecodedPayload(std::optional<QXDecodedPayload> payload)
 {
-    m_decodedPayload = std::move(payload);
+    auto former = std::exchange(m_decodedPayload, std::move(payload));
     Q_EMIT decodedPayloadChanged();
+    if (!former)
+        return;
+    qsizetype bytes = 0;
+    for (const QXDecodedSection &section : std::as_const(former->sections))
+        bytes += section.content.size() * qsizetype(sizeof(QChar));
+    Quorvix::FreedMemory::discard(std::move(former), bytes);
 }
 
 void QXPresentingModel::presentAlert(const QString &message)

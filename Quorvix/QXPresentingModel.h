@@ -3,13 +3,15 @@
 #include "Quorvix/QXDecodedPayload.h"
 #include "Quorvix/QXShareItem.h"
 
+#include "Controls/QXBackgroundTask.h"
+
 #include <QtCore/QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
 #include <optional>
 
 /// The list model of a screen, together with what it presents over that screen: the share sheet, a decoded
-/// payload, an alert. Main thread only.
+/// payload, an alert, the progress of a task. Main thread only.
 ///
 /// QXPresentations shows these. A model can declare the same functions and signals as further properties
 /// with other names.
@@ -26,6 +28,8 @@ class QXPresentingModel : public QAbstractListModel
     /// The QXDecodedPayload that is shown, or undefined; assigning undefined clears it.
     Q_PROPERTY(QVariant decodedPayload READ decodedPayloadValue WRITE setDecodedPayloadValue NOTIFY
                    decodedPayloadChanged)
+    /// Performs what takes long.
+    Q_PROPERTY(QXBackgroundTask *task READ task CONSTANT)
 
 public:
     /// Makes a screen the owner of the model, which is deleted after the screen and all items in it. The
@@ -40,6 +44,7 @@ public:
     {
         return m_decodedPayload;
     }
+    [[nodiscard]] QXBackgroundTask *task() const noexcept { return m_task; }
 
 Q_SIGNALS:
     void shareItemChanged();
@@ -65,4 +70,6 @@ private:
     std::optional<QString> m_alertMessage;
     bool m_showAlert = false;
     std::optional<QXDecodedPayload> m_decodedPayload;
+    /// Owned by this object as its QObject parent.
+    QXBackgroundTask *m_task = new QXBackgroundTask(this);
 };

@@ -75,15 +75,23 @@ QXStackScreen {
         property int row
 
         presentationLayer: root.presentationLayer
-        onCopyRequested: root.viewModel.copyValue(root.viewModel.bodyText(bodyMenu.row))
+        onCopyRequested: root.viewModel.copyBody(bodyMenu.row)
         onCopySelectionRequested: root.viewModel.copyValue(bodyMenu.block.view.selectedText())
-        onDecodeRequested: root.viewModel.decodeValue(root.viewModel.bodyText(bodyMenu.row))
+        onDecodeRequested: root.viewModel.decodeBody(bodyMenu.row)
 
         function openFor(block: QXTextBlock, position: point, row: int) {
             bodyMenu.block = block;
             bodyMenu.row = row;
             bodyMenu.canDecode = root.viewModel.canDecodeBody(row);
             bodyMenu.open(block, position.x, position.y);
+        }
+    }
+
+    Connections {
+        target: root.viewModel
+
+        function onDecodableChanged() {
+            bodyMenu.canDecode = root.viewModel.canDecodeBody(bodyMenu.row);
         }
     }
 

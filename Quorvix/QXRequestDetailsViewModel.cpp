@@ -1,16 +1,11 @@
 #include "Quorvix/QXRequestDetailsViewModel.h"
 
-#include "Quorvix/QXApiMockGenerator.h"
-#include "Quorvix/QXArchiveWriter.h"
 #include "Quorvix/QXBodyText.h"
 #include "Quorvix/QXBreakpointStore.h"
-#include "Quorvix/QXCurlCommandBuilder.h"
 #include "Quorvix/QXLogTreeViewModel.h"
 #include "Quorvix/QXOptionalVariant.h"
 #include "Quorvix/QXPayloadDecoder.h"
-#include "Quorvix/QXRawDetails.h"
 #include "Quorvix/QXRequestRecorder.h"
-#include "Quorvix/QXSwiftModelExport.h"
 
 #include "Platform/BackgroundThread.h"
 #include "Platform/FreedMemory.h"
@@ -20,13 +15,13 @@
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 
+#include <algorithm>
+#include <utility>
+
 using namespace Quorvix;
 
 namespace {
 
-/// Bodies up to this size are converted within one or two milliseconds, so they need no other thread and the
-/// screen shows them at once.
-constexpr qsizetype largestSynchronousBody = 131'072;
 /// In UTF-16 code units. A text item needs one frame for a few thousand units, and many seconds for 250,000.
 constexpr qsizetype longestValueInOneItem = 3000;
 
@@ -64,7 +59,10 @@ QXRequestDetailsViewModel::QXRequestDetailsViewModel(const QXRequestTrace &reque
     refresh();
 }
 
-QXRequestDetailsViewModel::~QXRequestDetailsViewModel() = default;
+QXRequestDetailsViewModel::~QXRequestDetailsViewModel()
+{
+    m_conversions->cancel();
+}
 
 /// Asks the source of a running exchange for what has arrived so far, and shows its answer.
 void QXRequestDetailsViewModel::refresh()
@@ -143,10 +141,10 @@ void QXRequestDetailsViewModel::removeRowsFrom(std::size_t first)
 void QXRequestDetailsViewModel::loadBody(std::size_t row)
 {
     const QByteArray body = m_rows[row].section.body;
-    if (body.size() <= largestSynchronousBody)
+    if (body.size() <= QXBackgroundTask::largestSynchronousSize)
         return setBody(row, QXBodyText::readable(body));
     runInBackground(
-        body.size(), [body] { return QXBodyText::readable(body); },
+        body.size(), [body](QXTaskProgress *progress) { return QXBodyText::readable(body, progress); },
         [this, row, body](const std::optional<QString> &text) {
             const Row *const shown = rowWithBody(row, body);
             if (!shown || shown->document)
@@ -158,15 +156,16 @@ void QXRequestDetailsViewModel::loadBody(std::size_t row)
 
 void QXRequestDetailsViewModel::checkDecodable(std::size_t row)
 {
-    const bool isText = !m_rows[row].document->isHexadecimal();
     runInBackground(
         m_rows[row].section.body.size(),
-        [body = m_rows[row].section.body, text = isText ? bodyText(int(row)) : QString()] {
-            return QXPayloadDecoder::hasEncodedCandidate(text.isNull() ? QXBodyText::text(body) : text);
+        [text = bodySource(int(row))](QXTaskProgress *progress) {
+            return QXPayloadDecoder::hasEncodedCandidate(text(progress), progress);
         },
         [this, row, body = m_rows[row].section.body](bool canDecode) {
-            if (Row *const shown = rowWithBody(row, body))
+            if (Row *const shown = rowWithBody(row, body)) {
                 shown->decodable = canDecode;
+                Q_EMIT decodableChanged();
+            }
         });
 }
 
@@ -180,16 +179,17 @@ template<typename Work, typename Finish>
 void QXRequestDetailsViewModel::runInBackground(qsizetype size, Work work, Finish finish)
 {
     BackgroundThread::post(
-        [token = std::weak_ptr(m_lifetimeToken), size, work = std::move(work), finish = std::move(finish)] {
-            if (token.expired())
+        [progress = m_conversions, size, work = std::move(work), finish = std::move(finish)] {
+            if (progress->isCancelled())
                 return;
-            MainActor::schedule([token, size, finish, outcome = work()] {
-                if (!token.expired())
+            MainActor::schedule([progress, size, finish, outcome = work(progress.get())] {
+                if (!progress->isCancelled())
                     finish(outcome);
                 else
-                    FreedMemory::note(size);
+                    FreedMemory::discard(outcome, 2 * size);
             });
-        });
+        },
+        [progress = m_conversions] { progress->cancel(); });
 }
 
 void QXRequestDetailsViewModel::setBody(std::size_t row, const std::optional<QString> &text)
@@ -282,8 +282,20 @@ bool QXRequestDetailsViewModel::canDecodeValue(const QString &text) const
 
 void QXRequestDetailsViewModel::decodeValue(const QString &text)
 {
-    if (auto payload = QXPayloadDecoder::decodePayload(text))
-        presentDecodedPayload(std::move(payload));
+    decode(text.size(), [text](QXTaskProgress *) { return text; });
+}
+
+void QXRequestDetailsViewModel::decode(qsizetype size, TextSource text)
+{
+    task()->perform(
+        size, QCoreApplication::translate("Quorvix", "Decoding…"),
+        [text = std::move(text)](QXTaskProgress *progress) {
+            return QXPayloadDecoder::decodePayload(text(progress), progress);
+        },
+        [this](std::optional<QXDecodedPayload> payload) {
+            if (payload)
+                presentDecodedPayload(std::move(payload));
+        });
 }
 
 QXTextDocument *QXRequestDetailsViewModel::document(int row) const
@@ -296,12 +308,43 @@ QString QXRequestDetailsViewModel::bodyText(int row) const
     return document(row) ? document(row)->text() : QString();
 }
 
+QXRequestDetailsViewModel::TextSource QXRequestDetailsViewModel::bodySource(int row) const
+{
+    if (!document(row)->isHexadecimal())
+        return [text = bodyText(row)](QXTaskProgress *) {
+            return text;
+        };
+    return [body = m_rows[std::size_t(row)].section.body](QXTaskProgress *progress) {
+        return QXBodyText::text(body, progress);
+    };
+}
+
+/// How many bytes have to be converted for the text of a body.
+qsizetype QXRequestDetailsViewModel::bodySize(int row) const
+{
+    return document(row)->isHexadecimal() ? m_rows[std::size_t(row)].section.body.size() : 0;
+}
+
+void QXRequestDetailsViewModel::copyBody(int row)
+{
+    if (document(row))
+        task()->perform(bodySize(row), QCoreApplication::translate("Quorvix", "Copying…"), bodySource(row),
+                        [this](const QString &text) { copyValue(text); });
+}
+
 bool QXRequestDetailsViewModel::canDecodeBody(int row) const
 {
     if (!document(row))
         return false;
-    const std::optional<bool> &known = m_rows[std::size_t(row)].decodable;
-    return known ? *known : canDecodeValue(bodyText(row));
+    const Row &shown = m_rows[std::size_t(row)];
+    const bool isLarge = shown.section.body.size() > QXBackgroundTask::largestSynchronousSize;
+    return isLarge ? shown.decodable.value_or(false) : canDecodeValue(bodyText(row));
+}
+
+void QXRequestDetailsViewModel::decodeBody(int row)
+{
+    if (document(row))
+        decode(document(row)->length(), bodySource(row));
 }
 
 void QXRequestDetailsViewModel::openLogTree(int row)
@@ -310,69 +353,16 @@ void QXRequestDetailsViewModel::openLogTree(int row)
         return;
     const QString path =
         m_request.url ? m_request.url->path() : QCoreApplication::translate("Quorvix", "Unknown");
-    m_logTreeDestination = QXLogTreeDestination(path, bodyText(row));
-    Q_EMIT _logTreeDestinationChanged();
+    task()->perform(bodySize(row), QCoreApplication::translate("Quorvix", "Opening Tree…"), bodySource(row),
+                    [this, path](const QString &text) {
+                        m_logTreeDestination = QXLogTreeDestination(path, text);
+                        Q_EMIT _logTreeDestinationChanged();
+                    });
 }
 
 QXLogTreeViewModel *QXRequestDetailsViewModel::makeLogTree() const
 {
     return m_logTreeDestination ? new QXLogTreeViewModel(m_logTreeDestination->jsonString) : nullptr;
-}
-
-void QXRequestDetailsViewModel::shareCurl()
-{
-    share(QXCurlCommandBuilder::build(m_request));
-}
-
-void QXRequestDetailsViewModel::shareHarFile()
-{
-    noteExport();
-    if (const auto file = QXArchiveWriter::exportTrace(m_request, std::chrono::system_clock::now()))
-        presentShareItem(QXShareItem(file.value()));
-    else
-        alert(QCoreApplication::translate("Quorvix", "Export Failed"),
-              QXArchiveWriter::failureMessage(file.error()));
-}
-
-void QXRequestDetailsViewModel::shareMockServerFile()
-{
-    share(QXApiMockGenerator::exportMock(m_request));
-}
-
-void QXRequestDetailsViewModel::shareSwiftModel()
-{
-    share(QXSwiftModelExport::exportTrace(m_request));
-}
-
-void QXRequestDetailsViewModel::shareRawDetails()
-{
-    noteExport();
-    presentShareItem(QXShareItem(rawDetails(m_request, [this](const QByteArray &body) {
-        for (int row = 0; row < rowCount(); ++row) {
-            if (document(row) && m_rows[std::size_t(row)].section.body.isSharedWith(body))
-                return bodyText(row);
-        }
-        return QXBodyText::text(body);
-    })));
-}
-
-/// An export needs several times the size of the bodies, until it is done.
-void QXRequestDetailsViewModel::noteExport() const
-{
-    qsizetype size = 0;
-    for (const Row &row : m_rows)
-        size += row.section.body.size();
-    FreedMemory::note(size);
-}
-
-template<typename Artefact>
-void QXRequestDetailsViewModel::share(const Result<Artefact> &artefact)
-{
-    noteExport();
-    if (artefact)
-        presentShareItem(QXShareItem(artefact.value()));
-    else
-        alert(QCoreApplication::translate("Quorvix", "Export Failed"), artefact.error().localizedDescription);
 }
 
 void QXRequestDetailsViewModel::alert(const QString &title, const QString &message)
@@ -389,6 +379,11 @@ QVariant QXRequestDetailsViewModel::logTreeDestinationValue() const
 
 void QXRequestDetailsViewModel::setLogTreeDestinationValue(const QVariant &value)
 {
-    m_logTreeDestination = fromVariant<QXLogTreeDestination>(value);
+    auto former = std::exchange(m_logTreeDestination, fromVariant<QXLogTreeDestination>(value));
     Q_EMIT _logTreeDestinationChanged();
+    if (!former)
+        return;
+    // The script engine has the destination, too.
+    const qsizetype size = former->jsonString.size() * qsizetype(sizeof(QChar));
+    FreedMemory::discard(std::move(former), size);
 }

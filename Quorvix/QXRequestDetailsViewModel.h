@@ -12,6 +12,7 @@
 #include <QtCore/QSet>
 #include <QtQml/qqmlregistration.h>
 
+#include <functional>
 #include <memory>
 
 class QXLogTreeViewModel;
@@ -83,10 +84,15 @@ public:
     Q_INVOKABLE void decodeValue(const QString &text);
     /// The body of a section as shown; empty if the section has no document yet.
     [[nodiscard]] Q_INVOKABLE QString bodyText(int row) const;
-    /// Whether decodeValue() finds something to decode in bodyText(). For a large body, another thread finds
-    /// this out in advance; before that, this function searches the text itself.
+    /// Copies the body of a section to the clipboard, like copyValue(). Does nothing if it has no document.
+    Q_INVOKABLE void copyBody(int row);
+    /// Whether decodeBody() finds something to decode. For a large body, another thread finds this out;
+    /// before that, this is false, and decodableChanged() is emitted when it changes.
     [[nodiscard]] Q_INVOKABLE bool canDecodeBody(int row) const;
-    /// Sets the log tree destination to the body of a section. Does nothing if the section has no document.
+    /// Decodes the body of a section, like decodeValue().
+    Q_INVOKABLE void decodeBody(int row);
+    /// Sets the log tree destination to the body of a section, for large bytes that are not a text later.
+    /// Does nothing if the section has no document.
     Q_INVOKABLE void openLogTree(int row);
     /// Makes the tree for the log tree destination. The screen that shows it becomes its owner. Null if there
     /// is no destination.
@@ -103,6 +109,8 @@ Q_SIGNALS:
     void _logTreeDestinationChanged();
     void groupsChanged();
     void breakpointEnabledChanged();
+    /// Emitted when canDecodeBody() changes for a row.
+    void decodableChanged();
 
 private:
     [[nodiscard]] bool showsRequestCookies() const { return shows(Group::RequestCookies); }
@@ -131,12 +139,20 @@ private:
     void setBody(std::size_t row, const std::optional<QString> &text);
     void checkDecodable(std::size_t row);
     /// Calls @p work for a body of @p size bytes on another thread and then @p finish with its result on the
-    /// main thread. Does not call @p finish after the model is deleted.
+    /// main thread. Does not call @p finish after the model is deleted, and cancels @p work then.
     template<typename Work, typename Finish>
     void runInBackground(qsizetype size, Work work, Finish finish);
-    template<typename Artefact>
-    void share(const Quorvix::Result<Artefact> &artefact);
-    void noteExport() const;
+    /// Makes the text of a body. Any thread.
+    using TextSource = std::function<QString(QXTaskProgress *)>;
+    /// For a row with a document.
+    [[nodiscard]] TextSource bodySource(int row) const;
+    [[nodiscard]] qsizetype bodySize(int row) const;
+    void decode(qsizetype size, TextSource text);
+    [[nodiscard]] qsizetype sizeOfBodies() const;
+    template<typename Export>
+    void share(const QString &title, Export make,
+               QString (*messageOf)(const Quorvix::NSError &) = &QXRequestDetailsViewModel::messageOf);
+    [[nodiscard]] static QString messageOf(const Quorvix::NSError &error);
     void alert(const QString &title, const QString &message);
 
     QXRequestTrace m_request;
@@ -146,6 +162,6 @@ private:
     std::optional<QXLogTreeDestination> m_logTreeDestination;
     /// Exists only until the source of a running exchange has answered.
     Quorvix::NSNotificationObserver m_observer;
-    /// Exists as long as the model. Tasks on other threads hold a weak pointer to it.
-    std::shared_ptr<const bool> m_lifetimeToken = std::make_shared<const bool>(true);
+    /// Cancelled when the model is deleted. Shared with the work on another thread.
+    std::shared_ptr<QXTaskProgress> m_conversions = std::make_shared<QXTaskProgress>();
 };

@@ -39,16 +39,29 @@ QString exportFileName()
 using ExportOutcome = std::variant<QUrl, QXArchiveError, NSError>;
 
 /// Writes the traces to a new file in the temporary folder.
-ExportOutcome exportArchive(const std::vector<const QXRequestTrace *> &traces)
+ExportOutcome exportArchive(const std::vector<const QXRequestTrace *> &traces, QXTaskProgress *progress)
 {
     if (traces.empty())
         return QXArchiveError::noEntries;
     auto file = QXTemporaryFile::write(exportFileName(), [&](QIODevice &device) {
-        return QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces), device);
+        return QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces), device, progress);
     });
     if (!file)
         return file.error();
     return std::move(file).value();
+}
+
+/// About how many bytes are written for the traces.
+qsizetype archiveSize(const std::vector<const QXRequestTrace *> &traces)
+{
+    constexpr qsizetype entrySize = 1000;
+    qsizetype size = 0;
+    for (const QXRequestTrace *trace : traces) {
+        size += entrySize + (trace->body ? trace->body->size() : 0);
+        if (trace->response && trace->response->body)
+            size += trace->response->body->size();
+    }
+    return size;
 }
 
 } // namespace
@@ -250,12 +263,18 @@ void QXRequestListViewModel::updateMatch(qsizetype position)
 
 void QXRequestListViewModel::exportAll()
 {
-    const ExportOutcome outcome = exportArchive(filteredRequests());
-    if (std::holds_alternative<QXArchiveError>(outcome))
-        return presentAlert(QCoreApplication::translate("Quorvix", "No network requests to export."));
-    if (const auto *error = std::get_if<NSError>(&outcome))
-        return presentAlert(QXArchiveWriter::failureMessage(*error));
-    presentShareItem(QXShareItem(std::get<QUrl>(outcome)));
+    const auto traces = filteredRequests();
+    task()->perform(
+        archiveSize(traces), QCoreApplication::translate("Quorvix", "Preparing HAR File…"),
+        // The list keeps the traces.
+        [list = m_requests, traces](QXTaskProgress *progress) { return exportArchive(traces, progress); },
+        [this](const ExportOutcome &outcome) {
+            if (std::holds_alternative<QXArchiveError>(outcome))
+                return presentAlert(QCoreApplication::translate("Quorvix", "No network requests to export."));
+            if (const auto *error = std::get_if<NSError>(&outcome))
+                return presentAlert(QXArchiveWriter::failureMessage(*error));
+            presentShareItem(QXShareItem(std::get<QUrl>(outcome)));
+        });
 }
 
 QXRequestDetailsViewModel *QXRequestListViewModel::makeDetails(int row) const

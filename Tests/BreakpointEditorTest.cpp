@@ -131,6 +131,18 @@ void BreakpointEditorTest::bytesSurviveUntouched()
         click("QXApplyButton");
         QCOMPARE(m_delivered.takeFirst(), held == cutOff ? QString::fromUtf8(cutOff).toUtf8() : held);
     }
+
+    // Another thread loads a large body, and converts it again.
+    const QByteArray large = "lÃ­ne\n"_ba.repeated(4'000'000);
+    hold(large);
+    QTRY_VERIFY(
+        find("QXBreakpointEditorView")->property("model").value<QObject *>()->property("isLoaded").toBool());
+    QTRY_VERIFY(!find("QXProgressCard"));
+    click("QXTextEditor");
+    press(u"Ctrl+Home, X"_s);
+    click("QXApplyButton");
+    QTRY_VERIFY_WITH_TIMEOUT(!m_delivered.isEmpty(), 20'000);
+    QCOMPARE(m_delivered.takeFirst(), "x" + large);
 }
 
 void BreakpointEditorTest::hostHearsNoEscape()

@@ -584,6 +584,22 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The file&apos;s folder is not one of its owner&apos;s own.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder doesn&apos;t exist.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder could not be created.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file or link belongs to another user.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The text is empty.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -617,6 +633,10 @@
     </message>
     <message>
         <source>Text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Saving…</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -677,6 +697,14 @@
     </message>
     <message>
         <source>Failed to export HAR file: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Loading Body…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Applying Changes…</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -761,6 +789,22 @@
     </message>
     <message>
         <source>Failed to create Swift model file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Opening Tree…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copying…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Decoding…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preparing Swift Model…</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -880,6 +924,22 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Preparing cURL Command…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preparing HAR File…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preparing Mock Server File…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preparing Raw Details…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>No network requests to export.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -909,6 +969,10 @@
     </message>
     <message>
         <source>RESPONSE COOKIES</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 more</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -961,26 +1025,6 @@
     </message>
     <message>
         <source>Code</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>The folder could not be created.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>The file&apos;s folder is not one of its owner&apos;s own.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>The folder doesn&apos;t exist.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%1 more</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>The file or link belongs to another user.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
