@@ -43,8 +43,14 @@ ExportOutcome exportArchive(const std::vector<const QXRequestTrace *> &traces, Q
 {
     if (traces.empty())
         return QXArchiveError::noEntries;
+    const auto source = [next = QXArchiveWriter::sourceOf(traces), done = 0, progress,
+                         count = qsizetype(traces.size())]() mutable {
+        if (progress)
+            progress->report(done++, count);
+        return next();
+    };
     auto file = QXTemporaryFile::write(exportFileName(), [&](QIODevice &device) {
-        return QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces), device, progress);
+        return QXArchiveWriter::archive(source, device, progress);
     });
     if (!file)
         return file.error();
