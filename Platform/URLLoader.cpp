@@ -202,6 +202,19 @@ void handleFinished(const TaskPtr &task, QNetworkReply &reply)
     sendCurrent(task);
 }
 
+/// Keeps a task as long as a reply, in the loading thread. Qt may destroy what a slot has captured in another
+/// thread, in which it closes the connection.
+class Keeper final : public QObject
+{
+public:
+    Keeper(QNetworkReply *reply, TaskPtr task) : QObject(reply), m_task(std::move(task)) {}
+
+    [[nodiscard]] const TaskPtr &task() const noexcept { return m_task; }
+
+private:
+    const TaskPtr m_task;
+};
+
 void sendCurrent(const TaskPtr &task)
 {
     const QByteArray method = sentMethod(task->current.httpMethod).toUtf8();
@@ -210,11 +223,13 @@ void sendCurrent(const TaskPtr &task)
              task->current.httpBody);
     task->reply = reply;
     task->isSent = false;
-    QObject::connect(reply, &QNetworkReply::requestSent, reply, [task] { task->isSent = true; });
+    auto *const keeper = new Keeper(reply, task);
+    QObject::connect(reply, &QNetworkReply::requestSent, reply, [keeper] { keeper->task()->isSent = true; });
     QObject::connect(reply, &QNetworkReply::sslErrors, reply, [reply](const QList<QSslError> &errors) {
         ReplyOutcome::noteCertificateErrors(*reply, errors);
     });
-    QObject::connect(reply, &QNetworkReply::finished, reply, [task, reply] { handleFinished(task, *reply); });
+    QObject::connect(reply, &QNetworkReply::finished, reply,
+                     [keeper, reply] { handleFinished(keeper->task(), *reply); });
 }
 
 } // namespace

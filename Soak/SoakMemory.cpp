@@ -18,11 +18,13 @@ namespace {
 
 constexpr qint64 megabyte = 1'000'000;
 /// Caches fill in these rounds: glyphs, compiled QML, names of headers, connections.
-constexpr qsizetype firstRounds = 4;
-/// What caches and the length of the last sweep of the script engine make of a difference between rounds. A
-/// body of average size that stays behind in each round exceeds it within a few rounds.
+constexpr qsizetype firstRounds = 6;
+/// What caches and the last sweep of the script engine make of a difference between rounds. A body of average
+/// size that stays behind in each round exceeds it within a few rounds.
 constexpr qint64 allocatedTolerance = 6 * megabyte;
-/// Freed memory between blocks in use stays resident.
+/// Freed memory between blocks in use stays resident, in each round another amount. So the least of the last
+/// rounds counts.
+constexpr qsizetype lastRounds = 6;
 constexpr qint64 residentTolerance = 100 * megabyte;
 constexpr qint64 residentLimit = 1500 * megabyte;
 
@@ -53,30 +55,30 @@ void SoakMemory::measureRound()
     std::printf("round %lld: %lld kB allocated, %lld MB resident\n", static_cast<long long>(count),
                 static_cast<long long>(m_rounds.last().allocated / 1000),
                 static_cast<long long>(m_rounds.last().resident / megabyte));
-    if (count <= firstRounds)
-        return;
-    const auto most = [&](auto field) {
-        qint64 most = 0;
-        for (qsizetype i = 0; i < firstRounds; ++i)
-            most = std::max(most, m_rounds[i].*field);
-        return most;
-    };
-    const auto check = [&](const char *what, auto field, qint64 tolerance) {
-        const qint64 before = most(field);
-        const qint64 now = m_rounds.last().*field;
-        if (now > before + tolerance)
-            m_ledger.complain(
-                QStringLiteral("%1 kB are %2 after round %3, but at most %4 kB after the first rounds")
-                    .arg(now / 1000)
-                    .arg(QLatin1StringView(what))
-                    .arg(count)
-                    .arg(before / 1000));
-    };
-    check("allocated", &Measure::allocated, allocatedTolerance);
+    if (count > firstRounds)
+        check("allocated", &Measure::allocated, 1, allocatedTolerance);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     // Sanitizers keep freed memory, and shadows of all of it.
-    check("resident", &Measure::resident, residentTolerance);
+    if (count >= firstRounds + lastRounds)
+        check("resident", &Measure::resident, lastRounds, residentTolerance);
 #endif
+}
+
+void SoakMemory::check(const char *what, qint64 Measure::*field, qsizetype last, qint64 tolerance)
+{
+    const auto less = [field](const Measure &left, const Measure &right) {
+        return left.*field < right.*field;
+    };
+    const qint64 before =
+        (*std::max_element(m_rounds.cbegin(), m_rounds.cbegin() + firstRounds, less)).*field;
+    const qint64 now = (*std::min_element(m_rounds.cend() - last, m_rounds.cend(), less)).*field;
+    if (now > before + tolerance)
+        m_ledger.complain(
+            QStringLiteral("%1 kB are %2 after round %3, but at most %4 kB after the first rounds")
+                .arg(now / 1000)
+                .arg(QLatin1StringView(what))
+                .arg(m_rounds.size())
+                .arg(before / 1000));
 }
 
 void SoakMemory::measurePeak()

@@ -29,6 +29,9 @@ private:
         qint64 allocated;
     };
 
+    /// Compares the least of the last rounds with the most of the first ones.
+    void check(const char *what, qint64 Measure::*field, qsizetype last, qint64 tolerance);
+
     SoakLedger &m_ledger;
     QList<Measure> m_rounds;
     qint64 m_peak = 0;

@@ -4,6 +4,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
+#include <QtCore/QProcess>
 #include <QtCore/QSemaphore>
 #include <QtCore/QThread>
 #include <QtCore/QThreadPool>
@@ -12,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -128,6 +130,30 @@ void bySemaphore()
     other.join();
 }
 
+/// The lock is seen, also after the thread has started another program.
+void byMutexAfterProcess()
+{
+    QProcess::execute(QStringLiteral("true"), {});
+    std::mutex mutex;
+    const auto writeLocked = [&] {
+        const std::scoped_lock lock(mutex);
+        write();
+    };
+    std::thread other(writeLocked);
+    writeLocked();
+    other.join();
+}
+
+void raceAfterProcess()
+{
+    std::thread other([] { QThread::msleep(100); });
+    QProcess::execute(QStringLiteral("true"), {});
+    std::thread third(write);
+    write();
+    third.join();
+    other.join();
+}
+
 void raceOfThreads()
 {
     std::thread other(write);
@@ -186,6 +212,8 @@ int main(int argc, char *argv[])
         {"finished-thread", byFinishedThread},
         {"pool", byPool},
         {"semaphore", bySemaphore},
+        {"mutex-after-process", byMutexAfterProcess},
+        {"race-after-process", raceAfterProcess},
         {"race-of-threads", raceOfThreads},
         {"race-after-event", raceAfterEvent},
         {"race-after-queued-signal", raceAfterQueuedSignal},

@@ -16,6 +16,7 @@
 #include <QtCore/QThreadPool>
 
 #include <condition_variable>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -236,6 +237,24 @@ void operator delete(void *memory) noexcept
 void operator delete(void *memory, std::size_t /*size*/) noexcept
 {
     freeForCaller(memory);
+}
+
+// Processes
+
+/// A child of QProcess shares the memory of the program until it runs another one. The function of the
+/// sanitizer would switch its checks off in the child, and so in the thread of the parent.
+extern "C" int clone(int (*function)(void *), void *stack, int flags, void *argument, ...)
+{
+    using Clone = int (*)(int (*)(void *), void *, int, void *, ...);
+    static const auto cloneOfSystem =
+        reinterpret_cast<Clone>(dlsym(dlopen("libc.so.6", RTLD_LAZY | RTLD_NOLOAD), "clone"));
+    va_list rest;
+    va_start(rest, argument);
+    void *const parentId = va_arg(rest, void *);
+    void *const storage = va_arg(rest, void *);
+    void *const childId = va_arg(rest, void *);
+    va_end(rest);
+    return cloneOfSystem(function, stack, flags, argument, parentId, storage, childId);
 }
 
 // Threads
