@@ -104,7 +104,7 @@ Result<QByteArray> undo(ContentCoding &coding, const Source &next, Output output
 Result<QByteArray> undoAll(QIODevice &coded, QList<QByteArray> codings, qint64 maximumSize,
                            const std::function<bool()> &isCancelled)
 {
-    constexpr qsizetype pieceSize = 65'536;
+    static constexpr qsizetype pieceSize = 65'536;
     constexpr qsizetype usualRatio = 4;
     const auto expectedFor = [](qint64 codedSize) {
         return static_cast<qsizetype>(std::clamp<qint64>(codedSize * usualRatio, 4096, 67'108'864));
@@ -122,8 +122,11 @@ Result<QByteArray> undoAll(QIODevice &coded, QList<QByteArray> codings, qint64 m
             return undone;
         body = std::move(undone).value();
         size = body.size();
-        next = [&body, isRead = false]() mutable -> QByteArrayView {
-            return std::exchange(isRead, true) ? QByteArrayView() : QByteArrayView(body);
+        // In pieces, too: a decoder may take much that becomes nothing before the caller can look around.
+        next = [rest = QByteArrayView(body)]() mutable -> QByteArrayView {
+            const QByteArrayView piece = rest.first(std::min(rest.size(), pieceSize));
+            rest = rest.sliced(piece.size());
+            return piece;
         };
     }
     return body;
