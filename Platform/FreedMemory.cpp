@@ -7,6 +7,7 @@
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 #include <vector>
@@ -30,6 +31,8 @@ constexpr auto delay = 200ms;
 /// The size of a block that is never mapped on its own, and the largest size of one part of an arena.
 constexpr std::size_t blockSize = 1 << 16;
 constexpr std::size_t arenaPartSize = 1 << 26;
+/// Each block makes one page of memory resident for a moment.
+constexpr std::size_t largestFill = 4 * arenaPartSize;
 
 /// The free memory up to which it is returned, beside what was noted. It takes about 0.1 ms for each megabyte
 /// and keeps other threads from allocating meanwhile. A host that keeps more free memory than this for itself
@@ -39,14 +42,17 @@ constexpr std::size_t otherFreeMemory = 64'000'000;
 constexpr std::size_t factor = 16;
 
 /// malloc_trim() returns all free memory except the end of the arenas of other threads than the main one.
-/// That of the current thread becomes free memory in the middle while a block is in use behind it.
+/// That of the current thread becomes free memory in the middle while a block is in use behind it: so the
+/// blocks have to fill all that is free before the end, and one part more.
 void trim([[maybe_unused]] std::size_t noted)
 {
+    std::size_t free = arenaPartSize;
 #if __GLIBC_PREREQ(2, 33)
-    if (mallinfo2().fordblks > otherFreeMemory + factor * noted)
+    free = mallinfo2().fordblks;
+    if (free > otherFreeMemory + factor * noted)
         return;
 #endif
-    std::vector<void *> blocks(arenaPartSize / blockSize);
+    std::vector<void *> blocks((std::min(free, largestFill) + arenaPartSize) / blockSize);
     for (void *&block : blocks)
         block = std::malloc(blockSize);
     void *const last = blocks.back();
