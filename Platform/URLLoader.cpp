@@ -85,6 +85,12 @@ QNetworkRequest makeRequest(const Task &task, const NSURLSessionConfiguration &c
     return request;
 }
 
+/// Whether the request has a body, which may be empty.
+bool hasUpload(const QString &method, const std::optional<QByteArray> &body)
+{
+    return body || method == QLatin1StringView("POST") || method == QLatin1StringView("PUT");
+}
+
 QNetworkReply *send(QNetworkAccessManager &manager, const QNetworkRequest &request, const QByteArray &method,
                     const std::optional<QByteArray> &body)
 {
@@ -174,14 +180,15 @@ void sendCurrent(const TaskPtr &task);
 
 /// Whether the request failed only because the connection of another one broke: Qt then fails all that wait
 /// for a connection to the same server. Such a request can be sent again, whatever its method; one with a
-/// body can not, because a part of it may have left before Qt says that it was sent.
+/// body can not, because it may have left before Qt says that it was sent, and of an empty body Qt never
+/// does.
 bool hasFailedBeside(const Task &task, const QNetworkReply &reply)
 {
     // A server that accepts connections and closes them at once may look the same.
     constexpr int mostResends = 20;
-    return !task.isSent && !task.current.httpBody && task.resends < mostResends &&
-           task.state == State::Running && reply.error() == QNetworkReply::RemoteHostClosedError &&
-           !LoadingThread::isEnding();
+    return !task.isSent && !hasUpload(sentMethod(task.current.httpMethod), task.current.httpBody) &&
+           task.resends < mostResends && task.state == State::Running &&
+           reply.error() == QNetworkReply::RemoteHostClosedError && !LoadingThread::isEnding();
 }
 
 /// Sends the request again, follows a redirect, or ends the task with the response.
