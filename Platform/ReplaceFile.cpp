@@ -5,7 +5,9 @@
 #include <QtCore/QFileInfo>
 
 #ifdef Q_OS_UNIX
+#include <cerrno>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #else
 #include <QtCore/QSaveFile>
@@ -72,10 +74,14 @@ std::optional<NSError> replaceFile(const QString &path, const FileWriter &writer
     }
     if (existing && !S_ISREG(existing->st_mode) && !S_ISDIR(existing->st_mode))
         return isOwnOrOfSystem(*existing) ? writeToDevice(path, writer) : trap;
+    // A folder lets its owner replace a file that is protected against writing, but that is not meant.
+    if (existing && ::access(QFile::encodeName(target).constData(), W_OK) != 0)
+        return noPermission(QString::fromLocal8Bit(std::generic_category().message(errno).c_str()));
 
     OpenFolder::Manner manner;
     manner.isSynchronized = true;
-    if (existing && isOwn(*existing))
+    // On some systems anybody can give a file of this user's another name, in a folder that users share.
+    if (existing && isOwn(*existing) && existing->st_nlink == 1)
         manner.permissions = QFileInfo(target).permissions();
     const QFileInfo file(target);
     const auto folder = OpenFolder::at(file.path());

@@ -299,6 +299,7 @@ void TemporaryFileTest::chosenFiles_data()
     QTest::newRow("new") << u"true"_s << u"a.har"_s << 0600U;
     QTest::newRow("new, nothing is forbidden") << u"umask 0"_s << u"a.har"_s << 0600U;
     QTest::newRow("existing") << u"touch a.har && chmod 640 a.har"_s << u"a.har"_s << 0640U;
+    QTest::newRow("another name") << u"touch b && chmod 644 b && ln b a.har"_s << u"a.har"_s << 0600U;
     QTest::newRow("link") << u"touch b && chmod 644 b && ln -s b a.har"_s << u"b"_s << 0644U;
     QTest::newRow("link to nothing yet") << u"mkdir c && ln -s c/b a.har"_s << u"c/b"_s << 0600U;
     QTest::newRow("backslash") << u"ln -s 'b\\c' a.har"_s << u"b\\c"_s << 0600U;
@@ -334,6 +335,7 @@ void TemporaryFileTest::chosenFilesOfOtherUsers_data()
     QTest::newRow("open file") << u"install -m 666 -o $O /dev/null a.har"_s << false;
     QTest::newRow("open file where all may rename")
         << u"chmod 777 . && install -m 666 -o $O /dev/null a.har"_s << true;
+    QTest::newRow("protected file") << u"chown $T . && install -m 400 -o $T /dev/null a.har"_s << false;
     QTest::newRow("device of the system") << u"ln -s /dev/null a.har"_s << true;
     QTest::newRow("this user's link") << u"ln -s b a.har && chown -h $T a.har"_s << true;
 }
