@@ -110,8 +110,12 @@ Result<QByteArray> undoAll(QIODevice &coded, QList<QByteArray> codings, qint64 m
         return static_cast<qsizetype>(std::clamp<qint64>(codedSize * usualRatio, 4096, 67'108'864));
     };
     QByteArray piece(pieceSize, Qt::Uninitialized);
+    // A full piece, because a coding may need more than the first byte to know its format.
     Source next = [&]() -> QByteArrayView {
-        return {piece.constData(), std::max<qsizetype>(0, coded.read(piece.data(), pieceSize))};
+        qsizetype size = 0;
+        for (qint64 read = 1; read > 0 && size < pieceSize; size += std::max<qint64>(0, read))
+            read = coded.read(piece.data() + size, pieceSize - size);
+        return {piece.constData(), size};
     };
     QByteArray body;
     qint64 size = coded.bytesAvailable();

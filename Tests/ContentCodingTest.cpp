@@ -118,6 +118,27 @@ QByteArray changed(QByteArray data, qsizetype position)
     return data;
 }
 
+/// A device that hands out its bytes one by one.
+class SlowDevice final : public QIODevice
+{
+public:
+    explicit SlowDevice(const QByteArray &bytes) : m_rest(bytes) { open(ReadOnly | Unbuffered); }
+    [[nodiscard]] bool isSequential() const override { return true; }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override
+    {
+        const QByteArray read = m_rest.first(std::min<qint64>({maxSize, 1, m_rest.size()}));
+        std::copy(read.begin(), read.end(), data);
+        m_rest = m_rest.sliced(read.size());
+        return read.size();
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    QByteArray m_rest;
+};
+
 Result<QByteArray> decode(
     const QByteArray &coded, const QByteArray &contentEncoding,
     const std::function<bool()> &isCancelled = [] { return false; })
@@ -140,6 +161,7 @@ private Q_SLOTS:
     void partsArriveAsSent();
     void fails_data();
     void fails();
+    void slowDevices();
     void everyDamageIsFound_data();
     void everyDamageIsFound();
     void whatTheRequestAccepts_data();
@@ -270,6 +292,16 @@ void ContentCodingTest::fails()
         // All headers are as they were sent.
         QCOMPARE(description(outcome.http()->allHeaderFields().at(u"Content-Length"_s)).toLongLong(),
                  body.size());
+    }
+}
+
+void ContentCodingTest::slowDevices()
+{
+    const QByteArray text = sample(300);
+    for (const QByteArray &coded : {gzip(text), deflated(text, zlibFormat), deflated(text, rawFormat)}) {
+        SlowDevice device(coded);
+        const auto decoded = ContentDecoder::decode(device, "deflate", roomForPeers, [] { return false; });
+        QVERIFY(decoded && decoded.value() == text);
     }
 }
 
