@@ -5,7 +5,7 @@
 #include <QtCore/QFileInfo>
 
 #ifdef Q_OS_UNIX
-#include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -75,8 +75,9 @@ std::optional<NSError> replaceFile(const QString &path, const FileWriter &writer
     if (existing && !S_ISREG(existing->st_mode) && !S_ISDIR(existing->st_mode))
         return isOwnOrOfSystem(*existing) ? writeToDevice(path, writer) : trap;
     // A folder lets its owner replace a file that is protected against writing, but that is not meant.
-    if (existing && ::access(QFile::encodeName(target).constData(), W_OK) != 0)
-        return noPermission(QString::fromLocal8Bit(std::generic_category().message(errno).c_str()));
+    if (existing && ::faccessat(AT_FDCWD, QFile::encodeName(target).constData(), W_OK, AT_EACCESS) != 0)
+        return noPermission(
+            QString::fromLocal8Bit(std::make_error_code(std::errc::permission_denied).message().c_str()));
 
     OpenFolder::Manner manner;
     manner.isSynchronized = true;
