@@ -25,7 +25,8 @@ inline constexpr char acceptedCodings[] = "zstd, br, gzip, deflate";
 [[nodiscard]] bool canDecode(const QByteArray &contentEncoding);
 
 /// Reads @p coded to its end and undoes the codings, for which canDecode() is true. The result needs no more
-/// memory than its size. An empty body has an empty result, whatever its codings are.
+/// memory than its size, but while several codings are undone, there are two bodies of up to @p maximumSize.
+/// An empty body has an empty result, whatever its codings are.
 ///
 /// Fails with the code of NSURLErrorDomain for data that breaks the rules of its coding, ends early or goes
 /// on behind its end (NSURLErrorCannotDecodeRawData); for more codings than anybody uses, and when a decoder

@@ -20,7 +20,8 @@ struct NSURLSessionConfiguration
     /// NSURLErrorDataLengthExceedsMaximum, without its data. A server can compress a gigabyte to less than a
     /// megabyte, and a task keeps the whole body in memory: the default, a gigabyte, is more than an
     /// application reads at once, and less than what brings down a usual machine. On a machine of 32 bits
-    /// memory may end first, with the same error. Bodies without a content coding have no limit.
+    /// memory may end first, with the same error. While a body with several codings, one over another, is
+    /// decoded, it can need twice as much. Bodies without a content coding have no limit.
     qint64 maximumDecodedSize = Q_INT64_C(1) << 30;
 };
 
