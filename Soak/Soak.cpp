@@ -46,6 +46,7 @@ bool Soak::run(std::chrono::seconds time)
         playRound(std::min<std::chrono::seconds>(roundTime,
                                                  std::chrono::seconds((end - m_clock.elapsed()) / 1000 + 1)));
     printLine();
+    m_ledger.checkBeside();
     m_ledger.print();
     std::printf("\n%llu held responses released, %llu of them edited; %llu exports, %llu times cleared; "
                 "%llu clicks and keys on the screens\n",

@@ -54,13 +54,17 @@ qsizetype sizeOf(const QXRequestTrace &trace)
 
 SoakExports::SoakExports(SoakLedger &ledger, quint64 seed) : m_ledger(ledger), m_random(seed)
 {
+    // The screens can clear it, too.
+    m_observer = Quorvix::NSNotificationCenter::defaultCenter().addObserver(QuorvixRequestsChanged, [this] {
+        if (QXRequestRecorder::shared().requests().isEmpty())
+            m_ledger.countClear();
+    });
     startTimer(interval);
 }
 
 void SoakExports::clear()
 {
     m_receivedAtClear = m_ledger.receivedBytes();
-    m_ledger.countClear();
     QXRequestRecorder::shared().clear();
 }
 

@@ -3,6 +3,7 @@
 #include "Soak/SoakLedger.h"
 
 #include "Examples/MonkeyRandom.h"
+#include "Platform/NSNotificationCenter.h"
 
 #include <QtCore/QObject>
 
@@ -32,4 +33,5 @@ private:
     bool m_isActive = false;
     quint64 m_exports = 0;
     qint64 m_receivedAtClear = 0;
+    Quorvix::NSNotificationObserver m_observer;
 };

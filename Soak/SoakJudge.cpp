@@ -37,11 +37,10 @@ Judgement SoakJudge::judge(const SoakExchange &exchange, const SoakOutcome &outc
     if (!outcome.error.isEmpty()) {
         if (exchange.isCancelled)
             return {Verdict::Cancelled, {}};
-        if (plan.isRight() && outcome.isUnsent)
+        if (plan.isRight() && outcome.isConnectionLost)
             return {Verdict::Beside, {}};
-        // Qt repeats a request whose connection closes before it has looked at the answer, but not for ever.
-        const bool mayFail = !plan.isRight() || plan.fault == SoakFault::UntilClose;
-        return {mayFail ? Verdict::Told : Verdict::Wrong, QStringLiteral("fails with ") + outcome.error};
+        return {plan.isRight() ? Verdict::Wrong : Verdict::Told,
+                QStringLiteral("fails with ") + outcome.error};
     }
     if (edit)
         return {Verdict::Wrong, QStringLiteral("status %1 and %2 bytes in place of the edited %3 and %4")

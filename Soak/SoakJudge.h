@@ -23,8 +23,8 @@ struct SoakOutcome
     QByteArray seen;
     /// The failure of the transport, which a status code is not; empty if there was none.
     QString error;
-    /// Whether Qt says that the request was never sent.
-    bool isUnsent = false;
+    /// Whether the connection was closed.
+    bool isConnectionLost = false;
 };
 
 /// Compares what arrived with what the server has sent. Any thread.

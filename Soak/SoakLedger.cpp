@@ -58,6 +58,10 @@ void SoakLedger::end(const SoakExchange &exchange, SoakVerdict verdict, const QS
         }
         m_runningBytes -= exchange.plan.size + exchange.plan.uploadSize;
         ++m_ended;
+        if (isSession(exchange.source) && !exchange.plan.hasUpload()) {
+            ++m_bodilessOfSessions;
+            m_besideOfSessions += verdict == SoakVerdict::Beside ? 1 : 0;
+        }
         count = ++m_rows[{isSession(exchange.source) ? 0 : 1, exchange.plan.fault}].counts[int(verdict)];
     }
     if (verdict < SoakVerdict::Silent)
@@ -94,6 +98,20 @@ quint64 SoakLedger::ended() const
 {
     const std::scoped_lock lock(m_mutex);
     return m_ended;
+}
+
+void SoakLedger::checkBeside()
+{
+    constexpr quint64 most = 500; // one of so many
+    quint64 beside = 0;
+    quint64 all = 0;
+    {
+        const std::scoped_lock lock(m_mutex);
+        beside = m_besideOfSessions;
+        all = m_bodilessOfSessions;
+    }
+    if (beside > 1 + all / most)
+        complain(QStringLiteral("%1 of %2 requests of sessions fail beside others").arg(beside).arg(all));
 }
 
 void SoakLedger::print() const

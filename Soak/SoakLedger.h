@@ -40,9 +40,9 @@ enum class SoakVerdict {
     Cancelled,
     /// What was edited at the breakpoint has arrived.
     Edited,
-    /// Qt has failed it together with another exchange with the same server, before it was sent. Qt does so
-    /// with all
-    /// requests that wait for a connection when one breaks.
+    /// A right answer is lost with a connection that broke in another exchange. Qt fails all requests that
+    /// wait when one
+    /// connection breaks, and repeats one that it has sent on a broken connection, but not for ever.
     Beside,
     /// The host got something else without an error, as from Qt, but the trace has the error.
     OnlyTraced,
@@ -77,9 +77,12 @@ public:
 
     /// How often the recorder was cleared.
     [[nodiscard]] quint64 clears() const { return m_clears; }
-    /// To be called before the recorder is cleared.
+    /// To be called when the recorder was cleared.
     void countClear() { ++m_clears; }
 
+    /// Complains if more than very few requests of sessions fail beside others: a session sends those again
+    /// that Qt has not sent, unless they have a body.
+    void checkBeside();
     /// A table of the verdicts for each fault, for sessions and for managers.
     void print() const;
 
@@ -93,6 +96,9 @@ private:
     const quint64 m_seed;
     quint64 m_lastNumber = 0;
     quint64 m_ended = 0;
+    /// Requests of sessions that have no body, and those of them that failed beside others.
+    quint64 m_bodilessOfSessions = 0;
+    quint64 m_besideOfSessions = 0;
     qsizetype m_runningBytes = 0;
     QMap<quint64, SoakExchange *> m_running;
     QMap<QPair<int, SoakFault>, Row> m_rows;

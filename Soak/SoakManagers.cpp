@@ -45,6 +45,7 @@ SoakOutcome outcomeOf(const QNetworkReply &reply, const QByteArray &data)
     outcome.seen = reply.rawHeader(soakSeenHeader.data());
     if (isTransportError(reply))
         outcome.error = reply.errorString();
+    outcome.isConnectionLost = reply.error() == QNetworkReply::RemoteHostClosedError;
     return outcome;
 }
 
@@ -129,7 +130,6 @@ private:
     struct Read
     {
         QByteArray data;
-        bool isSent = false;
         bool isFinished = false;
     };
 
@@ -183,8 +183,6 @@ private:
         if (reading != Reading::AtEnd)
             connect(&reply, &QNetworkReply::readyRead, this,
                     [&reply, read] { read->data += reply.readAll(); });
-        connect(&reply, &QNetworkReply::requestSent, this, [read] { read->isSent = true; });
-        connect(&reply, &QNetworkReply::redirected, this, [read] { read->isSent = false; });
         connect(&reply, &QNetworkReply::finished, this, [this, &reply, exchange, read] {
             if (++exchange->completions != 1)
                 return m_ledger.complain(QStringLiteral("finished again: ") + exchange->url.toString());
@@ -206,8 +204,7 @@ private:
     void finish(const QNetworkReply &reply, const SoakExchangePtr &exchange, const Read &read)
     {
         m_ledger.countReceived(read.data.size());
-        SoakOutcome outcome = outcomeOf(reply, read.data);
-        outcome.isUnsent = !read.isSent;
+        const SoakOutcome outcome = outcomeOf(reply, read.data);
         const auto host = SoakJudge::judge(*exchange, outcome, m_breakpoints.takeEdit(exchange->plan.number));
         const auto check = std::make_shared<TraceCheck>(m_ledger, exchange, outcome, host);
         QMetaObject::invokeMethod(

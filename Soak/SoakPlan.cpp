@@ -225,7 +225,7 @@ QByteArray SoakPlan::content() const
 
 std::optional<QByteArray> SoakPlan::upload() const
 {
-    if (method == "GET" || method == "HEAD")
+    if (!hasUpload())
         return std::nullopt;
     return randomBytes(~seed, uploadSize);
 }

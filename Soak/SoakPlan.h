@@ -62,6 +62,8 @@ struct SoakPlan
     [[nodiscard]] bool isEndless() const { return fault == Fault::Stall || fault == Fault::Silence; }
     /// What the server sends as the body, before any content coding.
     [[nodiscard]] QByteArray content() const;
+    /// Whether the request has a body.
+    [[nodiscard]] bool hasUpload() const { return method != "GET" && method != "HEAD"; }
     /// The body of the request; absent if its method has none.
     [[nodiscard]] std::optional<QByteArray> upload() const;
     /// What the server writes about a request: its method, the number in its header, and length and digest of

@@ -29,6 +29,7 @@ SoakOutcome outcomeOf(const std::optional<QByteArray> &data, const NSURLResponse
     outcome.data = data;
     if (error)
         outcome.error = error->localizedDescription;
+    outcome.isConnectionLost = error && error->code == NSURLErrorNetworkConnectionLost;
     if (const auto http = std::dynamic_pointer_cast<const NSHTTPURLResponse>(response)) {
         outcome.status = int(http->statusCode());
         for (const auto &[name, value] : http->allHeaderFields()) {
