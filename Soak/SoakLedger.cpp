@@ -124,8 +124,8 @@ void SoakLedger::print() const
             std::printf(" %9llu", static_cast<unsigned long long>(count));
         std::printf("\n");
     };
-    std::printf("\n%-8s %-16s %9s %9s %9s %9s %9s %9s %9s\n", "source", "server", "right", "error",
-                "cancelled", "edited", "in trace", "SILENT", "WRONG");
+    std::printf("\n%-8s %-16s %9s %9s %9s %9s %9s %9s %9s %9s %9s\n", "source", "server", "right", "error",
+                "cancelled", "edited", "beside", "in trace", "untold", "SILENT", "WRONG");
     for (auto it = m_rows.cbegin(); it != m_rows.cend(); ++it) {
         const auto &[source, fault] = it.key();
         printRow(source == 0 ? "session" : "manager", SoakPlan::name(fault).constData(), it.value());

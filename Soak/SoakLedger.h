@@ -41,12 +41,14 @@ enum class SoakVerdict {
     /// What was edited at the breakpoint has arrived.
     Edited,
     /// A right answer is lost with a connection that broke in another exchange. Qt fails all requests that
-    /// wait when one
-    /// connection breaks, and repeats one that it has sent on a broken connection, but not for ever.
+    /// wait when one connection breaks, and repeats one that it has sent on a broken connection, but not for
+    /// ever.
     Beside,
     /// The host got something else without an error, as from Qt, but the trace has the error.
     OnlyTraced,
-    /// Something else arrived, and nobody is told.
+    /// Something else arrived, and nobody can tell: Qt takes it for the whole body and shows only that.
+    Untold,
+    /// Something else arrived, and nobody is told, although the error can be seen.
     Silent,
     /// Any other violation.
     Wrong,
