@@ -35,7 +35,7 @@ public:
         case JSONValue::Kind::Array:
             return encodeArray(value);
         case JSONValue::Kind::String:
-            return m_writer.utf8(value.utf8(), [&](qsizetype) { return m_steps.goOn(m_done); });
+            return m_writer.utf8(value.utf8(), [this](qsizetype) { return m_goesOn = m_steps.goOn(); });
         case JSONValue::Kind::Number:
             return m_writer.number(value.toDouble());
         case JSONValue::Kind::Boolean:
@@ -66,7 +66,7 @@ private:
         m_goesOn = stableSort(
             m_members.begin() + std::ptrdiff_t(first), m_members.end(),
             [](const Member &a, const Member &b) { return a.key.stringValue < b.key.stringValue; },
-            [this] { return m_steps.goOn(m_done); });
+            [this] { return m_steps.goOn(); });
         if (!m_goesOn)
             return;
         const size_t last = m_members.size();

@@ -144,7 +144,7 @@ private:
         m_goesOn = stableSort(
             m_members.begin(), m_members.end(),
             [](const Member &a, const Member &b) { return a.name < b.name; },
-            [this] { return m_steps.goOn(m_done); });
+            [this] { return m_steps.goOn(); });
         const auto end = std::unique(m_members.begin(), m_members.end(),
                                      [](const Member &a, const Member &b) { return a.name == b.name; });
         m_members.erase(end, m_members.end());

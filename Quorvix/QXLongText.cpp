@@ -62,7 +62,8 @@ bool QXLongText::appendJson(QString &text, const JSONDocument &document, JSONWri
     TextDevice device(text);
     JSONWriter writer(device);
     bool goesOn = true;
-    writer.value(document.root(), order, [&](qsizetype done) { return goesOn = steps.goOn(done); });
+    writer.value(document.root(), order,
+                 [&](qsizetype done) { return goesOn = steps.goOn(done) && steps.goOn(); });
     return goesOn && !writer.finish();
 }
 

@@ -26,6 +26,9 @@ public:
 
     /// Tells that @p done parts are done. False once the task is cancelled, from then on.
     [[nodiscard]] bool goOn(qsizetype done) noexcept { return done < m_next || report(done); }
+    /// Asks, and reports nothing. For work inside of one part, such as to sort, during which goOn(done) would
+    /// not ask again.
+    [[nodiscard]] bool goOn() const noexcept { return !m_progress || !m_progress->isCancelled(); }
 
 private:
     bool report(qsizetype done) noexcept

@@ -1,14 +1,20 @@
 #include "Tests/Exchanges.h"
 #include "Tests/TestKit.h"
 
+#include "Quorvix/QXApiMockDefinition.h"
 #include "Quorvix/QXApiMockGenerator.h"
+#include "Quorvix/QXApiTree.h"
 #include "Quorvix/QXApiTreeParser.h"
 #include "Quorvix/QXArchiveWriter.h"
 #include "Quorvix/QXBodyText.h"
+#include "Quorvix/QXLongText.h"
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXRawDetails.h"
 #include "Quorvix/QXSwiftModelExport.h"
 #include "Quorvix/QXTaskProgress.h"
+#include "Quorvix/QXTaskSteps.h"
+
+#include "JSON/JSONReader.h"
 
 #include <QtTest/QTest>
 
@@ -119,6 +125,30 @@ public:
 
 constexpr double never = 2;
 
+/// Cancels a task when it writes its first bytes, and counts what is written.
+class CancellingDevice final : public QIODevice
+{
+public:
+    explicit CancellingDevice(QXTaskProgress &progress) : m_progress(progress)
+    {
+        open(WriteOnly | Unbuffered);
+    }
+
+    qint64 written = 0;
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+    qint64 writeData(const char *, qint64 size) override
+    {
+        m_progress.cancel();
+        written += size;
+        return size;
+    }
+
+private:
+    QXTaskProgress &m_progress;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(Task)
@@ -130,6 +160,7 @@ class TaskProgressTest : public QObject
 private Q_SLOTS:
     void reportsAndEndsSoon_data();
     void reportsAndEndsSoon();
+    void endsInOnePart();
 };
 
 void TaskProgressTest::reportsAndEndsSoon_data()
@@ -215,6 +246,32 @@ void TaskProgressTest::reportsAndEndsSoon()
     const Run refused(task, 0);
     QVERIFY(!refused.outcome);
     QCOMPARE(folder->files(), QStringList());
+}
+
+void TaskProgressTest::endsInOnePart()
+{
+    // No part of the work is done while a long string is written, or while many names are sorted.
+    const QByteArray longString = '"' + QByteArray(8'000'000, 'x') + '"';
+    {
+        QXTaskProgress progress;
+        CancellingDevice device(progress);
+        const QXApiMockDefinition mock{
+            {}, {}, {{{}, {200, QXApiMockAnyEncodable(JSONReader::parse(longString).value())}}}};
+        const auto error = mock.encode(device, &progress);
+        QVERIFY(error && isCancellation(*error));
+        QVERIFY(device.written < 3'000'000);
+    }
+    QXTaskProgress progress;
+    QXTaskSteps steps(&progress, 1'000'000'000);
+    QVERIFY(steps.goOn(0)); // the next report is far away
+    progress.cancel();
+    for (const QByteArray &json : {'[' + longString + ']', jsonBody(5'000)}) {
+        QString text;
+        const JSONDocument document = JSONReader::parse(json).value();
+        QVERIFY(!QXLongText::appendJson(text, document, JSONWriter::KeyOrder::Sorted, steps));
+        QVERIFY(text.size() < 3'000'000);
+    }
+    QVERIFY(!QXApiTree::make(JSONReader::parse(jsonBody(5'000)).value(), steps));
 }
 
 QTEST_GUILESS_MAIN(TaskProgressTest)
