@@ -109,9 +109,13 @@ private:
 
     void writeString(const JSONValue &string)
     {
+        const QByteArrayView text = string.utf8();
         if (!m_checkpoint)
-            return m_writer.utf8(string.utf8());
-        m_writer.utf8(string.utf8(), [&](qsizetype) { return ask(); });
+            return m_writer.utf8(text);
+        // So many bytes take about as long as a short value.
+        constexpr qsizetype bytesPerPart = 16;
+        m_next -= text.size() / bytesPerPart;
+        m_writer.utf8(text, [&](qsizetype) { return ask(); });
     }
 
     bool ask()

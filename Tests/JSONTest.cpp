@@ -62,6 +62,7 @@ private Q_SLOTS:
     void writesNumbers();
     void streamsToADevice();
     void reportsADeviceThatIsFull();
+    void asksWhileItWrites();
     void acceptsText();
     void replacesLoneSurrogates();
     void readsEncodings();
@@ -193,6 +194,23 @@ void JSONTest::reportsADeviceThatIsFull()
         writer.utf8(QByteArray(5'000'000, 'x'));
         QCOMPARE(writer.finish(), (NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, u"full"_s}));
     }
+}
+
+void JSONTest::asksWhileItWrites()
+{
+    constexpr qsizetype size = 20'000;
+    constexpr qsizetype count = 400;
+    const QByteArray strings =
+        (',' + ('"' + QByteArray(size, 'x') + '"')).repeated(count).replace(0, 1, "[") + ']';
+    const auto document = JSONReader::parse(strings);
+    QVERIFY(document);
+    qsizetype asked = 0;
+    qsizetype last = 0;
+    JSONWriter().value(document.value().root(), JSONWriter::KeyOrder::Document, [&](qsizetype done) {
+        ++asked;
+        return std::exchange(last, done) <= done && done <= document.value().size();
+    });
+    QVERIFY(asked >= count * size / 256'000);
 }
 
 void JSONTest::acceptsText()
