@@ -18,6 +18,8 @@ namespace {
 
 /// The number of bytes that are appended at once: about a millisecond's work.
 constexpr qsizetype pieceSize = 1 << 20;
+/// The same for bytes that are written as digits, which takes longer.
+constexpr qsizetype digitsPieceSize = 1 << 16;
 
 /// Appends the UTF-8 that is written to it.
 class TextDevice final : public QIODevice
@@ -86,7 +88,7 @@ bool QXLongText::appendHex(QString &text, QByteArrayView bytes, Digits digits, Q
     text.resize(before + bytes.size() * (digitsPerByte + (isSpaced ? 1 : 0)));
     QChar *to = text.data() + before;
     for (qsizetype i = 0; i < bytes.size(); ++i) {
-        if (i % pieceSize == 0 && !steps.goOn(i))
+        if (i % digitsPieceSize == 0 && !steps.goOn(i))
             return false;
         std::memcpy(static_cast<void *>(to), hexDigits[uchar(bytes[i])].data(),
                     digitsPerByte * sizeof(QChar));
