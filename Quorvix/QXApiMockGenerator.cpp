@@ -108,7 +108,8 @@ Result<QUrl> QXApiMockGenerator::exportMock(const QXExportedTrace &exported, QXT
     const QXApiMockDefinition definition = definitionFor(trace, body.value());
     auto file = QXTemporaryFile::writeText(
         *path, [&](QIODevice &device) { return definition.encode(device, progress); });
-    if (isCancelled(progress))
+    // A task that is cancelled after its file is complete has a result.
+    if (!file && isCancelled(progress))
         return cancelledError();
     finish(progress);
     return file ? std::move(file) : makeError(QXExportError::mockFileNotCreated);
