@@ -43,7 +43,7 @@ QString asText(QStringView text)
 }
 
 template<typename View>
-std::optional<QXDecodedPayload> decodedJWT(View token)
+std::optional<QXDecodedPayload> decodedJWT(View token, QXTaskProgress *progress = nullptr)
 {
     const auto pieces = QXJWTPieces<View>::split(token);
     if (!pieces || pieces->header.isEmpty() || pieces->body.isEmpty() || pieces->signature.isEmpty())
@@ -51,12 +51,12 @@ std::optional<QXDecodedPayload> decodedJWT(View token)
     QByteArray header;
     QByteArray body;
     if (!QXBase64::decode(asUtf8(pieces->header), QXBase64::WhiteSpace::Refused, &header) ||
-        !QXBase64::decode(asUtf8(pieces->body), QXBase64::WhiteSpace::Refused, &body))
+        !QXBase64::decode(asUtf8(pieces->body), QXBase64::WhiteSpace::Refused, &body, QXTaskSteps(progress)))
         return std::nullopt;
     return QXDecodedPayload(
         QCoreApplication::translate("Quorvix", "Decoded JWT"),
         {QXPayloadDecoder::makeSection(header, QCoreApplication::translate("Quorvix", "Header")),
-         QXPayloadDecoder::makeSection(body, QCoreApplication::translate("Quorvix", "Body")),
+         QXPayloadDecoder::makeSection(body, QCoreApplication::translate("Quorvix", "Body"), progress),
          QXDecodedSection(QCoreApplication::translate("Quorvix", "Signature"), asText(pieces->signature))});
 }
 
@@ -70,7 +70,7 @@ std::optional<QXDecodedPayload> QXPayloadDecoder::decodePayload(QByteArrayView u
         return std::nullopt;
     auto payload =
         candidate->kind == QXEncodedCandidate::Kind::JWT
-            ? decodeJWT(QXWhiteSpace::removed(candidate->text))
+            ? decodeJWT(QXWhiteSpace::removed(candidate->text), progress)
             : std::optional(QXDecodedPayload(QCoreApplication::translate("Quorvix", "Decoded Base64"),
                                              {makeSection(bytes, std::nullopt, progress)}));
     if (isCancelled(progress))
@@ -110,9 +110,9 @@ bool QXPayloadDecoder::hasEncodedCandidate(QStringView text, QXTaskProgress *pro
     return hasEncodedCandidate(text.toUtf8(), progress);
 }
 
-std::optional<QXDecodedPayload> QXPayloadDecoder::decodeJWT(QByteArrayView utf8)
+std::optional<QXDecodedPayload> QXPayloadDecoder::decodeJWT(QByteArrayView utf8, QXTaskProgress *progress)
 {
-    return decodedJWT(utf8);
+    return decodedJWT(utf8, progress);
 }
 
 std::optional<QXDecodedPayload> QXPayloadDecoder::decodeJWT(QStringView text)

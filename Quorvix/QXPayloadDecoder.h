@@ -35,7 +35,8 @@ public:
 
     /// Decodes a token in compact form that must be the whole text. The signature is neither decoded nor
     /// verified.
-    [[nodiscard]] static std::optional<QXDecodedPayload> decodeJWT(QByteArrayView utf8);
+    [[nodiscard]] static std::optional<QXDecodedPayload> decodeJWT(QByteArrayView utf8,
+                                                                   QXTaskProgress *progress = nullptr);
     [[nodiscard]] static std::optional<QXDecodedPayload> decodeJWT(QStringView text);
 
     /// Makes a section that shows bytes as pretty-printed JSON, or as text if they are UTF-8 and not empty,

@@ -206,11 +206,16 @@ void TaskProgressTest::reportsAndEndsSoon_data()
     const auto addDecoding = [&](const char *name, const QByteArray &encoded) {
         add(name, [encoded](QXTaskProgress *progress) {
             const auto payload = QXPayloadDecoder::decodePayload(QByteArrayView(encoded), progress);
-            return payload ? Outcome(payload->sections.constFirst().content.toUtf8()) : Outcome();
+            return payload
+                       ? Outcome(payload->sections.value(1, payload->sections.constFirst()).content.toUtf8())
+                       : Outcome();
         });
     };
     addDecoding("Base64 of JSON", json.toBase64());
     addDecoding("Base64 of bytes", binary.toBase64());
+    addDecoding("token of JSON",
+                "e30." + json.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals) +
+                    ".c2ln");
     addDecoding("Base64 at the end", text + binary.toBase64());
     add("search", [text](QXTaskProgress *progress) {
         const bool isFound = QXPayloadDecoder::hasEncodedCandidate(QByteArrayView(text), progress);
