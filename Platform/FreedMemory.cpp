@@ -68,15 +68,21 @@ void trim([[maybe_unused]] std::size_t noted)
 std::size_t noted = 0;
 /// The values that wait for their destruction. Main thread only.
 std::vector<std::shared_ptr<const void>> discarded;
+/// Those that have waited for one collection. The script engine can keep its copy until the next one.
+std::vector<std::shared_ptr<const void>> collected;
 
 void returnMemory()
 {
     NSNotificationCenter::defaultCenter().post(FreedMemory::willReturn);
-    if (!discarded.empty())
-        BackgroundThread::post([values = std::exchange(discarded, {})]() mutable { values.clear(); });
+    if (!collected.empty())
+        BackgroundThread::post([values = std::exchange(collected, {})]() mutable { values.clear(); });
+    collected = std::exchange(discarded, {});
+    const std::size_t bytes = std::exchange(noted, 0);
+    if (!collected.empty())
+        FreedMemory::note(std::max(qsizetype(bytes), largeAmount));
 #if defined(__GLIBC__)
     // Behind the destruction, and in the thread of the tasks, because each thread has memory of its own.
-    BackgroundThread::post([bytes = std::exchange(noted, 0)] {
+    BackgroundThread::post([bytes] {
         trim(bytes);
         BackgroundThread::postBehindTasks([bytes] { trim(bytes); });
     });
