@@ -128,9 +128,9 @@ Result<QByteArray> undoAll(QIODevice &coded, QList<QByteArray> codings, qint64 m
         size = body.size();
         // In pieces, too: a decoder may take much that becomes nothing before the caller can look around.
         next = [rest = QByteArrayView(body)]() mutable -> QByteArrayView {
-            const QByteArrayView piece = rest.first(std::min(rest.size(), pieceSize));
-            rest = rest.sliced(piece.size());
-            return piece;
+            const QByteArrayView first = rest.first(std::min(rest.size(), pieceSize));
+            rest = rest.sliced(first.size());
+            return first;
         };
     }
     return body;

@@ -224,10 +224,12 @@ void HeaderTest::isSentAsItIsShown()
     QCOMPARE(headers.size(), 304);
     QCOMPARE(pairs(entryOf(trace)[u"request"_s][u"headers"_s]), headers);
     const QString command = QXCurlCommandBuilder::build(trace).value();
-    const QByteArray arrived = m_server.arrived().constLast();
+    const QByteArray arrived = m_server.arrived().constLast().toLower();
     for (const QString &header : headers) {
         QVERIFY(command.contains(u"-H '"_s + header + u'\''));
-        QVERIFY2(arrived.contains("\r\n" + header.toUtf8() + "\r\n"), qPrintable(header.left(50)));
+        const QByteArray line =
+            "\r\n" + header.toUtf8().toLower() + "\r\n"; // as newer releases of Qt send it
+        QVERIFY2(arrived.contains(line), qPrintable(header.left(50)));
     }
 }
 

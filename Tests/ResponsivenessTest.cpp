@@ -22,9 +22,14 @@ using ScreenDriver::middle;
 namespace {
 
 constexpr qsizetype megabyte = 1'000'000;
-/// Beside what an action takes with a small body, in milliseconds. Under a sanitizer and without optimisation
-/// all that the main thread does takes longer, but what it did with large bodies took seconds.
-#if defined(QT_DEBUG) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+/// Beside what an action takes with a small body, in milliseconds. Without optimisation all that the main
+/// thread does takes longer, but what it did with large bodies took seconds.
+#ifdef QT_DEBUG
 constexpr qint64 longestPause = 150;
 #else
 constexpr qint64 longestPause = 50;
@@ -34,9 +39,9 @@ constexpr qint64 longestPause = 50;
 /// the largest bodies: QUORVIX_BIG=1.
 qsizetype bodySize()
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return 2 * megabyte;
-#elif defined(QT_DEBUG)
+    if (isSanitized)
+        return 2 * megabyte;
+#ifdef QT_DEBUG
     return 6 * megabyte;
 #else
     return (qEnvironmentVariableIsSet("QUORVIX_BIG") ? 200 : 40) * megabyte;
@@ -296,13 +301,17 @@ void ResponsivenessTest::mainThreadGoesOn_data()
 {
     QTest::addColumn<MakeBody>("makeBody");
     QTest::newRow("objects") << &objects;
-    QTest::newRow("numbers") << &numbers;
     QTest::newRow("encoded") << &encoded;
+    if (!qEnvironmentVariableIsSet("QUORVIX_BIG"))
+        return;
+    QTest::newRow("numbers") << &numbers;
     QTest::newRow("bytes") << &bytes;
 }
 
 void ResponsivenessTest::mainThreadGoesOn()
 {
+    if (isSanitized)
+        QSKIP("A sanitizer takes longer than what is measured");
     QFETCH(const MakeBody, makeBody);
     const QByteArray kind = QTest::currentDataTag();
     const TemporaryFolder folder;
@@ -338,6 +347,8 @@ void ResponsivenessTest::tasksAreCancelled_data()
     QTest::addColumn<bool>("byMouse");
     QTest::newRow("an export, by mouse") << "QXShareMockServerFile"_ba << true;
     QTest::newRow("an export, by keyboard") << "QXShareMockServerFile"_ba << false;
+    if (isSanitized)
+        return; // its progress stands still there while the document is read
     QTest::newRow("a tree, by mouse") << "QXLogTreeButton"_ba << true;
     QTest::newRow("a tree, by keyboard") << "QXLogTreeButton"_ba << false;
 }

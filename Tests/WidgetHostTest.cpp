@@ -278,7 +278,11 @@ void WidgetHostTest::smallDialogGetsARoomyPanel()
         box->move(place);
         QTRY_VERIFY(covers(*box));
         press("QXFloatingButton");
-        QTRY_COMPARE(overlay().window()->size(), QSize(390, 600));
+        // One pixel can be missing where a device pixel is no whole number of units.
+        const auto missing = [this] {
+            return QSize(390, 600) - overlay().window()->size();
+        };
+        QTRY_VERIFY(qAbs(missing().width()) <= 1 && qAbs(missing().height()) <= 1);
         QTRY_VERIFY(box->screen()
                         ->availableGeometry()
                         .adjusted(-1, -1, 1, 1)
