@@ -28,21 +28,20 @@ qsizetype QXRequestDetailsViewModel::sizeOfBodies() const
 
 /// Makes an artefact from the trace and presents it, or says why there is none.
 template<typename Export>
-void QXRequestDetailsViewModel::share(const QString &title, Export make,
-                                      QString (*messageOf)(const NSError &))
+void QXRequestDetailsViewModel::share(const QString &title, Export make, QString (*describe)(const NSError &))
 {
     task()->perform(
         sizeOfBodies(), title,
         [trace = m_request, make = std::move(make)](QXTaskProgress *progress) {
             return make(trace, progress);
         },
-        [this, messageOf](const auto &artefact) {
+        [this, describe](const auto &artefact) {
             // An export needs several times the size of the bodies, until it is done.
             FreedMemory::note(sizeOfBodies());
             if (artefact)
                 presentShareItem(QXShareItem(artefact.value()));
             else
-                alert(QCoreApplication::translate("Quorvix", "Export Failed"), messageOf(artefact.error()));
+                alert(QCoreApplication::translate("Quorvix", "Export Failed"), describe(artefact.error()));
         });
 }
 

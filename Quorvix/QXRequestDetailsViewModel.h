@@ -151,7 +151,7 @@ private:
     [[nodiscard]] qsizetype sizeOfBodies() const;
     template<typename Export>
     void share(const QString &title, Export make,
-               QString (*messageOf)(const Quorvix::NSError &) = &QXRequestDetailsViewModel::messageOf);
+               QString (*describe)(const Quorvix::NSError &) = &QXRequestDetailsViewModel::messageOf);
     [[nodiscard]] static QString messageOf(const Quorvix::NSError &error);
     void alert(const QString &title, const QString &message);
 

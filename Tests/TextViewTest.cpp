@@ -191,8 +191,11 @@ void TextViewTest::showsALineWithoutEnd()
 {
     QVERIFY(open(new QXTextDocument(QString(5'000'000, u'x') + u"end"_s)));
     QTRY_COMPARE(view()->rows().end(view()->rows().count() - 1), 5'000'003); // another thread breaks the rows
-    scrollTo(page()->property("contentHeight").toReal() - 600);
-    QTRY_VERIFY(view()->rowTextAt(view()->height() - 1).endsWith(u"xend"_s));
+    const auto endsInView = [this] {
+        scrollTo(page()->property("contentHeight").toReal() - 600); // the height follows the rows
+        return view()->rowTextAt(view()->height() - 1).endsWith(u"xend"_s);
+    };
+    QTRY_VERIFY(endsInView());
 }
 
 void TextViewTest::staysAtTheTopRowWhenResized()
