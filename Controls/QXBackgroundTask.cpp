@@ -3,6 +3,7 @@
 #include "Platform/BackgroundThread.h"
 #include "Platform/MainActor.h"
 
+#include <QtCore/QPointer>
 #include <QtCore/QSemaphore>
 #include <QtCore/QTimerEvent>
 
@@ -50,9 +51,11 @@ void QXBackgroundTask::run(const QString &title, int wait, std::function<void(QX
         },
         [run] { run->progress.cancel(); });
     const bool isDone = run->done.tryAcquire(1, wait);
-    run->finish = [this, finish = std::move(run->finish)] {
-        end();
-        finish();
+    run->finish = [self = QPointer(this), finish = std::move(run->finish)] {
+        self->end();
+        // A slot of the signals may have deleted the model.
+        if (self)
+            finish();
     };
     if (isDone)
         return std::exchange(run->finish, nullptr)();
@@ -69,8 +72,10 @@ void QXBackgroundTask::end()
     m_timer.stop();
     if (!std::exchange(m_isShown, false))
         return;
+    const QPointer self(this);
     setProgress(1);
-    Q_EMIT isRunningChanged();
+    if (self)
+        Q_EMIT isRunningChanged();
 }
 
 /// Makes the task end soon, and without a result. A result that is there already can be large, and is
@@ -89,8 +94,10 @@ void QXBackgroundTask::cancel()
     abandon();
     m_timer.stop();
     m_isShown = false;
+    const QPointer self(this);
     Q_EMIT isRunningChanged();
-    Q_EMIT cancelled();
+    if (self)
+        Q_EMIT cancelled();
 }
 
 void QXBackgroundTask::timerEvent(QTimerEvent *event)

@@ -10,6 +10,7 @@
 #include "Platform/BackgroundThread.h"
 
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QPointer>
 #include <QtCore/QSemaphore>
 #include <QtCore/QTimer>
 
@@ -135,6 +136,8 @@ private Q_SLOTS:
     void tasksAreCancelled_data();
     void tasksAreCancelled();
     void resultIsThatOfTheMainThread();
+    void taskIsDeletedByItsSlots_data();
+    void taskIsDeletedByItsSlots();
 
 private:
     using Step = std::function<void()>;
@@ -405,6 +408,33 @@ void ResponsivenessTest::resultIsThatOfTheMainThread()
     const QByteArray mock =
         contentOf(shared(&QXRequestDetailsViewModel::shareMockServerFile).toUrl().toLocalFile());
     QCOMPARE(mock, contentOf(QXApiMockGenerator::exportMock(trace).value().toLocalFile()));
+}
+
+void ResponsivenessTest::taskIsDeletedByItsSlots_data()
+{
+    QTest::addColumn<bool>("cancels");
+    QTest::newRow("at the end") << false;
+    QTest::newRow("when it is cancelled") << true;
+}
+
+void ResponsivenessTest::taskIsDeletedByItsSlots()
+{
+    QFETCH(const bool, cancels);
+    const QPointer<QXBackgroundTask> task = new QXBackgroundTask;
+    bool hasFinished = false;
+    const auto deleteEnded = [task] {
+        if (!task->isRunning())
+            delete task;
+    };
+    connect(task, &QXBackgroundTask::isRunningChanged, this, deleteEnded);
+    task->perform(
+        10 * megabyte, u"Task"_s, [](QXTaskProgress *) { return 1; }, [&](int) { hasFinished = true; });
+    QVERIFY(task->isRunning());
+    if (cancels)
+        task->cancel();
+    QTRY_VERIFY(!task);
+    QCoreApplication::processEvents();
+    QVERIFY(!hasFinished);
 }
 
 QTEST_MAIN(ResponsivenessTest)
