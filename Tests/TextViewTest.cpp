@@ -1,11 +1,15 @@
 #include "Tests/ScreenTest.h"
 
+#include "Text/QXTextCanvas.h"
 #include "Text/QXTextDocument.h"
 #include "Text/QXTextModule.h"
 #include "Text/QXTextView.h"
 
 #include "Controls/QXControlsModule.h"
 
+#include "Platform/BackgroundThread.h"
+
+#include <QtCore/QSemaphore>
 #include <QtTest/QSignalSpy>
 
 #include <algorithm>
@@ -67,6 +71,11 @@ QString numberedLines(int count)
     return text;
 }
 
+using Change = void (*)(QXTextCanvas &);
+
+/// Another thread breaks its rows.
+const QString longText = u"a line of text\n"_s.repeated(150'000);
+
 } // namespace
 
 class TextViewTest : public ScreenTest
@@ -89,6 +98,8 @@ private Q_SLOTS:
     void fingerSelects();
     void asksForTheMenu();
     void fitsForeignLetters();
+    void showsNoRowsOfAFormerText_data();
+    void showsNoRowsOfAFormerText();
 
 private:
     [[nodiscard]] bool open(QXTextDocument *document);
@@ -369,6 +380,43 @@ void TextViewTest::fitsForeignLetters()
     QVERIFY(!view()->rowTextAt(1).contains(QChar(1)) && !view()->rowTextAt(1).contains(QChar::LineSeparator));
     press(Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(copied(), line); // not the symbols that are painted instead
+}
+
+void TextViewTest::showsNoRowsOfAFormerText_data()
+{
+    QTest::addColumn<Change>("change");
+    QTest::newRow("another document")
+        << Change([](QXTextCanvas &canvas) { canvas.setDocument(new QXTextDocument(longText, &canvas)); });
+    QTest::newRow("no document") << Change([](QXTextCanvas &canvas) { delete canvas.document(); });
+    QTest::newRow("an edit in another font") << Change([](QXTextCanvas &canvas) {
+        QFont font = canvas.font();
+        font.setPixelSize(30);
+        canvas.setFont(font);
+        canvas.document()->setText(u"short"_s);
+    });
+}
+
+/// The rows of a long text arrive after the canvas has got another one, and before its next frame.
+void TextViewTest::showsNoRowsOfAFormerText()
+{
+    using Quorvix::BackgroundThread::postTask;
+    QFETCH(const Change, change);
+    QQuickWindow window;
+    window.show();
+    QXTextCanvas canvas(window.contentItem());
+    canvas.setSize({390, 600});
+    QSemaphore begin;
+    QSemaphore ended;
+    postTask([&] { begin.acquire(); }, [&] { begin.release(); });
+    canvas.setDocument(new QXTextDocument(longText, &canvas));
+    QTRY_VERIFY(canvas.contentHeight() > 0);
+    const qreal beginning = canvas.contentHeight();
+    begin.release();
+    postTask([&] { ended.release(); }, [] {});
+    ended.acquire();
+    change(canvas);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::User);
+    QCOMPARE(canvas.contentHeight(), beginning);
 }
 
 QTEST_MAIN(TextViewTest)

@@ -166,6 +166,7 @@ void QXTextCanvas::invalidateRows()
 
 void QXTextCanvas::forgetText()
 {
+    stopBreaking(); // its rows are those of another text
     m_hasRows = false;
     invalidateRows();
 }
@@ -250,9 +251,10 @@ void QXTextCanvas::followEdit(qsizetype position, qsizetype removed, qsizetype a
     const bool areBroken = m_columns > 0;
     if (areBroken && !m_breaking && added <= longestSynchronousText) {
         m_rows.follow(m_document->view(), position, removed, added);
-    } else if (areBroken) {
+    } else {
         forgetText();
-        breakRows();
+        if (areBroken)
+            breakRows();
     }
     // This happens before any signal, so that no listener asks for a position beyond the end.
     const qsizetype length = m_document->length();
