@@ -123,6 +123,7 @@ QXLogTreeViewModel::QXLogTreeViewModel(const QString &json, QObject *parent) : Q
 
 QXLogTreeViewModel::~QXLogTreeViewModel()
 {
+    m_check->cancel();
     FreedMemory::discard(std::move(m_rootFields), treeSize(m_textSize));
 }
 
@@ -142,6 +143,8 @@ void QXLogTreeViewModel::load(const QString &json)
 
 void QXLogTreeViewModel::show(Fields fields)
 {
+    m_check->cancel();
+    m_checked = nullptr; // a node of the new tree can get the same address
     beginResetModel();
     m_rows.clear();
     FreedMemory::discard(std::exchange(m_rootFields, std::move(fields)), treeSize(m_textSize));
@@ -287,19 +290,22 @@ bool QXLogTreeViewModel::canDecodeBase64(int row)
 
 void QXLogTreeViewModel::checkDecodable(QXApiTreeField &checked)
 {
+    m_check->cancel();
+    m_check = std::make_shared<QXTaskProgress>();
     m_checked = &checked;
     m_isCheckedDecodable = false;
-    BackgroundThread::post([this, token = std::weak_ptr(m_lifetimeToken), shared = checked.share()] {
-        if (token.expired())
-            return;
-        const bool canDecode = QXPayloadDecoder::hasEncodedCandidate(shared->textUtf8());
-        MainActor::schedule([this, token, canDecode, checked = shared.get()] {
-            if (token.expired() || m_checked != checked || !canDecode)
+    BackgroundThread::post(
+        [this, progress = m_check, shared = checked.share()] {
+            if (!QXPayloadDecoder::hasEncodedCandidate(shared->textUtf8(), progress.get()))
                 return;
-            m_isCheckedDecodable = true;
-            Q_EMIT decodableChanged();
-        });
-    });
+            MainActor::schedule([this, progress] {
+                if (progress->isCancelled())
+                    return;
+                m_isCheckedDecodable = true;
+                Q_EMIT decodableChanged();
+            });
+        },
+        [progress = m_check] { progress->cancel(); });
 }
 
 void QXLogTreeViewModel::decodeBase64(int row)

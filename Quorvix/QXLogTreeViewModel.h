@@ -106,6 +106,6 @@ private:
     /// The large string that was checked last.
     const QXApiTreeField *m_checked = nullptr;
     bool m_isCheckedDecodable = false;
-    /// Exists as long as the model. Work on other threads holds a weak pointer to it.
-    std::shared_ptr<const bool> m_lifetimeToken = std::make_shared<const bool>(true);
+    /// Shared with the work that checks it, and cancelled when the answer is of no use any more.
+    std::shared_ptr<QXTaskProgress> m_check = std::make_shared<QXTaskProgress>();
 };

@@ -1,6 +1,9 @@
 #include "Quorvix/QXDecodedPayloadModel.h"
 #include "Quorvix/QXLogTreeViewModel.h"
 
+#include "Platform/BackgroundThread.h"
+
+#include <QtCore/QSemaphore>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtTest/QAbstractItemModelTester>
@@ -55,6 +58,7 @@ private Q_SLOTS:
     void rolesStayShort();
     void copies();
     void decodes();
+    void decodableIsOfTheShownTree();
     void brokenTextIsAParseError();
     void payloadStaysUntilTheNext();
 };
@@ -215,6 +219,26 @@ void LogTreeModelTest::decodes()
         QCOMPARE(model.decodedPayload().has_value(), row == 1);
         // A string without an encoded part publishes that there is no payload; other kinds publish nothing.
         QCOMPARE(changed.size(), row < 0 ? 2 : qMin(row, 2));
+    }
+}
+
+void LogTreeModelTest::decodableIsOfTheShownTree()
+{
+    using Quorvix::BackgroundThread::post;
+    for (const bool isReplaced : {false, true}) {
+        QXLogTreeViewModel model(u"[\"%1\"]"_s.arg(u"QUJD"_s.repeated(50'000)));
+        QTRY_COMPARE(model.rowCount(), 1);
+        model.toggle(0);
+        const QSignalSpy changed(&model, &QXLogTreeViewModel::decodableChanged);
+        QVERIFY(!model.canDecodeBase64(1));
+        if (isReplaced)
+            model.load(u"[1]");
+        QSemaphore checked;
+        post([&] { checked.release(); });
+        checked.acquire();
+        QCoreApplication::processEvents();
+        QCOMPARE(changed.size(), isReplaced ? 0 : 1);
+        QCOMPARE(model.canDecodeBase64(1), !isReplaced);
     }
 }
 
