@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXExportError.h"
+#include "Quorvix/QXTaskSteps.h"
 
 #include "JSON/JSONWriter.h"
 
@@ -99,13 +100,15 @@ qsizetype maximumQuotedSize(QByteArrayView utf8)
     return units;
 }
 
-void appendText(QString &command, QByteArrayView utf8)
+void appendText(QString &command, QByteArrayView utf8, QXTaskProgress *progress)
 {
+    const qsizetype total = utf8.size();
+    QXTaskSteps steps(progress, total);
     command.reserve(command.size() + beforeText.size() + maximumQuotedSize(utf8) + 1);
     command += beforeText;
     // A byte order mark is part of the body, so the decoder must not remove it.
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-    while (!utf8.isEmpty()) {
+    while (!utf8.isEmpty() && steps.goOn(total - utf8.size())) {
         qsizetype size = std::min(chunkSize, utf8.size());
         if (size < utf8.size() && utf8[size - 1] == '\r' && utf8[size] == '\n')
             ++size;
@@ -116,11 +119,13 @@ void appendText(QString &command, QByteArrayView utf8)
     command += u'\'';
 }
 
-void appendBase64(QString &command, QByteArrayView bytes)
+void appendBase64(QString &command, QByteArrayView bytes, QXTaskProgress *progress)
 {
+    const qsizetype total = bytes.size();
+    QXTaskSteps steps(progress, total);
     command.reserve(command.size() + beforeBase64.size() + (bytes.size() + 2) / 3 * 4 + afterBase64.size());
     command += beforeBase64;
-    while (!bytes.isEmpty()) {
+    while (!bytes.isEmpty() && steps.goOn(total - bytes.size())) {
         const QByteArrayView chunk = bytes.first(std::min(chunkSize, bytes.size()));
         command += QLatin1StringView(QByteArray::fromRawData(chunk.data(), chunk.size()).toBase64());
         bytes = bytes.sliced(chunk.size());
@@ -128,13 +133,13 @@ void appendBase64(QString &command, QByteArrayView bytes)
     command += afterBase64;
 }
 
-void appendBody(QString &command, const QByteArray &body)
+void appendBody(QString &command, const QByteArray &body, QXTaskProgress *progress)
 {
     command += lineBreak;
     if (isValidUtf8(body))
-        appendText(command, body);
+        appendText(command, body, progress);
     else
-        appendBase64(command, body);
+        appendBase64(command, body, progress);
 }
 
 /// A comment of the shell, in the last line: the command itself stays as it is without a body.
@@ -147,7 +152,7 @@ void appendDiscardedBody(QString &command, qsizetype size)
 
 } // namespace
 
-Result<QString> QXCurlCommandBuilder::build(const QXExportedTrace &exported)
+Result<QString> QXCurlCommandBuilder::build(const QXExportedTrace &exported, QXTaskProgress *progress)
 {
     const QXRequestTrace &trace = *exported;
     const QString url = trace.url ? urlText(*trace.url) : QString();
@@ -162,8 +167,11 @@ Result<QString> QXCurlCommandBuilder::build(const QXExportedTrace &exported)
     if (trace.headers)
         appendHeaders(command, *trace.headers);
     if (trace.body)
-        appendBody(command, *trace.body);
+        appendBody(command, *trace.body, progress);
     else if (trace.discardedBodySize)
         appendDiscardedBody(command, *trace.discardedBodySize);
+    if (isCancelled(progress))
+        return cancelledError();
+    finish(progress);
     return command;
 }

@@ -7,6 +7,8 @@
 
 #include <QtCore/QString>
 
+class QXTaskProgress;
+
 /// Writes a request as a `curl` command line that repeats the request, for any POSIX shell.
 ///
 /// URL, headers and body are written between single quotes, where a shell changes nothing (POSIX shell,
@@ -24,7 +26,9 @@ class QUORVIX_INTERNAL_EXPORT QXCurlCommandBuilder
 public:
     /// Returns the command, without a line feed at its end. Uses little more memory than the command itself.
     ///
-    /// Fails with QXExportError::missingRequestURL if the URL is absent or empty. Linear in the size of the
-    /// trace. Any thread, if no other thread changes the trace.
-    static Quorvix::Result<QString> build(const QXExportedTrace &exported);
+    /// Fails with QXExportError::missingRequestURL if the URL is absent or empty, and with
+    /// NSCocoaErrorDomain / NSUserCancelledError if the task is cancelled through @p progress. Linear in the
+    /// size of the trace. Any thread, if no other thread changes the trace.
+    static Quorvix::Result<QString> build(const QXExportedTrace &exported,
+                                          QXTaskProgress *progress = nullptr);
 };

@@ -53,7 +53,9 @@ QString QXRequestDetailsViewModel::messageOf(const NSError &error)
 void QXRequestDetailsViewModel::shareCurl()
 {
     share(QCoreApplication::translate("Quorvix", "Preparing cURL Command…"),
-          [](const QXRequestTrace &trace, QXTaskProgress *) { return QXCurlCommandBuilder::build(trace); });
+          [](const QXRequestTrace &trace, QXTaskProgress *progress) {
+              return QXCurlCommandBuilder::build(trace, progress);
+          });
 }
 
 void QXRequestDetailsViewModel::shareHarFile()

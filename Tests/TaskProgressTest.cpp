@@ -7,6 +7,7 @@
 #include "Quorvix/QXApiTreeParser.h"
 #include "Quorvix/QXArchiveWriter.h"
 #include "Quorvix/QXBodyText.h"
+#include "Quorvix/QXCurlCommandBuilder.h"
 #include "Quorvix/QXLongText.h"
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXRawDetails.h"
@@ -199,6 +200,14 @@ void TaskProgressTest::reportsAndEndsSoon_data()
     addDetails("details of JSON", trace);
     addDetails("details of text", traceOf(longText));
     addDetails("details of bytes", traceOf(binary));
+    const auto addCommand = [&](const char *name, const QByteArray &body) {
+        add(name, [sent = Exchanges::makeTrace(u"http://host/"_s, {}, body)](auto *progress) {
+            return outcome<QString>(QXCurlCommandBuilder::build(sent, progress),
+                                    [](const QString &command) { return command.toUtf8(); });
+        });
+    };
+    addCommand("command with text", QByteArray(2'000'000, '\''));
+    addCommand("command with bytes", binary.repeated(4));
     add("readable text", [json](QXTaskProgress *progress) {
         const auto readable = QXBodyText::readable(json, progress);
         return readable ? Outcome(readable->toUtf8()) : Outcome();
