@@ -44,7 +44,7 @@ qint64 SoakMemory::allocated()
     return qint64(__sanitizer_get_current_allocated_bytes());
 #else
     const auto info = mallinfo2();
-    return qint64(info.uordblks + info.hblkhd);
+    return qint64(info.uordblks) + qint64(info.hblkhd);
 #endif
 }
 
@@ -95,7 +95,7 @@ void SoakMemory::print() const
 {
     if (m_rounds.isEmpty())
         return;
-    const auto line = [this](const char *when, const Measure &measure) {
+    const auto line = [](const char *when, const Measure &measure) {
         std::printf("%-18s %6lld kB allocated, %5lld MB resident\n", when,
                     static_cast<long long>(measure.allocated / 1000),
                     static_cast<long long>(measure.resident / megabyte));

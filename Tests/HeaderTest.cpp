@@ -305,8 +305,8 @@ void HeaderTest::costsLinearTime()
                  qPrintable(u"%1: %2 ms, %3 ms"_s.arg(QLatin1StringView(name)).arg(before).arg(after)));
     };
     check("completion", completion(small), completion(large));
-    for (const auto &[name, task] : tasks)
-        check(name, cost([&] { task(small); }), cost([&] { task(large); }));
+    for (const auto &task : tasks)
+        check(task.first, cost([&] { task.second(small); }), cost([&] { task.second(large); }));
 }
 
 QTEST_MAIN(HeaderTest)

@@ -59,21 +59,20 @@ void ModalTest::isFencedAndLeft()
 {
     open();
     QFETCH(const QByteArray, opened);
-    const QByteArray name = opened;
-    const QQuickItem *const root = find(name);
-    if (!name.endsWith("View"))
-        QVERIFY(!spoken(find(name)).isEmpty());
+    const QQuickItem *const root = find(opened);
+    if (!opened.endsWith("View"))
+        QVERIFY(!spoken(find(opened)).isEmpty());
 
     for (int i = 0; i < 24; ++i) {
         press(Qt::Key_Tab, i < 12 ? Qt::NoModifier : Qt::ShiftModifier);
         QVERIFY2(root->isAncestorOf(m_window->activeFocusItem()) || root->hasActiveFocus() ||
-                     name == "QXBreakpointsListView",
+                     opened == "QXBreakpointsListView",
                  "Tab leads out of it");
         QVERIFY(!m_hostField->hasActiveFocus());
     }
     press(Qt::Key_Back);
-    QTRY_VERIFY(!find(name));
-    const bool isClosed = name == "QXRequestListView";
+    QTRY_VERIFY(!find(opened));
+    const bool isClosed = opened == "QXRequestListView";
     QTRY_VERIFY(isClosed == m_hostField->hasActiveFocus());
     // The way back goes on until nothing of the inspector is left.
     const auto depth = [this] {

@@ -321,7 +321,8 @@ void TemporaryFileTest::chosenFiles()
 
     const NSError failure{NSCocoaErrorDomain, NSFileWriteUnknownError, u"no more"_s};
     const QStringList files = m_temporary->files();
-    QCOMPARE(replaceFile(m_temporary->path(u"a.har"_s), [&](QIODevice &) { return failure; }), failure);
+    QCOMPARE(replaceFile(m_temporary->path(u"a.har"_s), [&](QIODevice &) { return std::optional(failure); }),
+             failure);
     QCOMPARE(m_temporary->files(), files);
 }
 

@@ -46,7 +46,7 @@ struct Answer
     QString method;
     QString path;
     QString typed;
-    int code;
+    int code = 0;
     QString status;
     QByteArray part;
 };
