@@ -427,11 +427,19 @@ void ResponsivenessTest::taskIsDeletedByItsSlots()
             delete task;
     };
     connect(task, &QXBackgroundTask::isRunningChanged, this, deleteEnded);
+    const auto mayEnd = std::make_shared<QSemaphore>();
     task->perform(
-        10 * megabyte, u"Task"_s, [](QXTaskProgress *) { return 1; }, [&](int) { hasFinished = true; });
-    QVERIFY(task->isRunning());
+        10 * megabyte, u"Task"_s,
+        [mayEnd](QXTaskProgress *) {
+            mayEnd->acquire();
+            return 1;
+        },
+        [&](int) { hasFinished = true; });
+    const bool isRunning = task->isRunning();
     if (cancels)
         task->cancel();
+    mayEnd->release();
+    QVERIFY(isRunning);
     QTRY_VERIFY(!task);
     QCoreApplication::processEvents();
     QVERIFY(!hasFinished);
