@@ -279,7 +279,7 @@ void WidgetHostTest::smallDialogGetsARoomyPanel()
         QTRY_VERIFY(covers(*box));
         press("QXFloatingButton");
         // One pixel can be missing where a device pixel is no whole number of units.
-        const auto missing = [this] {
+        const auto missing = [] {
             return QSize(390, 600) - overlay().window()->size();
         };
         QTRY_VERIFY(qAbs(missing().width()) <= 1 && qAbs(missing().height()) <= 1);
