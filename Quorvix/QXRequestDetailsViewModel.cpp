@@ -7,9 +7,7 @@
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXRequestRecorder.h"
 
-#include "Platform/BackgroundThread.h"
 #include "Platform/FreedMemory.h"
-#include "Platform/MainActor.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtGui/QClipboard>
@@ -59,10 +57,7 @@ QXRequestDetailsViewModel::QXRequestDetailsViewModel(const QXRequestTrace &reque
     refresh();
 }
 
-QXRequestDetailsViewModel::~QXRequestDetailsViewModel()
-{
-    m_conversions->cancel();
-}
+QXRequestDetailsViewModel::~QXRequestDetailsViewModel() = default;
 
 /// Asks the source of a running exchange for what has arrived so far, and shows its answer.
 void QXRequestDetailsViewModel::refresh()
@@ -143,7 +138,7 @@ void QXRequestDetailsViewModel::loadBody(std::size_t row)
     const QByteArray body = m_rows[row].section.body;
     if (body.size() <= QXBackgroundTask::largestSynchronousSize)
         return setBody(row, QXBodyText::readable(body));
-    runInBackground(
+    m_conversions.start(
         body.size(), [body](QXTaskProgress *progress) { return QXBodyText::readable(body, progress); },
         [this, row, body](const std::optional<QString> &text) {
             const Row *const shown = rowWithBody(row, body);
@@ -156,7 +151,7 @@ void QXRequestDetailsViewModel::loadBody(std::size_t row)
 
 void QXRequestDetailsViewModel::checkDecodable(std::size_t row)
 {
-    runInBackground(
+    m_conversions.start(
         m_rows[row].section.body.size(),
         [text = bodySource(int(row))](QXTaskProgress *progress) {
             return QXPayloadDecoder::hasEncodedCandidate(text(progress), progress);
@@ -173,23 +168,6 @@ QXRequestDetailsViewModel::Row *QXRequestDetailsViewModel::rowWithBody(std::size
                                                                        const QByteArray &body)
 {
     return row < m_rows.size() && m_rows[row].section.body.isSharedWith(body) ? &m_rows[row] : nullptr;
-}
-
-template<typename Work, typename Finish>
-void QXRequestDetailsViewModel::runInBackground(qsizetype size, Work work, Finish finish)
-{
-    BackgroundThread::post(
-        [progress = m_conversions, size, work = std::move(work), finish = std::move(finish)] {
-            if (progress->isCancelled())
-                return;
-            MainActor::schedule([progress, size, finish, outcome = work(progress.get())] {
-                if (!progress->isCancelled())
-                    finish(outcome);
-                else
-                    FreedMemory::discard(outcome, 2 * size);
-            });
-        },
-        [progress = m_conversions] { progress->cancel(); });
 }
 
 void QXRequestDetailsViewModel::setBody(std::size_t row, const std::optional<QString> &text)

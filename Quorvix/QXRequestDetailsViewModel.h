@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Quorvix/QXBodyConversions.h"
 #include "Quorvix/QXLogTreeDestination.h"
 #include "Quorvix/QXPresentingModel.h"
 #include "Quorvix/QXRequestSections.h"
@@ -13,7 +14,6 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
-#include <memory>
 
 class QXLogTreeViewModel;
 
@@ -138,10 +138,6 @@ private:
     void loadBody(std::size_t row);
     void setBody(std::size_t row, const std::optional<QString> &text);
     void checkDecodable(std::size_t row);
-    /// Calls @p work for a body of @p size bytes on another thread and then @p finish with its result on the
-    /// main thread. Does not call @p finish after the model is deleted, and cancels @p work then.
-    template<typename Work, typename Finish>
-    void runInBackground(qsizetype size, Work work, Finish finish);
     /// Makes the text of a body. Any thread.
     using TextSource = std::function<QString(QXTaskProgress *)>;
     /// For a row with a document.
@@ -162,6 +158,5 @@ private:
     std::optional<QXLogTreeDestination> m_logTreeDestination;
     /// Exists only until the source of a running exchange has answered.
     Quorvix::NSNotificationObserver m_observer;
-    /// Cancelled when the model is deleted. Shared with the work on another thread.
-    std::shared_ptr<QXTaskProgress> m_conversions = std::make_shared<QXTaskProgress>();
+    QXBodyConversions m_conversions;
 };
