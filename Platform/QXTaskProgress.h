@@ -32,7 +32,9 @@ public:
     /// From 0 to 1.
     [[nodiscard]] double fraction() const noexcept { return m_fraction.load(std::memory_order_relaxed); }
 
+    /// Asks the task to end early, without a result. Any thread.
     void cancel() noexcept { m_isCancelled.store(true, std::memory_order_relaxed); }
+    /// Whether cancel() was called: a task looks here between its steps. Any thread.
     [[nodiscard]] bool isCancelled() const noexcept { return m_isCancelled.load(std::memory_order_relaxed); }
 
 private:

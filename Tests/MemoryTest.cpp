@@ -1,4 +1,5 @@
 #include "Tests/Exchanges.h"
+#include "Tests/ProcessStatus.h"
 #include "Tests/ScreenTest.h"
 
 #include "Platform/BackgroundThread.h"
@@ -25,36 +26,16 @@ namespace {
 
 constexpr qsizetype megabyte = 1'000'000;
 
-/// A field of /proc/self/status, in bytes.
-qsizetype statusField(QByteArrayView name)
-{
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QFile::ReadOnly))
-        return 0;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith(name))
-            return line.mid(name.size() + 1).simplified().split(' ').constFirst().toLongLong() * 1024;
-    }
-    return 0;
-}
-
 /// The memory of this process that is in use now.
 qsizetype resident()
 {
-    return statusField("VmRSS");
+    return ProcessStatus::field("VmRSS");
 }
 
-/// The most that was in use since the last call of forgetPeak().
+/// The most that was in use since the last call of ProcessStatus::forgetPeak().
 qsizetype peak()
 {
-    return statusField("VmHWM");
-}
-
-void forgetPeak()
-{
-    QFile file(u"/proc/self/clear_refs"_s);
-    if (file.open(QFile::WriteOnly))
-        file.write("5");
+    return ProcessStatus::field("VmHWM");
 }
 
 /// Returns free memory to the system, so that only memory in use is measured.
@@ -195,7 +176,7 @@ void MemoryTest::screensGiveBackWhatABodyNeeded()
     ScreenTest::init();
     returnMemory();
     const qsizetype before = resident();
-    forgetPeak();
+    ProcessStatus::forgetPeak();
     use(usage, body);
     const qsizetype most = peak();
     const int timeout = 5000 + int(body.size() / 10'000); // ms

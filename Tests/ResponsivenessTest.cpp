@@ -1,4 +1,5 @@
 #include "Tests/Exchanges.h"
+#include "Tests/ProcessStatus.h"
 #include "Tests/ScreenTest.h"
 #include "Tests/TestKit.h"
 
@@ -111,18 +112,6 @@ QByteArray bytes(qsizetype size)
     return "\xff\x00\x80\x01"_ba.repeated(size / 4);
 }
 
-qsizetype statusField(QByteArrayView name)
-{
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QFile::ReadOnly))
-        return 0;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith(name))
-            return line.mid(name.size() + 1).simplified().split(' ').constFirst().toLongLong() / 1024;
-    }
-    return 0;
-}
-
 } // namespace
 
 /// Uses every screen with large bodies and measures for how long the main thread does nothing else.
@@ -175,7 +164,8 @@ void ResponsivenessTest::measure(const char *action, const Step &step, const Con
     const qint64 longest = m_heartbeat.longest();
     m_longest[action] = longest;
     std::printf("  %-22s longest stretch %5lld ms, done after %5lld ms, peak %5lld MB\n", action,
-                (long long)longest, (long long)duration, (long long)statusField("VmHWM"));
+                (long long)longest, (long long)duration,
+                (long long)(ProcessStatus::field("VmHWM") / megabyte));
     std::fflush(stdout);
 }
 
@@ -330,8 +320,7 @@ void ResponsivenessTest::mainThreadGoesOn()
         wrong.clear();
         cleanup();
         init();
-        if (QFile file(u"/proc/self/clear_refs"_s); file.open(QFile::WriteOnly))
-            file.write("5");
+        ProcessStatus::forgetPeak();
         std::printf("%s, %lld MB\n", kind.constData(), (long long)(body.size() / megabyte));
         const auto before = std::exchange(m_longest, {});
         use(kind, body);
