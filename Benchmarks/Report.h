@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+
+/// One line of the table that `./run bench` prints.
+namespace Report {
+
+/// Something that ours is compared with: a peer that does the same work, or a limit that no code can beat.
+struct Other
+{
+    const char *name;
+    double value;
+};
+
+struct Row
+{
+    /// What is measured, for example "HAR of 1,000 bodies of 100 KB".
+    const char *metric;
+    /// Where it is measured: the thread, the process, the way to the screen.
+    const char *place;
+    /// Of all values: "ms", "us", "MB/s", "/s", "bytes", "x".
+    const char *unit;
+    /// The median of alternating rounds.
+    double ours;
+    std::optional<Other> peer = {};
+    std::optional<Other> limit = {};
+    /// Whether a larger value is better, as of a rate.
+    bool isRate = false;
+    /// The goal in words, for example "6 x the peer"; may be null.
+    const char *goal = nullptr;
+};
+
+/// How many times better ours is than another value of the same row.
+inline double advantage(const Row &row, const Other &other)
+{
+    return row.isRate ? row.ours / other.value : other.value / row.ours;
+}
+
+/// Prints the row, and appends it as one line of JSON to the file that QUORVIX_BENCH_ROWS names.
+inline void add(const Row &row)
+{
+    std::printf("  %-52s %10.3f %-5s", row.metric, row.ours, row.unit);
+    QJsonObject object{{QStringLiteral("metric"), QString::fromUtf8(row.metric)},
+                       {QStringLiteral("place"), QString::fromUtf8(row.place)},
+                       {QStringLiteral("unit"), QString::fromUtf8(row.unit)},
+                       {QStringLiteral("ours"), row.ours}};
+    const auto addOther = [&](const char *key, const std::optional<Other> &other) {
+        if (!other)
+            return;
+        std::printf("  %s: %.3f (%.2f x)", other->name, other->value, advantage(row, *other));
+        object.insert(QString::fromLatin1(key),
+                      QJsonObject{{QStringLiteral("name"), QString::fromUtf8(other->name)},
+                                  {QStringLiteral("value"), other->value},
+                                  {QStringLiteral("advantage"), advantage(row, *other)}});
+    };
+    addOther("peer", row.peer);
+    addOther("limit", row.limit);
+    if (row.goal)
+        object.insert(QStringLiteral("goal"), QString::fromUtf8(row.goal));
+    std::printf("\n");
+    std::fflush(stdout);
+
+    const QByteArray path = qgetenv("QUORVIX_BENCH_ROWS");
+    if (path.isEmpty())
+        return;
+    QFile file(QFile::decodeName(path));
+    if (!file.open(QFile::Append) ||
+        file.write(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n') < 0) {
+        std::fprintf(stderr, "cannot write %s\n", path.constData());
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+} // namespace Report
