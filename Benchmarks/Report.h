@@ -35,12 +35,33 @@ struct Row
     bool isRate = false;
     /// The goal in words, for example "6 x the peer"; may be null.
     const char *goal = nullptr;
+    /// The goal in numbers, so that the table can say whether it is met: all that are set have to be. A value
+    /// that ours has to reach, how many times better than the peer it has to be, and the part of the limit
+    /// that it has to reach.
+    std::optional<double> goalValue = {};
+    std::optional<double> goalAdvantage = {};
+    std::optional<double> goalOfLimit = {};
 };
 
 /// How many times better ours is than another value of the same row.
 inline double advantage(const Row &row, const Other &other)
 {
     return row.isRate ? row.ours / other.value : other.value / row.ours;
+}
+
+/// Whether the goal is met, if it has numbers. What is not a number meets none.
+inline std::optional<bool> meetsGoal(const Row &row)
+{
+    std::optional<bool> met;
+    const auto check = [&](const std::optional<double> &wanted, const std::optional<Other> &other) {
+        if (wanted)
+            met = met.value_or(true) && other && advantage(row, *other) >= *wanted;
+    };
+    if (row.goalValue)
+        check(1.0, Other{"the goal", *row.goalValue});
+    check(row.goalAdvantage, row.peer);
+    check(row.goalOfLimit, row.limit);
+    return met;
 }
 
 /// Prints the row, and appends it as one line of JSON to the file that QUORVIX_BENCH_ROWS names.
@@ -50,7 +71,8 @@ inline void add(const Row &row)
     QJsonObject object{{QStringLiteral("metric"), QString::fromUtf8(row.metric)},
                        {QStringLiteral("place"), QString::fromUtf8(row.place)},
                        {QStringLiteral("unit"), QString::fromUtf8(row.unit)},
-                       {QStringLiteral("ours"), row.ours}};
+                       {QStringLiteral("ours"), row.ours},
+                       {QStringLiteral("isRate"), row.isRate}};
     const auto addOther = [&](const char *key, const std::optional<Other> &other) {
         if (!other)
             return;
@@ -64,6 +86,8 @@ inline void add(const Row &row)
     addOther("limit", row.limit);
     if (row.goal)
         object.insert(QStringLiteral("goal"), QString::fromUtf8(row.goal));
+    if (const std::optional<bool> met = meetsGoal(row))
+        object.insert(QStringLiteral("met"), *met);
     std::printf("\n");
     std::fflush(stdout);
 
