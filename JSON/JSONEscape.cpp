@@ -7,87 +7,134 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
+#include <cstring>
 
 namespace Quorvix {
 
 namespace {
 
-bool needsEscape(unsigned char c)
+constexpr bool needsEscape(unsigned char c)
 {
     return c < 0x20 || c == '"' || c == '\\';
 }
 
-char *escape(unsigned char c, char *to)
+/// What a byte of text becomes. All eight bytes are copied at once, and only the first ones count.
+struct Written
 {
-    const auto pair = [&](char letter) {
-        *to++ = '\\';
-        *to++ = letter;
-        return to;
-    };
+    std::array<char, 7> bytes{};
+    quint8 size = 0;
+};
+
+constexpr Written written(unsigned char c)
+{
+    if (!needsEscape(c))
+        return {{char(c)}, 1};
     switch (c) {
     case '"':
     case '\\':
-        return pair(char(c));
+        return {{'\\', char(c)}, 2};
     case '\b':
-        return pair('b');
+        return {{'\\', 'b'}, 2};
     case '\f':
-        return pair('f');
+        return {{'\\', 'f'}, 2};
     case '\n':
-        return pair('n');
+        return {{'\\', 'n'}, 2};
     case '\r':
-        return pair('r');
+        return {{'\\', 'r'}, 2};
     case '\t':
-        return pair('t');
+        return {{'\\', 't'}, 2};
     default:
-        break;
+        return {{'\\', 'u', '0', '0', hexDigit(c >> 4), hexDigit(c & 15)}, JSONEscape::longestEscape};
     }
-    const char sequence[JSONEscape::longestEscape] = {
-        '\\', 'u', '0', '0', hexDigit(c >> 4), hexDigit(c & 15)};
-    return std::copy_n(sequence, JSONEscape::longestEscape, to);
 }
 
-#ifdef __SSE2__
+constexpr auto writtenBytes = [] {
+    std::array<Written, 256> table{};
+    for (size_t c = 0; c < table.size(); ++c)
+        table[c] = written(static_cast<unsigned char>(c));
+    return table;
+}();
 
-constexpr qsizetype blockSize = JSONEscape::largestBlock;
+constexpr int wordSize = 8;
 
-/// Copies a whole block and returns how many bytes come before the first one that needs an escape.
-qsizetype copyPlain(const char *from, char *to)
+char *writeByte(char c, char *to)
 {
-    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(to), block);
-    const __m128i control = _mm_cmpeq_epi8(_mm_min_epu8(block, _mm_set1_epi8(0x1F)), block);
-    const __m128i quote = _mm_cmpeq_epi8(block, _mm_set1_epi8('"'));
-    const __m128i backslash = _mm_cmpeq_epi8(block, _mm_set1_epi8('\\'));
-    const int found = _mm_movemask_epi8(_mm_or_si128(control, _mm_or_si128(quote, backslash)));
-    return std::countr_zero(unsigned(found) | 1U << blockSize);
+    const Written &entry = writtenBytes[static_cast<unsigned char>(c)];
+    std::memcpy(to, &entry, sizeof entry);
+    return to + entry.size;
 }
 
-#else
+constexpr quint64 ones = 0x0101010101010101;
 
-constexpr qsizetype blockSize = 8;
-
-/// Copies a whole block and returns how many bytes come before the first one that needs an escape.
-qsizetype copyPlain(const char *from, char *to)
+/// Gathers the lowest bits of eight bytes, which have no other bits, the first byte's as the lowest.
+constexpr quint64 gatherBits(quint64 bytes)
 {
-    constexpr quint64 ones = 0x0101010101010101;
-    constexpr quint64 tops = 0x8080808080808080;
-    std::copy_n(from, blockSize, to);
-    const auto block = qFromLittleEndian<quint64>(from);
-    // Sets the top bit of each byte that is below the limit. The result is exact only up to the first such
-    // byte, and the caller needs no more.
-    const auto below = [](quint64 bytes, quint64 limit) {
-        return (bytes - ones * limit) & ~bytes & tops;
+    return bytes * 0x0102040810204080 >> 56;
+}
+
+/// A bit for each byte of a block that needs an escape, the lowest for the first byte.
+template<int blockSize>
+quint64 findEscapes(const char *from)
+{
+    // The compiler makes vectors of this loop, also at -O2, because the number of rounds is known and nothing
+    // branches.
+    std::array<quint8, blockSize> found;
+    for (int i = 0; i < blockSize; ++i) {
+        const auto c = static_cast<unsigned char>(from[i]);
+        found[size_t(i)] = quint8(c < 0x20) | quint8(c == '"') | quint8(c == '\\');
+    }
+    quint64 bits = 0;
+    for (int i = 0; i < blockSize; i += wordSize)
+        bits |= gatherBits(qFromLittleEndian<quint64>(found.data() + i)) << i;
+    return bits;
+}
+
+/// The same for one word. No carry goes from byte to byte.
+template<>
+quint64 findEscapes<wordSize>(const char *from)
+{
+    constexpr quint64 lowBits = ones * 0x7F;
+    const auto word = qFromLittleEndian<quint64>(from);
+    // The top bit of each byte that is not below the limit.
+    const auto notBelow = [](quint64 bytes, unsigned limit) {
+        return ((bytes & lowBits) + ones * (0x80 - limit)) | bytes;
     };
-    const quint64 found =
-        below(block, 0x20) | below(block ^ (ones * '"'), 1) | below(block ^ (ones * '\\'), 1);
-    return std::countr_zero(found) / 8;
+    const quint64 plain =
+        notBelow(word, 0x20) & notBelow(word ^ (ones * '"'), 1) & notBelow(word ^ (ones * '\\'), 1);
+    return gatherBits(~plain >> 7 & ones);
 }
 
-#endif
+/// Copies at least @p size bytes and at most a block.
+template<int blockSize>
+char *copyPlain(const char *from, int size, char *to)
+{
+    constexpr int step = std::min(blockSize, 16);
+    for (int i = 0; i < blockSize; i += step) {
+        std::memcpy(to + i, from + i, step);
+        if (size <= i + step)
+            break;
+    }
+    return to + size;
+}
+
+/// Writes whole blocks. Up to a block behind the end of each is read and written, without effect, so one
+/// block or more remain.
+template<int blockSize>
+char *writeBlocks(const char *&from, const char *end, char *to)
+{
+    for (; end - from >= 2 * blockSize; from += blockSize) {
+        int done = 0;
+        for (quint64 escapes = findEscapes<blockSize>(from); escapes != 0; escapes &= escapes - 1) {
+            const int at = std::countr_zero(escapes);
+            to = copyPlain<blockSize>(from + done, at - done, to);
+            to = writeByte(from[at], to);
+            done = at + 1;
+        }
+        std::memcpy(to, from + done, blockSize);
+        to += blockSize - done;
+    }
+    return to;
+}
 
 char *encodeUtf8(char32_t c, char *to)
 {
@@ -120,6 +167,30 @@ char32_t takeCharacter(const char16_t *&from, const char16_t *end)
     return QChar::ReplacementCharacter;
 }
 
+/// The number of units of UTF-16 in a word.
+constexpr int unitsAtOnce = 4;
+
+/// Writes a word of UTF-16 if each of its units is written as one byte.
+bool writePlain(const char16_t *from, char *to)
+{
+    constexpr quint64 ones = 0x0001000100010001;
+    constexpr quint64 tops = ones * 0x80;
+    const auto word = qFromLittleEndian<quint64>(from);
+    if ((word & ones * 0xFF80) != 0)
+        return false;
+    // The top bit of each unit that is not below the limit.
+    const auto notBelow = [](quint64 units, unsigned limit) {
+        return units + ones * (0x80 - limit);
+    };
+    const quint64 plain =
+        notBelow(word, 0x20) & notBelow(word ^ (ones * '"'), 1) & notBelow(word ^ (ones * '\\'), 1);
+    if ((plain & tops) != tops)
+        return false;
+    const quint64 pairs = (word | word >> 8) & 0x0000FFFF0000FFFF;
+    qToLittleEndian(quint32(pairs | pairs >> 16), to);
+    return true;
+}
+
 constexpr char base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 /// The two Base64 letters for each value of twelve bits.
@@ -136,19 +207,10 @@ char *JSONEscape::utf8(QByteArrayView text, char *to)
 {
     const char *from = text.cbegin();
     const char *const end = text.cend();
-    while (end - from >= blockSize) {
-        const qsizetype plain = copyPlain(from, to);
-        from += plain;
-        to += plain;
-        if (plain < blockSize)
-            to = escape(static_cast<unsigned char>(*from++), to);
-    }
-    for (; from != end; ++from) {
-        if (needsEscape(static_cast<unsigned char>(*from)))
-            to = escape(static_cast<unsigned char>(*from), to);
-        else
-            *to++ = *from;
-    }
+    to = writeBlocks<largestBlock>(from, end, to);
+    to = writeBlocks<wordSize>(from, end, to);
+    for (; from != end; ++from)
+        to = writeByte(*from, to);
     return to;
 }
 
@@ -157,13 +219,15 @@ char *JSONEscape::utf16(QStringView text, char *to)
     const char16_t *from = text.utf16();
     const char16_t *const end = from + text.size();
     while (from != end) {
-        const char32_t c = takeCharacter(from, end);
-        if (c >= 0x80)
-            to = encodeUtf8(c, to);
-        else if (needsEscape(static_cast<unsigned char>(c)))
-            to = escape(static_cast<unsigned char>(c), to);
-        else
-            *to++ = char(c);
+        const char16_t *const next = from + std::min<qsizetype>(end - from, unitsAtOnce);
+        if (next - from == unitsAtOnce && writePlain(from, to)) {
+            from = next;
+            to += unitsAtOnce;
+        }
+        while (from < next) {
+            const char32_t c = takeCharacter(from, end);
+            to = c < 0x80 ? writeByte(char(c), to) : encodeUtf8(c, to);
+        }
     }
     return to;
 }

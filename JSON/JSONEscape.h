@@ -12,7 +12,7 @@ namespace JSONEscape {
 /// The number of bytes that one unit of text can become, as in \u001f.
 inline constexpr qsizetype longestEscape = 6;
 /// Text is copied in whole blocks, so the caller reserves this many bytes more than the text needs.
-inline constexpr qsizetype largestBlock = 16;
+inline constexpr qsizetype largestBlock = 64;
 
 constexpr qsizetype roomForText(qsizetype units)
 {
