@@ -1,154 +1,41 @@
 #include "JSON/JSONWriter.h"
 
 #include "JSON/JSONEscape.h"
-#include "JSON/JSONReader.h"
 #include "JSON/SimdjsonFence.h"
-#include "JSON/StableSort.h"
 
 #include "Platform/WriteAll.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
-#include <limits>
-#include <vector>
+#include <utility>
 
 namespace Quorvix {
 
 namespace {
 
-constexpr qsizetype deviceBlockSize = 1 << 20;
+constexpr qsizetype deviceBlockSize = 1 << 18;
 constexpr qsizetype firstBufferSize = 4096;
 /// The number of text units that are written at once. A small chunk keeps the room for the worst case small.
 /// Divisible by three because Base64 encodes three bytes at a time.
 constexpr qsizetype chunkSize = 12'288;
+/// The start of a line. It is copied as a whole, which costs less than to fill as many bytes as needed.
+constexpr auto lineStart = [] {
+    std::array<char, 64> line{};
+    line.fill(' ');
+    line.front() = '\n';
+    return line;
+}();
+
+/// The room that is needed to begin a line at this depth.
+constexpr qsizetype lineRoom(qsizetype depth)
+{
+    return std::max<qsizetype>(depth * 2 + 1, lineStart.size());
+}
+
 /// The number of bytes of a text after which a checkpoint is asked.
 constexpr qsizetype checkpointInterval = 8 * chunkSize;
-using Member = JSONValue::Members::Member;
-
-/// Writes parsed values. One stack holds the members of all objects that are being written.
-class ValueWriter
-{
-public:
-    ValueWriter(JSONWriter &writer, JSONWriter::KeyOrder order, const JSONWriter::Checkpoint &checkpoint)
-        : m_writer(writer), m_order(order), m_checkpoint(checkpoint),
-          m_next(checkpoint ? 0 : std::numeric_limits<qsizetype>::max())
-    {
-    }
-
-    // JSONReader::maximumDepth limits the recursion.
-    void write(const JSONValue &value) // NOLINT(misc-no-recursion)
-    {
-        const JSONValue::Kind kind = value.kind();
-        m_done += JSONValue::extent(kind);
-        if (m_done >= m_next && !ask())
-            return;
-        switch (kind) {
-        case JSONValue::Kind::Object:
-            return writeObject(value);
-        case JSONValue::Kind::Array:
-            return writeArray(value);
-        case JSONValue::Kind::String:
-            return writeString(value);
-        case JSONValue::Kind::Number:
-            return writeNumber(value);
-        case JSONValue::Kind::Boolean:
-            return m_writer.boolean(value.isTrue());
-        case JSONValue::Kind::Null:
-            return m_writer.null();
-        }
-    }
-
-private:
-    void writeArray(const JSONValue &array) // NOLINT(misc-no-recursion)
-    {
-        m_writer.beginArray();
-        for (const JSONValue element : array.elements()) {
-            if (m_isStopped)
-                return;
-            write(element);
-        }
-        m_writer.endArray();
-    }
-
-    void writeObject(const JSONValue &object) // NOLINT(misc-no-recursion)
-    {
-        m_writer.beginObject();
-        if (m_order == JSONWriter::KeyOrder::Sorted)
-            writeSorted(object);
-        else
-            for (const Member &member : object.members())
-                writeMember(member);
-        m_writer.endObject();
-    }
-
-    void writeSorted(const JSONValue &object) // NOLINT(misc-no-recursion)
-    {
-        const size_t first = m_members.size();
-        for (const Member &member : object.members())
-            m_members.push_back(member);
-        // UTF-8 bytes sort in the order of their code points.
-        stableSort(
-            m_members.begin() + std::ptrdiff_t(first), m_members.end(),
-            [](const Member &a, const Member &b) { return a.name < b.name; },
-            [this] { return !m_checkpoint || ask(); });
-        const size_t last = m_members.size();
-        for (size_t i = first; i < last; ++i)
-            writeMember(Member(m_members[i]));
-        m_members.erase(m_members.begin() + std::ptrdiff_t(first), m_members.end());
-    }
-
-    void writeMember(const Member &member) // NOLINT(misc-no-recursion)
-    {
-        if (m_isStopped)
-            return;
-        ++m_done;
-        m_writer.keyUtf8(member.name);
-        write(member.value);
-    }
-
-    void writeString(const JSONValue &string)
-    {
-        const QByteArrayView text = string.utf8();
-        if (!m_checkpoint)
-            return m_writer.utf8(text);
-        // So many bytes take about as long as a short value.
-        constexpr qsizetype bytesPerPart = 16;
-        m_next -= text.size() / bytesPerPart;
-        m_writer.utf8(text, [&](qsizetype) { return ask(); });
-    }
-
-    bool ask()
-    {
-        constexpr qsizetype interval = 8192;
-        m_next = m_done + interval;
-        m_isStopped = m_isStopped || !m_checkpoint(m_done);
-        return !m_isStopped;
-    }
-
-    void writeNumber(const JSONValue &number)
-    {
-        if (const QByteArrayView digits = number.wideNumber(); !digits.isEmpty())
-            return m_writer.number(digits);
-        switch (number.numberKind()) {
-        case JSONValue::NumberKind::Int64:
-            return m_writer.integer(number.toInt64());
-        case JSONValue::NumberKind::UInt64:
-            return m_writer.unsignedInteger(number.toUInt64());
-        case JSONValue::NumberKind::Double:
-            return m_writer.number(number.toDouble());
-        }
-    }
-
-    JSONWriter &m_writer;
-    const JSONWriter::KeyOrder m_order;
-    const JSONWriter::Checkpoint &m_checkpoint;
-    qsizetype m_done = 0;
-    /// What is done when the checkpoint is asked next.
-    qsizetype m_next;
-    bool m_isStopped = false;
-    std::vector<Member> m_members;
-};
 
 /// The buffer grows in small steps, so that little reserved memory stays unused. A step is cheap for a block
 /// that the allocator maps separately: it moves the pages and copies no bytes. Blocks of up to 32 MB may lie
@@ -194,73 +81,82 @@ JSONWriter::JSONWriter(QIODevice &device, Format format) : m_device(&device), m_
     grownRoom(deviceBlockSize);
 }
 
-void JSONWriter::key(QLatin1StringView asciiName)
+void JSONWriter::key(QLatin1StringView plainName)
 {
-    writeName({asciiName.data(), asciiName.size()});
+    char *to = beginValue(plainName.size() + 2);
+    *to++ = '"';
+    to = std::copy_n(plainName.data(), plainName.size(), to);
+    *to++ = '"';
+    m_cursor = to;
+    endName();
 }
 
 void JSONWriter::keyUtf8(QByteArrayView name)
 {
-    writeName(name);
+    utf8(name);
+    endName();
 }
 
 void JSONWriter::string(QStringView text)
 {
-    beginValue();
-    put('"');
     const char16_t *from = text.utf16();
     const char16_t *const end = from + text.size();
-    while (from != end) {
+    beginText(text.size());
+    do {
         const char16_t *to = from + std::min<qsizetype>(end - from, chunkSize);
         if (to != end && QChar::isHighSurrogate(to[-1]))
             ++to;
-        m_cursor = JSONEscape::utf16({from, to}, room(JSONEscape::roomForText(to - from)));
+        m_cursor = JSONEscape::utf16({from, to}, room(JSONEscape::roomForText(to - from) + 1));
         from = to;
-    }
-    put('"');
+    } while (from != end);
+    *m_cursor++ = '"';
 }
 
 void JSONWriter::utf8(QByteArrayView text, const Checkpoint &checkpoint)
 {
-    beginValue();
-    writeEscaped(text, checkpoint);
+    qsizetype done = 0;
+    beginText(text.size());
+    do {
+        if (checkpoint && done % checkpointInterval == 0 && done > 0 && !checkpoint(done))
+            return;
+        const QByteArrayView chunk = text.sliced(done, std::min(chunkSize, text.size() - done));
+        m_cursor = JSONEscape::utf8(chunk, room(JSONEscape::roomForText(chunk.size()) + 1));
+        done += chunk.size();
+    } while (done != text.size());
+    *m_cursor++ = '"';
 }
 
 void JSONWriter::base64(QByteArrayView bytes, const Checkpoint &checkpoint)
 {
-    beginValue();
-    put('"');
+    beginText(0);
     for (qsizetype i = 0; i < bytes.size(); i += chunkSize) {
         if (checkpoint && i % checkpointInterval == 0 && i > 0 && !checkpoint(i))
             return;
         const QByteArrayView chunk = bytes.sliced(i, std::min(chunkSize, bytes.size() - i));
         m_cursor = JSONEscape::base64(chunk, room(JSONEscape::roomForBase64(chunk.size())));
     }
-    put('"');
+    *room(1) = '"';
+    ++m_cursor;
 }
 
 void JSONWriter::integer(qint64 number)
 {
-    beginValue();
-    m_cursor = printNumber(number, room(longestNumber), longestNumber);
+    m_cursor = printNumber(number, beginValue(longestNumber), longestNumber);
 }
 
 void JSONWriter::unsignedInteger(quint64 number)
 {
-    beginValue();
-    m_cursor = printNumber(number, room(longestNumber), longestNumber);
+    m_cursor = printNumber(number, beginValue(longestNumber), longestNumber);
 }
 
 void JSONWriter::number(double number)
 {
-    beginValue();
-    m_cursor = printNumber(std::isfinite(number) ? number : 0, room(longestNumber), longestNumber);
+    m_cursor = printNumber(std::isfinite(number) ? number : 0, beginValue(longestNumber), longestNumber);
 }
 
 void JSONWriter::number(QByteArrayView digits)
 {
-    beginValue();
-    put(digits);
+    writePlain(digits);
 }
 
 QByteArray JSONWriter::text(double number)
@@ -272,19 +168,12 @@ QByteArray JSONWriter::text(double number)
 
 void JSONWriter::boolean(bool value)
 {
-    beginValue();
-    put(value ? QByteArrayView("true") : QByteArrayView("false"));
+    writePlain(value ? QByteArrayView("true") : QByteArrayView("false"));
 }
 
 void JSONWriter::null()
 {
-    beginValue();
-    put("null");
-}
-
-void JSONWriter::value(const JSONValue &value, KeyOrder order, const Checkpoint &checkpoint)
-{
-    ValueWriter(*this, order, checkpoint).write(value);
+    writePlain("null");
 }
 
 std::optional<NSError> JSONWriter::finish()
@@ -303,8 +192,7 @@ QByteArray JSONWriter::takeBuffer()
 
 void JSONWriter::begin(char bracket)
 {
-    beginValue();
-    put(bracket);
+    writePlain({&bracket, 1});
     ++m_depth;
     m_isEmpty = true;
 }
@@ -312,55 +200,60 @@ void JSONWriter::begin(char bracket)
 void JSONWriter::end(char bracket)
 {
     --m_depth;
-    if (!m_isEmpty)
-        breakLine();
-    m_isEmpty = false;
-    put(bracket);
+    char *to = room(lineRoom(m_depth) + 1);
+    if (!std::exchange(m_isEmpty, false))
+        to = breakLine(to);
+    *to++ = bracket;
+    m_cursor = to;
 }
 
 /// Writes what comes before a value or a member: nothing after a key, otherwise the comma and the new line.
-void JSONWriter::beginValue()
+/// Returns where the value is written, which may take @p size bytes.
+char *JSONWriter::beginValue(qsizetype size)
 {
-    if (m_afterKey) {
-        m_afterKey = false;
-        return;
-    }
-    if (m_depth == 0)
-        return;
-    if (!m_isEmpty)
-        put(',');
-    m_isEmpty = false;
-    breakLine();
+    char *to = room(lineRoom(m_depth) + 1 + size);
+    if (std::exchange(m_afterKey, false) || m_depth == 0)
+        return to;
+    if (!std::exchange(m_isEmpty, false))
+        *to++ = ',';
+    return breakLine(to);
 }
 
-void JSONWriter::breakLine()
+/// Begins a line behind what is written, which needs lineRoom() bytes, and returns where it goes on.
+char *JSONWriter::breakLine(char *to) const
 {
     if (m_format == Format::Compact)
-        return;
-    const qsizetype indentation = m_depth * 2;
-    char *to = room(indentation + 1);
-    *to++ = '\n';
-    m_cursor = std::fill_n(to, indentation, ' ');
+        return to;
+    const qsizetype size = m_depth * 2 + 1;
+    std::copy_n(lineStart.data(), lineStart.size(), to);
+    if (size > qsizetype(lineStart.size()))
+        std::fill_n(to + lineStart.size(), size - lineStart.size(), ' ');
+    return to + size;
 }
 
-void JSONWriter::writeName(QByteArrayView name)
+void JSONWriter::writePlain(QByteArrayView value)
 {
-    beginValue();
-    writeEscaped(name);
-    put(m_format == Format::Pretty ? QByteArrayView(" : ") : QByteArrayView(":"));
+    m_cursor = std::copy_n(value.data(), value.size(), beginValue(value.size()));
+}
+
+/// Begins a text of so many units, and makes room for it if it is short.
+void JSONWriter::beginText(qsizetype units)
+{
+    m_cursor = beginValue(JSONEscape::roomForText(std::min(units, chunkSize)) + 2);
+    *m_cursor++ = '"';
+}
+
+void JSONWriter::endName()
+{
+    const bool isPretty = m_format == Format::Pretty;
+    char *to = room(3);
+    if (isPretty)
+        *to++ = ' ';
+    *to++ = ':';
+    if (isPretty)
+        *to++ = ' ';
+    m_cursor = to;
     m_afterKey = true;
-}
-
-void JSONWriter::writeEscaped(QByteArrayView text, const Checkpoint &checkpoint)
-{
-    put('"');
-    for (qsizetype i = 0; i < text.size(); i += chunkSize) {
-        if (checkpoint && i % checkpointInterval == 0 && i > 0 && !checkpoint(i))
-            return;
-        const QByteArrayView chunk = text.sliced(i, std::min(chunkSize, text.size() - i));
-        m_cursor = JSONEscape::utf8(chunk, room(JSONEscape::roomForText(chunk.size())));
-    }
-    put('"');
 }
 
 char *JSONWriter::grownRoom(qsizetype size)
@@ -376,11 +269,6 @@ char *JSONWriter::grownRoom(qsizetype size)
     m_cursor = m_buffer.data() + used;
     m_limit = m_buffer.data() + m_buffer.size();
     return m_cursor;
-}
-
-void JSONWriter::put(QByteArrayView bytes)
-{
-    m_cursor = std::copy_n(bytes.data(), bytes.size(), room(bytes.size()));
 }
 
 void JSONWriter::flush()

@@ -35,7 +35,7 @@ public:
     /// Writes to a buffer, which takeBuffer() returns. The buffer grows in small steps, so the peak use of
     /// memory is close to the size of the result.
     explicit JSONWriter(Format format = Format::Pretty);
-    /// Writes to @p device in blocks of about a megabyte. The device has to outlive the writer.
+    /// Writes to @p device in blocks of about 256 KB. The device has to outlive the writer.
     explicit JSONWriter(QIODevice &device, Format format = Format::Pretty);
     Q_DISABLE_COPY_MOVE(JSONWriter)
     ~JSONWriter() = default;
@@ -45,7 +45,8 @@ public:
     void beginArray() { begin('['); }
     void endArray() { end(']'); }
 
-    void key(QLatin1StringView asciiName);
+    /// Writes a name of ASCII characters that need no escapes.
+    void key(QLatin1StringView plainName);
     void keyUtf8(QByteArrayView name);
 
     /// Writes text; a lone surrogate becomes U+FFFD.
@@ -79,16 +80,15 @@ public:
 private:
     void begin(char bracket);
     void end(char bracket);
-    void beginValue();
-    void breakLine();
-    void writeName(QByteArrayView name);
-    void writeEscaped(QByteArrayView text, const Checkpoint &checkpoint = {});
+    char *beginValue(qsizetype size);
+    char *breakLine(char *to) const;
+    void writePlain(QByteArrayView value);
+    void beginText(qsizetype units);
+    void endName();
 
     /// Where at least @p size bytes can be written. The caller then moves m_cursor behind what it wrote.
     char *room(qsizetype size) { return m_limit - m_cursor < size ? grownRoom(size) : m_cursor; }
     char *grownRoom(qsizetype size);
-    void put(char c) { *room(1) = c, ++m_cursor; }
-    void put(QByteArrayView bytes);
     void flush();
 
     QIODevice *m_device = nullptr;
