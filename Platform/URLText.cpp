@@ -2,6 +2,8 @@
 
 #include "Platform/UTF8Text.h"
 
+#include <algorithm>
+
 namespace Quorvix {
 
 QString absoluteString(const QUrl &url)
@@ -11,6 +13,11 @@ QString absoluteString(const QUrl &url)
 
 QString percentDecoded(QStringView encoded)
 {
+    const auto isPlain = [](QChar c) {
+        return c != u'%' && c < QChar(0x80);
+    };
+    if (std::all_of(encoded.begin(), encoded.end(), isPlain))
+        return encoded.toString();
     const auto decoded = UTF8Text::exact(QByteArray::fromPercentEncoding(encoded.toUtf8()));
     return decoded ? *decoded : encoded.toString();
 }
