@@ -1,10 +1,11 @@
-// Measures what one exchange costs the main thread while the list is open, with few and with many traces in
-// the store.
+// Measures what recording and completing one exchange costs the main thread while the list is closed, with
+// few and with many traces in the store.
 
-#include "Quorvix/QXRequestListViewModel.h"
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Exchanges.h"
+#include "Benchmarks/Report.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -19,24 +20,26 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int few = 100;
 constexpr int many = 100'000;
-constexpr int exchanges = 2'000;
+constexpr int rounds = 9;
 
-URLRequest request(int number)
+/// An exchange as it arrives: its objects were made by other code, before the clock starts.
+struct Exchange
 {
-    URLRequest made(
-        QUrl(QStringLiteral("https://api.example.com/v1/products/%1?page=%2").arg(number).arg(number % 7)));
-    made.setValue(QStringLiteral("application/json"), QStringLiteral("Accept"));
+    QString id;
+    URLRequest request;
+    NSURLResponsePtr response;
+};
+
+std::vector<Exchange> makeExchanges(int first, int count, bool hasFewHeaders)
+{
+    std::vector<Exchange> made;
+    for (int i = first; i < first + count; ++i) {
+        if (hasFewHeaders)
+            made.push_back({Exchanges::identifier(i), Exchanges::shortRequest(i), Exchanges::shortResponse()});
+        else
+            made.push_back({Exchanges::identifier(i), Exchanges::request(i), Exchanges::response(i)});
+    }
     return made;
-}
-
-QString identifier(int number)
-{
-    return QStringLiteral("6BA7B810-9DAD-11D1-80B4-%1").arg(number, 12, 10, QLatin1Char('0'));
-}
-
-double microseconds(Clock::duration duration)
-{
-    return std::chrono::duration<double, std::micro>(duration).count();
 }
 
 /// The simple way to store the list: an array with insertion at the front, of which an open list holds a
@@ -46,8 +49,9 @@ class PlainStore
 public:
     void fill(int size)
     {
+        m_requests.clear();
         for (int i = size; i-- > 0;)
-            m_requests.append(QXRequestTrace(identifier(i), request(i)));
+            m_requests.append(QXRequestTrace(Exchanges::identifier(i), Exchanges::request(i)));
     }
 
     void record(const QString &id, const URLRequest &request)
@@ -67,93 +71,96 @@ public:
         m_snapshot = m_requests;
     }
 
+    [[nodiscard]] const QList<QXRequestTrace> &requests() const { return m_requests; }
+
 private:
     QList<QXRequestTrace> m_requests;
     QList<QXRequestTrace> m_snapshot;
 };
 
-struct Costs
+/// Records and completes some exchanges one after the other. Returns the microseconds for each.
+template<typename Store>
+double timePerExchange(Store &store, const std::vector<Exchange> &exchanges, const QByteArray &body)
 {
-    double store = 0;
-    double withBudget = 0;
-    double withOpenList = 0;
-    double plain = 0;
-};
-
-Costs measure(int size)
-{
-    const NSURLResponsePtr response = NSHTTPURLResponse::create(
-        QUrl(QStringLiteral("https://api.example.com/")), 200, QStringLiteral("HTTP/1.1"),
-        {{QStringLiteral("Content-Type"), QStringLiteral("application/json")}});
-    const QByteArray body(1000, 'x');
-    auto &recorder = QXRequestRecorder::shared();
-    recorder.clear();
-    PlainStore plain;
-    for (int i = 0; i < size; ++i)
-        recorder.record(identifier(i), request(i));
-
-    Costs costs;
-    std::vector<double> store;
-    for (int i = size; i < size + exchanges; ++i) {
-        const QString id = identifier(i);
-        const URLRequest sent = request(i);
-        const auto start = Clock::now();
-        recorder.record(id, sent);
-        recorder.complete(id, response, body, {});
-        store.push_back(microseconds(Clock::now() - start));
+    const auto start = Clock::now();
+    for (const Exchange &exchange : exchanges) {
+        store.record(exchange.id, exchange.request);
+        store.complete(exchange.id, exchange.response, body);
     }
-    costs.store = Contest::median(store);
-
-    // Each completion removes the oldest body.
-    recorder.setBodyBudget(100 * body.size());
-    std::vector<double> withBudget;
-    for (int i = size + exchanges; i < size + 2 * exchanges; ++i) {
-        const QString id = identifier(i);
-        const URLRequest sent = request(i);
-        const auto start = Clock::now();
-        recorder.record(id, sent);
-        recorder.complete(id, response, body, {});
-        withBudget.push_back(microseconds(Clock::now() - start));
-    }
-    costs.withBudget = Contest::median(withBudget);
-    recorder.setBodyBudget(std::nullopt);
-
-    QXRequestListViewModel model;
-    std::vector<double> open;
-    for (int i = size + 2 * exchanges; i < size + 3 * exchanges; ++i) {
-        const QString id = identifier(i);
-        const URLRequest sent = request(i);
-        const auto start = Clock::now();
-        recorder.record(id, sent);
-        QCoreApplication::processEvents();
-        recorder.complete(id, response, body, {});
-        QCoreApplication::processEvents();
-        open.push_back(microseconds(Clock::now() - start));
-    }
-    costs.withOpenList = Contest::median(open);
-
-    plain.fill(size);
-    std::vector<double> plainTimes;
-    for (int i = size; i < size + 20; ++i) {
-        const auto start = Clock::now();
-        plain.record(identifier(i), request(i));
-        plain.complete(identifier(i), response, body);
-        plainTimes.push_back(microseconds(Clock::now() - start));
-    }
-    costs.plain = Contest::median(plainTimes);
-    return costs;
+    const double time = std::chrono::duration<double, std::micro>(Clock::now() - start).count();
+    const auto &newest = store.requests()[0];
+    Contest::require(newest.id == exchanges.back().id && newest.response->body == body,
+                     "the newest exchange is recorded and complete");
+    return time / double(exchanges.size());
 }
 
-void measureTyping()
+/// The shared recorder, with the same functions as the peer.
+class Recorder
 {
-    QXRequestListViewModel model;
-    std::printf("\nTyping a search over %d traces\n", int(model.requests().size()));
-    for (const auto *text : {"p", "pr", "prod", "products/99", ""}) {
-        const auto start = Clock::now();
-        model.setSearchText(QString::fromLatin1(text));
-        std::printf("  %-14s %8.0f us  %7d rows\n", text, microseconds(Clock::now() - start),
-                    model.rowCount());
+public:
+    void fill(int size)
+    {
+        m_recorder.clear();
+        for (int i = 0; i < size; ++i)
+            record(Exchanges::identifier(i), Exchanges::request(i));
     }
+    void record(const QString &id, const URLRequest &request) { m_recorder.record(id, request); }
+    void complete(const QString &id, const NSURLResponsePtr &response, const QByteArray &data)
+    {
+        m_recorder.complete(id, response, data, {});
+    }
+    [[nodiscard]] QXTraceList requests() const { return m_recorder.requests(); }
+
+private:
+    QXRequestRecorder &m_recorder = QXRequestRecorder::shared();
+};
+
+void measure(int size)
+{
+    const QByteArray body(1000, 'x');
+    Recorder recorder;
+    PlainStore plain;
+    recorder.fill(size);
+    plain.fill(size);
+    const int batch = 500;
+    // A copy of the whole list for each change takes long.
+    const int plainBatch = size > 10'000 ? 3 : 100;
+    int number = size;
+    const auto make = [&](int count, bool hasFewHeaders = false) {
+        number += count;
+        return makeExchanges(number - count, count, hasFewHeaders);
+    };
+    std::vector<double> ours;
+    std::vector<double> shortOnes;
+    std::vector<double> withBudget;
+    std::vector<double> peers;
+    for (int round = 0; round < rounds; ++round) {
+        ours.push_back(timePerExchange(recorder, make(batch), body));
+        shortOnes.push_back(timePerExchange(recorder, make(batch, true), body));
+        // Each completion removes the oldest body.
+        QXRequestRecorder::shared().setBodyBudget(100 * body.size());
+        withBudget.push_back(timePerExchange(recorder, make(batch), body));
+        QXRequestRecorder::shared().setBodyBudget(std::nullopt);
+        peers.push_back(timePerExchange(plain, make(plainBatch), body));
+        // So that a small list stays one.
+        if (size < 10'000) {
+            recorder.fill(size);
+            plain.fill(size);
+        }
+    }
+    const double peer = Contest::median(peers);
+    const auto add = [&](const QString &what, const std::vector<double> &times, const char *goal) {
+        const QByteArray metric = QStringLiteral("%1, %L2 traces").arg(what).arg(size).toUtf8();
+        Report::add({.metric = metric.constData(),
+                     .place = "main thread, list closed: record and complete",
+                     .unit = "us",
+                     .ours = Contest::median(times),
+                     .peer = Report::Other{"array with a snapshot", peer},
+                     .goal = goal});
+    };
+    add(QStringLiteral("One exchange with 21 headers"), ours, "0.5 us, the same at 100 and 100,000");
+    add(QStringLiteral("One exchange with 2 headers"), shortOnes, nullptr);
+    add(QStringLiteral("One exchange with a budget for bodies"), withBudget, nullptr);
 }
 
 } // namespace
@@ -161,17 +168,7 @@ void measureTyping()
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    const Costs small = measure(few);
-    const Costs large = measure(many);
-    std::printf("One record and completion, median in microseconds\n");
-    std::printf("  %-34s %10s %10s %8s\n", "", "at 100", "at 100,000", "ratio");
-    const auto row = [](const char *name, double few, double many) {
-        std::printf("  %-34s %10.2f %10.2f %8.2f\n", name, few, many, many / few);
-    };
-    row("store", small.store, large.store);
-    row("store with a budget for bodies", small.withBudget, large.withBudget);
-    row("store with the list open", small.withOpenList, large.withOpenList);
-    row("array with a snapshot (peer)", small.plain, large.plain);
-    measureTyping();
+    measure(few);
+    measure(many);
     return 0;
 }
