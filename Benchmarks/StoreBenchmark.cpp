@@ -35,7 +35,8 @@ std::vector<Exchange> makeExchanges(int first, int count, bool hasFewHeaders)
     std::vector<Exchange> made;
     for (int i = first; i < first + count; ++i) {
         if (hasFewHeaders)
-            made.push_back({Exchanges::identifier(i), Exchanges::shortRequest(i), Exchanges::shortResponse()});
+            made.push_back(
+                {Exchanges::identifier(i), Exchanges::shortRequest(i), Exchanges::shortResponse()});
         else
             made.push_back({Exchanges::identifier(i), Exchanges::request(i), Exchanges::response(i)});
     }

@@ -1,7 +1,5 @@
 #include "Platform/NSNotificationCenter.h"
 
-#include <QtCore/QHash>
-
 #include <algorithm>
 #include <atomic>
 #include <mutex>
@@ -21,10 +19,26 @@ struct NSNotificationCenter::Registry
 {
     using List = std::vector<std::shared_ptr<NSNotificationObserver::Registration>>;
 
+    struct Entry
+    {
+        QString name;
+        /// It is replaced and never changed, so that a post can go through the list of its start without
+        /// holding the lock. Null while there are no observers.
+        std::shared_ptr<const List> list;
+    };
+
+    /// The observers of a name; null if there never were any.
+    std::shared_ptr<const List> *find(QAnyStringView name)
+    {
+        const auto found = std::ranges::find_if(entries, [&](const Entry &entry) {
+            return name.size() == entry.name.size() && name == entry.name;
+        });
+        return found == entries.end() ? nullptr : &found->list;
+    }
+
     std::mutex mutex;
-    /// A list is replaced and never changed, so that a post can go through the list of its start without
-    /// holding the lock.
-    QHash<QString, std::shared_ptr<const List>> lists;
+    /// There are only a few names, and posts are many.
+    std::vector<Entry> entries;
 };
 
 NSNotificationObserver::NSNotificationObserver(std::shared_ptr<Registration> registration)
@@ -49,10 +63,10 @@ NSNotificationObserver::~NSNotificationObserver()
     m_registration->active = false;
     auto &registry = *m_registration->registry;
     const std::scoped_lock lock(registry.mutex);
-    auto &list = registry.lists[m_registration->name];
+    auto &list = *registry.find(m_registration->name);
     auto shorter = std::make_shared<NSNotificationCenter::Registry::List>(*list);
     std::erase(*shorter, m_registration);
-    list = std::move(shorter);
+    list = shorter->empty() ? nullptr : std::move(shorter);
 }
 
 NSNotificationCenter::NSNotificationCenter() : m_registry(std::make_shared<Registry>()) {}
@@ -71,19 +85,22 @@ NSNotificationObserver NSNotificationCenter::addObserver(const QString &name, Ca
     registration->registry = m_registry;
 
     const std::scoped_lock lock(m_registry->mutex);
-    auto &list = m_registry->lists[name];
+    if (!m_registry->find(name))
+        m_registry->entries.push_back({name, nullptr});
+    auto &list = *m_registry->find(name);
     auto longer = list ? std::make_shared<Registry::List>(*list) : std::make_shared<Registry::List>();
     longer->push_back(registration);
     list = std::move(longer);
     return NSNotificationObserver(std::move(registration));
 }
 
-void NSNotificationCenter::post(const QString &name)
+void NSNotificationCenter::post(QAnyStringView name)
 {
     std::shared_ptr<const Registry::List> list;
     {
         const std::scoped_lock lock(m_registry->mutex);
-        list = m_registry->lists.value(name);
+        if (const auto *const found = m_registry->find(name))
+            list = *found;
     }
     if (!list)
         return;

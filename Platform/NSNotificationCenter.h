@@ -2,6 +2,7 @@
 
 #include "PlatformGlobal.h"
 
+#include <QtCore/QAnyStringView>
 #include <QtCore/QString>
 
 #include <functional>
@@ -47,7 +48,7 @@ public:
     [[nodiscard]] NSNotificationObserver addObserver(const QString &name, Callback callback);
 
     /// Calls the observers of this name, in this thread.
-    void post(const QString &name);
+    void post(QAnyStringView name);
 
     struct Registry;
 

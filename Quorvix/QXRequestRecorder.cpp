@@ -27,16 +27,6 @@ qsizetype sizeOf(const std::optional<QByteArray> &body)
     return body ? body->size() : 0;
 }
 
-qsizetype responseBytes(const QXRequestTrace &trace)
-{
-    return trace.response ? sizeOf(trace.response->body) : 0;
-}
-
-qsizetype bodyBytes(const QXRequestTrace &trace)
-{
-    return sizeOf(trace.body) + responseBytes(trace);
-}
-
 /// Works for the request and for the response.
 void discardBody(auto &half)
 {
@@ -58,6 +48,11 @@ void QXRequestRecorder::postChange() const
         NSNotificationCenter::defaultCenter().post(QuorvixRequestsChanged);
 }
 
+QXRequestRecorder::BodySizes QXRequestRecorder::bodySizes(const QXRequestTrace &trace)
+{
+    return {sizeOf(trace.body), trace.response ? sizeOf(trace.response->body) : 0};
+}
+
 void QXRequestRecorder::setBodyBudget(std::optional<qsizetype> bytes)
 {
     Q_ASSERT(MainActor::isCurrent());
@@ -68,16 +63,14 @@ void QXRequestRecorder::setBodyBudget(std::optional<qsizetype> bytes)
     const qsizetype before = m_bodyBytes;
     for (qsizetype position = 0; position < m_requests.size(); ++position) {
         const qsizetype index = m_requests.size() - 1 - position;
-        const QXTraceList::CellPtr &old = m_requests.cell(index);
-        const qsizetype size = bodyBytes(old->trace);
-        if (size == 0)
+        const BodySizes sizes = bodySizes(m_requests[index]);
+        remember(position, sizes, {});
+        // A cell that stays as it is must not be copied for a snapshot.
+        if (std::max(sizes.request, sizes.response) <= m_bodyBudget.load(std::memory_order_relaxed))
             continue;
-        const auto cell = std::make_shared<QXTraceList::Cell>(*old);
-        admit(cell->trace, position, nullptr);
-        if (bodyBytes(cell->trace) == size)
-            continue;
-        m_bodyBytes += bodyBytes(cell->trace) - size;
-        m_requests.replace(index, cell);
+        QXRequestTrace &trace = m_requests.ownCell(index).trace;
+        discardTooLarge(trace);
+        m_bodyBytes += bodySizes(trace).sum() - sizes.sum();
     }
     removeOldestBodies();
     if (m_bodyBytes == before)
@@ -100,21 +93,37 @@ void QXRequestRecorder::discard(QXRequestTrace &trace, Side side)
         discardBody(*trace.response);
 }
 
-/// Applies the budget to the bodies of a trace that is about to be stored in place of @p before, which may be
-/// null.
-void QXRequestRecorder::admit(QXRequestTrace &trace, qsizetype position, const QXRequestTrace *before)
+/// Notes the bodies that have arrived and are kept. @p before has the sizes of those that were there already.
+void QXRequestRecorder::remember(qsizetype position, BodySizes now, BodySizes before)
 {
     const qsizetype budget = m_bodyBudget.load(std::memory_order_relaxed);
     if (budget == noBudget)
         return;
-    const auto admitSide = [&](Side side, qsizetype size, qsizetype former) {
-        if (size > budget)
-            discard(trace, side);
-        else if (size > 0 && former == 0)
+    const auto rememberSide = [&](Side side, qsizetype size, qsizetype former) {
+        if (size > 0 && size <= budget && former == 0)
             m_bodies.push_back({position, side});
     };
-    admitSide(Side::Request, sizeOf(trace.body), before ? sizeOf(before->body) : 0);
-    admitSide(Side::Response, responseBytes(trace), before ? responseBytes(*before) : 0);
+    rememberSide(Side::Request, now.request, before.request);
+    rememberSide(Side::Response, now.response, before.response);
+}
+
+void QXRequestRecorder::discardTooLarge(QXRequestTrace &trace)
+{
+    const qsizetype budget = m_bodyBudget.load(std::memory_order_relaxed);
+    const BodySizes sizes = bodySizes(trace);
+    if (sizes.request > budget)
+        discard(trace, Side::Request);
+    if (sizes.response > budget)
+        discard(trace, Side::Response);
+}
+
+/// Counts the bodies of a trace that is new or has changed, and applies the budget to them.
+void QXRequestRecorder::admit(QXRequestTrace &trace, qsizetype position, BodySizes before)
+{
+    remember(position, bodySizes(trace), before);
+    discardTooLarge(trace);
+    m_bodyBytes += bodySizes(trace).sum() - before.sum();
+    removeOldestBodies();
 }
 
 void QXRequestRecorder::removeOldestBodies()
@@ -124,26 +133,35 @@ void QXRequestRecorder::removeOldestBodies()
         const BodyPlace place = m_bodies.front();
         m_bodies.pop_front();
         const qsizetype index = m_requests.size() - 1 - place.position;
-        const QXTraceList::CellPtr old = m_requests.cell(index);
-        const qsizetype size =
-            place.side == Side::Request ? sizeOf(old->trace.body) : responseBytes(old->trace);
+        const BodySizes sizes = bodySizes(m_requests[index]);
+        const qsizetype size = place.side == Side::Request ? sizes.request : sizes.response;
         if (size == 0)
             continue;
-        const auto cell = std::make_shared<QXTraceList::Cell>(*old);
-        discard(cell->trace, place.side);
+        discard(m_requests.ownCell(index).trace, place.side);
         m_bodyBytes -= size;
-        m_requests.replace(index, cell);
     }
 }
 
 void QXRequestRecorder::record(const QString &id, const URLRequest &request, const QXMoment &start)
 {
     Q_ASSERT(MainActor::isCurrent());
-    CellPtr cell = makeCell(id, request, start);
-    admit(cell->trace, m_requests.size(), nullptr);
-    m_bodyBytes += bodyBytes(cell->trace);
+    auto cell =
+        std::make_shared<QXTraceList::Cell>(QXTraceList::Cell{QXRequestTrace(id, request), start.steady, {}});
+    QXRequestTrace &trace = cell->trace;
+    trace.date = start.date;
     m_requests.prepend(std::move(cell));
-    removeOldestBodies();
+    admit(trace, m_requests.size() - 1, {});
+    postChange();
+}
+
+/// Changes a stored trace by calling @p makeChange with its cell.
+template<typename Change>
+void QXRequestRecorder::change(qsizetype index, Change makeChange)
+{
+    QXTraceList::Cell &cell = m_requests.ownCell(index);
+    const BodySizes before = bodySizes(cell.trace);
+    makeChange(cell);
+    admit(cell.trace, m_requests.size() - 1 - index, before);
     postChange();
 }
 
@@ -154,13 +172,16 @@ void QXRequestRecorder::amend(const QString &id, const URLRequest &request,
     const qsizetype index = m_requests.indexOf(id);
     if (index < 0)
         return;
-    const QXTraceList::CellPtr old = m_requests.cell(index);
-    CellPtr cell = makeCell(id, request, {old->trace.date, old->recordedAt});
-    cell->trace.discardedBodySize = discardedBodySize;
-    cell->trace.response = old->trace.response;
-    cell->trace.error = old->trace.error;
-    cell->trace.duration = old->trace.duration;
-    replace(index, std::move(cell));
+    change(index, [&](QXTraceList::Cell &cell) {
+        QXRequestTrace amended(id, request);
+        amended.discardedBodySize = discardedBodySize;
+        amended.date = cell.trace.date;
+        amended.response = std::move(cell.trace.response);
+        amended.error = std::move(cell.trace.error);
+        amended.duration = cell.trace.duration;
+        cell.trace = std::move(amended);
+        cell.searchKey.clear();
+    });
 }
 
 void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &response,
@@ -172,20 +193,21 @@ void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &resp
     if (index < 0)
         return;
 
-    m_refreshers.remove(id);
-    auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
-    QXRequestTrace &trace = cell->trace;
-    // A preview is no result: an exchange ends alike, whether or not the user looked at it.
-    if (!trace.duration)
-        trace.response.reset();
-    trace.duration = std::chrono::duration<double>(end.steady - cell->recordedAt).count();
-    if (error)
-        trace.error = QXFailureNote(*error);
-    if (const auto *http = dynamic_cast<const NSHTTPURLResponse *>(response.get())) {
-        trace.response = QXResponseTrace(*http, data);
-        trace.response->discardedBodySize = discardedBodySize;
-    }
-    replace(index, std::move(cell));
+    if (!m_refreshers.isEmpty())
+        m_refreshers.remove(id);
+    change(index, [&](QXTraceList::Cell &cell) {
+        QXRequestTrace &trace = cell.trace;
+        // A preview is no result: an exchange ends alike, whether or not the user looked at it.
+        if (!trace.duration)
+            trace.response.reset();
+        trace.duration = std::chrono::duration<double>(end.steady - cell.recordedAt).count();
+        if (error)
+            trace.error = QXFailureNote(*error);
+        if (const auto *http = dynamic_cast<const NSHTTPURLResponse *>(response.get())) {
+            trace.response = QXResponseTrace(*http, data);
+            trace.response->discardedBodySize = discardedBodySize;
+        }
+    });
 }
 
 void QXRequestRecorder::progress(const QString &id, const NSURLResponsePtr &response,
@@ -197,20 +219,10 @@ void QXRequestRecorder::progress(const QString &id, const NSURLResponsePtr &resp
     const qsizetype index = m_requests.indexOf(id);
     if (!http || index < 0 || m_requests[index].duration)
         return;
-    auto cell = std::make_shared<QXTraceList::Cell>(*m_requests.cell(index));
-    cell->trace.response = QXResponseTrace(*http, data);
-    cell->trace.response->discardedBodySize = discardedBodySize;
-    replace(index, std::move(cell));
-}
-
-void QXRequestRecorder::replace(qsizetype index, CellPtr cell)
-{
-    const QXRequestTrace &before = m_requests[index];
-    admit(cell->trace, m_requests.size() - 1 - index, &before);
-    m_bodyBytes += bodyBytes(cell->trace) - bodyBytes(before);
-    m_requests.replace(index, std::move(cell));
-    removeOldestBodies();
-    postChange();
+    change(index, [&](QXTraceList::Cell &cell) {
+        cell.trace.response = QXResponseTrace(*http, data);
+        cell.trace.response->discardedBodySize = discardedBodySize;
+    });
 }
 
 void QXRequestRecorder::setRefresher(const QString &id, std::function<void()> refresher)
@@ -249,14 +261,6 @@ void QXRequestRecorder::clear()
     m_refreshers.clear();
     FreedMemory::note(std::exchange(m_bodyBytes, 0));
     postChange();
-}
-
-QXRequestRecorder::CellPtr QXRequestRecorder::makeCell(const QString &id, const URLRequest &request,
-                                                       const QXMoment &start)
-{
-    QXRequestTrace trace(id, request);
-    trace.date = start.date;
-    return std::make_shared<QXTraceList::Cell>(QXTraceList::Cell{std::move(trace), start.steady, {}});
 }
 
 QList<QXRequestTrace>

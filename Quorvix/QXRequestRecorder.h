@@ -95,7 +95,6 @@ public:
 
 private:
     friend class QXExitArchive;
-    using CellPtr = std::shared_ptr<QXTraceList::Cell>;
     enum class Side { Request, Response };
     /// Where a body is: the position of its trace, counted from the oldest, never changes.
     struct BodyPlace
@@ -104,11 +103,22 @@ private:
         Side side;
     };
 
-    static CellPtr makeCell(const QString &id, const Quorvix::URLRequest &request, const QXMoment &start);
     static void discard(QXRequestTrace &trace, Side side);
-    void replace(qsizetype index, CellPtr cell);
+    /// The sizes of the bodies of one exchange, in bytes.
+    struct BodySizes
+    {
+        qsizetype request = 0;
+        qsizetype response = 0;
+        [[nodiscard]] qsizetype sum() const { return request + response; }
+    };
+
+    static BodySizes bodySizes(const QXRequestTrace &trace);
+    template<typename Change>
+    void change(qsizetype index, Change makeChange);
     void postChange() const;
-    void admit(QXRequestTrace &trace, qsizetype position, const QXRequestTrace *before);
+    void remember(qsizetype position, BodySizes now, BodySizes before);
+    void discardTooLarge(QXRequestTrace &trace);
+    void admit(QXRequestTrace &trace, qsizetype position, BodySizes before);
     void removeOldestBodies();
 
     static constexpr qsizetype noBudget = std::numeric_limits<qsizetype>::max();

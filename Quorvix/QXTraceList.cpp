@@ -1,16 +1,79 @@
 #include "Quorvix/QXTraceList.h"
 
 #include <algorithm>
+#include <utility>
 
 /// An inner node uses `children`; a leaf uses the other fields. A node never changes while another list uses
 /// it.
-struct QXTraceList::Node
+struct QXTraceList::Node final : QSharedData
 {
+    explicit Node(int height) { reserve(height); }
+
+    /// Copies are made to be changed, often by one more child or cell.
+    Node(const Node &other) : QSharedData(other)
+    {
+        reserve(other.children.empty() ? 0 : 1);
+        children.insert(children.end(), other.children.begin(), other.children.end());
+        cells.insert(cells.end(), other.cells.begin(), other.cells.end());
+        hashes.insert(hashes.end(), other.hashes.begin(), other.hashes.end());
+    }
+    Node &operator=(const Node &) = delete;
+    ~Node() = default;
+
+    void reserve(int height)
+    {
+        if (height > 0)
+            return children.reserve(width);
+        cells.reserve(width);
+        hashes.reserve(width);
+    }
+
     std::vector<NodePtr> children;
     std::vector<CellPtr> cells;
     /// The hash of each cell's identifier, in one array, so that a search does not have to read the traces.
     std::vector<size_t> hashes;
 };
+
+namespace {
+
+/// Makes sure that only one pointer refers to the node. Another thread may just have given up its list: what
+/// it has read there must be behind it, so the count is read with acquire semantics.
+template<typename Pointer>
+void own(Pointer &node)
+{
+    if (node->ref.loadAcquire() != 1)
+        node.detach();
+}
+
+/// Whether only this pointer refers to the cell. The order of memory that use_count() guarantees is too weak
+/// for changes of the cell after another thread has read it. A copy that is made and destroyed synchronises
+/// with the thread that gave up its pointer last.
+bool isUnique(const QXTraceList::CellPtr &cell)
+{
+    if (cell.use_count() != 1)
+        return false;
+    const QXTraceList::CellPtr copy = cell; // NOLINT(performance-unnecessary-copy-initialization)
+    return copy.use_count() == 2;
+}
+
+} // namespace
+
+QXTraceList::QXTraceList() noexcept = default;
+QXTraceList::QXTraceList(const QXTraceList &other) noexcept = default;
+QXTraceList::QXTraceList(QXTraceList &&other) noexcept
+    : m_root(std::move(other.m_root)), m_height(std::exchange(other.m_height, 0)),
+      m_size(std::exchange(other.m_size, 0))
+{
+}
+QXTraceList::~QXTraceList() = default;
+
+QXTraceList &QXTraceList::operator=(QXTraceList other) noexcept
+{
+    m_root.swap(other.m_root);
+    m_height = other.m_height;
+    m_size = other.m_size;
+    return *this;
+}
 
 const QXTraceList::CellPtr &QXTraceList::cell(qsizetype index) const
 {
@@ -24,47 +87,56 @@ const QXTraceList::CellPtr &QXTraceList::cell(qsizetype index) const
 
 void QXTraceList::prepend(CellPtr cell)
 {
-    if (m_size == capacity() && m_root) {
-        auto taller = std::make_shared<Node>();
-        taller->children.push_back(std::move(m_root));
-        m_root = std::move(taller);
-        ++m_height;
+    if (m_size == capacity()) {
+        if (m_root) {
+            NodePtr taller(new Node(++m_height));
+            taller->children.push_back(std::move(m_root));
+            m_root = std::move(taller);
+        } else {
+            m_root = NodePtr(new Node(0));
+        }
     }
-    m_root = withCell(std::move(m_root), m_height, m_size, std::move(cell));
-    ++m_size;
+    Node &leaf = ownLeaf(m_size++);
+    leaf.hashes.push_back(qHash(cell->trace.id));
+    leaf.cells.push_back(std::move(cell));
 }
 
 void QXTraceList::replace(qsizetype index, CellPtr cell)
 {
     Q_ASSERT(index >= 0 && index < m_size);
-    m_root = withCell(std::move(m_root), m_height, m_size - 1 - index, std::move(cell));
+    const qsizetype position = m_size - 1 - index;
+    Node &leaf = ownLeaf(position);
+    const auto slot = std::size_t(position & (width - 1));
+    leaf.hashes[slot] = qHash(cell->trace.id);
+    leaf.cells[slot] = std::move(cell);
 }
 
-QXTraceList::NodePtr QXTraceList::withCell(NodePtr node, int height, qsizetype position, CellPtr &&cell)
+QXTraceList::Cell &QXTraceList::ownCell(qsizetype index)
 {
-    // A node that no other list uses can be changed in place.
-    if (!node)
-        node = std::make_shared<Node>();
-    else if (node.use_count() > 1)
-        node = std::make_shared<Node>(*node);
+    Q_ASSERT(index >= 0 && index < m_size);
+    const qsizetype position = m_size - 1 - index;
+    CellPtr &cell = ownLeaf(position).cells[std::size_t(position & (width - 1))];
+    if (!isUnique(cell))
+        cell = std::make_shared<Cell>(*cell);
+    return const_cast<Cell &>(*cell);
+}
 
-    const auto slot = std::size_t((position >> (bits * height)) & (width - 1));
-    if (height == 0) {
-        const size_t hash = qHash(cell->trace.id);
-        if (slot == node->cells.size()) {
-            node->cells.push_back(std::move(cell));
-            node->hashes.push_back(hash);
-        } else {
-            node->cells[slot] = std::move(cell);
-            node->hashes[slot] = hash;
-        }
-    } else {
-        if (slot == node->children.size())
-            node->children.emplace_back();
-        node->children[slot] =
-            withCell(std::move(node->children[slot]), height - 1, position, std::move(cell));
+/// The leaf of a position, which may be the next one behind the last. No other list refers to it or to the
+/// nodes above it: those that one did are copied from the root down, because a copied node shares its
+/// children.
+QXTraceList::Node &QXTraceList::ownLeaf(qsizetype position)
+{
+    NodePtr *node = &m_root;
+    for (int height = m_height; height > 0; --height) {
+        own(*node);
+        auto &children = (*node)->children;
+        const auto slot = std::size_t((position >> (bits * height)) & (width - 1));
+        if (slot == children.size())
+            children.emplace_back(new Node(height - 1));
+        node = &children[slot];
     }
-    return node;
+    own(*node);
+    return **node;
 }
 
 qsizetype QXTraceList::indexOf(const QString &id) const

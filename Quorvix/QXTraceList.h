@@ -2,6 +2,8 @@
 
 #include "Quorvix/QXRequestTrace.h"
 
+#include <QtCore/QSharedDataPointer>
+
 #include <functional>
 #include <iterator>
 #include <memory>
@@ -11,7 +13,8 @@
 ///
 /// prepend() and replace() share all nodes with older copies, except one short path from the root to a leaf.
 /// So their cost does not depend on the length of the list or on the number of copies. Two lists with a
-/// common origin are compared only where they do not share nodes.
+/// common origin are compared only where they do not share nodes. A list may be used by one thread at a time;
+/// its copies may be read and destroyed in other threads.
 class QUORVIX_CORE_EXPORT QXTraceList
 {
 public:
@@ -28,6 +31,13 @@ public:
     };
     /// Cells are shared by the copies of a list.
     using CellPtr = std::shared_ptr<const Cell>;
+
+    QXTraceList() noexcept;
+    QXTraceList(const QXTraceList &other) noexcept;
+    /// Leaves @p other empty.
+    QXTraceList(QXTraceList &&other) noexcept;
+    QXTraceList &operator=(QXTraceList other) noexcept;
+    ~QXTraceList();
 
     /// Visits the traces, newest first. It refers to its list.
     class const_iterator
@@ -94,14 +104,18 @@ public:
                           const std::function<void(qsizetype fromOldest)> &visit) const;
 
 private:
+    friend class QXRequestRecorder;
     static constexpr int bits = 5;
     static constexpr qsizetype width = qsizetype(1) << bits;
 
     struct Node;
-    using NodePtr = std::shared_ptr<Node>;
+    using NodePtr = QExplicitlySharedDataPointer<Node>;
 
     [[nodiscard]] qsizetype capacity() const { return m_root ? width << (bits * m_height) : 0; }
-    static NodePtr withCell(NodePtr node, int height, qsizetype position, CellPtr &&cell);
+    Node &ownLeaf(qsizetype position);
+    /// The cell at a position counted from the newest, to be changed in place. It is a copy if anybody else
+    /// refers to the cell, or to a list that has it. The cells of this list were not made as constants.
+    [[nodiscard]] Cell &ownCell(qsizetype index);
     static qsizetype findInNode(const Node *node, int height, size_t hash, const QString &id);
     static void visitNodes(const Node *left, const Node *right, int height, qsizetype first, qsizetype end,
                            const std::function<void(qsizetype)> &visit);
