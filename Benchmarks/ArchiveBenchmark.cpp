@@ -1,22 +1,24 @@
-// Archives 1,000 exchanges of 100 KB each, with the archive writer and, for comparison, with QJsonDocument.
+// Archives many exchanges with the archive writer and, for comparison, with QJsonDocument. The limit is one
+// check of the bodies for UTF-8 and one copy of as many bytes as the archive has.
 
 #include "Quorvix/QXArchiveWriter.h"
 #include "Quorvix/QXRequestTrace.h"
 
+#include "JSON/JSONWriter.h"
+
 #include "Platform/URLText.h"
 
+#include "Benchmarks/Contest.h"
+#include "Benchmarks/Report.h"
 #include "Benchmarks/Samples.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
-#include <QtCore/QJsonObject>
+#include <QtCore/QTemporaryDir>
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <vector>
+#include <cstring>
+#include <memory>
 
 #include <malloc.h>
 #include <sys/wait.h>
@@ -24,13 +26,17 @@
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
+using Contest::require;
 
 namespace {
 
-constexpr int exchangeCount = 1000;
 constexpr qsizetype bodySize = 100'000;
+constexpr double megabyte = 1e6;
 
-QByteArray jsonLikeBody()
+using MakeBody = QByteArray (*)(int);
+using Traces = std::vector<QXRequestTrace>;
+
+QByteArray jsonLikeBody(int)
 {
     QByteArray body = "{\"items\":[";
     for (int i = 0; body.size() < bodySize; ++i) {
@@ -42,15 +48,21 @@ QByteArray jsonLikeBody()
     return body;
 }
 
-QByteArray binaryBody()
+QByteArray binaryBody(int)
 {
     return Samples::binaryBytes(bodySize);
 }
 
-std::vector<QXRequestTrace> makeTraces(const std::function<QByteArray()> &makeBody)
+QByteArray smallBody(int number)
 {
-    std::vector<QXRequestTrace> traces;
-    for (int i = 0; i < exchangeCount; ++i) {
+    return "{\"id\":" + QByteArray::number(number) +
+           ",\"name\":\"An item of the store\",\"price\":12.5,\"tags\":[\"red\",\"blue\"]}";
+}
+
+Traces makeTraces(int count, MakeBody makeBody)
+{
+    Traces traces;
+    for (int i = 0; i < count; ++i) {
         URLRequest request(QUrl(u"https://api.example.com/v1/items/%1?page=%1&sort=name"_s.arg(i)));
         request.setValue(u"application/json"_s, u"Accept"_s);
         request.setValue(u"session=4f1c; theme=dark"_s, u"Cookie"_s);
@@ -59,7 +71,7 @@ std::vector<QXRequestTrace> makeTraces(const std::function<QByteArray()> &makeBo
         trace.response = QXResponseTrace(
             NSHTTPURLResponse(request.url, 200, u"HTTP/1.1"_s,
                               {{u"Content-Type"_s, u"application/json"_s}, {u"ETag"_s, u"\"5d8c\""_s}}),
-            makeBody());
+            makeBody(i));
         traces.push_back(std::move(trace));
     }
     return traces;
@@ -92,12 +104,65 @@ QJsonObject entryObject(const QXRequestTrace &trace)
             {u"time"_s, *trace.duration * 1000}};
 }
 
-QByteArray archiveWithQt(const std::vector<QXRequestTrace> &traces)
+QByteArray archiveWithQt(const Traces &traces)
 {
     QJsonArray entries;
     for (const QXRequestTrace &trace : traces)
         entries.append(entryObject(trace));
     return QJsonDocument(QJsonObject{{u"log"_s, QJsonObject{{u"entries"_s, entries}}}}).toJson();
+}
+
+QByteArray archive(const Traces &traces)
+{
+    return QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces));
+}
+
+/// Has a file written, and requires that it has so many bytes.
+void writeFile(const QString &path, qsizetype size, const std::function<bool(QIODevice &)> &writer)
+{
+    QFile file(path);
+    require(file.open(QIODevice::WriteOnly) && writer(file) && file.flush(), "a file");
+    require(path == "/dev/null"_L1 || file.size() == size, "a file of this size");
+}
+
+/// Checks each body, and passes the bytes of all bodies and as many more as the archive has to @p take.
+void checkAndTake(const Traces &traces, qsizetype size, const std::function<void(QByteArrayView)> &take)
+{
+    for (const QXRequestTrace &trace : traces) {
+        require(isValidUtf8(*trace.response->body), "text");
+        take(*trace.response->body);
+        size -= trace.response->body->size();
+    }
+    for (const QByteArray &body = *traces.front().response->body; size > 0; size -= body.size())
+        take(QByteArrayView(body).first(std::min(size, body.size())));
+}
+
+void copyToFreshBuffer(const Traces &traces, qsizetype size)
+{
+    const std::unique_ptr<char[]> buffer(new char[size_t(size)]);
+    char *to = buffer.get();
+    checkAndTake(traces, size, [&](QByteArrayView bytes) {
+        std::memcpy(to, bytes.data(), size_t(bytes.size()));
+        to += bytes.size();
+    });
+    require(to == buffer.get() + size, "a copy of all bytes");
+}
+
+/// Copies into one block that is used again, as the writer's block is before each write.
+void copyToSameBlock(const Traces &traces, qsizetype size)
+{
+    constexpr qsizetype blockSize = 1 << 18;
+    static char block[blockSize];
+    qsizetype used = 0;
+    qsizetype copied = 0;
+    checkAndTake(traces, size, [&](QByteArrayView bytes) {
+        if (blockSize - used < bytes.size())
+            used = 0;
+        std::memcpy(block + used, bytes.data(), size_t(bytes.size()));
+        used += bytes.size();
+        copied += bytes.size();
+    });
+    require(copied == size, "a copy of all bytes");
 }
 
 /// A memory field of this process's status file, in bytes.
@@ -113,85 +178,139 @@ qint64 processMemory(QByteArrayView field)
     return 0;
 }
 
-void resetPeak()
+void forgetPeak()
 {
     malloc_trim(0);
     QFile references(u"/proc/self/clear_refs"_s);
-    if (references.open(QIODevice::WriteOnly))
-        references.write("5");
+    require(references.open(QIODevice::WriteOnly) && references.write("5") > 0, "memory");
 }
 
-struct Figures
+/// How much more memory is in use at a time while @p work is done.
+double extraMemory(const std::function<void()> &work)
 {
-    double seconds = 0;
-    qint64 outputSize = 0;
-    qint64 extraMemory = 0;
+    forgetPeak();
+    const qint64 before = processMemory("VmRSS:");
+    work();
+    return double(processMemory("VmHWM:") - before);
+}
+
+struct Sample
+{
+    const char *name;
+    int count;
+    MakeBody makeBody;
+    /// Beside QJsonDocument and beside the limit; null if there is none.
+    const char *goal;
+    const char *goalOfLimit;
 };
 
-/// Returns the time of the fastest of several runs, and the memory of the first.
-Figures measure(const std::function<qint64()> &produce)
+/// One way to make the same archive: ours, Qt's, and the limit, if there is one.
+void compare(const QByteArray &metric, const char *place, const char *goal, qsizetype size,
+             qsizetype peerSize, const std::vector<Contest::Contender> &contenders)
 {
-    Figures best;
-    for (int run = 0; run < 3; ++run) {
-        resetPeak();
-        const qint64 before = processMemory("VmRSS:");
-        const auto start = std::chrono::steady_clock::now();
-        const qint64 size = produce();
-        const double seconds =
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        if (run == 0)
-            best = {seconds, size, processMemory("VmHWM:") - before};
-        best.seconds = std::min(best.seconds, seconds);
+    const std::vector<double> times = Contest::medians(contenders);
+    const auto rate = [&](size_t i) {
+        return double(i == 1 ? peerSize : size) / megabyte / (times[i] / 1000);
+    };
+    Report::Row row{metric.constData(), place, "MB/s", rate(0), Report::Other{"QJsonDocument", rate(1)}};
+    if (times.size() > 2)
+        row.limit = Report::Other{"UTF-8 check and memcpy", rate(2)};
+    row.isRate = true;
+    row.goal = goal;
+    Report::add(row);
+}
+
+void compare(const Sample &sample)
+{
+    const Traces traces = makeTraces(sample.count, sample.makeBody);
+    const QTemporaryDir folder(QDir::tempPath() + u"/ArchiveBenchmark-XXXXXX"_s);
+    const QString path = folder.filePath(u"archive.har"_s);
+    const qsizetype size = archive(traces).size();
+    const qsizetype peerSize = archiveWithQt(traces).size();
+    const qsizetype bodies = sample.count * traces.front().response->body->size();
+    require(size > bodies && peerSize > bodies, "all bodies");
+    const QByteArray name = sample.name;
+
+    const double ours = extraMemory([&] { (void)archive(traces); });
+    const double peer = extraMemory([&] { (void)archiveWithQt(traces); });
+    Report::add({(name + ", memory").constData(), "peak of the process beyond the exchanges, to a buffer",
+                 "MB", ours / megabyte, Report::Other{"QJsonDocument", peer / megabyte}});
+
+    const auto write = [&](const QString &to) {
+        writeFile(to, size, [&](QIODevice &file) {
+            return !QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces), file);
+        });
+    };
+    const auto writeWithQt = [&](const QString &to) {
+        writeFile(to, peerSize, [&](QIODevice &file) { return file.write(archiveWithQt(traces)) > 0; });
+    };
+    std::vector<Contest::Contender> toBuffer{{"ours",
+                                              [&] {
+                                                  require(archive(traces).size() == size, "an archive");
+                                              }},
+                                             {"QJsonDocument", [&] {
+                                                  require(archiveWithQt(traces).size() == peerSize,
+                                                          "an archive");
+                                              }}};
+    std::vector<Contest::Contender> toFile{{"ours",
+                                            [&] {
+                                                write(path);
+                                            }},
+                                           {"QJsonDocument", [&] {
+                                                writeWithQt(path);
+                                            }}};
+    std::vector<Contest::Contender> toDevice{{"ours",
+                                              [&] {
+                                                  write(u"/dev/null"_s);
+                                              }},
+                                             {"QJsonDocument", [&] {
+                                                  writeWithQt(u"/dev/null"_s);
+                                              }}};
+    if (sample.goalOfLimit) {
+        toBuffer.push_back({"limit", [&] {
+                                copyToFreshBuffer(traces, size);
+                            }});
+        toFile.push_back({"limit", [&] {
+                              writeFile(path, size, [&](QIODevice &file) {
+                                  checkAndTake(traces, size, [&](QByteArrayView bytes) {
+                                      require(file.write(bytes.data(), bytes.size()) == bytes.size(),
+                                              "a file");
+                                  });
+                                  return true;
+                              });
+                          }});
+        toDevice.push_back({"limit", [&] {
+                                copyToSameBlock(traces, size);
+                            }});
     }
-    return best;
-}
-
-void print(const char *what, const Figures &figures)
-{
-    std::printf("  %-28s %8.1f MB %9.0f MB/s %10.1f MB extra (%.2f x output)\n", what,
-                double(figures.outputSize) / 1e6, double(figures.outputSize) / 1e6 / figures.seconds,
-                double(figures.extraMemory) / 1e6, double(figures.extraMemory) / double(figures.outputSize));
-}
-
-void compare(const char *title, const std::function<QByteArray()> &makeBody)
-{
-    const std::vector<QXRequestTrace> traces = makeTraces(makeBody);
-    std::printf("%s: %d exchanges with bodies of %lld bytes\n", title, exchangeCount, (long long)bodySize);
-    const Figures ours =
-        measure([&] { return QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces)).size(); });
-    const Figures streamed = measure([&]() -> qint64 {
-        QFile device(u"/dev/null"_s);
-        if (!device.open(QIODevice::WriteOnly) ||
-            QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces), device))
-            return 0;
-        return ours.outputSize;
-    });
-    const Figures peer = measure([&] { return archiveWithQt(traces).size(); });
-    print("archive writer, to a buffer", ours);
-    print("archive writer, to a device", streamed);
-    print("QJsonDocument", peer);
-    std::printf("  faster by %.1f, output per second\n\n",
-                (double(ours.outputSize) / ours.seconds) / (double(peer.outputSize) / peer.seconds));
+    compare(name + ", to a device", "one thread; no page faults for ours and the limit", sample.goal, size,
+            peerSize, toDevice);
+    compare(name + ", to a file", "one thread; the limit writes the bytes to a file", sample.goalOfLimit,
+            size, peerSize, toFile);
+    compare(name + ", to a buffer", "one thread; page faults of a fresh buffer for all", sample.goalOfLimit,
+            size, peerSize, toBuffer);
 }
 
 /// Compares in a separate process, because memory of an earlier comparison would change the figures.
-void compareApart(const char *title, const std::function<QByteArray()> &makeBody)
+void compareApart(const Sample &sample)
 {
     std::fflush(stdout);
     const pid_t child = ::fork();
     if (child == 0) {
-        compare(title, makeBody);
+        compare(sample);
         std::fflush(stdout);
         std::_Exit(0);
     }
-    ::waitpid(child, nullptr, 0);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    require(status == 0, sample.name);
 }
 
 } // namespace
 
 int main()
 {
-    compareApart("Text", jsonLikeBody);
-    compareApart("Binary", binaryBody);
-    return 0;
+    compareApart({"HAR of 1,000 texts of 100 KB", 1000, jsonLikeBody, "6 x the peer", "3 of the limit"});
+    compareApart({"HAR of 1,000 binary bodies of 100 KB", 1000, binaryBody, "10 x the peer", nullptr});
+    compareApart({"HAR of 100,000 small exchanges", 100'000, smallBody, nullptr, nullptr});
 }
