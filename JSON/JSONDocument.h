@@ -15,6 +15,8 @@ public:
     static constexpr int maximumDepth = 1024;
 
     [[nodiscard]] JSONValue root() const noexcept;
+    /// For what reads millions of values.
+    [[nodiscard]] const JSONTape &tape() const noexcept { return *m_tape; }
     /// A measure of the work that the whole document makes: JSONValue::extent() of each value, and one for
     /// each name. Takes constant time.
     [[nodiscard]] qsizetype size() const noexcept;
@@ -26,9 +28,9 @@ public:
 private:
     friend class JSONReader;
 
-    explicit JSONDocument(std::shared_ptr<const void> storage) noexcept : m_storage(std::move(storage)) {}
+    explicit JSONDocument(std::shared_ptr<const JSONTape> tape) noexcept : m_tape(std::move(tape)) {}
 
-    std::shared_ptr<const void> m_storage;
+    std::shared_ptr<const JSONTape> m_tape;
 };
 
 } // namespace Quorvix

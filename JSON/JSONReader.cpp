@@ -31,27 +31,42 @@ NSError readError(const char *sentence)
     return {NSCocoaErrorDomain, NSPropertyListReadCorruptError, localized(sentence)};
 }
 
-SimdjsonFence::Outcome parsed(QByteArrayView bytes)
+SimdjsonFence::Outcome fromMarked(QByteArrayView bytes)
 {
-    if (!JSONEncoding::isMarked(bytes))
-        return SimdjsonFence::parse(UTF8Text::withoutByteOrderMark(bytes));
-    const std::optional<QByteArray> utf8 = JSONEncoding::toUtf8(bytes);
-    return utf8 ? SimdjsonFence::parse(*utf8) : SimdjsonFence::Outcome{nullptr, Failure::NotUtf8};
+    std::optional<QByteArray> utf8 = JSONEncoding::toUtf8(bytes);
+    return utf8 ? SimdjsonFence::parse(std::move(*utf8), 0)
+                : SimdjsonFence::Outcome{nullptr, Failure::NotUtf8};
 }
 
 } // namespace
 
-Result<JSONDocument> JSONReader::parse(QByteArrayView bytes, TopLevel topLevel)
+Result<JSONDocument> JSONReader::documentOf(SimdjsonFence::Outcome outcome, TopLevel topLevel)
 {
-    SimdjsonFence::Outcome outcome = parsed(bytes);
-    if (!outcome.storage)
+    if (!outcome.tape)
         return readError(sentences[size_t(outcome.failure)]);
-    JSONDocument document(std::move(outcome.storage));
+    JSONDocument document(std::move(outcome.tape));
     const JSONValue::Kind kind = document.root().kind();
     if (topLevel == TopLevel::Container && kind != JSONValue::Kind::Object && kind != JSONValue::Kind::Array)
         return readError(QT_TRANSLATE_NOOP(
             "Quorvix", "The top level of the JSON text is neither an object nor an array."));
     return document;
+}
+
+Result<JSONDocument> JSONReader::parse(QByteArrayView bytes, TopLevel topLevel)
+{
+    const auto parsed = [&] {
+        return SimdjsonFence::parse(UTF8Text::withoutByteOrderMark(bytes));
+    };
+    return documentOf(JSONEncoding::isMarked(bytes) ? fromMarked(bytes) : parsed(), topLevel);
+}
+
+Result<JSONDocument> JSONReader::parseAndFree(QByteArray bytes)
+{
+    const auto parsed = [&] {
+        const qsizetype mark = bytes.size() - UTF8Text::withoutByteOrderMark(bytes).size();
+        return SimdjsonFence::parse(std::move(bytes), mark);
+    };
+    return documentOf(JSONEncoding::isMarked(bytes) ? fromMarked(bytes) : parsed(), TopLevel::AnyValue);
 }
 
 bool JSONReader::beginsLikeContainer(QByteArrayView bytes) noexcept

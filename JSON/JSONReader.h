@@ -6,6 +6,10 @@
 
 namespace Quorvix {
 
+namespace SimdjsonFence {
+struct Outcome;
+} // namespace SimdjsonFence
+
 /// Reads JSON texts (RFC 8259). Stateless; any thread.
 class QUORVIX_INTERNAL_EXPORT JSONReader
 {
@@ -23,9 +27,16 @@ public:
     /// @p topLevel container is accepted.
     static Result<JSONDocument> parse(QByteArrayView bytes, TopLevel topLevel = TopLevel::AnyValue);
 
+    /// Parses a text as parse() does. Faster and with less memory than that for a text that the caller gives
+    /// up.
+    static Result<JSONDocument> parseAndFree(QByteArray bytes);
+
     /// A fast check that rejects most texts without a container at the top level. parse() reports a wrong
     /// beginning only after it has read the whole text.
     [[nodiscard]] static bool beginsLikeContainer(QByteArrayView bytes) noexcept;
+
+private:
+    static Result<JSONDocument> documentOf(SimdjsonFence::Outcome outcome, TopLevel topLevel);
 };
 
 } // namespace Quorvix

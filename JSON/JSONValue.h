@@ -1,5 +1,7 @@
 #pragma once
 
+#include "JSON/JSONTape.h"
+
 #include "Platform/PlatformGlobal.h"
 
 #include <QtCore/QByteArrayView>
@@ -32,7 +34,10 @@ public:
     }
 
     /// The text of a String, valid UTF-8; empty for other kinds. It may hold NUL.
-    [[nodiscard]] QByteArrayView utf8() const noexcept;
+    [[nodiscard]] QByteArrayView utf8() const noexcept
+    {
+        return type() == JSONTape::String ? JSONTape::view(m_tape->stored(m_index)) : QByteArrayView();
+    }
     [[nodiscard]] QString text() const { return QString::fromUtf8(utf8()); }
 
     /// The form of a Number.
@@ -43,10 +48,13 @@ public:
     [[nodiscard]] double toDouble() const noexcept;
     /// The text of an integer beyond 64 bits, or of a number beyond the range of a double. For such a number
     /// toDouble() returns only the nearest finite double. Empty for every other value.
-    [[nodiscard]] QByteArrayView wideNumber() const noexcept;
+    [[nodiscard]] QByteArrayView wideNumber() const noexcept
+    {
+        return type() == JSONTape::Double ? m_tape->wideNumber(m_index) : QByteArrayView();
+    }
 
     /// Whether this is the value `true`.
-    [[nodiscard]] bool isTrue() const noexcept;
+    [[nodiscard]] bool isTrue() const noexcept { return type() == JSONTape::True; }
 
     /// The elements of an Array in order; none for other kinds.
     [[nodiscard]] Elements elements() const noexcept;
@@ -60,52 +68,54 @@ public:
 private:
     friend class JSONDocument;
 
-    /// Has the memory layout of simdjson's own cursors; see SimdjsonFence.h.
-    struct Cursor
-    {
-        const void *document = nullptr;
-        size_t index = 0;
-        bool operator==(const Cursor &) const = default;
-    };
+    JSONValue(const JSONTape *tape, size_t index) noexcept : m_tape(tape), m_index(index) {}
 
-    explicit JSONValue(Cursor cursor) noexcept : m_cursor(cursor) {}
+    [[nodiscard]] JSONTape::Type type() const noexcept { return m_tape->type(m_index); }
 
-    Cursor m_cursor;
+    const JSONTape *m_tape;
+    size_t m_index;
 };
 
 /// A range over the elements of an array.
-class QUORVIX_INTERNAL_EXPORT JSONValue::Elements
+class JSONValue::Elements
 {
 public:
-    class QUORVIX_INTERNAL_EXPORT Iterator
+    class Iterator
     {
     public:
         using iterator_category = std::input_iterator_tag;
         using value_type = JSONValue;
         using difference_type = std::ptrdiff_t;
 
-        explicit Iterator(Cursor cursor) noexcept : m_cursor(cursor) {}
-
-        [[nodiscard]] JSONValue operator*() const noexcept;
-        Iterator &operator++() noexcept;
+        [[nodiscard]] JSONValue operator*() const noexcept { return {m_tape, m_index}; }
+        Iterator &operator++() noexcept
+        {
+            m_index = m_tape->after(m_index);
+            return *this;
+        }
         bool operator==(const Iterator &) const = default;
 
     private:
-        Cursor m_cursor;
-    };
+        friend class JSONValue;
+        Iterator(const JSONTape *tape, size_t index) noexcept : m_tape(tape), m_index(index) {}
 
-    Elements(Iterator first, Iterator last) noexcept : m_begin(first), m_end(last) {}
+        const JSONTape *m_tape;
+        size_t m_index;
+    };
 
     [[nodiscard]] Iterator begin() const noexcept { return m_begin; }
     [[nodiscard]] Iterator end() const noexcept { return m_end; }
 
 private:
+    friend class JSONValue;
+    Elements(Iterator first, Iterator last) noexcept : m_begin(first), m_end(last) {}
+
     Iterator m_begin;
     Iterator m_end;
 };
 
 /// A range over the members of an object.
-class QUORVIX_INTERNAL_EXPORT JSONValue::Members
+class JSONValue::Members
 {
 public:
     struct Member
@@ -115,31 +125,75 @@ public:
         JSONValue value;
     };
 
-    class QUORVIX_INTERNAL_EXPORT Iterator
+    class Iterator
     {
     public:
         using iterator_category = std::input_iterator_tag;
         using value_type = Member;
         using difference_type = std::ptrdiff_t;
 
-        explicit Iterator(Cursor cursor) noexcept : m_cursor(cursor) {}
-
-        [[nodiscard]] Member operator*() const noexcept;
-        Iterator &operator++() noexcept;
+        [[nodiscard]] Member operator*() const noexcept
+        {
+            return {JSONTape::view(m_tape->stored(m_index)), {m_tape, m_index + 1}};
+        }
+        Iterator &operator++() noexcept
+        {
+            m_index = m_tape->after(m_index + 1);
+            return *this;
+        }
         bool operator==(const Iterator &) const = default;
 
     private:
-        Cursor m_cursor;
-    };
+        friend class JSONValue;
+        Iterator(const JSONTape *tape, size_t index) noexcept : m_tape(tape), m_index(index) {}
 
-    Members(Iterator first, Iterator last) noexcept : m_begin(first), m_end(last) {}
+        const JSONTape *m_tape;
+        size_t m_index;
+    };
 
     [[nodiscard]] Iterator begin() const noexcept { return m_begin; }
     [[nodiscard]] Iterator end() const noexcept { return m_end; }
 
 private:
+    friend class JSONValue;
+    Members(Iterator first, Iterator last) noexcept : m_begin(first), m_end(last) {}
+
     Iterator m_begin;
     Iterator m_end;
 };
+
+inline JSONValue::Kind JSONValue::kind() const noexcept
+{
+    switch (type()) {
+    case JSONTape::Object:
+        return Kind::Object;
+    case JSONTape::Array:
+        return Kind::Array;
+    case JSONTape::String:
+        return Kind::String;
+    case JSONTape::Int64:
+    case JSONTape::UInt64:
+    case JSONTape::Double:
+        return Kind::Number;
+    case JSONTape::True:
+    case JSONTape::False:
+        return Kind::Boolean;
+    case JSONTape::Null:
+        break;
+    }
+    return Kind::Null;
+}
+
+inline JSONValue::Elements JSONValue::elements() const noexcept
+{
+    const bool isArray = type() == JSONTape::Array;
+    return {{m_tape, m_index + 1}, {m_tape, isArray ? m_tape->lastOf(m_index) : m_index + 1}};
+}
+
+inline JSONValue::Members JSONValue::members() const noexcept
+{
+    const bool isObject = type() == JSONTape::Object;
+    return {{m_tape, m_index + 1}, {m_tape, isObject ? m_tape->lastOf(m_index) : m_index + 1}};
+}
 
 } // namespace Quorvix

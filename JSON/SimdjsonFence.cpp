@@ -4,6 +4,7 @@
 #include "JSON/JSONSurrogates.h"
 #include "JSON/JSONWideNumbers.h"
 
+#include "Platform/LargeMemory.h"
 #include "Platform/UTF8Text.h"
 
 #include <QtCore/QByteArray>
@@ -12,77 +13,49 @@
 #define SIMDJSON_EXCEPTIONS 0
 #include <simdjson.h>
 
-#include <bit>
-#include <cmath>
-#include <limits>
 #include <optional>
 #include <type_traits>
 #include <vector>
 
 namespace Quorvix {
 
-using simdjson::dom::element_type;
 using SimdjsonFence::Failure;
 
 static_assert(simdjson::DEFAULT_MAX_DEPTH == JSONDocument::maximumDepth);
 
+// The format of the tape, as far as the header tells it.
+static_assert(char(simdjson::internal::tape_type::START_OBJECT) == JSONTape::Object);
+static_assert(char(simdjson::internal::tape_type::START_ARRAY) == JSONTape::Array);
+static_assert(char(simdjson::internal::tape_type::STRING) == JSONTape::String);
+static_assert(char(simdjson::internal::tape_type::INT64) == JSONTape::Int64);
+static_assert(char(simdjson::internal::tape_type::UINT64) == JSONTape::UInt64);
+static_assert(char(simdjson::internal::tape_type::DOUBLE) == JSONTape::Double);
+static_assert(char(simdjson::internal::tape_type::TRUE_VALUE) == JSONTape::True);
+static_assert(char(simdjson::internal::tape_type::FALSE_VALUE) == JSONTape::False);
+static_assert(char(simdjson::internal::tape_type::NULL_VALUE) == JSONTape::Null);
+static_assert(simdjson::SIMDJSON_PADDING >= JSONTape::readable);
+
 namespace {
 
-/// The parsed data that the cursors point into. It outlives its parser and the text.
-struct ParsedText final : simdjson::dom::document
+/// The parsed data. It outlives its parser and the text.
+struct ParsedText final : JSONTape
 {
-    /// The numbers that no machine number holds, one behind the other, and the end of each. The tape holds
-    /// their index in a NaN, which no JSON text has.
+    using JSONTape::notANumber;
+
+    /// Lets the tape read what the parser has written.
+    void setTape() noexcept
+    {
+        m_words = document.tape.get();
+        m_texts = reinterpret_cast<const char *>(document.string_buf.get());
+        m_wideDigits = wideDigits.constData();
+        m_wideEnds = wideEnds.data();
+    }
+
+    simdjson::dom::document document;
+    /// The numbers that no machine number holds, one behind the other, and the end of each.
     QByteArray wideDigits;
     std::vector<size_t> wideEnds;
 };
-
-constexpr quint64 notANumber = std::bit_cast<quint64>(std::numeric_limits<double>::quiet_NaN());
-
-/// The index of a wide number for which the tape has this double; absent for other numbers.
-std::optional<qsizetype> wideIndex(double onTape) noexcept
-{
-    return std::isnan(onTape) ? std::optional(qsizetype(std::bit_cast<quint64>(onTape) ^ notANumber))
-                              : std::nullopt;
-}
-
-/// Converts between simdjson's cursors and ours, which are two words each, so that no data is copied. The
-/// first word points to the document, the second one is a position on the tape.
-template<typename To, typename From>
-To recast(const From &cursor) noexcept
-{
-    static_assert(sizeof(To) == sizeof(From) && std::is_trivially_copyable_v<To> &&
-                  std::is_trivially_copyable_v<From>);
-    return std::bit_cast<To>(cursor);
-}
-
-template<typename Cursor>
-simdjson::dom::element element(const Cursor &cursor) noexcept
-{
-    return recast<simdjson::dom::element>(cursor);
-}
-
-QByteArrayView view(std::string_view text) noexcept
-{
-    return {text.data(), qsizetype(text.size())};
-}
-
-/// The value as a T, or zero when it is not one.
-template<typename T, typename Cursor>
-T valueOrZero(const Cursor &cursor) noexcept
-{
-    T value{};
-    return element(cursor).get(value) == simdjson::SUCCESS ? value : T{};
-}
-
-/// simdjson stores the size of an array or object in 24 bits. This value means "this many or more".
-constexpr size_t saturatedSize = 0xFFFFFF;
-
-template<typename Range>
-qsizetype countedSize(const Range &range, size_t keptSize)
-{
-    return keptSize < saturatedSize ? qsizetype(keptSize) : std::distance(range.begin(), range.end());
-}
 
 /// Whether simdjson stopped at a number. JSON may allow the number although no machine number holds it.
 /// Newer releases have a separate code for most integers beyond 64 bits; 3.0 does not name it.
@@ -140,7 +113,28 @@ Failure failureOf(simdjson::error_code code) noexcept
 /// copied must hold the padding, too.
 enum class Padding { Copied, Present };
 
-simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text, Padding padding = Padding::Copied)
+/// Allocates what simdjson would allocate itself, in large pages. It reserves much more than it uses, so only
+/// the pages that are used count. Leaves the allocation of small memory to it.
+simdjson::error_code allocate(ParsedText &parsed, simdjson::dom::parser &parser, size_t textSize)
+{
+    if (textSize < LargeMemory::smallestMapping / sizeof parsed.document.tape[0])
+        return simdjson::SUCCESS;
+    simdjson::error_code error = parsed.document.allocate(textSize);
+    if (error == simdjson::SUCCESS)
+        error = parser.allocate(textSize);
+    if (error != simdjson::SUCCESS)
+        return error;
+    LargeMemory::requestLargePages(parsed.document.tape.get(), textSize * sizeof parsed.document.tape[0]);
+    LargeMemory::requestLargePages(parsed.document.string_buf.get(), textSize);
+    // A part of the parser that its header calls private: newer releases may do without.
+    if constexpr (requires { parser.implementation->structural_indexes.get(); }) {
+        auto &indexes = parser.implementation->structural_indexes;
+        LargeMemory::requestLargePages(indexes.get(), textSize * sizeof indexes[0]);
+    }
+    return simdjson::SUCCESS;
+}
+
+simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text, Padding padding)
 {
     // simdjson would copy from a null pointer.
     if (text.isEmpty())
@@ -153,31 +147,24 @@ simdjson::error_code parseInto(ParsedText &parsed, QByteArrayView text, Padding 
         return simdjson::TAPE_ERROR;
     const bool copies = padding == Padding::Copied;
     simdjson::dom::parser parser;
-    return parser.parse_into_document(parsed, text.data(), size_t(text.size()), copies).error();
-}
-
-/// A word on the tape: the type is above this bit, a size or a place below.
-constexpr int typeShift = 56;
-
-size_t tapeSize(const simdjson::dom::document &parsed) noexcept
-{
-    return parsed.tape[0] & ((quint64(1) << typeShift) - 1);
+    if (const auto error = allocate(parsed, parser, size_t(text.size())); error != simdjson::SUCCESS)
+        return error;
+    return parser.parse_into_document(parsed.document, text.data(), size_t(text.size()), copies).error();
 }
 
 /// Marks the wide numbers on the tape, which has one word for each value, and a second one for a number.
 void mark(ParsedText &parsed, const std::vector<JSONWideNumbers::Number> &numbers)
 {
-    const size_t end = tapeSize(parsed);
+    const size_t end = parsed.size();
     auto next = numbers.begin();
     size_t ordinal = 0;
     for (size_t index = 1; index < end && next != numbers.end(); ++index) {
-        const char type = char(parsed.tape[index] >> typeShift);
-        if (type != 'l' && type != 'u' && type != 'd')
+        if (!JSONTape::isNumber(parsed.type(index)))
             continue;
         ++index;
         if (next->ordinal != ordinal++)
             continue;
-        parsed.tape[index] = notANumber ^ parsed.wideEnds.size();
+        parsed.document.tape[index] = ParsedText::notANumber ^ parsed.wideEnds.size();
         parsed.wideEnds.push_back(next++->digitsEnd);
     }
 }
@@ -190,33 +177,49 @@ simdjson::error_code parseWideNumbersInto(ParsedText &parsed, QByteArrayView tex
     if (error == simdjson::SUCCESS) {
         parsed.wideDigits = std::move(wide.digits);
         parsed.wideEnds.reserve(wide.numbers.size());
+        parsed.setTape();
         mark(parsed, wide.numbers);
     }
     // Newer releases report every unknown word as a malformed number.
     return isAboutNumber(error) && !wide.hasMalformedNumber ? simdjson::TAPE_ERROR : error;
 }
 
-} // namespace
-
-SimdjsonFence::Outcome SimdjsonFence::parse(QByteArrayView text)
+/// Tries again where there is a cure for what simdjson refuses.
+SimdjsonFence::Outcome parsed(QByteArrayView text, Padding padding)
 {
     const auto parsed = std::make_shared<ParsedText>();
-    simdjson::error_code error = parseInto(*parsed, text);
+    simdjson::error_code error = parseInto(*parsed, text, padding);
     // simdjson stops at the first error, and a text may have both kinds that have a cure.
     std::optional<QByteArray> replaced;
     if (error == simdjson::STRING_ERROR || isAboutNumber(error))
         replaced = withLoneSurrogatesReplaced(text);
     if (replaced) {
         text = *replaced;
-        error = parseInto(*parsed, text);
+        error = parseInto(*parsed, text, Padding::Copied);
     }
     if (isAboutNumber(error))
         error = parseWideNumbersInto(*parsed, text);
-    if (error == simdjson::SUCCESS)
+    if (error == simdjson::SUCCESS) {
+        parsed->setTape();
         return {parsed};
-    if (!precedesUtf8Check(error) && !isUtf8(text))
+    }
+    if (!precedesUtf8Check(error) && !SimdjsonFence::isUtf8(text))
         error = simdjson::UTF8_ERROR;
     return {nullptr, failureOf(error)};
+}
+
+} // namespace
+
+SimdjsonFence::Outcome SimdjsonFence::parse(QByteArrayView text)
+{
+    return parsed(text, Padding::Copied);
+}
+
+SimdjsonFence::Outcome SimdjsonFence::parse(QByteArray &&text, qsizetype from)
+{
+    const QByteArray padded = std::move(text).append(qsizetype(simdjson::SIMDJSON_PADDING), '\0');
+    return parsed(QByteArrayView(padded).sliced(from).chopped(qsizetype(simdjson::SIMDJSON_PADDING)),
+                  Padding::Present);
 }
 
 bool SimdjsonFence::isUtf8(QByteArrayView bytes) noexcept
@@ -226,156 +229,21 @@ bool SimdjsonFence::isUtf8(QByteArrayView bytes) noexcept
 
 JSONValue JSONDocument::root() const noexcept
 {
-    const auto *parsed = static_cast<const ParsedText *>(m_storage.get());
-    return JSONValue(recast<JSONValue::Cursor>(parsed->root()));
+    return {m_tape.get(), JSONTape::root};
 }
 
 qsizetype JSONDocument::size() const noexcept
 {
-    return qsizetype(tapeSize(*static_cast<const ParsedText *>(m_storage.get())));
+    return qsizetype(m_tape->size());
 }
 
 std::shared_ptr<const void> JSONDocument::keepTexts(JSONDocument document)
 {
     // SimdjsonFence::parse() made the storage, and made it writable.
-    auto *parsed = static_cast<ParsedText *>(const_cast<void *>(document.m_storage.get()));
-    if (document.m_storage.use_count() == 1)
-        parsed->tape.reset();
-    return std::move(document.m_storage);
-}
-
-JSONValue::Kind JSONValue::kind() const noexcept
-{
-    switch (element(m_cursor).type()) {
-    case element_type::OBJECT:
-        return Kind::Object;
-    case element_type::ARRAY:
-        return Kind::Array;
-    case element_type::STRING:
-        return Kind::String;
-    case element_type::INT64:
-    case element_type::UINT64:
-    case element_type::DOUBLE:
-        return Kind::Number;
-    case element_type::BOOL:
-        return Kind::Boolean;
-    case element_type::NULL_VALUE:
-    // Newer headers have a type for big integers, which a parser produces only when the caller enables it.
-    default:
-        return Kind::Null;
-    }
-}
-
-QByteArrayView JSONValue::utf8() const noexcept
-{
-    return view(valueOrZero<std::string_view>(m_cursor));
-}
-
-JSONValue::NumberKind JSONValue::numberKind() const noexcept
-{
-    switch (element(m_cursor).type()) {
-    case element_type::INT64:
-        return NumberKind::Int64;
-    case element_type::UINT64:
-        return NumberKind::UInt64;
-    default:
-        return NumberKind::Double;
-    }
-}
-
-qint64 JSONValue::toInt64() const noexcept
-{
-    return valueOrZero<int64_t>(m_cursor);
-}
-
-quint64 JSONValue::toUInt64() const noexcept
-{
-    return valueOrZero<uint64_t>(m_cursor);
-}
-
-double JSONValue::toDouble() const noexcept
-{
-    const auto value = valueOrZero<double>(m_cursor);
-    return std::isnan(value) ? nearestDouble(wideNumber()) : value;
-}
-
-QByteArrayView JSONValue::wideNumber() const noexcept
-{
-    const auto index = wideIndex(valueOrZero<double>(m_cursor));
-    if (!index)
-        return {};
-    const auto *document = static_cast<const simdjson::dom::document *>(m_cursor.document);
-    const auto *parsed = static_cast<const ParsedText *>(document);
-    const size_t begin = *index == 0 ? 0 : parsed->wideEnds[size_t(*index) - 1];
-    const size_t end = parsed->wideEnds[size_t(*index)];
-    return QByteArrayView(parsed->wideDigits).sliced(qsizetype(begin), qsizetype(end - begin));
-}
-
-bool JSONValue::isTrue() const noexcept
-{
-    return valueOrZero<bool>(m_cursor);
-}
-
-JSONValue::Elements JSONValue::elements() const noexcept
-{
-    simdjson::dom::array array;
-    if (element(m_cursor).get(array) != simdjson::SUCCESS)
-        return {Elements::Iterator({}), Elements::Iterator({})};
-    return {Elements::Iterator(recast<Cursor>(array.begin())),
-            Elements::Iterator(recast<Cursor>(array.end()))};
-}
-
-JSONValue::Members JSONValue::members() const noexcept
-{
-    simdjson::dom::object object;
-    if (element(m_cursor).get(object) != simdjson::SUCCESS)
-        return {Members::Iterator({}), Members::Iterator({})};
-    return {Members::Iterator(recast<Cursor>(object.begin())),
-            Members::Iterator(recast<Cursor>(object.end()))};
-}
-
-qsizetype JSONValue::size() const noexcept
-{
-    simdjson::dom::array array;
-    if (element(m_cursor).get(array) == simdjson::SUCCESS)
-        return countedSize(array, array.size());
-    simdjson::dom::object object;
-    if (element(m_cursor).get(object) == simdjson::SUCCESS)
-        return countedSize(object, object.size());
-    return 0;
-}
-
-std::optional<JSONValue> JSONValue::member(QByteArrayView nameUtf8) const noexcept
-{
-    std::optional<JSONValue> found;
-    for (const auto &[name, value] : members()) {
-        if (name == nameUtf8)
-            found = value;
-    }
-    return found;
-}
-
-JSONValue JSONValue::Elements::Iterator::operator*() const noexcept
-{
-    return JSONValue(recast<Cursor>(*recast<simdjson::dom::array::iterator>(m_cursor)));
-}
-
-JSONValue::Elements::Iterator &JSONValue::Elements::Iterator::operator++() noexcept
-{
-    m_cursor = recast<Cursor>(++recast<simdjson::dom::array::iterator>(m_cursor));
-    return *this;
-}
-
-JSONValue::Members::Member JSONValue::Members::Iterator::operator*() const noexcept
-{
-    const auto iterator = recast<simdjson::dom::object::iterator>(m_cursor);
-    return {view(iterator.key()), JSONValue(recast<Cursor>(iterator.value()))};
-}
-
-JSONValue::Members::Iterator &JSONValue::Members::Iterator::operator++() noexcept
-{
-    m_cursor = recast<Cursor>(++recast<simdjson::dom::object::iterator>(m_cursor));
-    return *this;
+    auto *parsed = static_cast<ParsedText *>(const_cast<JSONTape *>(document.m_tape.get()));
+    if (document.m_tape.use_count() == 1)
+        parsed->document.tape.reset();
+    return std::move(document.m_tape);
 }
 
 } // namespace Quorvix

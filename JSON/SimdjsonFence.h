@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 
 #include <memory>
@@ -8,10 +9,14 @@
 /// its memory layout of a document. SimdjsonFence.cpp states its assumptions, and SimdjsonFenceTest has a row
 /// for each, so that the test fails with a release that breaks one of them.
 ///
-/// SimdjsonFence.cpp also defines the members of JSONValue and JSONDocument, because a value is a simdjson
-/// cursor and one more call would cost more than the access itself.
+/// JSONTape reads the tape that simdjson writes, whose format is documented. SimdjsonFence.cpp also defines
+/// the members of JSONDocument, which owns the tape.
 ///
 /// simdjson throws nothing here. Any thread.
+namespace Quorvix {
+class JSONTape;
+} // namespace Quorvix
+
 namespace Quorvix::SimdjsonFence {
 
 enum class Failure {
@@ -27,14 +32,16 @@ enum class Failure {
 
 struct Outcome
 {
-    /// The parsed data that the copies of a JSONDocument share; null when there is a failure.
-    std::shared_ptr<const void> storage;
+    /// The parsed data, which the copies of a JSONDocument share; null when there is a failure.
+    std::shared_ptr<const JSONTape> tape;
     Failure failure = Failure::NotJson;
 };
 
 /// Parses a whole text. The text needs no padding, and the caller may free it afterwards. A byte order mark
 /// is an error; an escape of a lone surrogate becomes U+FFFD.
 [[nodiscard]] Outcome parse(QByteArrayView text);
+/// Parses a text that nobody else needs, from the byte @p from on, without a copy of it.
+[[nodiscard]] Outcome parse(QByteArray &&text, qsizetype from);
 
 /// Whether bytes are well-formed UTF-8 (RFC 3629).
 [[nodiscard]] bool isUtf8(QByteArrayView bytes) noexcept;
