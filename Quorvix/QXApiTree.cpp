@@ -5,31 +5,100 @@
 #include "JSON/JSONReader.h"
 #include "JSON/StableSort.h"
 
+#include <QtCore/QtEndian>
+
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <string_view>
 
 using namespace Quorvix;
 
+namespace {
+
+/// A member of the object that is being read.
+struct Member
+{
+    /// The beginning of the name as a number, in the order of the names; see orderOf().
+    quint64 order;
+    const char *name;
+    /// The place of the value on the tape.
+    size_t value;
+};
+
+std::string_view nameOf(const Member &member) noexcept
+{
+    const QByteArrayView name = JSONTape::view(member.name);
+    return {name.data(), size_t(name.size())};
+}
+
+bool isLess(const Member &a, const Member &b) noexcept
+{
+    return a.order != b.order ? a.order < b.order : nameOf(a) < nameOf(b);
+}
+
+bool isSame(const Member &a, const Member &b) noexcept
+{
+    return a.order == b.order && nameOf(a) == nameOf(b);
+}
+
+/// The bytes of a name from @p skipped on, as far as a machine word holds them. Names that have the same
+/// beginning are in the order of these numbers, unless the numbers are equal.
+quint64 orderOf(QByteArrayView name, qsizetype skipped) noexcept
+{
+    constexpr qsizetype wordSize = sizeof(quint64);
+    static_assert(JSONTape::readable >= wordSize);
+    const qsizetype left = name.size() - skipped;
+    if (left >= wordSize)
+        return qFromBigEndian<quint64>(name.data() + skipped);
+    if (skipped > 0) {
+        quint64 word = 0;
+        std::memcpy(&word, name.data() + skipped, size_t(left));
+        return qFromBigEndian(word);
+    }
+    return left == 0 ? 0 : qFromBigEndian<quint64>(name.data()) & (~quint64(0) << 8 * (wordSize - left));
+}
+
+/// The size of the beginning that all names have.
+qsizetype commonBeginning(const std::vector<Member> &members) noexcept
+{
+    const QByteArrayView first = JSONTape::view(members.front().name);
+    qsizetype size = first.size();
+    for (const Member &member : members) {
+        const QByteArrayView name =
+            JSONTape::view(member.name).first(std::min(size, JSONTape::view(member.name).size()));
+        size = std::mismatch(name.begin(), name.end(), first.begin()).first - name.begin();
+    }
+    return size;
+}
+
+} // namespace
+
 /// Builds the tree with an explicit stack instead of recursion, so that deep nesting cannot overflow the
-/// call stack.
+/// call stack. Reads the tape in its order, and makes the nodes in the order of the tree.
 class QXApiTree::Builder final
 {
 public:
-    Builder(QXApiTree &tree, QXTaskSteps &steps) : m_tree(tree), m_steps(steps) {}
+    Builder(QXApiTree &tree, const JSONTape &tape, QXTaskSteps &steps)
+        : m_tree(tree), m_tape(tape), m_steps(steps)
+    {
+    }
 
     /// False once the task is cancelled. The tree is incomplete then.
-    bool build(const JSONValue &root)
+    bool build()
     {
-        setValue(m_tree.m_root, root);
-        while (!m_pending.empty() && m_goesOn) {
-            const Container container = m_pending.back();
-            m_pending.pop_back();
-            if (container.node->m_form == QXApiTreeField::Form::Array)
-                addElements(*container.node, container.value);
+        setValue(m_tree.m_root, JSONTape::root);
+        addChildren(m_tree.m_root);
+        while (!m_levels.empty() && m_goesOn) {
+            Level &level = m_levels.back();
+            QXApiTreeField *const container = std::find_if(
+                level.next, level.end, [](const QXApiTreeField &node) { return node.isContainer(); });
+            level.next = container == level.end ? container : container + 1;
+            if (container == level.end)
+                m_levels.pop_back();
             else
-                addMembers(*container.node, container.value);
+                addChildren(*container);
         }
         return m_goesOn;
     }
@@ -37,122 +106,151 @@ public:
 private:
     using Form = QXApiTreeField::Form;
 
-    struct Container
+    /// The children of a node, and the first of them that may be a container without children yet.
+    struct Level
     {
-        QXApiTreeField *node;
-        JSONValue value;
-    };
-    struct Member
-    {
-        std::string_view name;
-        JSONValue value;
+        QXApiTreeField *next;
+        QXApiTreeField *end;
     };
 
-    void setValue(QXApiTreeField &node, const JSONValue &value)
+    /// Returns the place behind the value. A container knows its place until it has its children.
+    size_t setValue(QXApiTreeField &node, size_t place)
     {
-        const JSONValue::Kind kind = value.kind();
-        m_done += JSONValue::extent(kind);
-        m_goesOn = m_steps.goOn(m_done);
-        switch (kind) {
-        case JSONValue::Kind::Object:
-            node.m_form = Form::Object;
-            m_pending.push_back({&node, value});
+        size_t next = place + 1;
+        switch (m_tape.type(place)) {
+        case JSONTape::Object:
+        case JSONTape::Array:
+            node.m_form = m_tape.type(place) == JSONTape::Object ? Form::Object : Form::Array;
+            node.m_uint64 = place;
+            m_hasContainer = true;
+            ++m_done;
+            next = m_tape.after(place);
             break;
-        case JSONValue::Kind::Array:
-            node.m_form = Form::Array;
-            m_pending.push_back({&node, value});
-            break;
-        case JSONValue::Kind::String:
+        case JSONTape::String:
             node.m_form = Form::String;
-            setText(node.m_text, node.m_size, value.utf8());
+            node.m_text = m_tape.stored(place);
             break;
-        case JSONValue::Kind::Number:
-            setNumber(node, value);
+        case JSONTape::Int64:
+            node.m_form = Form::Int64;
+            node.m_uint64 = m_tape.bits(place);
+            ++m_done, ++next;
             break;
-        case JSONValue::Kind::Boolean:
-            node.m_form = value.isTrue() ? Form::True : Form::False;
+        case JSONTape::UInt64:
+            node.m_form = Form::UInt64;
+            node.m_uint64 = m_tape.bits(place);
+            ++m_done, ++next;
             break;
-        case JSONValue::Kind::Null:
+        case JSONTape::Double:
+            setDouble(node, place);
+            ++m_done, ++next;
+            break;
+        case JSONTape::True:
+            node.m_form = Form::True;
+            break;
+        case JSONTape::False:
+            node.m_form = Form::False;
+            break;
+        default:
             node.m_form = Form::Null;
             break;
         }
+        m_goesOn = m_steps.goOn(++m_done);
+        return next;
     }
 
-    void setNumber(QXApiTreeField &node, const JSONValue &value)
+    void setDouble(QXApiTreeField &node, size_t place)
     {
-        if (const QByteArrayView digits = value.wideNumber(); !digits.isEmpty()) {
-            node.m_form = Form::WideNumber;
-            setText(node.m_text, node.m_size, digits);
-            return;
-        }
-        switch (value.numberKind()) {
-        case JSONValue::NumberKind::Int64:
-            node.m_form = Form::Int64;
-            node.m_int64 = value.toInt64();
-            break;
-        case JSONValue::NumberKind::UInt64:
-            node.m_form = Form::UInt64;
-            node.m_uint64 = value.toUInt64();
-            break;
-        case JSONValue::NumberKind::Double:
+        const QByteArrayView wide = m_tape.wideNumber(place);
+        if (wide.isEmpty()) {
             node.m_form = Form::Double;
-            node.m_double = value.toDouble();
-            break;
-        }
-    }
-
-    void addElements(QXApiTreeField &node, const JSONValue &array)
-    {
-        QXApiTreeField *child = addChildren(node, size_t(array.size()));
-        for (const JSONValue &element : array.elements()) {
-            setValue(makeChild(child++, node), element);
-            if (!m_goesOn)
-                return;
-        }
-    }
-
-    void addMembers(QXApiTreeField &node, const JSONValue &object)
-    {
-        if (!readMembers(object))
+            node.m_uint64 = m_tape.bits(place);
             return;
-        QXApiTreeField *child = addChildren(node, m_members.size());
+        }
+        // The parser accepts no text of 4 GB or more, so the size fits.
+        node.m_form = Form::WideNumber;
+        node.m_text = wide.data();
+        node.m_size = quint32(wide.size());
+    }
+
+    void addChildren(QXApiTreeField &node)
+    {
+        if (!node.isContainer())
+            return;
+        m_hasContainer = false;
+        const size_t place = node.m_uint64;
+        if (node.m_form == Form::Array)
+            addElements(node, place);
+        else
+            addMembers(node, place);
+        if (m_hasContainer)
+            m_levels.push_back({node.m_children, node.m_children + node.m_size});
+    }
+
+    void addElements(QXApiTreeField &node, size_t array)
+    {
+        QXApiTreeField *child = allocateChildren(node, countOf(array));
+        const size_t end = m_tape.lastOf(array);
+        for (size_t at = array + 1; at < end && m_goesOn;)
+            at = setValue(makeChild(child++, node), at);
+    }
+
+    void addMembers(QXApiTreeField &node, size_t object)
+    {
+        readMembers(object);
+        if (!sortMembers())
+            return;
+        QXApiTreeField *child = allocateChildren(node, m_members.size());
         for (const Member &member : m_members) {
             ++m_done;
             QXApiTreeField &made = makeChild(child++, node);
-            setText(made.m_name, made.m_nameSize, {member.name.data(), qsizetype(member.name.size())});
+            made.m_name = member.name;
             setValue(made, member.value);
             if (!m_goesOn)
                 return;
         }
     }
 
-    /// Sorts the members by name. If several members have the same name, only the last one is kept. False
-    /// once the task is cancelled.
-    bool readMembers(const JSONValue &object)
+    void readMembers(size_t object)
     {
         m_members.clear();
-        for (const auto &[name, value] : object.members())
-            m_members.push_back({{name.data(), size_t(name.size())}, value});
+        m_members.reserve(m_tape.keptCount(object));
+        const size_t end = m_tape.lastOf(object);
+        for (size_t at = object + 1; at < end; at = m_tape.after(at + 1)) {
+            const char *const name = m_tape.stored(at);
+            m_members.push_back({orderOf(JSONTape::view(name), 0), name, at + 1});
+        }
+    }
 
-        const auto isNotBefore = [](const Member &a, const Member &b) {
-            return a.name >= b.name;
-        };
-        if (std::adjacent_find(m_members.cbegin(), m_members.cend(), isNotBefore) == m_members.cend())
-            return true;
-        // The reversed order puts the last member of each name first; std::unique keeps the first one.
-        std::reverse(m_members.begin(), m_members.end());
-        m_goesOn = stableSort(
-            m_members.begin(), m_members.end(),
-            [](const Member &a, const Member &b) { return a.name < b.name; },
-            [this] { return m_steps.goOn(); });
-        const auto end = std::unique(m_members.begin(), m_members.end(),
-                                     [](const Member &a, const Member &b) { return a.name == b.name; });
-        m_members.erase(end, m_members.end());
+    /// Sorts the members by name. If several members have the same name, only the last one is kept. False
+    /// once the task is cancelled.
+    bool sortMembers()
+    {
+        constexpr size_t few = 64;
+        if (m_members.size() > few) {
+            const qsizetype skipped = commonBeginning(m_members);
+            for (Member &member : m_members)
+                member.order = orderOf(JSONTape::view(member.name), skipped);
+        }
+        m_goesOn = stableSort(m_members.begin(), m_members.end(), isLess, [this] { return m_steps.goOn(); });
+        // std::unique() keeps the first of several, which is the last one from behind.
+        const auto kept = std::unique(m_members.rbegin(), m_members.rend(), isSame).base();
+        m_members.erase(m_members.begin(), kept);
         return m_goesOn;
     }
 
+    [[nodiscard]] size_t countOf(size_t array) const
+    {
+        const size_t kept = m_tape.keptCount(array);
+        if (kept < JSONTape::saturatedCount)
+            return kept;
+        size_t count = 0;
+        for (size_t at = array + 1; at < m_tape.lastOf(array); at = m_tape.after(at))
+            ++count;
+        return count;
+    }
+
     /// Makes room for the children. makeChild() makes each of them.
-    QXApiTreeField *addChildren(QXApiTreeField &node, size_t count)
+    QXApiTreeField *allocateChildren(QXApiTreeField &node, size_t count)
     {
         node.m_size = quint32(count);
         node.m_children = count > 0 ? m_tree.m_nodes.allocate(count) : nullptr;
@@ -168,19 +266,14 @@ private:
         return *child;
     }
 
-    /// The tree keeps the texts of the document. The parser accepts no text of 4 GB or more, so the size
-    /// fits.
-    static void setText(const char *&text, quint32 &size, QByteArrayView stored)
-    {
-        text = stored.data();
-        size = quint32(stored.size());
-    }
-
     QXApiTree &m_tree;
+    const JSONTape &m_tape;
     QXTaskSteps &m_steps;
     qsizetype m_done = 0;
     bool m_goesOn = true;
-    std::vector<Container> m_pending;
+    bool m_hasContainer = false;
+    /// The nodes whose children are not all complete, from the root down.
+    std::vector<Level> m_levels;
     /// The members of the object that is being read. It is a data member so that its memory is reused.
     std::vector<Member> m_members;
 };
@@ -188,9 +281,9 @@ private:
 std::shared_ptr<QXApiTreeField> QXApiTree::make(JSONDocument document, QXTaskSteps steps)
 {
     static_assert(JSONReader::maximumDepth <= std::numeric_limits<quint16>::max());
-    const std::shared_ptr<QXApiTree> tree(new QXApiTree);
+    const std::shared_ptr<QXApiTree> tree(new QXApiTree(JSONTape::fewestValues(document.tape().size())));
     tree->m_root.m_owner = tree.get();
-    if (!Builder(*tree, steps).build(document.root()))
+    if (!Builder(*tree, document.tape(), steps).build())
         return nullptr;
     tree->m_texts = JSONDocument::keepTexts(std::move(document));
     return {tree, &tree->m_root};
@@ -201,16 +294,15 @@ QXApiTreeField *QXApiTree::Arena::allocate(size_t count)
     // Freeing a tree frees its chunks only, however many nodes there are.
     static_assert(std::is_trivially_destructible_v<QXApiTreeField>);
     const auto addChunk = [this](size_t size) {
-        auto &chunk = m_chunks.emplace_back(new std::byte[size * sizeof(QXApiTreeField)]);
-        return reinterpret_cast<QXApiTreeField *>(chunk.get());
+        const LargeMemory::Block &chunk = m_chunks.emplace_back(size * sizeof(QXApiTreeField));
+        return reinterpret_cast<QXApiTreeField *>(chunk.data());
     };
-    // A large array gets a chunk of its own, so that the rest of the current chunk is not lost.
-    if (count > m_chunkSize / 4)
-        return addChunk(count);
     if (count > m_left) {
+        // A large array gets a chunk of its own, so that the rest of the current chunk is not lost.
+        if (count > m_chunkSize / 4)
+            return addChunk(count);
         m_next = addChunk(m_chunkSize);
         m_left = m_chunkSize;
-        m_chunkSize = std::min(m_chunkSize * 2, largestChunk);
     }
     m_left -= count;
     return std::exchange(m_next, m_next + count);

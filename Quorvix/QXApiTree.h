@@ -2,6 +2,9 @@
 
 #include "Quorvix/QXApiTreeField.h"
 
+#include "Platform/LargeMemory.h"
+
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -37,19 +40,28 @@ private:
     class Arena
     {
     public:
+        /// There will be @p certain nodes or more. Later chunks are an eighth of the first one.
+        explicit Arena(size_t certain) : m_chunkSize(std::max(certain / 8, smallestChunk))
+        {
+            m_chunks.emplace_back(certain * sizeof(QXApiTreeField));
+            m_next = reinterpret_cast<QXApiTreeField *>(m_chunks.front().data());
+            m_left = certain;
+        }
+
         /// The nodes are not constructed, and large arrays take no physical memory until they are.
         QXApiTreeField *allocate(size_t count);
 
     private:
-        static constexpr size_t largestChunk = 16384;
+        static constexpr size_t smallestChunk = 64;
 
-        std::vector<std::unique_ptr<std::byte[]>> m_chunks;
+        std::vector<Quorvix::LargeMemory::Block> m_chunks;
         QXApiTreeField *m_next = nullptr;
         size_t m_left = 0;
-        size_t m_chunkSize = 64;
+        size_t m_chunkSize;
     };
 
-    QXApiTree() = default;
+    /// The text has @p certain values or more.
+    explicit QXApiTree(size_t certain) : m_nodes(certain) {}
 
     Arena m_nodes;
     std::shared_ptr<const void> m_texts;

@@ -1,6 +1,7 @@
 #include "Quorvix/QXApiTreeField.h"
 
 #include "Platform/Localized.h"
+#include "JSON/JSONTape.h"
 #include "JSON/JSONWideNumbers.h"
 #include "JSON/JSONWriter.h"
 
@@ -164,10 +165,10 @@ std::optional<QString> QXApiTreeField::rowText() const
 
 QByteArrayView QXApiTreeField::nameUtf8() const noexcept
 {
-    return m_parent ? QByteArrayView(m_name, m_nameSize) : QByteArrayView();
+    return m_parent && m_name ? JSONTape::view(m_name) : QByteArrayView();
 }
 
 QByteArrayView QXApiTreeField::textUtf8() const noexcept
 {
-    return m_form == Form::String ? QByteArrayView(m_text, m_size) : QByteArrayView();
+    return m_form == Form::String ? JSONTape::view(m_text) : QByteArrayView();
 }

@@ -88,20 +88,20 @@ private:
     QXApiTreeField *m_parent = nullptr;
     union {
         QXApiTreeField *m_children;
+        /// For a string, a text of the tape, whose size is kept before it.
         const char *m_text;
         qint64 m_int64;
         quint64 m_uint64;
         double m_double;
     };
     union {
-        /// The name, if the parent is an object.
+        /// The name, if the parent is an object: a text of the tape.
         const char *m_name;
         /// The owner, if this is the root.
         Owner *m_owner;
     };
-    /// The number of children, or of bytes of text.
+    /// The number of children, or of characters of a wide number.
     quint32 m_size = 0;
-    quint32 m_nameSize = 0;
     quint16 m_depth = 0;
     Form m_form = Form::Null;
     bool m_isExpanded = false;

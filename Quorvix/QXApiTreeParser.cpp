@@ -23,22 +23,10 @@ NSError invalidTextError()
     return {u"LogTreeParser"_s, -1, QCoreApplication::translate("Quorvix", "Invalid UTF-8 string")};
 }
 
-} // namespace
-
-Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QStringView text, QXTaskProgress *progress)
+Result<QXApiTreeParser::Fields> treeOf(Result<JSONDocument> document, QXTaskProgress *progress)
 {
-    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
-    const QByteArray utf8 = encoder.encode(text);
-    return encoder.hasError() ? invalidTextError() : parse(QByteArrayView(utf8), progress);
-}
-
-Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QByteArrayView utf8, QXTaskProgress *progress)
-{
-    if (!beginStage(progress, readingShare))
-        return cancelledError();
-    Result<JSONDocument> document = JSONReader::parse(utf8);
     if (!document)
-        return isValidUtf8(utf8) ? document.error() : invalidTextError();
+        return document.error();
     if (!beginStage(progress, 1))
         return cancelledError();
     const QXTaskSteps steps(progress, document.value().size());
@@ -46,7 +34,30 @@ Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QByteArrayView utf8, QXTa
     if (!root)
         return cancelledError();
     finish(progress);
-    return Fields{std::move(root)};
+    return QXApiTreeParser::Fields{std::move(root)};
+}
+
+} // namespace
+
+Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QStringView text, QXTaskProgress *progress)
+{
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    QByteArray utf8 = encoder.encode(text);
+    if (encoder.hasError())
+        return invalidTextError();
+    if (!beginStage(progress, readingShare))
+        return cancelledError();
+    return treeOf(JSONReader::parseAndFree(std::move(utf8)), progress);
+}
+
+Result<QXApiTreeParser::Fields> QXApiTreeParser::parse(QByteArrayView utf8, QXTaskProgress *progress)
+{
+    if (!beginStage(progress, readingShare))
+        return cancelledError();
+    Result<JSONDocument> document = JSONReader::parse(utf8);
+    if (!document && !isValidUtf8(utf8))
+        return invalidTextError();
+    return treeOf(std::move(document), progress);
 }
 
 Result<QString> QXApiTreeParser::swiftModel(const QXApiTreeField &root, const QString &rootName,
