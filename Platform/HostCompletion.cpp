@@ -5,58 +5,12 @@
 #include <QtCore/QCoreApplication>
 
 #include <mutex>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace Quorvix {
 
 namespace {
-
-/// Owns all handlers. It never destroys one while it holds its lock, because the destructors of a host can
-/// make or drop tasks.
-class Registry
-{
-public:
-    using Number = quint64;
-
-    static Registry &instance()
-    {
-        static auto *const registry = new Registry;
-        return *registry;
-    }
-
-    Number add(DataTaskCompletionHandler handler)
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_handlers.emplace(++m_last, std::move(handler));
-        return m_last;
-    }
-
-    DataTaskCompletionHandler take(Number number)
-    {
-        const std::scoped_lock lock(m_mutex);
-        auto found = m_handlers.extract(number);
-        return found ? std::move(found.mapped()) : nullptr;
-    }
-
-    void clear()
-    {
-        Handlers removed;
-        const std::scoped_lock lock(m_mutex);
-        removed.swap(m_handlers);
-    }
-
-private:
-    using Handlers = std::unordered_map<Number, DataTaskCompletionHandler>;
-
-    std::mutex m_mutex;
-    Handlers m_handlers;
-    Number m_last = 0;
-};
-
-void destroy(Registry::Number number)
-{
-    const auto handler = Registry::instance().take(number);
-}
 
 /// What the handlers have captured must not outlive the application.
 void followApplication()
@@ -68,35 +22,65 @@ void followApplication()
 
 Q_COREAPP_STARTUP_FUNCTION(followApplication)
 
-struct HostCompletion::Ticket
+/// All objects that have a handler, newest first. No handler is destroyed while the lock is held, because the
+/// destructors of a host can make or drop tasks.
+struct HostCompletion::Handlers
 {
-    explicit Ticket(Registry::Number ticketNumber) : number(ticketNumber) {}
-    Q_DISABLE_COPY_MOVE(Ticket)
-    ~Ticket()
+    static Handlers &instance()
     {
-        if (MainActor::isCurrent())
-            destroy(number);
-        else
-            MainActor::schedule([number = number] { destroy(number); });
+        static auto *const handlers = new Handlers;
+        return *handlers;
     }
 
-    const Registry::Number number;
+    std::mutex mutex;
+    HostCompletion *first = nullptr;
 };
 
 HostCompletion::HostCompletion(DataTaskCompletionHandler handler)
-    : m_ticket(std::make_shared<const Ticket>(Registry::instance().add(std::move(handler))))
 {
+    if (!handler)
+        return;
+    m_handler = std::move(handler);
+    Handlers &handlers = Handlers::instance();
+    const std::scoped_lock lock(handlers.mutex);
+    m_next = std::exchange(handlers.first, this);
+    if (m_next)
+        m_next->m_previous = this;
 }
 
-DataTaskCompletionHandler HostCompletion::take() const
+HostCompletion::~HostCompletion()
+{
+    DataTaskCompletionHandler handler = withdraw();
+    if (handler && !MainActor::isCurrent())
+        MainActor::schedule([handler = std::move(handler)] {});
+}
+
+/// Takes the handler from the list.
+DataTaskCompletionHandler HostCompletion::withdraw()
+{
+    Handlers &handlers = Handlers::instance();
+    const std::scoped_lock lock(handlers.mutex);
+    if (!m_handler)
+        return nullptr;
+    (m_previous ? m_previous->m_next : handlers.first) = m_next;
+    if (m_next)
+        m_next->m_previous = m_previous;
+    return std::exchange(m_handler, nullptr);
+}
+
+DataTaskCompletionHandler HostCompletion::take()
 {
     Q_ASSERT(MainActor::isCurrent());
-    return m_ticket ? Registry::instance().take(m_ticket->number) : nullptr;
+    return withdraw();
 }
 
 void HostCompletion::destroyAll()
 {
-    Registry::instance().clear();
+    std::vector<DataTaskCompletionHandler> removed;
+    Handlers &handlers = Handlers::instance();
+    const std::scoped_lock lock(handlers.mutex);
+    for (HostCompletion *entry = std::exchange(handlers.first, nullptr); entry; entry = entry->m_next)
+        removed.push_back(std::exchange(entry->m_handler, nullptr));
 }
 
 } // namespace Quorvix

@@ -37,7 +37,8 @@ public:
 
     void post(std::function<void()> task)
     {
-        m_mailbox.post(std::move(task));
+        if (m_mailbox.post(std::move(task)))
+            return;
         const std::scoped_lock lock(m_mutex);
         startIfNeeded();
     }
@@ -53,12 +54,12 @@ public:
 
     void applicationEnds()
     {
-        QObject *receiver = nullptr;
+        TaskMailbox::Remains remains;
         std::unique_ptr<Thread> ending;
         {
             const std::scoped_lock lock(m_mutex);
             m_isApplicationRunning = false;
-            receiver = m_mailbox.close();
+            remains = m_mailbox.close();
             ending = std::move(m_thread);
         }
         if (!ending)
@@ -67,8 +68,8 @@ public:
         // in the queue are dropped here, and running exchanges in their own thread: the receiver deletes its
         // children, the network access managers with their replies, in the thread that they live in.
         ending->requestInterruption();
-        QCoreApplication::removePostedEvents(receiver);
-        receiver->deleteLater();
+        remains.tasks.clear();
+        remains.receiver->deleteLater();
         ending->quit();
         if (!ending->wait(QDeadlineTimer(shutdownTimeout)))
             m_lateThreads.push_back(std::move(ending));

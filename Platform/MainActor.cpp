@@ -5,10 +5,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThread>
 
-#include <atomic>
-#include <list>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -22,64 +19,27 @@ TaskMailbox &mailbox()
     return *mailbox;
 }
 
-/// The reports whose tasks have not been destroyed yet, oldest first.
-struct Reports
+/// A task that can run at the end of the application, or something else in its place.
+class ReportTask final : public MailboxTask
 {
-    struct Report
+public:
+    ReportTask(std::function<void()> task, std::function<void()> reportAlone)
+        : m_task(std::move(task)), m_report(std::move(reportAlone))
     {
-        explicit Report(std::function<void()> reportedTask, std::function<void()> reportAlone)
-            : task(std::move(reportedTask)), report(std::move(reportAlone))
-        {
-        }
-        Q_DISABLE_COPY_MOVE(Report)
-        ~Report() { instance().remove(place); }
-
-        std::function<void()> task;
-        /// Null if the task itself can run at the end.
-        std::function<void()> report;
-        bool hasRun = false;
-        std::list<std::weak_ptr<Report>>::iterator place;
-    };
-
-    static Reports &instance()
-    {
-        static auto *const reports = new Reports;
-        return *reports;
     }
 
-    void add(const std::shared_ptr<Report> &report)
+    void run() override { m_task(); }
+    bool report() override
     {
-        const std::scoped_lock lock(mutex);
-        report->place = list.insert(list.end(), report);
+        m_report ? m_report() : m_task();
+        return true;
     }
 
-    void remove(std::list<std::weak_ptr<Report>>::iterator place)
-    {
-        const std::scoped_lock lock(mutex);
-        list.erase(place);
-    }
-
-    void flush()
-    {
-        std::vector<std::shared_ptr<Report>> pending;
-        {
-            const std::scoped_lock lock(mutex);
-            for (const auto &entry : list) {
-                if (auto report = entry.lock())
-                    pending.push_back(std::move(report));
-            }
-        }
-        for (const auto &report : pending) {
-            if (!std::exchange(report->hasRun, true))
-                report->report ? report->report() : report->task();
-        }
-    }
-
-    std::mutex mutex;
-    std::list<std::weak_ptr<Report>> list;
+private:
+    const std::function<void()> m_task;
+    /// Null if the task itself can run at the end.
+    const std::function<void()> m_report;
 };
-
-std::atomic<bool> areReportsKept = true;
 
 std::vector<ApplicationEnd::Routine> &endRoutines()
 {
@@ -91,7 +51,8 @@ void applicationEnds()
 {
     for (const auto routine : std::exchange(endRoutines(), {}))
         routine();
-    delete mailbox().close();
+    const TaskMailbox::Remains remains = mailbox().close();
+    delete remains.receiver;
 }
 
 void followApplication()
@@ -116,25 +77,17 @@ void MainActor::scheduleReport(std::function<void()> task)
 
 void MainActor::scheduleReport(std::function<void()> task, std::function<void()> report)
 {
-    if (!areReportsKept)
-        return schedule(std::move(task));
-    auto made = std::make_shared<Reports::Report>(std::move(task), std::move(report));
-    Reports::instance().add(made);
-    // Moved, so that what the task has captured is never destroyed by this thread.
-    schedule([made = std::move(made)] {
-        if (!std::exchange(made->hasRun, true))
-            made->task();
-    });
+    post(std::make_shared<ReportTask>(std::move(task), std::move(report)));
 }
 
-void MainActor::keepReports(bool keep)
+void MainActor::post(MailboxTaskPtr task)
 {
-    areReportsKept = keep;
+    mailbox().post(std::move(task));
 }
 
 void MainActor::flushReports()
 {
-    Reports::instance().flush();
+    mailbox().reportWaitingTasks();
 }
 
 void MainActor::callAtEnd(ApplicationEnd::Routine routine)

@@ -4,8 +4,11 @@
 #include "Platform/PlatformGlobal.h"
 
 #include <functional>
+#include <memory>
 
 namespace Quorvix {
+
+class MailboxTask;
 
 /// The application's thread: the one in which its QCoreApplication lives.
 namespace MainActor {
@@ -21,9 +24,9 @@ void scheduleReport(std::function<void()> task);
 /// Schedules @p task. If it has not run at the end of the application, flushReports() runs @p report in its
 /// place, which must not call the host. Any thread.
 void scheduleReport(std::function<void()> task, std::function<void()> report);
-/// Whether reports are kept for flushReports(), as they are at first. Keeping them costs as much as
-/// scheduling. Any thread.
-void keepReports(bool keep);
+/// Schedules @p task, and its MailboxTask::report() for flushReports(): for what many exchanges need. Any
+/// thread.
+void post(std::shared_ptr<MailboxTask> task);
 /// Runs the reports whose tasks have not run, in the order in which they were scheduled. Their tasks are as
 /// good as run then. On the application's thread, at its end.
 void flushReports();

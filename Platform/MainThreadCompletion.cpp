@@ -6,43 +6,28 @@
 
 namespace Quorvix {
 
-namespace {
-
-void callHost(const std::optional<QByteArray> &data, const NSURLResponsePtr &response,
-              const std::optional<NSError> &error, const DataTaskCompletionHandler &host)
+void MainThreadCompletion::Delivery::deliver(const DataTaskCompletionHandler &host)
 {
     if (host)
-        host(data, response, error);
+        host(m_outcome.data, m_outcome.response, m_outcome.error);
 }
 
-} // namespace
-
 MainThreadCompletion::MainThreadCompletion(DataTaskCompletionHandler host)
-    : MainThreadCompletion(std::move(host), callHost, nullptr)
+    : MainThreadCompletion(std::make_shared<Delivery>(std::move(host)))
 {
 }
 
-MainThreadCompletion::MainThreadCompletion(DataTaskCompletionHandler host, Deliver deliver, Report report)
-    : m_host(std::move(host)), m_deliver(std::move(deliver)), m_report(std::move(report))
+MainThreadCompletion::MainThreadCompletion(std::shared_ptr<Delivery> delivery)
+    : m_delivery(std::move(delivery))
 {
 }
 
 void MainThreadCompletion::operator()(std::optional<QByteArray> data, NSURLResponsePtr response,
                                       std::optional<NSError> error)
 {
-    std::function<void()> report;
-    if (m_report)
-        report = [report = std::move(m_report), data, response, error] {
-            report(data, response, error);
-        };
-    auto task = [host = std::move(m_host), deliver = std::move(m_deliver), data = std::move(data),
-                 response = std::move(response), error = std::move(error)] {
-        deliver(data, response, error, host.take());
-    };
-    if (report)
-        MainActor::scheduleReport(std::move(task), std::move(report));
-    else
-        MainActor::schedule(std::move(task));
+    m_delivery->m_outcome = {std::move(data), std::move(response), std::move(error)};
+    // Moved, so that the last owner of what the host has captured is on the main thread.
+    MainActor::post(std::move(m_delivery));
 }
 
 } // namespace Quorvix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/HostCompletion.h"
+#include "Platform/TaskMailbox.h"
 
 namespace Quorvix {
 
@@ -12,26 +13,43 @@ namespace Quorvix {
 class MainThreadCompletion final
 {
 public:
-    /// Runs on the main thread, with the outcome and the host's handler.
-    using Deliver = std::function<void(const std::optional<QByteArray> &, const NSURLResponsePtr &,
-                                       const std::optional<NSError> &, const DataTaskCompletionHandler &)>;
+    /// All that a delivery needs, in one piece: most programs make one for each of their exchanges.
+    class Delivery : public MailboxTask
+    {
+    public:
+        explicit Delivery(DataTaskCompletionHandler host) : m_host(std::move(host)) {}
 
-    /// Runs on the main thread if the application ends before the delivery; see MainActor::scheduleReport().
-    using Report = std::function<void(const std::optional<QByteArray> &, const NSURLResponsePtr &,
-                                      const std::optional<NSError> &)>;
+    protected:
+        /// What the task has ended with.
+        struct Outcome
+        {
+            std::optional<QByteArray> data;
+            NSURLResponsePtr response;
+            std::optional<NSError> error;
+        };
+
+        /// Calls @p host, which may be null. On the main thread.
+        virtual void deliver(const DataTaskCompletionHandler &host);
+        /// The same from the call of the completion handler on.
+        [[nodiscard]] const Outcome &outcome() const noexcept { return m_outcome; }
+
+    private:
+        friend class MainThreadCompletion;
+        void run() final { deliver(m_host.take()); }
+
+        HostCompletion m_host;
+        Outcome m_outcome;
+    };
 
     /// Calls @p host.
     explicit MainThreadCompletion(DataTaskCompletionHandler host);
-    /// Calls @p deliver in place of @p host.
-    MainThreadCompletion(DataTaskCompletionHandler host, Deliver deliver, Report report);
+    /// Runs @p delivery.
+    explicit MainThreadCompletion(std::shared_ptr<Delivery> delivery);
 
     void operator()(std::optional<QByteArray> data, NSURLResponsePtr response, std::optional<NSError> error);
 
 private:
-    HostCompletion m_host;
-    Deliver m_deliver;
-    /// May be null.
-    Report m_report;
+    std::shared_ptr<Delivery> m_delivery;
 };
 
 } // namespace Quorvix

@@ -90,6 +90,9 @@ bool QXBreakpointCenter::check(const URLRequest &request, const QString &request
         }
         m_skipUntil.reset();
     }
+    // Nearly always there is no rule, and nothing has been held.
+    if (!m_lastContinuedKey && QXBreakpointStore::shared().rules().isEmpty())
+        return false;
     const auto key = QXBreakpointKey::make(request.url, request.httpMethod);
     if (m_lastContinuedKey && key == m_lastContinuedKey && m_now() < m_skipUntil.value_or(TimePoint::min())) {
         QXLog::log(QXLogLevel::debug, QStringLiteral("[Breakpoint] skip same endpoint during cooldown"));

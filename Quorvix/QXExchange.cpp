@@ -7,9 +7,10 @@
 #include "Platform/MainActor.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QRandomGenerator>
 #include <QtCore/QScopedValueRollback>
-#include <QtCore/QUuid>
 
+#include <array>
 #include <utility>
 
 using namespace Quorvix;
@@ -18,6 +19,23 @@ namespace {
 
 /// Whether the recorder changes now: its observers may themselves begin or end an exchange. Main thread only.
 bool isReporting = false;
+
+/// The bytes of one identifier. To ask the system for few random bytes takes about as long as for many, and
+/// longer than all else that the start of an exchange costs. A child that goes on after fork() without exec()
+/// can repeat those of a few exchanges, in a list of its own.
+QByteArrayView nextRandomBytes()
+{
+    constexpr size_t size = 16;
+    static thread_local std::array<quint64, 32> random;
+    static thread_local size_t used = sizeof random;
+    if (used == sizeof random) {
+        QRandomGenerator::system()->fillRange(random.data(), qsizetype(random.size()));
+        used = 0;
+    }
+    const QByteArrayView bytes(reinterpret_cast<const char *>(random.data()) + used, size);
+    used += size;
+    return bytes;
+}
 
 void followApplication()
 {
@@ -30,8 +48,23 @@ Q_COREAPP_STARTUP_FUNCTION(followApplication)
 
 QString QXExchange::makeId()
 {
-    const QByteArray text = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
-    return QString::fromLatin1(text);
+    constexpr QLatin1StringView digits{"0123456789ABCDEF"};
+    const QByteArrayView bytes = nextRandomBytes();
+    QString id(36, Qt::Uninitialized);
+    QChar *place = id.data();
+    for (int i = 0; i < bytes.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10)
+            *place++ = u'-';
+        auto byte = uchar(bytes[i]);
+        // The version and the variant (RFC 9562, 5.4)
+        if (i == 6)
+            byte = (byte & 0x0F) | 0x40;
+        else if (i == 8)
+            byte = (byte & 0x3F) | 0x80;
+        *place++ = digits[byte >> 4];
+        *place++ = digits[byte & 0x0F];
+    }
+    return id;
 }
 
 QXExchange::QXExchange(const URLRequest &request)

@@ -40,7 +40,6 @@ bool QXExitArchive::begin()
     if (!assignment.path.isEmpty())
         return true;
     QString name = qEnvironmentVariable("QUORVIX_HAR");
-    MainActor::keepReports(!name.isEmpty());
     if (name.isEmpty())
         return false;
     assignment.processId = QCoreApplication::applicationPid();

@@ -23,39 +23,74 @@ constexpr QByteArrayView hookedSelector{"qx_hookedDataTaskWith:completionHandler
 /// The method of hookedSelector. It is our own before the exchange and the platform's after it.
 std::atomic<const Method *> hookedMethod = nullptr;
 
-/// Reports the end of an exchange to the breakpoint center, the recorder and the host, in this order. Main
-/// thread.
-void finish(const URLRequest &request, const QString &identifier, const std::optional<QByteArray> &data,
-            const NSURLResponsePtr &response, const std::optional<NSError> &error,
-            const DataTaskCompletionHandler &completion)
+/// One captured exchange: first the task that records its start, then the one that reports its end.
+class Exchange final : public MainThreadCompletion::Delivery
 {
-    if (QXBreakpointCenter::shared().check(request, identifier, data, response, error, completion))
-        return;
-    QXRequestRecorder::shared().complete(identifier, response, data, error);
-    if (completion)
-        completion(data, response, error);
-}
+public:
+    Exchange(const URLRequest &request, DataTaskCompletionHandler host)
+        : Delivery(std::move(host)), m_request(request), m_start(*this)
+    {
+    }
+
+    /// The task that records the start. It shares the life of the exchange.
+    static MailboxTaskPtr start(const std::shared_ptr<Exchange> &exchange)
+    {
+        return {exchange, &exchange->m_start};
+    }
+
+private:
+    class Start final : public MailboxTask
+    {
+    public:
+        explicit Start(const Exchange &exchange) : m_exchange(exchange) {}
+
+        void run() override
+        {
+            QXRequestRecorder::shared().record(m_exchange.m_identifier, m_exchange.m_request);
+        }
+        bool report() override
+        {
+            run();
+            return true;
+        }
+
+    private:
+        const Exchange &m_exchange;
+    };
+
+    /// Reports to the breakpoint center, the recorder and the host, in this order.
+    void deliver(const DataTaskCompletionHandler &host) override
+    {
+        const auto &[data, response, error] = outcome();
+        if (QXBreakpointCenter::shared().check(m_request, m_identifier, data, response, error, host))
+            return;
+        QXRequestRecorder::shared().complete(m_identifier, response, data, error);
+        if (host)
+            host(data, response, error);
+    }
+
+    bool report() override
+    {
+        QXRequestRecorder::shared().complete(m_identifier, outcome().response, outcome().data,
+                                             outcome().error);
+        return true;
+    }
+
+    const QString m_identifier = QXExchange::makeId();
+    const URLRequest m_request;
+    Start m_start;
+};
 
 /// Replaces the session's data-task method. It runs on the host's thread, so it only schedules work on the
 /// main thread.
 NSURLSessionDataTaskPtr hookedDataTask(NSURLSession &session, const URLRequest &request,
                                        DataTaskCompletionHandler completion)
 {
-    const QString identifier = QXExchange::makeId();
-    MainActor::scheduleReport(
-        [identifier, request] { QXRequestRecorder::shared().record(identifier, request); });
-
-    auto deliver = [request, identifier](const auto &data, const auto &response, const auto &error,
-                                         const auto &host) {
-        finish(request, identifier, data, response, error, host);
-    };
-    auto report = [identifier](const auto &data, const auto &response, const auto &error) {
-        QXRequestRecorder::shared().complete(identifier, response, data, error);
-    };
-    MainThreadCompletion wrapper(std::move(completion), std::move(deliver), std::move(report));
+    auto exchange = std::make_shared<Exchange>(request, std::move(completion));
+    MainActor::post(Exchange::start(exchange));
     auto *const original = NSURLSession::objectClass().implementation<NSURLSession::DataTaskImplementation>(
         hookedMethod.load(std::memory_order_acquire));
-    return original(session, request, std::move(wrapper));
+    return original(session, request, MainThreadCompletion(std::move(exchange)));
 }
 
 /// What the handlers of the host have captured must not outlive the application. Those of held responses go

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void observersHearOnlyTheirNameAndOnlyWhileTheyLive();
     void observerMayLeaveDuringThePost();
     void tasksRunInOrderOnTheApplicationsThread();
+    void tasksKeepTheirPlaceAmongEvents();
     void headerNamesIgnoreCaseInRequests();
     void textIsLostNowhere_data();
     void textIsLostNowhere();
@@ -156,6 +157,40 @@ void PlatformTest::tasksRunInOrderOnTheApplicationsThread()
     QTRY_COMPARE(order.size(), 100);
     QVERIFY(std::is_sorted(order.cbegin(), order.cend()));
     QVERIFY(!elsewhere);
+}
+
+/// Several tasks share an event, which the host must not notice.
+void PlatformTest::tasksKeepTheirPlaceAmongEvents()
+{
+    QStringList order;
+    const auto schedule = [&](const QString &name) {
+        MainActor::schedule([&order, name] { order.append(name); });
+    };
+    const auto post = [&](const QString &name) {
+        QMetaObject::invokeMethod(
+            qApp, [&order, name] { order.append(name); }, Qt::QueuedConnection);
+    };
+    schedule(u"first"_s);
+    MainActor::schedule([&] {
+        schedule(u"fourth"_s);
+        post(u"last"_s);
+    });
+    schedule(u"second"_s);
+    post(u"third"_s);
+    QVERIFY(order.isEmpty());
+    QTRY_VERIFY(order.endsWith(u"last"_s));
+    QCOMPARE(order, QStringList({u"first"_s, u"second"_s, u"third"_s, u"fourth"_s, u"last"_s}));
+
+    // An event loop in a task goes on with those that share its event.
+    order.clear();
+    MainActor::schedule([&] {
+        QEventLoop loop;
+        MainActor::schedule([&] { loop.quit(); });
+        loop.exec();
+        order.append(u"outer"_s);
+    });
+    schedule(u"inner"_s);
+    QTRY_COMPARE(order, QStringList({u"inner"_s, u"outer"_s}));
 }
 
 void PlatformTest::headerNamesIgnoreCaseInRequests()
