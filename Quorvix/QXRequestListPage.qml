@@ -74,6 +74,10 @@ FocusScope {
             placeholderText: qsTranslate("Quorvix", "Search requests...")
             text: root.viewModel._searchText
             onTextChanged: root.viewModel._searchText = text
+            onActiveFocusChanged: {
+                if (activeFocus)
+                    root.viewModel.prepareSearch();
+            }
             KeyNavigation.down: list
         }
     }
@@ -101,11 +105,24 @@ FocusScope {
                 list.selectRow(index);
                 root.rowChosen(index);
             }
+
+            // The view keeps a row that it does not need now, for later; assistive technology must not find it.
+            ListView.onPooled: visible = false
+            ListView.onReused: visible = true
         }
 
         function openCurrent() {
             if (list.currentIndex >= 0)
                 root.rowChosen(list.currentIndex);
+        }
+    }
+
+    Connections {
+        target: root.viewModel
+
+        function onSearchAboutToChange() {
+            list.currentIndex = -1;
+            list.scrollToTop();
         }
     }
 

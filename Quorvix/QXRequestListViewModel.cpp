@@ -19,8 +19,8 @@ using namespace Quorvix;
 
 namespace {
 
-/// How many bytes of URLs are searched in one turn of the event loop, which takes about a frame. Only
-/// extremely long URLs need more than one turn.
+/// How many bytes are searched in one turn of the event loop, which takes a few milliseconds. To make the
+/// texts that are searched takes more turns, and so do extremely long URLs.
 constexpr qsizetype bytesPerTurn = 16'777'216;
 
 /// Converts a position counted from the newest trace to one counted from the oldest, and back.
@@ -74,16 +74,19 @@ qsizetype archiveSize(const std::vector<const QXRequestTrace *> &traces)
 
 QXRequestListViewModel::QXRequestListViewModel(QObject *parent)
     : QXPresentingModel(parent), m_requests(QXRequestRecorder::shared().requests()),
-      m_observer(NSNotificationCenter::defaultCenter().addObserver(QuorvixRequestsChanged,
-                                                                   [this] { scheduleRefresh(); }))
+      m_rowCount(int(m_requests.size())), m_observer(NSNotificationCenter::defaultCenter().addObserver(
+                                              QuorvixRequestsChanged, [this] { scheduleRefresh(); }))
 {
 }
 
 int QXRequestListViewModel::rowCount(const QModelIndex &parent) const
 {
-    if (parent.isValid())
-        return 0;
-    return m_search.isActive() ? int(m_search.matchCount()) : int(m_requests.size());
+    return parent.isValid() ? 0 : m_rowCount;
+}
+
+int QXRequestListViewModel::rowCountOf(const QXTraceSearch &search) const
+{
+    return int(search.isActive() ? search.matchCount() : m_requests.size());
 }
 
 const QXTraceList::CellPtr &QXRequestListViewModel::cell(int row) const
@@ -129,11 +132,14 @@ QHash<int, QByteArray> QXRequestListViewModel::roleNames() const
 std::vector<const QXRequestTrace *> QXRequestListViewModel::filteredRequests() const
 {
     std::vector<const QXRequestTrace *> traces;
-    traces.reserve(std::size_t(rowCount()));
-    for (int row = 0; row < rowCount(); ++row)
-        traces.push_back(&trace(row));
-    QXTraceSearch rest = m_search;
-    for (const quint32 position : rest.examine(m_requests, std::numeric_limits<qsizetype>::max()))
+    if (!m_search.isActive()) {
+        for (const QXRequestTrace &trace : m_requests)
+            traces.push_back(&trace);
+        return traces;
+    }
+    QXTraceSearch search = m_search;
+    search.examine(m_requests, m_texts, std::numeric_limits<qsizetype>::max());
+    for (const qsizetype position : search.matches())
         traces.push_back(&m_requests[reversedIndex(m_requests, position)]);
     return traces;
 }
@@ -148,17 +154,53 @@ void QXRequestListViewModel::setSearchText(const QString &text)
     const QByteArray query = QXTraceSearch::queryFor(text);
     if (query == m_search.query())
         return;
-    beginResetModel();
-    m_search.begin(query, m_requests.size());
-    m_search.addOlder(m_search.examine(m_requests, bytesPerTurn));
-    endResetModel();
+    m_needsTexts = true;
+    QXTraceSearch search = m_search;
+    search.begin(query, m_requests.size());
+    search.examine(m_requests, m_texts, bytesPerTurn);
+    Q_EMIT searchAboutToChange();
+    showSearch(std::move(search));
+    continueSearchLater();
+}
+
+/// Makes another search the one that is shown.
+void QXRequestListViewModel::showSearch(QXTraceSearch search)
+{
+    const bool isSame = search.isActive() && m_search.isActive() && search.hasSameMatches(m_search);
+    const int count = rowCountOf(search);
+    if (count < m_rowCount) {
+        beginRemoveRows({}, count, m_rowCount - 1);
+        m_rowCount = count;
+        endRemoveRows();
+    }
+    m_search = std::move(search);
+    if (!isSame && m_rowCount > 0)
+        Q_EMIT dataChanged(index(0), index(m_rowCount - 1));
+    showMatches();
+}
+
+/// Adds the rows at the end that are missing.
+void QXRequestListViewModel::showMatches()
+{
+    const int count = rowCountOf(m_search);
+    if (count == m_rowCount)
+        return;
+    beginInsertRows({}, m_rowCount, count - 1);
+    m_rowCount = count;
+    endInsertRows();
+}
+
+void QXRequestListViewModel::prepareSearch()
+{
+    m_needsTexts = true;
     continueSearchLater();
 }
 
 void QXRequestListViewModel::continueSearchLater()
 {
+    const bool needsTexts = m_needsTexts && !m_texts.isComplete(m_requests);
     // A queued call would run in the same turn of the event loop.
-    if (m_search.isComplete())
+    if (m_search.isComplete() && !needsTexts)
         m_searchTimer.stop();
     else
         m_searchTimer.start(0, this);
@@ -174,11 +216,11 @@ void QXRequestListViewModel::timerEvent(QTimerEvent *event)
 
 void QXRequestListViewModel::continueSearch()
 {
-    const auto found = m_search.examine(m_requests, bytesPerTurn);
-    if (!found.empty()) {
-        beginInsertRows({}, rowCount(), rowCount() + int(found.size()) - 1);
-        m_search.addOlder(found);
-        endInsertRows();
+    if (m_search.isComplete()) {
+        m_texts.makeDownTo(0, m_requests, bytesPerTurn);
+    } else {
+        m_search.examine(m_requests, m_texts, bytesPerTurn);
+        showMatches();
     }
     continueSearchLater();
 }
@@ -208,36 +250,45 @@ void QXRequestListViewModel::resetTo(const QXTraceList &requests)
         return;
     beginResetModel();
     m_requests = requests;
+    m_texts.clear();
     m_search.restart(m_requests.size());
-    m_search.addOlder(m_search.examine(m_requests, bytesPerTurn));
+    m_search.examine(m_requests, m_texts, bytesPerTurn);
+    m_rowCount = rowCountOf(m_search);
     endResetModel();
     continueSearchLater();
 }
 
 void QXRequestListViewModel::extendTo(const QXTraceList &requests)
 {
+    const QXTraceList before = m_requests;
     std::vector<qsizetype> changed;
-    m_requests.visitDifferences(requests, [&](qsizetype position) { changed.push_back(position); });
-    const qsizetype known = m_requests.size();
+    before.visitDifferences(requests, [&](qsizetype position) { changed.push_back(position); });
+    if (!m_texts.isEmpty()) {
+        for (const qsizetype position : changed)
+            m_texts.update(position, before[reversedIndex(before, position)],
+                           requests[reversedIndex(requests, position)]);
+        m_texts.makeNewest(requests);
+    }
     if (m_search.isActive()) {
         m_requests = requests;
         for (const qsizetype position : changed)
             updateMatch(position);
-        const auto added = m_search.examineFrom(requests, known);
-        if (added.empty())
-            return;
-        beginInsertRows({}, 0, int(added.size()) - 1);
-        m_search.addNewer(added);
-        endInsertRows();
+        const auto added = m_search.examineFrom(before.size(), m_requests, m_texts);
+        if (!added.empty())
+            beginInsertRows({}, 0, int(added.size()) - 1);
+        m_search.addNewer(added, m_requests.size());
+        m_rowCount += int(added.size());
+        if (!added.empty())
+            endInsertRows();
         return;
     }
-    if (requests.size() > known) {
-        beginInsertRows({}, 0, int(requests.size() - known) - 1);
-        m_requests = requests;
+    const auto added = int(requests.size() - before.size());
+    if (added > 0)
+        beginInsertRows({}, 0, added - 1);
+    m_requests = requests;
+    m_rowCount += added;
+    if (added > 0)
         endInsertRows();
-    } else {
-        m_requests = requests;
-    }
     for (const qsizetype position : changed) {
         const QModelIndex row = index(int(reversedIndex(m_requests, position)));
         Q_EMIT dataChanged(row, row);
@@ -246,7 +297,7 @@ void QXRequestListViewModel::extendTo(const QXTraceList &requests)
 
 void QXRequestListViewModel::updateMatch(qsizetype position)
 {
-    const QXTraceSearch::Change change = m_search.examineChange(m_requests, position);
+    const QXTraceSearch::Change change = m_search.examineChange(m_texts, position);
     const int row = int(change.index);
     switch (change.kind) {
     case QXTraceSearch::Change::None:
@@ -257,11 +308,13 @@ void QXRequestListViewModel::updateMatch(qsizetype position)
     case QXTraceSearch::Change::Added:
         beginInsertRows({}, row, row);
         m_search.apply(change, position);
+        ++m_rowCount;
         endInsertRows();
         break;
     case QXTraceSearch::Change::Removed:
         beginRemoveRows({}, row, row);
         m_search.apply(change, position);
+        --m_rowCount;
         endRemoveRows();
         break;
     }

@@ -15,7 +15,8 @@
 /// The rows are the traces that match the search, in the recorder's order. A search through so many bytes of
 /// URLs that it would block the thread goes on in later turns of the event loop, from the newest trace to the
 /// oldest, and appends rows. A change of the recorder reaches the model in a later turn of the event loop and
-/// affects only the rows it concerns. The cost of a change does not grow with the number of traces.
+/// affects only the rows it concerns. The cost of a change does not grow with the number of traces. Another
+/// search text changes the data of rows and their number; it resets nothing, so that a view keeps its rows.
 class QXRequestListViewModel : public QXPresentingModel
 {
     Q_OBJECT
@@ -45,6 +46,10 @@ public:
 
     [[nodiscard]] const QString &searchText() const noexcept { return m_searchText; }
     void setSearchText(const QString &text);
+    /// Makes what a search reads, in many short turns of the event loop, so that the first letter finds it.
+    Q_INVOKABLE void prepareSearch();
+    /// Whether a search, or what it reads, is not complete yet.
+    [[nodiscard]] bool isSearching() const { return m_searchTimer.isActive(); }
 
     /// All captured traces, as of the last change that has reached the model.
     [[nodiscard]] const QXTraceList &requests() const noexcept { return m_requests; }
@@ -64,13 +69,18 @@ public:
 
 Q_SIGNALS:
     void _searchTextChanged();
+    /// Emitted before the rows become those of another search.
+    void searchAboutToChange();
 
 protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
     [[nodiscard]] const QXTraceList::CellPtr &cell(int row) const;
+    [[nodiscard]] int rowCountOf(const QXTraceSearch &search) const;
 
+    void showSearch(QXTraceSearch search);
+    void showMatches();
     void continueSearchLater();
     void continueSearch();
     void scheduleRefresh();
@@ -82,6 +92,11 @@ private:
     QString m_searchText;
     QXTraceList m_requests;
     QXTraceSearch m_search;
+    /// Made when they are first needed.
+    mutable QXTraceTexts m_texts;
+    bool m_needsTexts = false;
+    /// The number of rows, which follows the search in steps that a view understands.
+    int m_rowCount = 0;
     bool m_refreshScheduled = false;
     QBasicTimer m_searchTimer;
     Quorvix::NSNotificationObserver m_observer;

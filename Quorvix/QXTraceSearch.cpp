@@ -1,70 +1,65 @@
 #include "Quorvix/QXTraceSearch.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <string_view>
+#include <bit>
 
 namespace {
 
-/// What it costs to examine a trace with a very short URL, as a number of bytes.
-constexpr qsizetype costPerTrace = 64;
-/// What it costs to make the text of a trace, at least.
-constexpr qsizetype costOfKey = 1000;
+using Mask = QXTraceTexts::Mask;
 
-std::string_view view(const QByteArray &bytes)
+constexpr qsizetype blockSize = QXTraceTexts::blockSize;
+
+std::size_t blockOf(qsizetype position)
 {
-    return {bytes.constData(), std::size_t(bytes.size())};
+    return std::size_t(position / blockSize);
 }
 
-const QXTraceList::Cell &cellAt(const QXTraceList &traces, qsizetype position)
+std::size_t blockCount(qsizetype positions)
 {
-    return *traces.cell(traces.size() - 1 - position);
+    return blockOf(positions + blockSize - 1);
 }
 
-struct Examination
+constexpr Mask bitOf(qsizetype position)
 {
-    bool isMatch = false;
-    /// The number of bytes that were read.
-    qsizetype cost = 0;
-};
-
-QByteArray searchKey(const QXRequestTrace &trace)
-{
-    QByteArray key;
-    if (trace.url)
-        key = trace.url->toEncoded().toLower();
-    key += '\0';
-    if (trace.method)
-        key += trace.method->toLower().toUtf8();
-    return key;
+    return Mask(1) << (position % blockSize);
 }
 
-/// Examines whether the URL, the method or the status code of a trace contains the query.
-Examination examined(const QXTraceList::Cell &cell, std::string_view query)
+/// The traces of a block that are older than a position in it.
+constexpr Mask olderThan(qsizetype position)
 {
-    // Searchers that are prepared for a query are slower for the short ones that people type.
-    constexpr std::size_t npos = std::string_view::npos;
-    qsizetype cost = 0;
-    if (cell.searchKey.isNull()) {
-        cell.searchKey = searchKey(cell.trace);
-        cost = costOfKey + 4 * cell.searchKey.size();
-    }
-    if (const std::size_t place = view(cell.searchKey).find(query); place != npos)
-        return {true, cost + qsizetype(place)};
-    cost += cell.searchKey.size();
-    if (!cell.trace.response)
-        return {false, cost};
-    std::array<char, 24> digits{};
-    const auto end = std::to_chars(digits.begin(), digits.end(), cell.trace.response->statusCode).ptr;
-    return {std::string_view(digits.data(), std::size_t(end - digits.data())).find(query) != npos, cost};
+    return bitOf(position) - 1;
 }
 
 } // namespace
 
 qsizetype QXTraceSearch::match(qsizetype index) const
 {
-    return m_matches[std::size_t(matchCount() - 1 - index)];
+    const auto rank = qint32(matchCount() - 1 - index);
+    const auto block =
+        std::size_t(std::upper_bound(m_ranks.begin(), m_ranks.end(), rank) - m_ranks.begin()) - 1;
+    Mask matches = m_matches[block];
+    for (qint32 older = m_ranks[block]; older < rank; ++older)
+        matches &= matches - 1; // removes the oldest
+    return qsizetype(block) * blockSize + std::countr_zero(matches);
+}
+
+std::vector<qsizetype> QXTraceSearch::matches() const
+{
+    std::vector<qsizetype> positions;
+    positions.reserve(std::size_t(matchCount()));
+    for (std::size_t block = m_matches.size(); block-- > 0;) {
+        for (Mask rest = m_matches[block]; rest != 0;) {
+            const int slot = std::bit_width(rest) - 1;
+            positions.push_back(qsizetype(block) * blockSize + slot);
+            rest &= ~bitOf(slot);
+        }
+    }
+    return positions;
+}
+
+bool QXTraceSearch::hasSameMatches(const QXTraceSearch &other) const
+{
+    return m_matches == other.m_matches;
 }
 
 QByteArray QXTraceSearch::queryFor(const QString &searchText)
@@ -79,79 +74,101 @@ void QXTraceSearch::begin(const QByteArray &query, qsizetype count)
     m_query = query;
     if (!narrows)
         return restart(count);
-    m_candidates.insert(m_candidates.end(), m_matches.begin(), m_matches.end());
-    m_matches.clear();
+    std::vector<Mask> wanted = m_matches;
+    wanted.resize(blockCount(count));
+    std::fill_n(wanted.begin(), blockOf(m_unexamined), ~Mask(0));
+    if (m_unexamined % blockSize != 0)
+        wanted[blockOf(m_unexamined)] |= olderThan(m_unexamined);
+    restart(std::move(wanted), count);
 }
 
 void QXTraceSearch::restart(qsizetype count)
 {
-    m_unexamined = isActive() ? quint32(count) : 0;
-    m_candidates.clear();
-    m_matches.clear();
+    restart(std::vector<Mask>(isActive() ? blockCount(count) : 0, ~Mask(0)), count);
 }
 
-QXTraceSearch::Positions QXTraceSearch::examine(const QXTraceList &traces, qsizetype limit)
+void QXTraceSearch::restart(std::vector<Mask> wanted, qsizetype count)
 {
-    Positions found;
+    m_unexamined = isActive() ? count : 0;
+    m_wanted = std::move(wanted);
+    m_matches.assign(m_wanted.size(), 0);
+    countFromBlock(0);
+}
+
+void QXTraceSearch::countFromBlock(std::size_t block)
+{
+    m_ranks.resize(m_matches.size() + 1);
+    for (; block < m_matches.size(); ++block)
+        m_ranks[block + 1] = m_ranks[block] + std::popcount(m_matches[block]);
+}
+
+void QXTraceSearch::examine(const QXTraceList &traces, QXTraceTexts &texts, qsizetype limit)
+{
+    const QXTraceTexts::Query query(texts, {m_query.constData(), std::size_t(m_query.size())});
     while (!isComplete() && limit > 0) {
-        quint32 position = 0;
-        if (m_candidates.empty()) {
-            position = --m_unexamined;
-        } else {
-            position = m_candidates.back();
-            m_candidates.pop_back();
+        const std::size_t block = blockOf(m_unexamined - 1);
+        qsizetype first = qsizetype(block) * blockSize;
+        Mask wanted = m_wanted[block];
+        if (m_unexamined % blockSize != 0)
+            wanted &= olderThan(m_unexamined);
+        if (wanted != 0) {
+            limit -= texts.makeDownTo(first, traces, limit);
+            first = std::max(first, texts.begin());
+            if (first >= m_unexamined)
+                break;
+            wanted &= ~olderThan(first);
+            m_matches[block] |= texts.find(qsizetype(block), query, wanted);
+            limit -= texts.cost(qsizetype(block), wanted);
         }
-        const Examination examination = examined(cellAt(traces, position), view(m_query));
-        if (examination.isMatch)
-            found.push_back(position);
-        limit -= costPerTrace + examination.cost;
+        m_unexamined = first;
     }
-    return found;
+    countFromBlock(0);
 }
 
-QXTraceSearch::Positions QXTraceSearch::examineFrom(const QXTraceList &traces, qsizetype first) const
+std::vector<qsizetype> QXTraceSearch::examineFrom(qsizetype first, const QXTraceList &traces,
+                                                  QXTraceTexts &texts) const
 {
-    Positions found;
+    texts.makeNewest(traces);
+    const QXTraceTexts::Query query(texts, {m_query.constData(), std::size_t(m_query.size())});
+    std::vector<qsizetype> found;
     for (qsizetype position = first; position < traces.size(); ++position) {
-        if (examined(cellAt(traces, position), view(m_query)).isMatch)
-            found.push_back(quint32(position));
+        if (texts.find(qsizetype(blockOf(position)), query, bitOf(position)) != 0)
+            found.push_back(position);
     }
     return found;
 }
 
-void QXTraceSearch::addOlder(const Positions &found)
+void QXTraceSearch::addNewer(const std::vector<qsizetype> &found, qsizetype count)
 {
-    m_matches.insert(m_matches.begin(), found.rbegin(), found.rend());
+    const std::size_t firstChanged = m_matches.empty() ? 0 : m_matches.size() - 1;
+    m_wanted.resize(blockCount(count));
+    m_matches.resize(blockCount(count));
+    for (const qsizetype position : found)
+        m_matches[blockOf(position)] |= bitOf(position);
+    countFromBlock(firstChanged);
 }
 
-void QXTraceSearch::addNewer(const Positions &found)
+QXTraceSearch::Change QXTraceSearch::examineChange(const QXTraceTexts &texts, qsizetype position)
 {
-    m_matches.insert(m_matches.end(), found.begin(), found.end());
-}
-
-QXTraceSearch::Change QXTraceSearch::examineChange(const QXTraceList &traces, qsizetype position)
-{
-    if (position < m_unexamined)
-        return {};
-    if (!m_candidates.empty() && position <= m_candidates.back()) {
-        const auto place = std::lower_bound(m_candidates.begin(), m_candidates.end(), quint32(position));
-        if (*place != quint32(position))
-            m_candidates.insert(place, quint32(position));
+    const std::size_t block = blockOf(position);
+    if (position < m_unexamined) {
+        m_wanted[block] |= bitOf(position);
         return {};
     }
-    const auto place = std::lower_bound(m_matches.begin(), m_matches.end(), quint32(position));
-    const bool isShown = place != m_matches.end() && *place == quint32(position);
-    const bool isMatch = examined(cellAt(traces, position), view(m_query)).isMatch;
-    const qsizetype newer = m_matches.end() - place;
+    const QXTraceTexts::Query query(texts, {m_query.constData(), std::size_t(m_query.size())});
+    const bool isShown = (m_matches[block] & bitOf(position)) != 0;
+    const bool isMatch = texts.find(qsizetype(block), query, bitOf(position)) != 0;
+    const qsizetype newer = matchCount() - m_ranks[block] -
+                            std::popcount(m_matches[block] & (olderThan(position) | bitOf(position)));
     if (isShown)
-        return {isMatch ? Change::Changed : Change::Removed, newer - 1};
+        return {isMatch ? Change::Changed : Change::Removed, newer};
     return {isMatch ? Change::Added : Change::None, newer};
 }
 
 void QXTraceSearch::apply(const Change &change, qsizetype position)
 {
-    if (change.kind == Change::Added)
-        m_matches.insert(m_matches.end() - change.index, quint32(position));
-    else if (change.kind == Change::Removed)
-        m_matches.erase(m_matches.end() - 1 - change.index);
+    if (change.kind != Change::Added && change.kind != Change::Removed)
+        return;
+    m_matches[blockOf(position)] ^= bitOf(position);
+    countFromBlock(blockOf(position));
 }

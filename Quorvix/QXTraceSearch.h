@@ -1,29 +1,30 @@
 #pragma once
 
-#include "Quorvix/QXTraceList.h"
+#include "Quorvix/QXTraceTexts.h"
 
-#include <deque>
 #include <vector>
 
 /// The search for the traces whose URL, method or status code contains a query. Works in steps from the
 /// newest trace to the oldest, so that an owner on the main thread can limit the time of each step.
 ///
-/// A position counts from the oldest trace. The list of traces belongs to the owner, who passes it to each
-/// function and who announces rows before it adds what a function has found.
+/// A position counts from the oldest trace. The list of traces and their texts belong to the owner, who
+/// passes them to each function.
 class QXTraceSearch final
 {
 public:
-    using Positions = std::vector<quint32>;
-
     /// Whether there is a query. Without one, nothing is searched.
     [[nodiscard]] bool isActive() const noexcept { return !m_query.isEmpty(); }
     /// Whether every trace has been examined.
-    [[nodiscard]] bool isComplete() const noexcept { return m_unexamined == 0 && m_candidates.empty(); }
+    [[nodiscard]] bool isComplete() const noexcept { return m_unexamined == 0; }
     [[nodiscard]] const QByteArray &query() const noexcept { return m_query; }
 
-    [[nodiscard]] qsizetype matchCount() const noexcept { return qsizetype(m_matches.size()); }
+    [[nodiscard]] qsizetype matchCount() const noexcept { return m_ranks.back(); }
     /// The position of a match, counted from the newest match.
     [[nodiscard]] qsizetype match(qsizetype index) const;
+    /// The positions of all matches, the newest first.
+    [[nodiscard]] std::vector<qsizetype> matches() const;
+    /// Whether both searches have found the same traces so far.
+    [[nodiscard]] bool hasSameMatches(const QXTraceSearch &other) const;
 
     /// Makes the query of a search text: lower case, without white space at both ends.
     [[nodiscard]] static QByteArray queryFor(const QString &searchText);
@@ -34,13 +35,13 @@ public:
     /// Starts the search for the same query in another list.
     void restart(qsizetype count);
 
-    /// Examines traces until it has read about @p limit bytes. Returns the matches, the newest first; they
-    /// are older than all matches so far.
-    [[nodiscard]] Positions examine(const QXTraceList &traces, qsizetype limit);
-    /// The matches from a position up to the newest trace, the oldest first.
-    [[nodiscard]] Positions examineFrom(const QXTraceList &traces, qsizetype first) const;
-    void addOlder(const Positions &found);
-    void addNewer(const Positions &found);
+    /// Examines traces until it has read about @p limit bytes. The matches are older than all others.
+    void examine(const QXTraceList &traces, QXTraceTexts &texts, qsizetype limit);
+    /// The matches from a position up to the newest trace.
+    [[nodiscard]] std::vector<qsizetype> examineFrom(qsizetype first, const QXTraceList &traces,
+                                                     QXTraceTexts &texts) const;
+    /// Adds what examineFrom() has found in a list that now has @p count traces.
+    void addNewer(const std::vector<qsizetype> &found, qsizetype count);
 
     /// What the change of a trace means for the matches.
     struct Change
@@ -50,16 +51,24 @@ public:
         /// The place among the matches, counted from the newest.
         qsizetype index = 0;
     };
-    /// Examines a trace that has changed, unless it will be examined anyway.
-    [[nodiscard]] Change examineChange(const QXTraceList &traces, qsizetype position);
+    /// Examines a trace whose text has changed, unless it will be examined anyway.
+    [[nodiscard]] Change examineChange(const QXTraceTexts &texts, qsizetype position);
     /// Adds or removes a match as examineChange() found.
     void apply(const Change &change, qsizetype position);
 
 private:
+    using Mask = QXTraceTexts::Mask;
+
+    void restart(std::vector<Mask> wanted, qsizetype count);
+    void countFromBlock(std::size_t block);
+
     QByteArray m_query;
-    /// All ascending. Those that have to be examined: all positions below m_unexamined, then the candidates.
-    quint32 m_unexamined = 0;
-    Positions m_candidates;
-    /// All of them are newer than the last candidate.
-    std::deque<quint32> m_matches;
+    /// All positions below this one have to be examined,
+    qsizetype m_unexamined = 0;
+    /// if they are in one of these, one for each block.
+    std::vector<Mask> m_wanted;
+    /// The matches, one for each block.
+    std::vector<Mask> m_matches;
+    /// The number of matches in all older blocks; one more for the number of all matches.
+    std::vector<qint32> m_ranks{0};
 };
