@@ -146,7 +146,7 @@ void QXRequestRecorder::record(const QString &id, const URLRequest &request, con
 {
     Q_ASSERT(MainActor::isCurrent());
     auto cell =
-        std::make_shared<QXTraceList::Cell>(QXTraceList::Cell{QXRequestTrace(id, request), start.steady, {}});
+        std::make_shared<QXTraceList::Cell>(QXTraceList::Cell{QXRequestTrace(id, request), start.steady});
     QXRequestTrace &trace = cell->trace;
     trace.date = start.date;
     m_requests.prepend(std::move(cell));
@@ -180,7 +180,6 @@ void QXRequestRecorder::amend(const QString &id, const URLRequest &request,
         amended.error = std::move(cell.trace.error);
         amended.duration = cell.trace.duration;
         cell.trace = std::move(amended);
-        cell.searchKey.clear();
     });
 }
 

@@ -25,9 +25,6 @@ public:
         QXRequestTrace trace;
         /// The time when the exchange was recorded, on a clock that the user cannot change.
         std::chrono::steady_clock::time_point recordedAt;
-        /// The text that a search looks through: the URL and the method in lower case as UTF-8, separated by
-        /// a NUL. Null until the first search, because most programs never search. Main thread only.
-        mutable QByteArray searchKey;
     };
     /// Cells are shared by the copies of a list.
     using CellPtr = std::shared_ptr<const Cell>;

@@ -18,7 +18,7 @@ namespace {
 QXTraceList::CellPtr cell(int number)
 {
     return std::make_shared<const QXTraceList::Cell>(
-        QXTraceList::Cell{QXRequestTrace(QString::number(number), URLRequest()), {}, {}});
+        QXTraceList::Cell{QXRequestTrace(QString::number(number), URLRequest()), {}});
 }
 
 } // namespace
