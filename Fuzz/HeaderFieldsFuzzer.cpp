@@ -6,6 +6,7 @@
 
 #include "Platform/HTTPHeaderName.h"
 #include "Platform/ReplyOutcome.h"
+#include "Platform/StoredHeaderFields.h"
 #include "Platform/URLRequest.h"
 
 #include <algorithm>
@@ -60,6 +61,11 @@ void checkRequest(const QList<std::pair<QByteArray, QByteArray>> &fields)
         check(findHeader(*request.allHTTPHeaderFields, name) != request.allHTTPHeaderFields->cend(),
               "a header is found");
     }
+    const HTTPHeaderFields headers = request.allHTTPHeaderFields.value_or(HTTPHeaderFields());
+    const StoredHeaderFields stored(headers);
+    check(stored.toMap() == headers, "a trace keeps all headers");
+    for (auto it = headers.cbegin(); it != headers.cend(); ++it)
+        check(stored.exactValue(it.key()) == it.value(), "a kept header is found");
 }
 
 } // namespace

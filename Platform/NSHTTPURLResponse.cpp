@@ -26,7 +26,8 @@ NSHTTPURLResponsePtr NSHTTPURLResponse::create(const QUrl &url, qint64 statusCod
 NSHTTPURLResponse::NSHTTPURLResponse(std::optional<QUrl> url, qint64 statusCode, QString httpVersion,
                                      NSHeaderFields headerFields)
     : NSURLResponse(std::move(url)), m_statusCode(statusCode), m_httpVersion(std::move(httpVersion)),
-      m_headerFields(std::move(headerFields))
+      m_headerFields(std::move(headerFields)),
+      m_storedHeaderFields(StoredHeaderFields::fromFields(m_headerFields))
 {
 }
 

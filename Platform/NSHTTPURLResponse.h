@@ -1,22 +1,12 @@
 #pragma once
 
+#include "NSHeaderFields.h"
 #include "NSURLResponse.h"
+#include "StoredHeaderFields.h"
 
 #include <QtCore/QString>
 
-#include <map>
-#include <variant>
-
 namespace Quorvix {
-
-/// A header's name or value as the loading system reports it. Normally text; a protocol handler may also
-/// store a number.
-using NSHeaderValue = std::variant<QString, qint64, double>;
-/// Header names and values of a response. Names that differ in case are different keys.
-using NSHeaderFields = std::map<NSHeaderValue, NSHeaderValue>;
-
-/// The text form of a header's name or value. Any thread.
-[[nodiscard]] QUORVIX_CORE_EXPORT QString description(const NSHeaderValue &value);
 
 /// An HTTP response: status and headers. Immutable; shared between threads.
 class QUORVIX_CORE_EXPORT NSHTTPURLResponse final : public NSURLResponse
@@ -38,6 +28,12 @@ public:
     /// The headers.
     [[nodiscard]] const NSHeaderFields &allHeaderFields() const noexcept { return m_headerFields; }
 
+    /// The headers in the form in which a trace keeps them; absent when a name or value is not text.
+    [[nodiscard]] const std::optional<StoredHeaderFields> &storedHeaderFields() const noexcept
+    {
+        return m_storedHeaderFields;
+    }
+
     /// The reason phrase for a status code, translated in the host's catalogue (context "Quorvix"):
     /// a phrase in lower case for each registered code (RFC 9110, 15), else the name of the class of codes.
     [[nodiscard]] static QString localizedStringForStatusCode(qint64 statusCode);
@@ -46,6 +42,8 @@ private:
     qint64 m_statusCode;
     QString m_httpVersion;
     NSHeaderFields m_headerFields;
+    /// Made with the response, which seldom happens on the main thread.
+    std::optional<StoredHeaderFields> m_storedHeaderFields;
 };
 
 /// An optional HTTP response: null when there is none.

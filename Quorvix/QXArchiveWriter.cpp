@@ -25,18 +25,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Headers = std::optional<HTTPHeaderFields>;
+using Headers = std::optional<StoredHeaderFields>;
 
 /// The half of an exchange that is being written.
 enum class Side { Request, Response };
 
-/// The value of the header with exactly this spelling. Null if there is none.
-const QString *exactHeader(const Headers &headers, const QString &name)
+/// The value of the header with exactly this spelling.
+std::optional<QString> exactHeader(const Headers &headers, const QString &name)
 {
-    if (!headers)
-        return nullptr;
-    const auto it = headers->constFind(name);
-    return it == headers->cend() ? nullptr : &*it;
+    return headers ? headers->exactValue(name) : std::nullopt;
 }
 
 /// The size of the body of a request or of a response, also of one that was removed; -1 if there is none.
@@ -215,7 +212,7 @@ private:
     void writeBody(const auto &half, Side side)
     {
         const bool isText = half.body && isValidUtf8(*half.body);
-        const QString *type = exactHeader(half.headers, u"Content-Type"_s);
+        const std::optional<QString> type = exactHeader(half.headers, u"Content-Type"_s);
         m_writer.beginObject();
         if (!half.body)
             string("comment"_L1, QXDisplayFormat::discardedBody(*half.discardedBodySize));
@@ -258,8 +255,7 @@ private:
         m_writer.key("headers"_L1);
         m_writer.beginArray();
         if (headers) {
-            for (auto it = headers->cbegin(); it != headers->cend(); ++it)
-                writePair(it.key(), it.value());
+            headers->forEach([this](const QString &name, const QString &value) { writePair(name, value); });
         }
         m_writer.endArray();
         integer("headersSize"_L1, -1);

@@ -3,37 +3,41 @@
 #include "Quorvix/QXRedaction.h"
 #include "Quorvix/QXRequestCookies.h"
 
-#include <algorithm>
-
 using namespace Quorvix;
 
 namespace {
 
-using Headers = std::optional<HTTPHeaderFields>;
+using Headers = std::optional<StoredHeaderFields>;
 
 constexpr QStringView cookieHeader = u"Cookie";
 constexpr QStringView setCookieHeader = u"Set-Cookie";
 
 bool isConcerned(const Headers &headers)
 {
-    return headers && std::any_of(headers->keyBegin(), headers->keyEnd(), &QXRedaction::concerns);
+    bool is = false;
+    if (headers)
+        headers->forEach(
+            [&](const QString &name, const QString &) { is = is || QXRedaction::concerns(name); });
+    return is;
 }
 
 void redact(Headers &headers)
 {
     if (!headers)
         return;
-    for (auto it = headers->begin(); it != headers->end(); ++it) {
-        if (QXRedaction::concerns(it.key()))
-            it.value() = QXRedaction::marker.toString();
-    }
+    HTTPHeaderFields redacted;
+    headers->forEach([&](const QString &name, const QString &value) {
+        redacted.insert(redacted.cend(), name,
+                        QXRedaction::concerns(name) ? QXRedaction::marker.toString() : value);
+    });
+    headers = redacted;
 }
 
 QList<QXHeaderCookie> redacted(QList<QXHeaderCookie> cookies, QStringView header)
 {
     if (QXRedaction::concerns(header)) {
         for (QXHeaderCookie &cookie : cookies)
-            cookie.value = QXRedaction::marker;
+            cookie.value = QXRedaction::marker.toString();
     }
     return cookies;
 }

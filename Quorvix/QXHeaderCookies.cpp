@@ -8,12 +8,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The value of the header with exactly this name; empty if there is none.
-QStringView exactValue(const std::optional<HTTPHeaderFields> &headers, const QString &name)
+QString exactValue(const std::optional<StoredHeaderFields> &headers, const QString &name)
 {
-    if (!headers)
-        return {};
-    const auto it = headers->constFind(name);
-    return it == headers->cend() ? QStringView() : QStringView(*it);
+    return headers ? headers->value(name) : QString();
 }
 
 /// Splits at the first "=". Adds nothing unless there is text on both sides.
@@ -21,7 +18,7 @@ void addCookie(QList<QXHeaderCookie> &cookies, QStringView cookie)
 {
     const qsizetype equals = cookie.indexOf(u'=');
     if (equals > 0 && equals < cookie.size() - 1)
-        cookies.append({cookie.first(equals), cookie.sliced(equals + 1)});
+        cookies.append({cookie.first(equals).toString(), cookie.sliced(equals + 1).toString()});
 }
 
 QStringView withoutBlanksAround(QStringView text)
@@ -53,20 +50,22 @@ QStringView takeLine(QStringView &text)
 
 } // namespace
 
-QList<QXHeaderCookie> requestCookies(const std::optional<HTTPHeaderFields> &headers)
+QList<QXHeaderCookie> requestCookies(const std::optional<StoredHeaderFields> &headers)
 {
     QList<QXHeaderCookie> cookies;
-    for (const QStringView piece : exactValue(headers, u"Cookie"_s).split(u';'))
+    const QString header = exactValue(headers, u"Cookie"_s);
+    for (const QStringView piece : QStringView(header).split(u';'))
         addCookie(cookies, withoutBlanksAround(piece));
     return cookies;
 }
 
-QList<QXHeaderCookie> responseCookies(const std::optional<HTTPHeaderFields> &headers)
+QList<QXHeaderCookie> responseCookies(const std::optional<StoredHeaderFields> &headers)
 {
     QList<QXHeaderCookie> cookies;
-    QStringView header = exactValue(headers, u"Set-Cookie"_s);
-    while (!header.isEmpty()) {
-        const QStringView line = takeLine(header);
+    const QString header = exactValue(headers, u"Set-Cookie"_s);
+    QStringView rest = header;
+    while (!rest.isEmpty()) {
+        const QStringView line = takeLine(rest);
         const qsizetype attributes = line.indexOf(u';');
         addCookie(cookies, attributes < 0 ? line : line.first(attributes));
     }

@@ -1,20 +1,21 @@
 #pragma once
 
-#include "Platform/HTTPHeaderFields.h"
+#include "Platform/StoredHeaderFields.h"
 
 #include <QtCore/QList>
 
-/// A cookie in a header; refers to the text of that header.
+/// A cookie in a header.
 struct QXHeaderCookie
 {
-    QStringView name;
-    QStringView value;
+    QString name;
+    QString value;
 };
 
 /// The cookies that a request sends, from its header with exactly the name "Cookie". Pieces that are not
 /// "name=value" are left out. Any thread.
-[[nodiscard]] QList<QXHeaderCookie> requestCookies(const std::optional<Quorvix::HTTPHeaderFields> &headers);
+[[nodiscard]] QList<QXHeaderCookie> requestCookies(const std::optional<Quorvix::StoredHeaderFields> &headers);
 
 /// The cookies that a response sets, without their attributes, from its header with exactly the name
 /// "Set-Cookie", in which each line is a cookie. Any thread.
-[[nodiscard]] QList<QXHeaderCookie> responseCookies(const std::optional<Quorvix::HTTPHeaderFields> &headers);
+[[nodiscard]] QList<QXHeaderCookie>
+responseCookies(const std::optional<Quorvix::StoredHeaderFields> &headers);

@@ -145,10 +145,9 @@ void QXRequestRecorder::removeOldestBodies()
 void QXRequestRecorder::record(const QString &id, const URLRequest &request, const QXMoment &start)
 {
     Q_ASSERT(MainActor::isCurrent());
-    auto cell =
-        std::make_shared<QXTraceList::Cell>(QXTraceList::Cell{QXRequestTrace(id, request), start.steady});
+    auto cell = std::make_shared<QXTraceList::Cell>(
+        QXTraceList::Cell{QXRequestTrace(id, request, start.date), start.steady});
     QXRequestTrace &trace = cell->trace;
-    trace.date = start.date;
     m_requests.prepend(std::move(cell));
     admit(trace, m_requests.size() - 1, {});
     postChange();
@@ -173,9 +172,8 @@ void QXRequestRecorder::amend(const QString &id, const URLRequest &request,
     if (index < 0)
         return;
     change(index, [&](QXTraceList::Cell &cell) {
-        QXRequestTrace amended(id, request);
+        QXRequestTrace amended(id, request, cell.trace.date);
         amended.discardedBodySize = discardedBodySize;
-        amended.date = cell.trace.date;
         amended.response = std::move(cell.trace.response);
         amended.error = std::move(cell.trace.error);
         amended.duration = cell.trace.duration;
@@ -203,7 +201,7 @@ void QXRequestRecorder::complete(const QString &id, const NSURLResponsePtr &resp
         if (error)
             trace.error = QXFailureNote(*error);
         if (const auto *http = dynamic_cast<const NSHTTPURLResponse *>(response.get())) {
-            trace.response = QXResponseTrace(*http, data);
+            trace.response.emplace(*http, data, end.date);
             trace.response->discardedBodySize = discardedBodySize;
         }
     });
@@ -219,7 +217,7 @@ void QXRequestRecorder::progress(const QString &id, const NSURLResponsePtr &resp
     if (!http || index < 0 || m_requests[index].duration)
         return;
     change(index, [&](QXTraceList::Cell &cell) {
-        cell.trace.response = QXResponseTrace(*http, data);
+        cell.trace.response.emplace(*http, data);
         cell.trace.response->discardedBodySize = discardedBodySize;
     });
 }

@@ -3,8 +3,14 @@
 using namespace Quorvix;
 
 QXRequestTrace::QXRequestTrace(QString traceId, const URLRequest &request)
+    : QXRequestTrace(std::move(traceId), request, std::chrono::system_clock::now())
+{
+}
+
+QXRequestTrace::QXRequestTrace(QString traceId, const URLRequest &request,
+                               std::chrono::system_clock::time_point sent)
     : id(std::move(traceId)), url(request.url), method(request.httpMethod),
-      headers(request.allHTTPHeaderFields), body(request.httpBody), date(std::chrono::system_clock::now())
+      headers(request.allHTTPHeaderFields), body(request.httpBody), date(sent)
 {
     if (headers && headers->isEmpty())
         headers.reset();

@@ -14,6 +14,9 @@ struct QUORVIX_CORE_EXPORT QXRequestTrace
 
     /// Makes a trace of @p request with the current time and without a result.
     QXRequestTrace(QString id, const Quorvix::URLRequest &request);
+    /// The same of a request that was sent at @p date.
+    QXRequestTrace(QString id, const Quorvix::URLRequest &request,
+                   std::chrono::system_clock::time_point date);
 
     /// The identity of the exchange, never empty: a UUID in upper case.
     QString id;
@@ -22,7 +25,7 @@ struct QUORVIX_CORE_EXPORT QXRequestTrace
     /// The method as the request names it; absent if it names none, which sends a GET.
     std::optional<QString> method;
     /// Absent when the request has none.
-    std::optional<Quorvix::HTTPHeaderFields> headers;
+    std::optional<Quorvix::StoredHeaderFields> headers;
     /// Shared, never copied. Absent for a request without a body, and when the body was removed.
     std::optional<QByteArray> body;
     /// The size in bytes of a body that was removed to stay within QXRequestRecorder::bodyBudget(); absent

@@ -14,11 +14,14 @@ struct QUORVIX_CORE_EXPORT QXResponseTrace
 {
     /// Copies @p response, with @p data as its body and the current time.
     QXResponseTrace(const Quorvix::NSHTTPURLResponse &response, std::optional<QByteArray> data);
+    /// The same with another time.
+    QXResponseTrace(const Quorvix::NSHTTPURLResponse &response, std::optional<QByteArray> data,
+                    std::chrono::system_clock::time_point date);
 
     /// The status code, as 200.
     qint64 statusCode;
     /// Absent when any name or value that the platform reported is not text.
-    std::optional<Quorvix::HTTPHeaderFields> headers;
+    std::optional<Quorvix::StoredHeaderFields> headers;
     /// The body as the session delivered it; shared, never copied. Absent if there was none, and when the
     /// body was removed.
     std::optional<QByteArray> body;

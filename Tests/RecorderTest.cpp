@@ -32,6 +32,8 @@ private Q_SLOTS:
     void traceKeepsAbsenceApartFromEmptiness();
     void tracesAreComparedByIdentityAlone();
     void responseHeadersAreAllTextOrAbsent();
+    void headersAreKeptAsTheyAre_data();
+    void headersAreKeptAsTheyAre();
     void newestComesFirstAndEveryChangeIsPosted();
     void completionFillsInWhatItWasGiven();
     void runningExchangesShowWhatHasArrived();
@@ -95,6 +97,48 @@ void RecorderTest::responseHeadersAreAllTextOrAbsent()
     QVERIFY(!headers({{u"A"_s, u"x"_s}, {u"B"_s, qint64(1)}}));
     QVERIFY(!headers({{qint64(1), u"x"_s}}));
     QVERIFY(headers({})->isEmpty());
+}
+
+void RecorderTest::headersAreKeptAsTheyAre_data()
+{
+    QTest::addColumn<HTTPHeaderFields>("fields");
+    QTest::newRow("none") << HTTPHeaderFields();
+    QTest::newRow("known and unknown names")
+        << HTTPHeaderFields{{u"Content-Type"_s, u"a/b"_s}, {u"X-Own"_s, u"1"_s}, {u"ETag"_s, u"x"_s}};
+    QTest::newRow("case of names") << HTTPHeaderFields{
+        {u"etag"_s, u"1"_s}, {u"ETAG"_s, u"2"_s}, {u"ETag"_s, u"3"_s}};
+    QTest::newRow("empty texts") << HTTPHeaderFields{
+        {QString(), u"v"_s}, {u"Age"_s, QString()}, {u"Z"_s, u""_s}};
+    QTest::newRow("Latin-1") << HTTPHeaderFields{{u"X-\u00e4"_s, u"\u00ff\u0000"_s},
+                                                 {u"Date"_s, u"\u00e9"_s}};
+    QTest::newRow("beyond Latin-1") << HTTPHeaderFields{{u"Date"_s, u"\u4e2d\U0001F600"_s},
+                                                        {u"X-\u0100"_s, u"a"_s}};
+    for (const int size : {127, 128, 16'383, 16'384, 70'000})
+        QTest::addRow("%d characters", size)
+            << HTTPHeaderFields{{u"Cookie"_s, QString(size, u'x')}, {QString(size, u'y'), u"z"_s}};
+}
+
+void RecorderTest::headersAreKeptAsTheyAre()
+{
+    QFETCH(const HTTPHeaderFields, fields);
+    const StoredHeaderFields stored = fields;
+    QCOMPARE(stored.size(), fields.size());
+    QCOMPARE(stored.toMap(), fields);
+    QCOMPARE(HTTPHeaderFields(stored), fields);
+    QVERIFY(stored == fields && stored == StoredHeaderFields(fields));
+    StoredHeaderFields other = stored;
+    for (auto it = fields.cbegin(); it != fields.cend(); ++it) {
+        QCOMPARE(stored.exactValue(it.key()), it.value());
+        QCOMPARE(headerValue(std::optional(stored), it.key().toUpper()),
+                 headerValue(std::optional(fields), it.key().toUpper()));
+        QCOMPARE(*stored.constFind(it.key()), it.value());
+        other.insert(it.key(), it.value() + u'x');
+        QVERIFY(other != stored && other.contains(it.key()));
+        QCOMPARE(other.remove(it.key()), 1);
+        QVERIFY(!other.contains(it.key()));
+    }
+    QVERIFY(other.isEmpty() && other == StoredHeaderFields() && !stored.exactValue(u"Via"_s));
+    QCOMPARE(&stored.map(), &StoredHeaderFields(stored).map()); // made once for all copies
 }
 
 void RecorderTest::newestComesFirstAndEveryChangeIsPosted()

@@ -3,6 +3,7 @@ set(QUORVIX_PUBLIC_HEADERS
     Platform/HTTPCookieStorage.h
     Platform/HTTPHeaderFields.h
     Platform/NSError.h
+    Platform/NSHeaderFields.h
     Platform/NSHTTPURLResponse.h
     Platform/NSNotificationCenter.h
     Platform/NSURLResponse.h
@@ -14,6 +15,7 @@ set(QUORVIX_PUBLIC_HEADERS
     Platform/PlatformGlobal.h
     Platform/QXTaskProgress.h
     Platform/Result.h
+    Platform/StoredHeaderFields.h
     Platform/URLRequest.h
     Quorvix/QXArchiveWriter.h
     Quorvix/QXBreakpointCenter.h
