@@ -101,6 +101,7 @@ int main(int argc, char *argv[])
         if (!file.open(QFile::WriteOnly) || file.write(text) != text.size() || !file.flush())
             complaints += u"Cannot write "_s + file.fileName() + u": "_s + file.errorString();
     }
+    std::fflush(stdout);
     for (const QString &complaint : complaints)
         print(complaint + u'\n', stderr);
     return complaints.isEmpty() ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -43,6 +43,18 @@ QString described(const QJsonObject &other, const QString &unit)
     return other[u"name"_s].toString() + u": "_s + amount(other[u"value"_s], unit);
 }
 
+QString times(const QJsonObject &peer)
+{
+    const QJsonValue advantage = peer[u"advantage"_s];
+    return advantage.isDouble() ? number(advantage.toDouble()) + u" ×"_s : QString();
+}
+
+QString part(const QJsonObject &limit)
+{
+    const QJsonValue advantage = limit[u"advantage"_s];
+    return advantage.isDouble() ? number(100 * advantage.toDouble()) + u" %"_s : QString();
+}
+
 /// Breaks a text between words, and words that are longer than a line.
 QStringList wrapped(QStringView text, int width)
 {
@@ -78,16 +90,10 @@ Cells cellsOf(const QJsonObject &row)
 {
     const QString unit = row[u"unit"_s].toString();
     Cells cells{row[u"metric"_s].toString(), row[u"place"_s].toString(), amount(row[u"ours"_s], unit)};
-    if (const QJsonObject peer = row[u"peer"_s].toObject(); !peer.isEmpty()) {
-        const QJsonValue advantage = peer[u"advantage"_s];
-        cells[3] = (advantage.isDouble() ? number(advantage.toDouble()) + u" × "_s : QString()) +
-                   described(peer, unit);
-    }
-    if (const QJsonObject limit = row[u"limit"_s].toObject(); !limit.isEmpty()) {
-        const QJsonValue advantage = limit[u"advantage"_s];
-        cells[4] = (advantage.isDouble() ? number(100 * advantage.toDouble()) + u" % of "_s : QString()) +
-                   described(limit, unit);
-    }
+    if (const QJsonObject peer = row[u"peer"_s].toObject(); !peer.isEmpty())
+        cells[3] = (times(peer) + u' ' + described(peer, unit)).trimmed();
+    if (const QJsonObject limit = row[u"limit"_s].toObject(); !limit.isEmpty())
+        cells[4] = (part(limit).replace(u"%"_s, u"% of"_s) + u' ' + described(limit, unit)).trimmed();
     cells[5] = row[u"goal"_s].toString();
     if (row.contains(u"met"_s))
         cells[5] +=
@@ -146,13 +152,18 @@ QString Table::markdown(const QJsonArray &rows)
     QString table = u"| | ours | peer | times better |\n|---|---|---|---|\n"_s;
     for (const QJsonValue &value : rows) {
         const QJsonObject row = value.toObject();
+        if (!row.contains(u"goal"_s) && !row.contains(u"met"_s))
+            continue;
         const QString unit = row[u"unit"_s].toString();
         const QJsonObject peer = row[u"peer"_s].toObject();
+        const QJsonObject limit = row[u"limit"_s].toObject();
         QStringList cells{row[u"metric"_s].toString(), amount(row[u"ours"_s], unit), QString(), QString()};
         if (!peer.isEmpty()) {
             cells[2] = described(peer, unit);
-            cells[3] = peer[u"advantage"_s].isDouble() ? number(peer[u"advantage"_s].toDouble()) + u" ×"_s
-                                                       : QString();
+            cells[3] = times(peer);
+        } else if (!limit.isEmpty()) {
+            cells[2] = u"the limit, "_s + described(limit, unit);
+            cells[3] = part(limit);
         }
         table += u'|';
         for (QString &cell : cells)

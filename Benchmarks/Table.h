@@ -15,7 +15,8 @@ namespace Table {
 /// The table for a terminal of 120 columns, grouped by program, with an explanation above it.
 [[nodiscard]] QString text(const QJsonArray &rows);
 
-/// The same as rows of a table in Markdown: metric, ours, peer, how many times better.
+/// The rows that have a goal, as a table in Markdown: metric, ours, peer, how many times better; of a row
+/// without a peer the limit, and the part of it.
 [[nodiscard]] QString markdown(const QJsonArray &rows);
 
 } // namespace Table

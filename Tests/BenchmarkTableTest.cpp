@@ -36,6 +36,7 @@ void BenchmarkTableTest::showsReportedRows()
                  .goalOfLimit = 0.5});
     Report::add(
         {.metric = "One exchange", .place = "all threads", .unit = "us", .ours = 7.25, .goalValue = 8});
+    Report::add({.metric = "Beside", .place = "", .unit = "x", .ours = 1});
     Report::add({.metric = "No number",
                  .place = "",
                  .unit = "ms",
@@ -56,6 +57,7 @@ Sample
   KB of text                                                  360 MB/s               check and memcpy:   peer: missed
                                                                                      5,400 MB/s
   One exchange                all threads        7.25 us                                                 met
+  Beside                                         1.00 x
   No number                                      no value     a|b: 1.00 ms                               missed
 )"_s;
     QCOMPARE(table.mid(table.indexOf(u"\nSample\n"_s)), expected);
