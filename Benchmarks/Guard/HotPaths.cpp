@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXApiTreeParser.h"
 #include "Quorvix/QXArchiveWriter.h"
+#include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXRequestDetailsViewModel.h"
 #include "Quorvix/QXRequestListViewModel.h"
 #include "Quorvix/QXRequestRecorder.h"
@@ -14,6 +15,7 @@
 #include "Platform/ObjectRuntime.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Samples.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThread>
@@ -143,6 +145,24 @@ std::function<void()> recordWithOpenList(int amount)
     };
 }
 
+/// What the rows of a list show while it is scrolled.
+std::function<void()> scroll(int amount)
+{
+    const int count = 10 * amount;
+    fillStore(count);
+    const auto model = std::make_shared<QXRequestListViewModel>();
+    QCoreApplication::processEvents();
+    return [model, count] {
+        qsizetype letters = 0;
+        const QList<int> roles = model->roleNames().keys();
+        for (int row = 0; row < count; ++row) {
+            for (const int role : roles)
+                letters += model->data(model->index(row), role).toString().size();
+        }
+        require(letters > 10 * count, "titles");
+    };
+}
+
 /// Types a word, of which each letter is a keystroke.
 std::function<void()> search(int amount)
 {
@@ -198,18 +218,37 @@ std::function<void()> sessionHook(int amount)
     };
 }
 
-std::function<void()> archive(int amount)
+std::function<void()> archiveOf(int count, const QByteArray &body)
 {
     std::vector<QXRequestTrace> traces;
     const NSHTTPURLResponse response(QUrl(u"https://api.example.com/"_s), 200, u"HTTP/1.1"_s,
                                      {{u"Content-Type"_s, u"application/json"_s}});
-    for (int i = 0; i < amount / 2; ++i) {
+    for (int i = 0; i < count; ++i) {
         traces.emplace_back(idOf(i), requestOf(i));
-        traces.back().response = QXResponseTrace(response, jsonBody(20'000));
+        traces.back().response = QXResponseTrace(response, body);
     }
-    return [traces] {
+    return [traces, size = count * body.size()] {
         const QByteArray text = QXArchiveWriter::archive(QXArchiveWriter::sourceOf(traces));
-        require(text.size() > qsizetype(traces.size()) * 20'000, "an archive");
+        require(text.size() > size, "an archive");
+    };
+}
+
+std::function<void()> archive(int amount)
+{
+    return archiveOf(amount / 2, jsonBody(20'000));
+}
+
+std::function<void()> binaryArchive(int amount)
+{
+    return archiveOf(amount / 2, Samples::binaryBytes(20'000));
+}
+
+std::function<void()> decode(int amount)
+{
+    const QByteArray body = jsonBody(qsizetype(10'000) * amount);
+    return [text = body.toBase64(), size = body.size()] {
+        const auto payload = QXPayloadDecoder::decodePayload(QByteArrayView(text));
+        require(payload && payload->sections.front().content.size() > size, "a payload");
     };
 }
 
@@ -261,9 +300,12 @@ const std::vector<HotPath> &hotPaths()
         {"1,000 exchanges with the list open, at 10,000", recordWithOpenList},
         {"1,000 exchanges through the hook of a session", sessionHook},
         {"a word typed into the search, at 20,000", search},
-        {"HAR of 50 bodies of 20 KB", archive},
+        {"1,000 rows of the list", scroll},
+        {"HAR of 50 bodies of 20 KB of text", archive},
+        {"HAR of 50 binary bodies of 20 KB", binaryArchive},
         {"JSON of 1 MB as a tree", tree},
         {"JSON of 1 MB opened", bodyShown},
+        {"JSON of 1 MB decoded from Base64", decode},
     };
     return paths;
 }
