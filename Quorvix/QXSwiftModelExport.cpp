@@ -48,11 +48,11 @@ Result<QUrl> QXSwiftModelExport::exportTrace(const QXExportedTrace &exported, QX
     // The path stays percent-encoded, so that an escaped slash does not end a segment.
     const QString path = trace.url ? trace.url->path(QUrl::FullyEncoded) : QString();
     const QString name = QXSwiftName::rootTypeName(path);
-    const Result<QString> source = QXSwiftModelGenerator::source(*root, name, progress);
+    const Result<QByteArray> source = QXSwiftModelGenerator::utf8Source(*root, name, progress);
     if (!source)
         return source.error();
     if (isCancelled(progress))
         return cancelledError();
-    const auto file = QXTemporaryFile::writeText(QXSwiftName::fileName(name), source.value().toUtf8());
+    const auto file = QXTemporaryFile::writeText(QXSwiftName::fileName(name), source.value());
     return file ? file : makeError(QXExportError::swiftModelFileNotCreated);
 }

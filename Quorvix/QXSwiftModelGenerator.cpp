@@ -1,17 +1,17 @@
 #include "Quorvix/QXSwiftModelGenerator.h"
 
 #include "Quorvix/QXExportError.h"
+#include "Quorvix/QXSwiftKey.h"
 #include "Quorvix/QXSwiftName.h"
 
-#include <algorithm>
+#include <optional>
 
 using namespace Quorvix;
-using namespace Qt::StringLiterals;
 
 namespace {
 
 /// The Swift type for values that have no single type. It decodes any JSON value and encodes it unchanged.
-constexpr QStringView fallbackType = uR"(enum JSONValue: Codable, Hashable {
+constexpr std::string_view fallbackType = R"(enum JSONValue: Codable, Hashable {
     case string(String)
     case number(Double)
     case bool(Bool)
@@ -57,73 +57,104 @@ constexpr QStringView fallbackType = uR"(enum JSONValue: Codable, Hashable {
     }
 })";
 
-QString scalarType(QXApiValueKind kind)
+std::string_view scalarType(QXApiValueKind kind)
 {
     switch (kind) {
     case QXApiValueKind::number:
-        return u"Double"_s;
+        return "Double";
     case QXApiValueKind::boolean:
-        return u"Bool"_s;
+        return "Bool";
     case QXApiValueKind::null:
-        return u"String?"_s;
+        return "String?";
     default:
-        return u"String"_s;
+        return "String";
     }
 }
 
-QString nestedTypeName(QStringView key, QStringView enclosingName)
+constexpr std::string_view response = "Response";
+
+void appendWithoutResponse(QXSwiftText &text, QXSwiftText::Part typeName)
 {
-    return QXSwiftName::withoutResponse(enclosingName).toString() +
-           QXSwiftName::typeName(key.startsWith(u'[') ? u"Item" : key);
+    if (typeName.utf8.ends_with(response))
+        typeName.utf8.remove_suffix(response.size());
+    text.append(typeName);
 }
 
-QString elementTypeName(const std::optional<QString> &key, QStringView proposedName)
+/// "Categories" becomes "Category", "Users" becomes "User". Only these two endings are known: "Status"
+/// becomes "Statu".
+void makeSingular(QXSwiftText &text)
 {
-    if (key && *key != "items"_L1)
-        return QXSwiftName::singular(QXSwiftName::typeName(*key));
-    const QStringView name = QXSwiftName::withoutResponse(proposedName);
-    // The name "Response" gives an empty text here; an empty key gives the default type name.
-    return name.isEmpty() ? QXSwiftName::typeName({}) : QXSwiftName::singular(name);
+    const std::string_view name = text.all().utf8;
+    if (name.ends_with("ies") && name.size() > 3) {
+        text.chop(3);
+        text.appendAscii('y');
+    } else if (name.ends_with('s') && name.size() > 1 && !name.ends_with("ss")) {
+        text.chop(1);
+    }
+}
+
+/// The key of a node; absent for the root. Only the first element of an array gets a type.
+std::optional<QByteArrayView> keyOf(const QXApiTreeField &node)
+{
+    if (!node.parent())
+        return std::nullopt;
+    return node.parent()->kind() == QXApiValueKind::array ? QByteArrayView("[0]") : node.nameUtf8();
 }
 
 } // namespace
 
-Result<QString> QXSwiftModelGenerator::source(const QXApiTreeField &root, const QString &rootName,
-                                              QXTaskProgress *progress)
+Result<QByteArray> QXSwiftModelGenerator::utf8Source(const QXApiTreeField &root, const QString &rootName,
+                                                     QXTaskProgress *progress)
 {
-    QXSwiftModelGenerator generator(QXTaskSteps(progress, root.treeSize()));
-    generator.addRoot(root, rootName);
+    QXSwiftModelGenerator generator(QXTaskSteps(progress, root.treeSize()), root.treeSize());
+    generator.m_proposed.appendText(rootName);
+    generator.addRoot(root);
     if (generator.m_isCancelled)
         return cancelledError();
     if (generator.m_isLimitReached)
         return makeError(QXExportError::swiftModelNotGenerated);
-    if (generator.m_needsFallback)
-        generator.m_text.append(u'\n').append(fallbackType);
-    else
+    if (generator.m_needsFallback) {
+        generator.m_text.appendAscii('\n');
+        generator.m_text.appendAscii(fallbackType);
+    } else {
         generator.m_text.chop(1);
+    }
     finish(progress);
-    return std::move(generator.m_text);
+    return generator.m_text.take();
 }
 
-void QXSwiftModelGenerator::addRoot(const QXApiTreeField &root, const QString &rootName)
+Result<QString> QXSwiftModelGenerator::source(const QXApiTreeField &root, const QString &rootName,
+                                              QXTaskProgress *progress)
+{
+    const Result<QByteArray> utf8 = utf8Source(root, rootName, progress);
+    return utf8 ? QString::fromUtf8(utf8.value()) : Result<QString>(utf8.error());
+}
+
+void QXSwiftModelGenerator::addRoot(const QXApiTreeField &root)
 {
     if (root.kind() == QXApiValueKind::object) {
-        addType(root, rootName);
+        addType(root);
         return;
     }
-    const QString name = reserveName(rootName);
-    const QString property = root.kind() == QXApiValueKind::array
-                                 ? u"    let items: ["_s + elementType(root, name) + u"]\n"_s
-                                 : u"    let value: "_s + scalarType(root.kind()) + u'\n';
-    addText(name, property, {});
+    const Part name = reserveName();
+    if (root.kind() == QXApiValueKind::array) {
+        m_properties.appendAscii("    let items: [");
+        appendElementType(root, name);
+        m_properties.appendAscii("]\n");
+    } else {
+        m_properties.appendAscii("    let value: ");
+        m_properties.appendAscii(scalarType(root.kind()));
+        m_properties.appendAscii('\n');
+    }
+    addText(name, m_properties.all(), {});
 }
 
 /// Adds the type of an object, after the types of its members, and returns the name of the type.
-QString QXSwiftModelGenerator::addType(const QXApiTreeField &object, const QString &proposedName)
+QXSwiftText::Part QXSwiftModelGenerator::addType(const QXApiTreeField &object)
 {
-    QString name = reserveName(proposedName);
-    const qsizetype properties = m_properties.size();
-    const qsizetype cases = m_cases.size();
+    const Part name = reserveName();
+    const QXSwiftText::Mark properties = m_properties.end();
+    const QXSwiftText::Mark cases = m_cases.end();
     // The children are sorted by key.
     for (const QXApiTreeField &member : object.children()) {
         if (isOver())
@@ -131,102 +162,132 @@ QString QXSwiftModelGenerator::addType(const QXApiTreeField &object, const QStri
         addProperty(member, name);
     }
     if (!isOver())
-        addText(name, QStringView(m_properties).sliced(properties), QStringView(m_cases).sliced(cases));
+        addText(name, m_properties.from(properties), m_cases.from(cases));
     m_properties.truncate(properties);
     m_cases.truncate(cases);
     return name;
 }
 
-void QXSwiftModelGenerator::addProperty(const QXApiTreeField &member, const QString &enclosingName)
+void QXSwiftModelGenerator::addProperty(const QXApiTreeField &member, Part enclosingName)
 {
-    // This call comes first, because it uses the same buffers for the lines of a nested type.
-    const QString type = memberType(member, enclosingName);
-    if (isOver())
-        return;
-    const Property &property = propertyFor(member);
-    m_properties.append(property.declaration).append(type).append(u'\n');
-    m_cases.append(property.codingCase);
+    const QXSwiftKey key(member.nameUtf8());
+    m_properties.appendAscii("    let ");
+    const QXSwiftText::Mark name = m_properties.end();
+    if (key.appendPropertyName(m_properties)) {
+        m_cases.appendAscii("        case ");
+        m_cases.append(m_properties.from(name));
+        m_cases.appendAscii(" = ");
+        key.appendLiteral(m_cases);
+        m_cases.appendAscii('\n');
+    }
+    m_properties.appendAscii(": ");
+    // The lines of a nested type stand behind this unfinished line, until the type is finished.
+    appendMemberType(member, key, enclosingName);
+    m_properties.appendAscii('\n');
     checkSize();
 }
 
-const QXSwiftModelGenerator::Property &QXSwiftModelGenerator::propertyFor(const QXApiTreeField &member)
+void QXSwiftModelGenerator::addText(Part name, Part properties, Part cases)
 {
-    const QByteArrayView utf8 = member.nameUtf8();
-    Property &property = m_propertiesOfKeys[{utf8.data(), size_t(utf8.size())}];
-    if (property.declaration.isEmpty()) {
-        const QString key = QString::fromUtf8(utf8);
-        const QString name = QXSwiftName::propertyName(key);
-        property.declaration = u"    let "_s + name + u": "_s;
-        if (name != key)
-            property.codingCase =
-                u"        case "_s + name + u" = "_s + QXSwiftName::stringLiteral(key) + u'\n';
+    m_text.appendAscii("struct ");
+    m_text.append(name);
+    m_text.appendAscii(": Codable, Hashable {\n");
+    m_text.append(properties);
+    if (!cases.utf8.empty()) {
+        m_text.appendAscii("\n    enum CodingKeys: String, CodingKey {\n");
+        m_text.append(cases);
+        m_text.appendAscii("    }\n");
     }
-    return property;
+    m_text.appendAscii("}\n");
 }
 
-void QXSwiftModelGenerator::addText(QStringView name, QStringView properties, QStringView cases)
-{
-    m_text.append(u"struct "_s).append(name).append(u": Codable, Hashable {\n"_s).append(properties);
-    if (!cases.isEmpty())
-        m_text.append(u"\n    enum CodingKeys: String, CodingKey {\n"_s).append(cases).append(u"    }\n"_s);
-    m_text.append(u"}\n"_s);
-}
-
-QString QXSwiftModelGenerator::memberType(const QXApiTreeField &member, const QString &enclosingName)
+void QXSwiftModelGenerator::appendMemberType(const QXApiTreeField &member, const QXSwiftKey &key,
+                                             Part enclosingName)
 {
     switch (member.kind()) {
     case QXApiValueKind::object:
-        return addType(member, nestedTypeName(QString::fromUtf8(member.nameUtf8()), enclosingName));
+        m_proposed.truncate({});
+        appendWithoutResponse(m_proposed, enclosingName);
+        if (member.nameUtf8().startsWith('['))
+            m_proposed.appendAscii("Item");
+        else
+            key.appendTypeName(m_proposed);
+        m_properties.append(addType(member));
+        break;
     case QXApiValueKind::array:
-        return u'[' + elementType(member, enclosingName) + u']';
+        m_properties.appendAscii('[');
+        appendElementType(member, enclosingName);
+        m_properties.appendAscii(']');
+        break;
     default:
-        return scalarType(member.kind());
+        m_properties.appendAscii(scalarType(member.kind()));
     }
 }
 
-/// The type of an array's elements, taken from the first one. @p proposedName is the name of the enclosing
-/// type.
-QString QXSwiftModelGenerator::elementType(const QXApiTreeField &array, QStringView proposedName)
+/// Appends the type of an array's elements, taken from the first one. @p proposedName is the name of the
+/// enclosing type.
+void QXSwiftModelGenerator::appendElementType(const QXApiTreeField &array, Part proposedName)
 {
     const QXApiTreeField::Children elements = array.children();
     if (elements.empty() || !areOfOneKind(elements)) {
         m_needsFallback = true;
-        return u"JSONValue"_s;
+        m_properties.appendAscii("JSONValue");
+        return;
     }
     const QXApiTreeField &first = elements.front();
     switch (first.kind()) {
     case QXApiValueKind::object:
-        return addType(first, elementTypeName(array.key(), proposedName));
-    case QXApiValueKind::array:
-        return u'[' + elementType(first, elementTypeName(array.key(), proposedName)) + u']';
+        proposeElementName(array, proposedName);
+        m_properties.append(addType(first));
+        break;
+    case QXApiValueKind::array: {
+        proposeElementName(array, proposedName);
+        m_properties.appendAscii('[');
+        appendElementType(first, m_names.stored(m_proposed.all()));
+        m_properties.appendAscii(']');
+        break;
+    }
     default:
-        return scalarType(first.kind());
+        m_properties.appendAscii(scalarType(first.kind()));
     }
 }
 
-/// Returns a name that no other type has, and marks it as used.
-QString QXSwiftModelGenerator::reserveName(const QString &proposedName)
+void QXSwiftModelGenerator::proposeElementName(const QXApiTreeField &array, Part proposedName)
 {
-    QString name = proposedName;
-    if (const auto used = m_nextSuffixes.find(name); used != m_nextSuffixes.end()) {
-        // Names are never released, so the search continues after the last suffix that was tried.
-        int index = used->second;
-        do {
-            const std::optional<QString> suffix = QXSwiftName::suffix(index++);
-            m_isLimitReached |= !suffix;
-            name = proposedName + suffix.value_or(QString());
-        } while (!isOver() && m_nextSuffixes.contains(name));
-        used->second = index;
+    const std::optional<QByteArrayView> key = keyOf(array);
+    m_proposed.truncate({});
+    if (key && *key != "items")
+        QXSwiftKey(*key).appendTypeName(m_proposed);
+    else
+        appendWithoutResponse(m_proposed, proposedName);
+    // The name "Response" gives an empty text here; an empty key gives the default type name.
+    if (m_proposed.end().size == 0)
+        QXSwiftKey({}).appendTypeName(m_proposed);
+    else
+        makeSingular(m_proposed);
+}
+
+/// Makes a name that no other type has from the proposed one, and marks it as used.
+QXSwiftText::Part QXSwiftModelGenerator::reserveName()
+{
+    const QXSwiftText::Mark proposed = m_proposed.end();
+    QXSwiftNames::Insertion inserted = m_names.insert(m_proposed.all());
+    // Names are never released, so the search continues after the last suffix that was tried.
+    for (const size_t used = inserted.index; !inserted.isNew && !isOver();) {
+        const std::optional<QString> suffix = QXSwiftName::suffix(m_names.nextSuffix(used)++);
+        m_isLimitReached |= !suffix;
+        m_proposed.truncate(proposed);
+        m_proposed.appendText(suffix.value_or(QString()));
+        inserted = m_names.insert(m_proposed.all());
     }
-    m_nextSuffixes.try_emplace(name, 0);
-    m_nameSize += name.size();
+    m_nameSize += m_proposed.utf16Size();
     checkSize();
-    return name;
+    return inserted.name;
 }
 
 void QXSwiftModelGenerator::checkSize()
 {
-    const qsizetype size = m_nameSize + m_text.size() + m_properties.size() + m_cases.size();
+    const qsizetype size = m_nameSize + m_text.utf16Size() + m_properties.utf16Size() + m_cases.utf16Size();
     m_isLimitReached |= size > maximumSize;
     m_isCancelled |= !m_steps.goOn(++m_done);
 }

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "Quorvix/QXApiTreeField.h"
+#include "Quorvix/QXSwiftNames.h"
 #include "Quorvix/QXTaskSteps.h"
 
 #include "Platform/Result.h"
 
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
-#include <QtCore/QStringView>
 
-#include <string_view>
-#include <unordered_map>
+class QXSwiftKey;
 
 /// Writes Swift types that decode the JSON text of a tree: one struct per object, and a struct around a root
 /// that is not an object. The first element of an array determines the element type.
@@ -26,6 +26,9 @@ public:
     /// @p progress covers the work. Recursive; a tree is no deeper than JSONReader::maximumDepth. Any thread.
     static Quorvix::Result<QString> source(const QXApiTreeField &root, const QString &rootName,
                                            QXTaskProgress *progress = nullptr);
+    /// The same source in UTF-8, in which it is written.
+    static Quorvix::Result<QByteArray> utf8Source(const QXApiTreeField &root, const QString &rootName,
+                                                  QXTaskProgress *progress = nullptr);
 
     /// The maximum size of the source and its names, in characters. A type's name contains the names of all
     /// enclosing types. So without a limit, the source of a deeply nested text could be hundreds of times
@@ -33,51 +36,43 @@ public:
     static constexpr qsizetype maximumSize = qsizetype(64) << 20;
 
 private:
-    /// The source of one key: the indented "let firstName: ", and the line of its coding key if it needs
-    /// one.
-    struct Property
+    using Part = QXSwiftText::Part;
+
+    QXSwiftModelGenerator(QXTaskSteps steps, qsizetype nodeCount)
+        : m_text(expectedSize(nodeCount)), m_properties(expectedSize(nodeCount)),
+          m_cases(expectedSize(nodeCount)), m_steps(steps)
     {
-        QString declaration;
-        QString codingCase;
-    };
-
-    /// qHash() was twenty times slower for names of this length, and QHash computes it again when the table
-    /// grows.
-    struct NameHash
+    }
+    /// A node makes a line or two, but those of most elements of an array make none.
+    static constexpr qsizetype expectedSize(qsizetype nodeCount)
     {
-        size_t operator()(const QString &name) const noexcept
-        {
-            return std::hash<std::u16string_view>()({QStringView(name).utf16(), size_t(name.size())});
-        }
-    };
+        constexpr qsizetype lines = 128;
+        return std::min(nodeCount, maximumSize / lines) * lines;
+    }
 
-    explicit QXSwiftModelGenerator(QXTaskSteps steps) : m_steps(steps) {}
+    void addRoot(const QXApiTreeField &root);
+    Part addType(const QXApiTreeField &object);
+    void addProperty(const QXApiTreeField &member, Part enclosingName);
+    void addText(Part name, Part properties, Part cases);
 
-    void addRoot(const QXApiTreeField &root, const QString &rootName);
-    QString addType(const QXApiTreeField &object, const QString &proposedName);
-    void addProperty(const QXApiTreeField &member, const QString &enclosingName);
-    const Property &propertyFor(const QXApiTreeField &member);
-    void addText(QStringView name, QStringView properties, QStringView cases);
+    void appendMemberType(const QXApiTreeField &member, const QXSwiftKey &key, Part enclosingName);
+    void appendElementType(const QXApiTreeField &array, Part proposedName);
+    void proposeElementName(const QXApiTreeField &array, Part proposedName);
 
-    QString memberType(const QXApiTreeField &member, const QString &enclosingName);
-    QString elementType(const QXApiTreeField &array, QStringView proposedName);
-
-    QString reserveName(const QString &proposedName);
+    Part reserveName();
     void checkSize();
     bool areOfOneKind(QXApiTreeField::Children nodes);
     /// Whether the rest of the work is skipped.
     [[nodiscard]] bool isOver() const noexcept { return m_isLimitReached || m_isCancelled; }
 
     /// The source of the finished types. Each ends with a line break.
-    QString m_text;
+    QXSwiftText m_text;
     /// The lines of the unfinished types; those of the innermost type come last.
-    QString m_properties;
-    QString m_cases;
-    /// The used names, each with the first suffix that may still be free.
-    std::unordered_map<QString, int, NameHash> m_nextSuffixes;
-    /// The properties by member name. This is a cache, because the keys of records repeat. The tree owns the
-    /// names.
-    std::unordered_map<std::string_view, Property> m_propertiesOfKeys;
+    QXSwiftText m_properties;
+    QXSwiftText m_cases;
+    /// The name that the next type gets if no other type has it.
+    QXSwiftText m_proposed;
+    QXSwiftNames m_names;
     /// The total length of all names so far. The names of unfinished types are not in the source yet.
     qsizetype m_nameSize = 0;
     bool m_needsFallback = false;

@@ -112,12 +112,19 @@ constexpr auto keywords = std::to_array<QLatin1StringView>({
     "where"_L1,       "while"_L1,
 });
 
-bool isKeyword(QStringView name)
+static_assert(std::ranges::is_sorted(keywords, std::less(), [](QLatin1StringView word) {
+    return std::string_view(word.data(), size_t(word.size()));
+}));
+
+constexpr qsizetype longestKeyword =
+    std::ranges::max(keywords, {}, [](QLatin1StringView word) { return word.size(); }).size();
+
+/// Whether a name is a keyword. Most names are too long or have an upper-case letter or a digit.
+template<typename Name>
+bool isAmongKeywords(Name name)
 {
-    static_assert(std::ranges::is_sorted(keywords, std::less(), [](QLatin1StringView word) {
-        return std::string_view(word.data(), size_t(word.size()));
-    }));
-    return std::binary_search(keywords.begin(), keywords.end(), name,
+    return name.size() <= longestKeyword &&
+           std::binary_search(keywords.begin(), keywords.end(), name,
                               [](const auto &a, const auto &b) { return a.compare(b) < 0; });
 }
 
@@ -200,20 +207,12 @@ QString QXSwiftName::propertyName(QStringView key)
         return u"value"_s;
     if (beginsWithDigit(name))
         return u"value"_s + name;
-    return isKeyword(name) ? u'`' + name + u'`' : name;
+    return isAmongKeywords(QStringView(name)) ? u'`' + name + u'`' : name;
 }
 
-QStringView QXSwiftName::withoutResponse(QStringView typeName)
+bool QXSwiftName::isKeyword(QLatin1StringView name)
 {
-    return typeName.endsWith(response) ? typeName.chopped(response.size()) : typeName;
-}
-
-QString QXSwiftName::singular(QStringView typeName)
-{
-    if (typeName.endsWith(u"ies") && typeName.size() >= 4)
-        return typeName.chopped(3).toString() + u'y';
-    const bool dropsFinalS = typeName.endsWith(u's') && typeName.size() >= 2 && !typeName.endsWith(u"ss");
-    return typeName.chopped(dropsFinalS ? 1 : 0).toString();
+    return isAmongKeywords(name);
 }
 
 std::optional<QString> QXSwiftName::suffix(int index)

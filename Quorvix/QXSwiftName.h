@@ -20,11 +20,8 @@ public:
     /// keyword gets backquotes.
     [[nodiscard]] static QString propertyName(QStringView key);
 
-    /// The name without the ending "Response", if it has one.
-    [[nodiscard]] static QStringView withoutResponse(QStringView typeName);
-    /// "Categories" gives "Category", "Users" gives "User". Only these two endings are known: "Status" gives
-    /// "Statu".
-    [[nodiscard]] static QString singular(QStringView typeName);
+    /// Whether a property name needs backquotes.
+    [[nodiscard]] static bool isKeyword(QLatin1StringView name);
 
     /// The ending that makes a used name unique, by @p index: "A" to "Z", "AA" to "ZZ". Absent from
     /// suffixCount on.
