@@ -13,10 +13,11 @@
 #include "Quorvix/QXTaskProgress.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Report.h"
+#include "Tests/ProcessStatus.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 
 #include <malloc.h>
@@ -33,25 +34,6 @@ using Contest::require;
 namespace {
 
 constexpr qsizetype megabyte = 1'000'000;
-
-/// A field of /proc/self/status, in bytes.
-qsizetype statusField(QByteArrayView name)
-{
-    QFile status(u"/proc/self/status"_s);
-    require(status.open(QFile::ReadOnly), "the memory of the process is not known");
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith(name))
-            return line.mid(name.size() + 1).simplified().split(' ').constFirst().toLongLong() * 1024;
-    }
-    return 0;
-}
-
-void forgetPeak()
-{
-    malloc_trim(0);
-    QFile file(u"/proc/self/clear_refs"_s);
-    require(file.open(QFile::WriteOnly) && file.write("5") == 1, "the peak of the memory is not reset");
-}
 
 /// Records of eight values, ten million of them in 200 MB.
 QByteArray records(qsizetype size)
@@ -213,17 +195,22 @@ double longestEnd(const Task &task, double time)
 
 void measure(const char *name, const QByteArray &body)
 {
-    std::printf("\n%s: %lld MB\n", name, static_cast<long long>(body.size() / megabyte));
+    double worstPause = 0;
+    double worstEnd = 0;
+    qsizetype worstPeak = 0;
+    std::printf("%s: %lld MB\n", name, static_cast<long long>(body.size() / megabyte));
     for (const Task &task : tasksFor(body)) {
-        forgetPeak();
-        const qsizetype before = statusField("VmRSS:");
+        malloc_trim(0);
+        ProcessStatus::forgetPeak();
+        const qsizetype before = ProcessStatus::field("VmRSS");
         std::shared_ptr<void> result;
         bool isThere = false;
         const std::clock_t clock = std::clock();
         const double time = Contest::milliseconds([&] { isThere = task.run(nullptr, result); });
         const double ownTime = double(std::clock() - clock) * 1000 / CLOCKS_PER_SEC;
-        const qsizetype peak = statusField("VmHWM:") - before;
-        const qsizetype held = statusField("VmRSS:") - before;
+        const qsizetype peak = ProcessStatus::field("VmHWM") - before;
+        const qsizetype held = ProcessStatus::field("VmRSS") - before;
+        require(before > 0, "the memory of the process is not known");
         const double freeing = Contest::milliseconds([&] { result.reset(); });
         const auto [pause, whole] = longestPause(task);
         const double end = longestEnd(task, whole);
@@ -233,7 +220,18 @@ void measure(const char *name, const QByteArray &body)
             task.name, isThere ? "     " : "fails", time, ownTime, static_cast<long long>(peak / megabyte),
             static_cast<long long>(held / megabyte), freeing, pause, end);
         std::fflush(stdout);
+        worstPause = std::max(worstPause, pause);
+        worstEnd = std::max(worstEnd, end);
+        worstPeak = std::max(worstPeak, peak);
     }
+    const QByteArray size = ", " + QByteArray::number(body.size() / megabyte) + " MB: ";
+    const auto add = [&](const char *what, const char *place, const char *unit, double value) {
+        Report::add({(name + size + what).constData(), place, unit, value});
+    };
+    add("longest pause of the progress of a task", "the task's thread", "ms", worstPause);
+    add("longest time to the end of a cancelled task", "the task's thread", "ms", worstEnd);
+    add("most memory of a task for each byte", "the host's process", "x",
+        double(worstPeak) / double(body.size()));
 }
 
 } // namespace

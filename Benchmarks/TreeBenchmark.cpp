@@ -1,9 +1,12 @@
-// Parses a document of 8 MB into a tree; for comparison, parsers that an application would otherwise use.
+// Parses texts of 9 and 10 MB into trees; for comparison, parsers that an application would otherwise use.
+// Each time includes freeing the result.
 
 #include "Quorvix/QXApiTreeParser.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Report.h"
 #include "Benchmarks/Samples.h"
+#include "Tests/ProcessStatus.h"
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QString>
@@ -17,14 +20,15 @@ using Samples::countNodes;
 
 namespace {
 
-constexpr int nodeCount = 600 * 1000;
+constexpr const char *place = "one thread, text to tree, freed";
 
 /// Records as a server sends them, 20 nodes each: numbers, texts with escapes and with letters beyond ASCII,
 /// lists, nested objects, and keys that are not sorted.
 QByteArray makeDocument()
 {
+    constexpr int recordCount = 30'000;
     QByteArray text = R"({"total":600000,"users":[)";
-    for (int i = 0; i < nodeCount / 20; ++i) {
+    for (int i = 0; i < recordCount; ++i) {
         const QByteArray number = QByteArray::number(i);
         text += i == 0 ? "" : ",\n";
         text +=
@@ -37,11 +41,86 @@ QByteArray makeDocument()
     return text += "]}";
 }
 
-/// The number of bytes that are allocated at the moment.
-size_t bytesInUse()
+/// Numbers of 19 digits, with as many more before them as @p prefix has.
+QByteArray makeNumbers(const QByteArray &prefix, qsizetype size)
 {
-    const struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
+    QByteArray text = "[";
+    for (qint64 i = 0; text.size() < size; ++i)
+        text += prefix + QByteArray::number(1'000'000'000'000'000'000 + i) + ',';
+    text.back() = ']';
+    return text;
+}
+
+void makeTree(const QByteArray &text)
+{
+    require(bool(QXApiTreeParser::parse(QByteArrayView(text))), "no tree");
+}
+
+void compareRecords()
+{
+    const QByteArray document = makeDocument();
+    const QString text = QString::fromUtf8(document);
+    const auto times =
+        Contest::medians({{"tree from bytes",
+                           [&] {
+                               makeTree(document);
+                           }},
+                          {"tree from a QString",
+                           [&] {
+                               require(bool(QXApiTreeParser::parse(text)), "no tree");
+                           }},
+                          {"QJsonDocument",
+                           [&] {
+                               require(QJsonDocument::fromJson(document).isObject(), "no object");
+                           }},
+                          {"nlohmann", [&] {
+                               require(nlohmann::json::parse(document).is_object(), "no object");
+                           }}});
+    const Report::Other qt{"QJsonDocument::fromJson", times[2]};
+    const Report::Other nlohmann{"nlohmann::json::parse", times[3]};
+    Report::add({"JSON of 9 MB as a tree", place, "ms", times[0], qt, {}, false, "0.25 of the peer", {}, 4});
+    Report::add({"JSON of 9 MB as a tree, from a QString", place, "ms", times[1], qt});
+    Report::add({"JSON of 9 MB as a tree", place, "ms", times[0], nlohmann});
+}
+
+void compareNumbers()
+{
+    constexpr qsizetype size = 10'000'000;
+    const QByteArray ordinary = makeNumbers({}, size);
+    const QByteArray wide = makeNumbers("1234567890", size);
+    const auto times = Contest::medians({{"wide",
+                                          [&] {
+                                              makeTree(wide);
+                                          }},
+                                         {"ordinary", [&] {
+                                              makeTree(ordinary);
+                                          }}});
+    Report::add({"10 MB of numbers beyond 64 bits as a tree",
+                 place,
+                 "ms",
+                 times[0],
+                 Report::Other{"10 MB of numbers of 64 bits", times[1]},
+                 {},
+                 false,
+                 "3 x the peer at most",
+                 {},
+                 1.0 / 3});
+}
+
+/// What a tree of a large text keeps in memory.
+void weigh()
+{
+    const QByteArray document = makeDocument();
+    malloc_trim(0);
+    const qsizetype before = ProcessStatus::field("VmRSS");
+    const auto fields = QXApiTreeParser::parse(QByteArrayView(document));
+    require(bool(fields), "the document is not JSON");
+    malloc_trim(0);
+    const qsizetype held = ProcessStatus::field("VmRSS") - before;
+    const size_t nodes = countNodes(*fields.value().first());
+    require(nodes > 600'000 && held > 0, "the tree is not in memory");
+    Report::add({"memory of a tree, for each node with its texts", "the host's process", "bytes",
+                 double(held) / double(nodes)});
 }
 
 } // namespace
@@ -49,36 +128,8 @@ size_t bytesInUse()
 // The peer throws when it cannot read its document. The exception ends the benchmark.
 int main() // NOLINT(bugprone-exception-escape)
 {
-    const QByteArray document = makeDocument();
-    const QString text = QString::fromUtf8(document);
-
-    const size_t before = bytesInUse();
-    auto fields = QXApiTreeParser::parse(QByteArrayView(document));
-    require(bool(fields), "the document is not JSON");
-    const size_t used = bytesInUse() - before;
-    const size_t nodes = countNodes(*fields.value().first());
-    require(nodes >= nodeCount, "the document has too few nodes");
-    fields = QXApiTreeParser::Fields();
-
-    std::printf("A document of %.1f MB, %zu nodes; median of %d turns, freeing included\n\n",
-                double(document.size()) / 1e6, nodes, Contest::rounds);
-    const auto parsedByNlohmann = [&] {
-        return nlohmann::json::parse(document.cbegin(), document.cend());
-    };
-    Contest::print("parsed", {{"tree from bytes",
-                               [&] {
-                                   require(bool(QXApiTreeParser::parse(QByteArrayView(document))), "no tree");
-                               }},
-                              {"tree from QString",
-                               [&] {
-                                   require(bool(QXApiTreeParser::parse(text)), "no tree");
-                               }},
-                              {"nlohmann::json::parse",
-                               [&] {
-                                   require(parsedByNlohmann().is_object(), "no object");
-                               }},
-                              {"QJsonDocument::fromJson", [&] {
-                                   require(QJsonDocument::fromJson(document).isObject(), "no object");
-                               }}});
-    std::printf("\nThe tree holds %.1f bytes per node, texts included.\n", double(used) / double(nodes));
+    weigh();
+    compareRecords();
+    compareNumbers();
+    return 0;
 }

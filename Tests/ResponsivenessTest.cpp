@@ -102,6 +102,16 @@ QByteArray numbers(qsizetype size)
     return body;
 }
 
+/// A map with a type for each key, at most 340,000 of them.
+QByteArray map(qsizetype size)
+{
+    QByteArray body = "{";
+    for (int i = 0; body.size() < qMin(size, 10 * megabyte); ++i)
+        body += "\"user-" + QByteArray::number(i) + R"(":{"id":)" + QByteArray::number(i) + "},";
+    body.back() = '}';
+    return body;
+}
+
 QByteArray encoded(qsizetype size)
 {
     return "{\"text\":\"" + objects(size * 3 / 4).toBase64() + "\"}";
@@ -295,6 +305,7 @@ void ResponsivenessTest::mainThreadGoesOn_data()
     QTest::addColumn<MakeBody>("makeBody");
     QTest::newRow("objects") << &objects;
     QTest::newRow("encoded") << &encoded;
+    QTest::newRow("map") << &map;
     if (!qEnvironmentVariableIsSet("QUORVIX_BIG"))
         return;
     QTest::newRow("numbers") << &numbers;
