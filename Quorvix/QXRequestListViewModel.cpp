@@ -38,13 +38,27 @@ QString exportFileName()
 
 using ExportOutcome = std::variant<QUrl, QXArchiveError, NSError>;
 
-/// Writes the traces to a new file in the temporary folder.
-ExportOutcome exportArchive(const std::vector<const QXRequestTrace *> &traces, QXTaskProgress *progress)
+/// The traces to export: those of a search, or else all of the list, which keeps both.
+struct ExportedTraces
 {
-    if (traces.empty())
+    QXTraceList list;
+    std::optional<std::vector<const QXRequestTrace *>> matches;
+
+    [[nodiscard]] qsizetype count() const { return matches ? qsizetype(matches->size()) : list.size(); }
+    /// Refers to this object.
+    [[nodiscard]] QXArchiveWriter::Source source() const
+    {
+        return matches ? QXArchiveWriter::sourceOf(*matches) : QXArchiveWriter::sourceOf(list);
+    }
+};
+
+/// Writes the traces to a new file in the temporary folder.
+ExportOutcome exportArchive(const ExportedTraces &traces, QXTaskProgress *progress)
+{
+    const qsizetype count = traces.count();
+    if (count == 0)
         return QXArchiveError::noEntries;
-    const auto source = [next = QXArchiveWriter::sourceOf(traces), done = 0, progress,
-                         count = qsizetype(traces.size())]() mutable {
+    const auto source = [next = traces.source(), done = qsizetype(0), progress, count]() mutable {
         if (progress)
             progress->report(done++, count);
         return next();
@@ -57,12 +71,15 @@ ExportOutcome exportArchive(const std::vector<const QXRequestTrace *> &traces, Q
     return std::move(file).value();
 }
 
-/// About how many bytes are written for the traces.
-qsizetype archiveSize(const std::vector<const QXRequestTrace *> &traces)
+/// About how many bytes are written for the traces. Stops at a size that takes long in any case, because it
+/// would take long to look at very many traces, too.
+qsizetype archiveSize(const ExportedTraces &traces)
 {
     constexpr qsizetype entrySize = 1000;
+    constexpr qsizetype enough = 8'000'000;
     qsizetype size = 0;
-    for (const QXRequestTrace *trace : traces) {
+    const auto source = traces.source();
+    for (const QXRequestTrace *trace = source(); trace && size < enough; trace = source()) {
         size += entrySize + (trace->body ? trace->body->size() : 0);
         if (trace->response && trace->response->body)
             size += trace->response->body->size();
@@ -322,11 +339,13 @@ void QXRequestListViewModel::updateMatch(qsizetype position)
 
 void QXRequestListViewModel::exportAll()
 {
-    const auto traces = filteredRequests();
+    ExportedTraces traces{m_requests, {}};
+    if (m_search.isActive())
+        traces.matches = filteredRequests();
+    const qsizetype size = archiveSize(traces);
     task()->perform(
-        archiveSize(traces), QCoreApplication::translate("Quorvix", "Preparing HAR File…"),
-        // The list keeps the traces.
-        [list = m_requests, traces](QXTaskProgress *progress) { return exportArchive(traces, progress); },
+        size, QCoreApplication::translate("Quorvix", "Preparing HAR File…"),
+        [traces = std::move(traces)](QXTaskProgress *progress) { return exportArchive(traces, progress); },
         [this](const ExportOutcome &outcome) {
             if (std::holds_alternative<QXArchiveError>(outcome))
                 return presentAlert(QCoreApplication::translate("Quorvix", "No network requests to export."));
