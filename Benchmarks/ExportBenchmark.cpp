@@ -6,6 +6,7 @@
 #include "Quorvix/QXRequestTrace.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Report.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -96,33 +97,39 @@ void requireLarge(size_t size)
     require(size > size_t(bodySize), "the body is missing");
 }
 
+/// A row for each peer.
+void compare(const char *metric, const std::vector<Contest::Contender> &contenders)
+{
+    const std::vector<double> times = Contest::medians(contenders);
+    for (size_t peer = 1; peer < times.size(); ++peer)
+        Report::add(
+            {metric, "one thread", "ms", times[0], Report::Other{contenders[peer].name, times[peer]}});
+}
+
 } // namespace
 
 int main()
 {
     const QXRequestTrace trace = makeTrace();
-    std::printf("One exchange with bodies of %.1f MB; median of %d turns\n\n",
-                double(trace.body->size()) / 1e6, Contest::rounds);
-
     const auto command = QXCurlCommandBuilder::build(trace);
     require(command && command.value() == commandByReplacing(trace), "the commands differ");
-    Contest::print("cURL command",
-                   {{"ours",
-                     [&] {
-                         requireLarge(size_t(QXCurlCommandBuilder::build(trace).value().size()));
-                     }},
-                    {"QString::replace", [&] {
-                         requireLarge(size_t(commandByReplacing(trace).size()));
-                     }}});
-    Contest::print("mock file's text", {{"ours",
-                                         [&] {
-                                             requireLarge(size_t(mock(trace).size()));
-                                         }},
-                                        {"nlohmann::json",
-                                         [&] {
-                                             requireLarge(mockByNlohmann(trace).size());
-                                         }},
-                                        {"QJsonDocument", [&] {
-                                             requireLarge(size_t(mockByQJsonDocument(trace).size()));
-                                         }}});
+    compare("cURL command of a body of 10 MB",
+            {{"ours",
+              [&] {
+                  requireLarge(size_t(QXCurlCommandBuilder::build(trace).value().size()));
+              }},
+             {"QString::replace", [&] {
+                  requireLarge(size_t(commandByReplacing(trace).size()));
+              }}});
+    compare("mock file of a body of 10 MB", {{"ours",
+                                              [&] {
+                                                  requireLarge(size_t(mock(trace).size()));
+                                              }},
+                                             {"nlohmann::json",
+                                              [&] {
+                                                  requireLarge(mockByNlohmann(trace).size());
+                                              }},
+                                             {"QJsonDocument", [&] {
+                                                  requireLarge(size_t(mockByQJsonDocument(trace).size()));
+                                              }}});
 }

@@ -105,18 +105,34 @@ void JSONTest::escapesText()
     QCOMPARE(writer.takeBuffer(), '[' + json + ',' + json + ",\"a\ufffdb\ufffd\"]");
 }
 
+/// The text is longer than several blocks of each size.
 void JSONTest::escapesAtEveryPlaceInABlock()
 {
-    for (int c = 0; c < 256; ++c) {
-        for (qsizetype at = 0; at < 40; ++at) {
-            QByteArray text(40, 'x');
-            text[at] = char(c);
-            JSONWriter writer;
+    constexpr qsizetype size = 200;
+    const auto written = [](const auto &text) {
+        JSONWriter writer;
+        if constexpr (std::is_same_v<decltype(text), const QString &>)
+            writer.string(text);
+        else
             writer.utf8(text);
-            const QByteArray plain = '"' + text + '"';
-            const bool isEscaped = c < 0x20 || c == '"' || c == '\\';
-            QCOMPARE(writer.takeBuffer() != plain, isEscaped);
+        return writer.takeBuffer();
+    };
+    for (int c = 0; c < 256; ++c) {
+        QByteArray escaped(1, char(c));
+        if (c < 0x80)
+            escaped = QJsonDocument(QJsonArray{QString(QChar(c))})
+                          .toJson(QJsonDocument::Compact)
+                          .chopped(2)
+                          .sliced(2);
+        for (qsizetype at = 0; at < size; ++at) {
+            const QByteArray text = QByteArray(at, 'x') + char(c) + QByteArray(size - at - 1, 'x');
+            const QByteArray json =
+                '"' + QByteArray(at, 'x') + escaped + QByteArray(size - at - 1, 'x') + '"';
+            QCOMPARE(written(text), json);
+            if (c < 0x80)
+                QCOMPARE(written(QString::fromLatin1(text)), json);
         }
+        QCOMPARE(written(QByteArray(size, char(c))), '"' + escaped.repeated(size) + '"');
     }
 }
 
