@@ -23,11 +23,11 @@ URLLoadSession::~URLLoadSession()
     }
 }
 
-QNetworkAccessManager *URLLoadSession::manager()
+URLLoadManager *URLLoadSession::manager()
 {
     if (!m_manager || m_parent != LoadingThread::parent()) {
         m_parent = LoadingThread::parent();
-        m_manager = new QNetworkAccessManager(LoadingThread::parent());
+        m_manager = new URLLoadManager(LoadingThread::parent());
         m_manager->setCookieJar(HTTPCookieStorage::makeJar().release());
     }
     return m_manager;
