@@ -1,13 +1,17 @@
 #include "Platform/LoadingThread.h"
 
 #include "Platform/ApplicationEnd.h"
+#include "Platform/MainActor.h"
 #include "Platform/TaskMailbox.h"
 
+#include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QThread>
 
+#include <chrono>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace Quorvix {
@@ -19,12 +23,56 @@ using namespace std::chrono_literals;
 /// How long the end of the application waits for a completion handler that is still running.
 constexpr auto shutdownTimeout = 2s;
 
+/// How many tasks wait for each other at most, on their way to the main thread, and for how long.
+constexpr std::size_t mostWaiting = 8;
+constexpr auto longestWait = 200us;
+
 class Thread final : public QThread
 {
 public:
     /// The parent of all objects in this thread.
     QObject *receiver = nullptr;
+
+    /// Null in other threads.
+    static Thread *current() { return s_current; }
+
+    void deliver(MailboxTaskPtr task)
+    {
+        const auto now = std::chrono::steady_clock::now();
+        if (m_waiting.empty())
+            m_waitingSince = now;
+        m_waiting.push_back(std::move(task));
+        if (m_waiting.size() == mostWaiting || now - m_waitingSince > longestWait)
+            deliverNow();
+    }
+
+    void deliverNow()
+    {
+        if (!m_waiting.empty())
+            MainActor::post(std::exchange(m_waiting, {}));
+    }
+
+protected:
+    void run() override
+    {
+        s_current = this;
+        connect(eventDispatcher(), &QAbstractEventDispatcher::aboutToBlock, eventDispatcher(),
+                [this] { deliverNow(); });
+        QThread::run();
+        s_current = nullptr;
+        // Nothing is delivered after the end of the application.
+        m_waiting.clear();
+    }
+
+private:
+    static thread_local Thread *s_current;
+
+    // In this thread only.
+    std::vector<MailboxTaskPtr> m_waiting;
+    std::chrono::steady_clock::time_point m_waitingSince;
 };
+
+thread_local Thread *Thread::s_current = nullptr;
 
 class Loading
 {
@@ -108,6 +156,19 @@ Q_COREAPP_STARTUP_FUNCTION(followApplication)
 void LoadingThread::post(std::function<void()> task)
 {
     Loading::instance().post(std::move(task));
+}
+
+void LoadingThread::deliver(MailboxTaskPtr task)
+{
+    if (Thread *const thread = Thread::current())
+        thread->deliver(std::move(task));
+    else
+        MainActor::post(std::move(task));
+}
+
+void LoadingThread::deliverNow()
+{
+    Thread::current()->deliverNow();
 }
 
 QObject *LoadingThread::parent()

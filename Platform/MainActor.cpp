@@ -85,6 +85,11 @@ void MainActor::post(MailboxTaskPtr task)
     mailbox().post(std::move(task));
 }
 
+void MainActor::post(std::vector<MailboxTaskPtr> tasks)
+{
+    mailbox().post(std::move(tasks));
+}
+
 void MainActor::flushReports()
 {
     mailbox().reportWaitingTasks();

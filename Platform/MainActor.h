@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace Quorvix {
 
@@ -27,6 +28,8 @@ void scheduleReport(std::function<void()> task, std::function<void()> report);
 /// Schedules @p task, and its MailboxTask::report() for flushReports(): for what many exchanges need. Any
 /// thread.
 void post(std::shared_ptr<MailboxTask> task);
+/// Schedules several tasks with one event. Any thread.
+void post(std::vector<std::shared_ptr<MailboxTask>> tasks);
 /// Runs the reports whose tasks have not run, in the order in which they were scheduled. Their tasks are as
 /// good as run then. On the application's thread, at its end.
 void flushReports();

@@ -1,6 +1,6 @@
 #include "Platform/MainThreadCompletion.h"
 
-#include "Platform/MainActor.h"
+#include "Platform/LoadingThread.h"
 
 #include <utility>
 
@@ -27,7 +27,7 @@ void MainThreadCompletion::operator()(std::optional<QByteArray> data, NSURLRespo
 {
     m_delivery->m_outcome = {std::move(data), std::move(response), std::move(error)};
     // Moved, so that the last owner of what the host has captured is on the main thread.
-    MainActor::post(std::move(m_delivery));
+    LoadingThread::deliver(std::move(m_delivery));
 }
 
 } // namespace Quorvix

@@ -91,7 +91,22 @@ void TaskMailbox::ensureEvent()
 
 bool TaskMailbox::post(MailboxTaskPtr task)
 {
-    const std::scoped_lock postLock(m_postMutex);
+    const std::scoped_lock lock(m_postMutex);
+    add(std::move(task));
+    return m_receiver != nullptr;
+}
+
+bool TaskMailbox::post(std::vector<MailboxTaskPtr> tasks)
+{
+    const std::scoped_lock lock(m_postMutex);
+    for (MailboxTaskPtr &task : tasks)
+        add(std::move(task));
+    return m_receiver != nullptr;
+}
+
+/// Adds a task, and posts an event if the last one has no room for it. The caller holds the lock of posting.
+void TaskMailbox::add(MailboxTaskPtr task)
+{
     std::unique_lock lock(m_queueMutex);
     const bool needsEvent = m_receiver && m_room == 0;
     if (needsEvent) {
@@ -105,7 +120,6 @@ bool TaskMailbox::post(MailboxTaskPtr task)
     lock.unlock();
     if (needsEvent)
         QCoreApplication::postEvent(m_receiver, new BatchEvent(batch));
-    return m_receiver != nullptr;
 }
 
 bool TaskMailbox::post(std::function<void()> function)

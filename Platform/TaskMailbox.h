@@ -67,6 +67,8 @@ public:
     /// Delivers later, in order; keeps the task while the mailbox is closed. Returns whether it is open. Any
     /// thread.
     bool post(MailboxTaskPtr task);
+    /// Posts several tasks, which make one event at most while there is room. Any thread.
+    bool post(std::vector<MailboxTaskPtr> tasks);
     /// Posts a function. Any thread.
     bool post(std::function<void()> function);
 
@@ -86,6 +88,7 @@ private:
         BatchNumber batch;
     };
 
+    void add(MailboxTaskPtr task);
     void ensureEvent();
     void runBatch(BatchNumber batch);
     [[nodiscard]] MailboxTaskPtr takeFirst(BatchNumber batch);

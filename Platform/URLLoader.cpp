@@ -3,6 +3,7 @@
 #include "Platform/ContentDecoder.h"
 #include "Platform/HTTPRedirect.h"
 #include "Platform/LoadingThread.h"
+#include "Platform/MainThreadCompletion.h"
 #include "Platform/ReplyOutcome.h"
 
 #include <QtNetwork/QNetworkRequest>
@@ -27,8 +28,12 @@ void complete(Task &task, std::optional<QByteArray> data, NSURLResponsePtr respo
     if (task.state.exchange(State::Completed) == State::Completed)
         return;
     const auto completionHandler = std::exchange(task.completionHandler, nullptr);
-    if (completionHandler && !LoadingThread::isEnding())
-        completionHandler(std::move(data), std::move(response), std::move(error));
+    if (!completionHandler || LoadingThread::isEnding())
+        return;
+    // The host's own code runs in here, and may take long.
+    if (!completionHandler.target<MainThreadCompletion>())
+        LoadingThread::deliverNow();
+    completionHandler(std::move(data), std::move(response), std::move(error));
 }
 
 // The request
@@ -137,12 +142,18 @@ void fail(Task &task, NSURLErrorCode code)
     complete(task, std::nullopt, nullptr, makeURLError(code));
 }
 
-/// Qt reads into a buffer of at least 32 kB, and of up to twice the size of a large body. The recorder keeps
-/// the buffer, so it is made smaller while nobody shares it: the memory allocator does that in place.
+/// The recorder keeps the buffer, so it has just the size of the body. Qt itself would read into one of at
+/// least 32 kB, and of up to twice the size of a large body.
 QByteArray readBody(QNetworkReply &reply)
 {
-    QByteArray body = reply.readAll();
-    body.squeeze();
+    QByteArray body(reply.bytesAvailable(), Qt::Uninitialized);
+    const qint64 read = reply.read(body.data(), body.size());
+    body.truncate(std::max<qint64>(read, 0));
+    // A device may have more than it says.
+    if (read > 0)
+        body.append(reply.readAll());
+    if (body.capacity() > body.size())
+        body.squeeze();
     return body;
 }
 
@@ -164,6 +175,8 @@ void finish(Task &task, QNetworkReply &reply)
         return complete(task, std::nullopt, ReplyOutcome::response(reply), makeURLError(*code));
 
     const bool decodes = isCoded(reply);
+    if (decodes)
+        LoadingThread::deliverNow();
     const auto isCancelled = [&task] {
         return task.state == State::Canceling || LoadingThread::isEnding();
     };

@@ -11,6 +11,8 @@
 #include <QtCore/QScopedValueRollback>
 
 #include <array>
+#include <bit>
+#include <random>
 #include <utility>
 
 using namespace Quorvix;
@@ -20,21 +22,18 @@ namespace {
 /// Whether the recorder changes now: its observers may themselves begin or end an exchange. Main thread only.
 bool isReporting = false;
 
-/// The bytes of one identifier. To ask the system for few random bytes takes about as long as for many, and
-/// longer than all else that the start of an exchange costs. A child that goes on after fork() without exec()
-/// can repeat those of a few exchanges, in a list of its own.
-QByteArrayView nextRandomBytes()
+/// The bytes of one identifier. The source of the system takes longer for them than all else that the start
+/// of an exchange costs: on many processors it is one slow instruction for each few bytes. So it only seeds a
+/// generator. A child that goes on after fork() repeats the identifiers of its parent, in a list of its own.
+std::array<uchar, 16> randomBytes()
 {
-    constexpr size_t size = 16;
-    static thread_local std::array<quint64, 32> random;
-    static thread_local size_t used = sizeof random;
-    if (used == sizeof random) {
-        QRandomGenerator::system()->fillRange(random.data(), qsizetype(random.size()));
-        used = 0;
-    }
-    const QByteArrayView bytes(reinterpret_cast<const char *>(random.data()) + used, size);
-    used += size;
-    return bytes;
+    static thread_local std::mt19937_64 generator = [] {
+        std::array<quint32, 8> seed;
+        QRandomGenerator::system()->fillRange(seed.data(), qsizetype(seed.size()));
+        std::seed_seq sequence(seed.begin(), seed.end());
+        return std::mt19937_64(sequence);
+    }();
+    return std::bit_cast<std::array<uchar, 16>>(std::array<quint64, 2>{generator(), generator()});
 }
 
 void followApplication()
@@ -49,20 +48,17 @@ Q_COREAPP_STARTUP_FUNCTION(followApplication)
 QString QXExchange::makeId()
 {
     constexpr QLatin1StringView digits{"0123456789ABCDEF"};
-    const QByteArrayView bytes = nextRandomBytes();
-    QString id(36, Qt::Uninitialized);
+    std::array<uchar, 16> bytes = randomBytes();
+    // The version and the variant (RFC 9562, 5.4)
+    bytes[6] = (bytes[6] & 0x0F) | 0x40;
+    bytes[8] = (bytes[8] & 0x3F) | 0x80;
+    QString id(36, u'-');
     QChar *place = id.data();
-    for (int i = 0; i < bytes.size(); ++i) {
+    for (size_t i = 0; i < bytes.size(); ++i) {
         if (i == 4 || i == 6 || i == 8 || i == 10)
-            *place++ = u'-';
-        auto byte = uchar(bytes[i]);
-        // The version and the variant (RFC 9562, 5.4)
-        if (i == 6)
-            byte = (byte & 0x0F) | 0x40;
-        else if (i == 8)
-            byte = (byte & 0x3F) | 0x80;
-        *place++ = digits[byte >> 4];
-        *place++ = digits[byte & 0x0F];
+            ++place;
+        *place++ = digits[bytes[i] >> 4];
+        *place++ = digits[bytes[i] & 0x0F];
     }
     return id;
 }
