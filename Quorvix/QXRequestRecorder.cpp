@@ -4,7 +4,11 @@
 #include "Platform/MainActor.h"
 #include "Platform/NSNotificationCenter.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
+
 #include <algorithm>
+#include <utility>
 
 using namespace Quorvix;
 
@@ -25,6 +29,16 @@ QString pathExtension(const QUrl &url)
 qsizetype sizeOf(const std::optional<QByteArray> &body)
 {
     return body ? body->size() : 0;
+}
+
+/// Whether nobody else has this buffer. A copy that is made and destroyed synchronises with the thread that
+/// gave up its own last.
+bool isUnshared(const QByteArray &bytes)
+{
+    if (!bytes.isDetached())
+        return false;
+    const QByteArray copy = bytes; // NOLINT(performance-unnecessary-copy-initialization)
+    return true;
 }
 
 /// Works for the request and for the response.
@@ -123,7 +137,76 @@ void QXRequestRecorder::admit(QXRequestTrace &trace, qsizetype position, BodySiz
     remember(position, bodySizes(trace), before);
     discardTooLarge(trace);
     m_bodyBytes += bodySizes(trace).sum() - before.sum();
+    noteLoose(trace, position);
     removeOldestBodies();
+}
+
+std::optional<QByteArray> *QXRequestRecorder::bodyAt(QXRequestTrace &trace, Side side)
+{
+    if (side == Side::Request)
+        return &trace.body;
+    return trace.response ? &trace.response->body : nullptr;
+}
+
+bool QXRequestRecorder::isLoose(const std::optional<QByteArray> &body)
+{
+    return body && body->capacity() > body->size() + body->size() / 64 + 32;
+}
+
+/// A body that has grown to its size can have twice the memory that it needs.
+void QXRequestRecorder::noteLoose(QXRequestTrace &trace, qsizetype position)
+{
+    for (const Side side : {Side::Request, Side::Response}) {
+        if (const auto *const body = bodyAt(trace, side); body && isLoose(*body))
+            m_looseBodies.push_back({{position, side}});
+    }
+    if (!m_looseBodies.empty())
+        tightenLater();
+}
+
+void QXRequestRecorder::tightenLater()
+{
+    if (!QCoreApplication::instance() || std::exchange(m_isTighteningSoon, true))
+        return;
+    // The host and the loading thread give up their copies soon after the exchange has ended.
+    constexpr std::chrono::milliseconds delay{500};
+    QTimer::singleShot(delay, QCoreApplication::instance(), [this, life = std::weak_ptr(m_life)] {
+        if (!life.expired())
+            tighten();
+    });
+}
+
+/// Returns memory that the buffers of bodies have too much. A buffer that nobody shares becomes smaller where
+/// it is. One that the host shares stays: a copy would take more memory than it saves as long as the host
+/// has its own. It is looked at again a few times; a host that has it still then is likely to keep it.
+void QXRequestRecorder::tighten()
+{
+    constexpr std::size_t mostPerTurn = 256;
+    constexpr int mostLooks = 8;
+    m_isTighteningSoon = false;
+    bool looksAgain = m_looseBodies.size() > mostPerTurn;
+    for (std::size_t count = std::min(m_looseBodies.size(), mostPerTurn); count > 0; --count) {
+        LooseBody loose = m_looseBodies.front();
+        m_looseBodies.pop_front();
+        const qsizetype index = m_requests.size() - 1 - loose.place.position;
+        QXTraceList::Cell *const cell = m_requests.uniqueCell(index);
+        if (!cell) {
+            // A snapshot that is alive, such as an open list, may stay so for long. The next change asks.
+            m_looseBodies.push_back(loose);
+            continue;
+        }
+        auto *const body = bodyAt(cell->trace, loose.place.side);
+        if (!body || !isLoose(*body))
+            continue;
+        if (isUnshared(**body)) {
+            (*body)->squeeze();
+        } else if (++loose.looks < mostLooks) {
+            m_looseBodies.push_back(loose);
+            looksAgain = true;
+        }
+    }
+    if (looksAgain)
+        tightenLater();
 }
 
 void QXRequestRecorder::removeOldestBodies()
@@ -255,6 +338,7 @@ void QXRequestRecorder::clear()
     Q_ASSERT(MainActor::isCurrent());
     m_requests = {};
     m_bodies.clear();
+    m_looseBodies.clear();
     m_refreshers.clear();
     FreedMemory::note(std::exchange(m_bodyBytes, 0));
     postChange();

@@ -112,6 +112,18 @@ private:
         [[nodiscard]] qsizetype sum() const { return request + response; }
     };
 
+    /// A body whose buffer is larger than it.
+    struct LooseBody
+    {
+        BodyPlace place;
+        int looks = 0;
+    };
+
+    static std::optional<QByteArray> *bodyAt(QXRequestTrace &trace, Side side);
+    static bool isLoose(const std::optional<QByteArray> &body);
+    void noteLoose(QXRequestTrace &trace, qsizetype position);
+    void tightenLater();
+    void tighten();
     static BodySizes bodySizes(const QXRequestTrace &trace);
     template<typename Change>
     void change(qsizetype index, Change makeChange);
@@ -129,6 +141,10 @@ private:
     std::atomic<qsizetype> m_bodyBudget = noBudget;
     /// The bodies in the order in which they arrived, while there is a budget; also of some that are gone.
     std::deque<BodyPlace> m_bodies;
+    std::deque<LooseBody> m_looseBodies;
+    bool m_isTighteningSoon = false;
+    /// It ends with the recorder.
+    std::shared_ptr<const bool> m_life = std::make_shared<const bool>(true);
     /// Whether observers hear of changes; not at the end of the application.
     bool m_isQuiet = false;
     QHash<QString, std::function<void()>> m_refreshers;

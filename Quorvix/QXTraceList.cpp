@@ -121,6 +121,22 @@ QXTraceList::Cell &QXTraceList::ownCell(qsizetype index)
     return const_cast<Cell &>(*cell);
 }
 
+QXTraceList::Cell *QXTraceList::uniqueCell(qsizetype index) const
+{
+    Q_ASSERT(index >= 0 && index < m_size);
+    const qsizetype position = m_size - 1 - index;
+    const NodePtr *node = &m_root;
+    int height = m_height;
+    while (height > 0 && (*node)->ref.loadAcquire() == 1) {
+        node = &(*node)->children[std::size_t((position >> (bits * height)) & (width - 1))];
+        --height;
+    }
+    if ((*node)->ref.loadAcquire() != 1)
+        return nullptr;
+    const CellPtr &cell = (*node)->cells[std::size_t(position & (width - 1))];
+    return isUnique(cell) ? const_cast<Cell *>(cell.get()) : nullptr;
+}
+
 /// The leaf of a position, which may be the next one behind the last. No other list refers to it or to the
 /// nodes above it: those that one did are copied from the root down, because a copied node shares its
 /// children.

@@ -113,6 +113,8 @@ private:
     /// The cell at a position counted from the newest, to be changed in place. It is a copy if anybody else
     /// refers to the cell, or to a list that has it. The cells of this list were not made as constants.
     [[nodiscard]] Cell &ownCell(qsizetype index);
+    /// The same without a copy: null if anybody else refers to it.
+    [[nodiscard]] Cell *uniqueCell(qsizetype index) const;
     static qsizetype findInNode(const Node *node, int height, size_t hash, const QString &id);
     static void visitNodes(const Node *left, const Node *right, int height, qsizetype first, qsizetype end,
                            const std::function<void(qsizetype)> &visit);

@@ -4,9 +4,7 @@
 
 #include <QtTest/QTest>
 
-#include <atomic>
 #include <random>
-#include <thread>
 
 using namespace Quorvix;
 
@@ -32,8 +30,6 @@ private Q_SLOTS:
     void traceKeepsAbsenceApartFromEmptiness();
     void tracesAreComparedByIdentityAlone();
     void responseHeadersAreAllTextOrAbsent();
-    void headersAreKeptAsTheyAre_data();
-    void headersAreKeptAsTheyAre();
     void newestComesFirstAndEveryChangeIsPosted();
     void completionFillsInWhatItWasGiven();
     void runningExchangesShowWhatHasArrived();
@@ -43,9 +39,6 @@ private Q_SLOTS:
     void budgetLeavesSnapshotsAlone();
     void loopsSurviveChangesOfTheRecorder();
     void snapshotsStayAsTheyWere();
-    void snapshotsOfTheRecorderStayAsTheyWere();
-    void changesAreMadeInPlace();
-    void snapshotsMayEndInAnotherThread();
     void differencesAreFoundBetweenRelatedLists();
 
 private:
@@ -97,48 +90,6 @@ void RecorderTest::responseHeadersAreAllTextOrAbsent()
     QVERIFY(!headers({{u"A"_s, u"x"_s}, {u"B"_s, qint64(1)}}));
     QVERIFY(!headers({{qint64(1), u"x"_s}}));
     QVERIFY(headers({})->isEmpty());
-}
-
-void RecorderTest::headersAreKeptAsTheyAre_data()
-{
-    QTest::addColumn<HTTPHeaderFields>("fields");
-    QTest::newRow("none") << HTTPHeaderFields();
-    QTest::newRow("known and unknown names")
-        << HTTPHeaderFields{{u"Content-Type"_s, u"a/b"_s}, {u"X-Own"_s, u"1"_s}, {u"ETag"_s, u"x"_s}};
-    QTest::newRow("case of names") << HTTPHeaderFields{
-        {u"etag"_s, u"1"_s}, {u"ETAG"_s, u"2"_s}, {u"ETag"_s, u"3"_s}};
-    QTest::newRow("empty texts") << HTTPHeaderFields{
-        {QString(), u"v"_s}, {u"Age"_s, QString()}, {u"Z"_s, u""_s}};
-    QTest::newRow("Latin-1") << HTTPHeaderFields{{u"X-\u00e4"_s, u"\u00ff\u0000"_s},
-                                                 {u"Date"_s, u"\u00e9"_s}};
-    QTest::newRow("beyond Latin-1") << HTTPHeaderFields{{u"Date"_s, u"\u4e2d\U0001F600"_s},
-                                                        {u"X-\u0100"_s, u"a"_s}};
-    for (const int size : {127, 128, 16'383, 16'384, 70'000})
-        QTest::addRow("%d characters", size)
-            << HTTPHeaderFields{{u"Cookie"_s, QString(size, u'x')}, {QString(size, u'y'), u"z"_s}};
-}
-
-void RecorderTest::headersAreKeptAsTheyAre()
-{
-    QFETCH(const HTTPHeaderFields, fields);
-    const StoredHeaderFields stored = fields;
-    QCOMPARE(stored.size(), fields.size());
-    QCOMPARE(stored.toMap(), fields);
-    QCOMPARE(HTTPHeaderFields(stored), fields);
-    QVERIFY(stored == fields && stored == StoredHeaderFields(fields));
-    StoredHeaderFields other = stored;
-    for (auto it = fields.cbegin(); it != fields.cend(); ++it) {
-        QCOMPARE(stored.exactValue(it.key()), it.value());
-        QCOMPARE(headerValue(std::optional(stored), it.key().toUpper()),
-                 headerValue(std::optional(fields), it.key().toUpper()));
-        QCOMPARE(*stored.constFind(it.key()), it.value());
-        other.insert(it.key(), it.value() + u'x');
-        QVERIFY(other != stored && other.contains(it.key()));
-        QCOMPARE(other.remove(it.key()), 1);
-        QVERIFY(!other.contains(it.key()));
-    }
-    QVERIFY(other.isEmpty() && other == StoredHeaderFields() && !stored.exactValue(u"Via"_s));
-    QCOMPARE(&stored.map(), &StoredHeaderFields(stored).map()); // made once for all copies
 }
 
 void RecorderTest::newestComesFirstAndEveryChangeIsPosted()
@@ -382,110 +333,6 @@ void RecorderTest::snapshotsStayAsTheyWere()
     }
     QCOMPARE(list.indexOf(QString::number(expected.back())), list.size() - 1);
     QCOMPARE(list.indexOf(u"none"_s), -1);
-}
-
-void RecorderTest::snapshotsOfTheRecorderStayAsTheyWere()
-{
-    const auto text = [](const QXTraceList &traces) {
-        QStringList lines;
-        for (const QXRequestTrace &trace : traces) {
-            const auto &response = trace.response;
-            lines << u"%1 %2 %3 %4 %5 %6"_s.arg(trace.id, trace.url->toString())
-                         .arg(trace.body ? trace.body->size() : -1)
-                         .arg(trace.duration.has_value())
-                         .arg(response ? response->statusCode : 0)
-                         .arg(response && response->body ? response->body->size() : -1);
-        }
-        return lines;
-    };
-    std::mt19937 random(3);
-    std::vector<std::pair<QXTraceList, QStringList>> snapshots;
-    std::vector<QXTraceList::CellPtr> cells;
-    QStringList cellTexts;
-    for (int step = 0; step < 2000; ++step) {
-        const auto any = QString::number(random() % std::max(qsizetype(1), m_recorder.requests().size()));
-        URLRequest request = makeRequest(u"http://host/%1"_s.arg(step));
-        request.httpBody = QByteArray(step % 7, 'x');
-        const QByteArray body(step % 11, 'y');
-        switch (random() % 8) {
-        case 0:
-            m_recorder.complete(any, makeResponse(200 + step), body, {});
-            break;
-        case 1:
-            m_recorder.progress(any, makeResponse(200 + step), body);
-            break;
-        case 2:
-            m_recorder.amend(any, request);
-            break;
-        case 3:
-            m_recorder.setBodyBudget(step % 2 ? std::optional<qsizetype>(50 + step % 3000) : std::nullopt);
-            break;
-        default:
-            m_recorder.record(QString::number(m_recorder.requests().size()), request);
-        }
-        if (step % 61 == 0)
-            snapshots.emplace_back(m_recorder.requests(), text(m_recorder.requests()));
-        // A pointer to a cell alone is a snapshot of it, too.
-        if (step % 97 == 0 && !m_recorder.requests().isEmpty()) {
-            cells.push_back(m_recorder.requests().cell(0));
-            cellTexts << text(m_recorder.requests()).constFirst();
-        }
-    }
-    for (const auto &[snapshot, expected] : snapshots)
-        QCOMPARE(text(snapshot), expected);
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        QXTraceList list;
-        list.prepend(cells[i]);
-        QCOMPARE(text(list).constFirst(), cellTexts[qsizetype(i)]);
-    }
-    m_recorder.setBodyBudget(std::nullopt);
-}
-
-void RecorderTest::changesAreMadeInPlace()
-{
-    constexpr int count = 2000;
-    for (int i = 0; i < count; ++i)
-        m_recorder.record(QString::number(i), makeRequest(u"http://host/"_s));
-    const auto newest = [this] {
-        return m_recorder.requests().cell(0).get();
-    };
-    const auto *const cell = newest();
-    m_recorder.complete(QString::number(count - 1), makeResponse(200), "body", {});
-    QCOMPARE(newest(), cell);
-
-    // For a snapshot only what changes is copied.
-    const QXTraceList snapshot = m_recorder.requests();
-    m_recorder.complete(u"7"_s, makeResponse(200), "body", {});
-    m_recorder.complete(u"7"_s, makeResponse(201), "body", {});
-    QList<qsizetype> changed;
-    snapshot.visitDifferences(m_recorder.requests(), [&](qsizetype position) { changed << position; });
-    QCOMPARE(changed, QList<qsizetype>{7});
-    QCOMPARE(newest(), cell);
-}
-
-void RecorderTest::snapshotsMayEndInAnotherThread()
-{
-    for (int round = 0; round < 200; ++round) {
-        const QString id = QString::number(round);
-        m_recorder.record(id, makeRequest(u"http://host/"_s));
-        std::atomic<int> seen = -1;
-        std::thread reader([&seen, traces = std::make_unique<QXTraceList>(m_recorder.requests())]() mutable {
-            int complete = 0;
-            for (const QXRequestTrace &trace : *traces)
-                complete += trace.duration.has_value();
-            traces.reset();
-            seen = complete;
-        });
-        // The first change happens beside the reader, the others after it without any other synchronisation.
-        for (int change = 0; change < 3; ++change) {
-            m_recorder.complete(id, makeResponse(200), "body", {});
-            while (change == 0 && seen.load(std::memory_order_relaxed) < 0)
-                std::this_thread::yield();
-        }
-        reader.join();
-        QCOMPARE(seen, round);
-    }
-    QCOMPARE(m_recorder.requests().size(), 200);
 }
 
 void RecorderTest::differencesAreFoundBetweenRelatedLists()
