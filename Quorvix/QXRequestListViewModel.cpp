@@ -23,6 +23,10 @@ namespace {
 /// texts that are searched takes more turns, and so do extremely long URLs.
 constexpr qsizetype bytesPerTurn = 16'777'216;
 
+/// How long the changes of the recorder are collected after a refresh. A refresh costs several times what an
+/// exchange costs, and a screen shows no more of them than it has frames.
+constexpr std::chrono::milliseconds refreshInterval(8);
+
 /// Converts a position counted from the newest trace to one counted from the oldest, and back.
 qsizetype reversedIndex(const QXTraceList &requests, qsizetype index)
 {
@@ -227,6 +231,8 @@ void QXRequestListViewModel::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() == m_searchTimer.timerId())
         continueSearch();
+    else if (event->timerId() == m_refreshTimer.timerId())
+        refresh();
     else
         QXPresentingModel::timerEvent(event);
 }
@@ -246,12 +252,19 @@ void QXRequestListViewModel::scheduleRefresh()
 {
     if (std::exchange(m_refreshScheduled, true))
         return;
-    QMetaObject::invokeMethod(this, &QXRequestListViewModel::refresh, Qt::QueuedConnection);
+    const auto sinceRefresh = std::chrono::steady_clock::now() - m_refreshedAt;
+    if (sinceRefresh >= refreshInterval)
+        QMetaObject::invokeMethod(this, &QXRequestListViewModel::refresh, Qt::QueuedConnection);
+    else
+        m_refreshTimer.start(
+            int(std::chrono::ceil<std::chrono::milliseconds>(refreshInterval - sinceRefresh).count()), this);
 }
 
 void QXRequestListViewModel::refresh()
 {
+    m_refreshTimer.stop();
     m_refreshScheduled = false;
+    m_refreshedAt = std::chrono::steady_clock::now();
     const QXTraceList requests = QXRequestRecorder::shared().requests();
     const bool extends = !m_requests.isEmpty() && requests.size() >= m_requests.size() &&
                          m_requests[m_requests.size() - 1] == requests[requests.size() - 1];

@@ -14,9 +14,10 @@
 ///
 /// The rows are the traces that match the search, in the recorder's order. A search through so many bytes of
 /// URLs that it would block the thread goes on in later turns of the event loop, from the newest trace to the
-/// oldest, and appends rows. A change of the recorder reaches the model in a later turn of the event loop and
-/// affects only the rows it concerns. The cost of a change does not grow with the number of traces. Another
-/// search text changes the data of rows and their number; it resets nothing, so that a view keeps its rows.
+/// oldest, and appends rows. A change of the recorder reaches the model in a later turn of the event loop,
+/// together with those of the same few milliseconds, and affects only the rows it concerns. The cost of a
+/// change does not grow with the number of traces. Another search text changes the data of rows and their
+/// number; it resets nothing, so that a view keeps its rows.
 class QXRequestListViewModel : public QXPresentingModel
 {
     Q_OBJECT
@@ -98,6 +99,8 @@ private:
     /// The number of rows, which follows the search in steps that a view understands.
     int m_rowCount = 0;
     bool m_refreshScheduled = false;
+    std::chrono::steady_clock::time_point m_refreshedAt;
+    QBasicTimer m_refreshTimer;
     QBasicTimer m_searchTimer;
     Quorvix::NSNotificationObserver m_observer;
 };
