@@ -18,7 +18,7 @@ QXSheet {
     presented: payload !== undefined
     title: sections.title
     contentHeight: column.height
-    scrollArea: page
+    scrollArea: scroll
 
     onPayloadChanged: sections.payload = root.payload
     onVisibleChanged: {
@@ -30,7 +30,7 @@ QXSheet {
     QXDecodedPayloadModel {
         id: sections
 
-        onPayloadChanged: page.contentY = 0
+        onPayloadChanged: scroll.contentY = 0
     }
 
     Rectangle {
@@ -44,7 +44,7 @@ QXSheet {
     }
 
     QXScrollArea {
-        id: page
+        id: scroll
 
         objectName: "QXDecodedPayloadPage"
         anchors.fill: parent
@@ -53,7 +53,7 @@ QXSheet {
         Column {
             id: column
 
-            width: page.width
+            width: scroll.width
             padding: QXTheme.margin
             spacing: QXTheme.margin
 
@@ -85,7 +85,7 @@ QXSheet {
 
                         objectName: "QXDecodedSectionText"
                         width: parent.width
-                        page: page
+                        page: scroll
                         document: section.document
                         color: QXTheme.faintFill
                         view.font: Qt.font({
@@ -95,7 +95,7 @@ QXSheet {
                         onContextMenuRequested: position => menu.openFor(block, position)
                         onActiveFocusChanged: {
                             if (activeFocus)
-                                page.revealBeginning(block);
+                                scroll.revealBeginning(block);
                         }
                     }
                 }

@@ -135,7 +135,10 @@ function(quorvix_qml_module target)
         IMPORT_PATH ${PROJECT_BINARY_DIR}/qml
         OUTPUT_TARGETS resources
         ${module_UNPARSED_ARGUMENTS})
-    set_target_properties(${target} PROPERTIES QUORVIX_RESOURCES "${resources}")
+    # Byte code only: the C++ code that Qt also generates for bindings would be a third of the library.
+    set_target_properties(${target} PROPERTIES
+        QUORVIX_RESOURCES "${resources}"
+        QT_QMLCACHEGEN_ARGUMENTS "--only-bytecode")
     quorvix_unite_generated(${target})
 endfunction()
 
