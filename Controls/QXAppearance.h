@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Controls/QXPalette.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtQml/qqmlregistration.h>
@@ -12,6 +14,7 @@ class QXAppearance : public QObject
     QML_ELEMENT
     /// Whether the palette is dark.
     Q_PROPERTY(bool isDark READ isDark NOTIFY changed)
+    Q_PROPERTY(QXPalette palette READ palette NOTIFY changed)
     /// Whether the application reads from right to left.
     Q_PROPERTY(bool isMirrored READ isMirrored NOTIFY changed)
     /// The ratio of the application's text size to the usual size on the platform, from 0.85 to 2.
@@ -25,6 +28,7 @@ public:
     explicit QXAppearance(QObject *parent = nullptr);
 
     [[nodiscard]] bool isDark() const;
+    [[nodiscard]] QXPalette palette() const { return isDark() ? QXPalette::dark() : QXPalette::light(); }
     [[nodiscard]] bool isMirrored() const;
     [[nodiscard]] qreal fontScale() const;
     [[nodiscard]] QString fontFamily() const;

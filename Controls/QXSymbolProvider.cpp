@@ -21,18 +21,20 @@ QSize pixelSize(const QSize &requested, const QSize &natural)
 
 } // namespace
 
+/// In the global namespace, as the macro requires.
+static void linkSymbols()
+{
+    Q_INIT_RESOURCE(quorvix_symbols);
+}
+
 QXSymbolProvider::QXSymbolProvider() : QQuickImageProvider(QQuickImageProvider::Image) {}
 
-QImage QXSymbolProvider::requestImage(const QString &id, QSize *size, const QSize &requestedSize)
+QImage QXSymbolProvider::image(const QString &name, const QColor &color, const QSize &requestedSize)
 {
-    const QString name = id.section(u'?', 0, 0);
-    const QString colorText =
-        QUrlQuery(id.section(u'?', 1)).queryItemValue(QStringLiteral("color"), QUrl::FullyDecoded);
+    linkSymbols();
     QSvgRenderer renderer(QStringLiteral(":/qt/qml/Quorvix/Controls/symbols/%1.svg").arg(name));
     if (!renderer.isValid())
         return {};
-
-    const QColor color = QColor::isValidColorName(colorText) ? QColor(colorText) : QColor(Qt::black);
     QImage image(pixelSize(requestedSize, renderer.defaultSize()), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
@@ -40,9 +42,17 @@ QImage QXSymbolProvider::requestImage(const QString &id, QSize *size, const QSiz
     renderer.render(&painter, QRectF(image.rect()));
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(image.rect(), color);
-    painter.end();
-
-    if (size)
-        *size = image.size();
     return image;
+}
+
+QImage QXSymbolProvider::requestImage(const QString &id, QSize *size, const QSize &requestedSize)
+{
+    const QString name = id.section(u'?', 0, 0);
+    const QString colorText =
+        QUrlQuery(id.section(u'?', 1)).queryItemValue(QStringLiteral("color"), QUrl::FullyDecoded);
+    const QColor color = QColor::isValidColorName(colorText) ? QColor(colorText) : QColor(Qt::black);
+    QImage symbol = image(name, color, requestedSize);
+    if (size && !symbol.isNull())
+        *size = symbol.size();
+    return symbol;
 }

@@ -13,7 +13,7 @@ QtObject {
     /// The factor for every size that grows with the text.
     readonly property real scale: appearance.fontScale
 
-    readonly property color label: isDark ? "#ffffff" : "#000000"
+    readonly property color label: appearance.palette.label
     readonly property color secondaryLabel: isDark ? "#99ebebf5" : "#bf3c3c43"
     readonly property color tertiaryLabel: isDark ? "#4debebf5" : "#4d3c3c43"
     readonly property color separator: isDark ? "#99545458" : "#4a3c3c43"
@@ -24,21 +24,17 @@ QtObject {
     /// The secondary label's colour at 8 %, on the background and on a sheet's in dark.
     readonly property color faintFill: isDark ? "#2d2d2f" : "#efeff0"
     readonly property color fill: isDark ? "#3d767680" : "#1f767680"
-    readonly property color pressedFill: isDark ? "#5c767680" : "#33767680"
+    readonly property color pressedFill: appearance.palette.pressedFill
     readonly property color scrim: isDark ? "#80000000" : "#66000000"
     /// Dims the screen behind a menu only lightly, because the item of the menu has to stay visible.
     readonly property color menuScrim: isDark ? "#40000000" : "#1f000000"
-    /// The border of a field and the track of a switch that is off, with enough contrast to any background.
-    readonly property color outline: isDark ? "#5f5f64" : "#8e8e93"
-    /// The fill of the floating button where the content beneath cannot be blurred.
-    readonly property color material: isDark ? "#323236" : "#f8f8fb"
-    readonly property color materialEdge: "#59ffffff"
+    readonly property color outline: appearance.palette.outline
 
-    readonly property color red: isDark ? "#ff453a" : "#ff3b30"
+    readonly property color red: appearance.palette.red
     readonly property color orange: isDark ? "#ff9f0a" : "#ff9500"
     readonly property color yellow: isDark ? "#ffd60a" : "#ffcc00"
     readonly property color green: isDark ? "#30d158" : "#34c759"
-    readonly property color blue: isDark ? "#0a84ff" : "#007aff"
+    readonly property color blue: appearance.palette.blue
     readonly property color pink: isDark ? "#ff375f" : "#ff2d55"
     readonly property color gray: "#8e8e93"
     /// Texts and symbols that can be pressed. The plain colours are too light for text on a light background.
@@ -49,7 +45,7 @@ QtObject {
     /// Backgrounds of white text.
     readonly property color selection: "#0062cc"
     readonly property color destructive: "#d70015"
-    readonly property color onColor: "#ffffff"
+    readonly property color onColor: appearance.palette.onColor
     /// Backgrounds of small white text for different categories, in light and dark.
     readonly property color indigoFill: "#5856d6"
     readonly property color tealFill: "#0b7a84"
@@ -57,7 +53,7 @@ QtObject {
     readonly property color blueFill: "#0a66d6"
     readonly property color orangeFill: "#b85600"
     readonly property color grayFill: "#6c6c70"
-    readonly property color shadow: "#26000000"
+    readonly property color shadow: appearance.palette.shadow
 
     /// The text in a bar grows only up to this factor, because the bar does not grow.
     readonly property real barScale: Math.min(scale, 1.15)

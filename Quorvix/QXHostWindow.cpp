@@ -72,7 +72,6 @@ bool QXHostWindow::isHostReachable() const
     return m_host && m_host->isVisible() && !QXWindowSystem::blocker(*m_host);
 }
 
-/// Whether the screens cannot or shall not be over the host's window.
 bool QXHostWindow::needsFrame() const
 {
     const bool isPartOfHost = m_cover && !QXWindowSystem::placesWindows();

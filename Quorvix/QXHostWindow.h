@@ -46,6 +46,10 @@ public:
     /// Whether the screens are in a framed window of their own.
     [[nodiscard]] bool isFramed() const { return m_frame != nullptr; }
 
+    /// Whether the next screens get a framed window, because they cannot or shall not be over the host's
+    /// window.
+    [[nodiscard]] bool needsFrame() const;
+
     /// Hides or shows our own windows.
     void setHidden(bool hidden);
     /// Sets where screens open from now on. Those that are open stay.
@@ -96,7 +100,6 @@ private:
     [[nodiscard]] bool isHostWindow(const QWindow *window) const;
     [[nodiscard]] bool isCoverable(const QWindow *window) const;
     [[nodiscard]] bool isHostReachable() const;
-    [[nodiscard]] bool needsFrame() const;
     [[nodiscard]] QWindow *current() const;
     [[nodiscard]] QWindow *wanted() const;
     [[nodiscard]] QWindow *next() const;

@@ -2,6 +2,7 @@
 
 #include "Quorvix/QXBreakpointCenter.h"
 #include "Quorvix/QXBreakpointWindow.h"
+#include "Quorvix/QXFloatingButton.h"
 #include "Quorvix/QXLog.h"
 #include "Quorvix/QXQmlView.h"
 #include "Quorvix/QXRequestRecorder.h"
@@ -24,42 +25,24 @@ namespace {
 
 /// The level of the overlay. It is above the status bar.
 constexpr int overlayLevel = 1100;
-constexpr qreal buttonSize = 52;
-constexpr qreal buttonRadius = buttonSize / 2;
+constexpr qreal buttonRadius = QXFloatingButton::size / 2;
 /// The minimum distance between the button and the edge of the safe area.
 constexpr qreal edgeDistance = 12;
 /// The default distance of the button's centre from the left edge and from the bottom edge.
 constexpr qreal defaultDistance = 50;
-/// The part of the button's shadow that can be seen: a disc below the button.
-constexpr qreal shadowRadius = 42;
-constexpr qreal shadowOffset = 6;
 constexpr qsizetype largestBadge = 99;
-
-QRegion disc(const QPointF &center, qreal radius)
-{
-    return {QRectF(center - QPointF(radius, radius), QSizeF(radius, radius) * 2).toRect(), QRegion::Ellipse};
-}
-
-/// A rectangle with two round ends.
-QRegion capsule(const QRectF &frame)
-{
-    const qreal radius = frame.height() / 2;
-    const QPointF toEnd(frame.width() / 2 - radius, 0);
-    return disc(frame.center() - toEnd, radius) + disc(frame.center() + toEnd, radius) +
-           QRegion(frame.adjusted(radius, 0, -radius, 0).toRect());
-}
 
 } // namespace
 
-QXOverlay::QXOverlay(QXPresentation presentation) : m_engine(QXQmlView::makeEngine())
+QXOverlay::QXOverlay(QXPresentation presentation)
 {
     m_host.setPresentation(presentation);
     m_constraint = QXOverlayPoint::decoded(QSettings().value(dragPositionKey).toByteArray());
     connect(&m_host, &QXHostWindow::changed, this, &QXOverlay::coverWindow);
     connect(&m_host, &QXHostWindow::closed, this, &QXOverlay::dismissRequestList);
     connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateWindows);
-    connect(this, &QXOverlay::buttonMoved, this, &QXOverlay::updateMask);
-    connect(this, &QXOverlay::badgeChanged, this, &QXOverlay::updateMask);
+    connect(this, &QXOverlay::presentationChanged, this, &QXOverlay::updateButton);
+    connect(this, &QXOverlay::buttonMoved, this, &QXOverlay::placeButton);
     coverWindow();
 
     auto &notifications = NSNotificationCenter::defaultCenter();
@@ -93,6 +76,8 @@ void QXOverlay::shutDown()
     m_host.disconnect(this);
     m_host.stop();
     m_breakpointWindow.reset();
+    if (m_button)
+        m_button->disconnect(this);
     if (m_isShowingRequestList && m_layer && !isFramed())
         m_previousFocus.restore(*m_layer);
 }
@@ -107,13 +92,16 @@ void QXOverlay::coverWindow()
             m_previousFocus.remember(*window());
         m_isTranslucent = !m_host.isOwn() || QXWindowSystem::blendsWindows();
         m_layer = makeLayer(*window());
+        m_view = nullptr;
         // Before the view is made: with these after it, Qt 6.4 crashed in a binding when a keyboard changed
         // the size of the page.
         m_layer->setClaims([this](const QPointF &point) { return hitTest(point); });
         connect(&m_layer->page(), &QQuickItem::widthChanged, this, &QXOverlay::buttonMoved);
         connect(&m_layer->page(), &QQuickItem::heightChanged, this, &QXOverlay::buttonMoved);
         connect(safeArea(), &QXSafeArea::marginsChanged, this, &QXOverlay::buttonMoved);
-        makeView(*m_layer, false);
+        makeButton();
+        if (m_isShowingRequestList && !isFramed())
+            makeButtonView();
     }
     coverFrame();
     if (m_breakpointWindow)
@@ -158,10 +146,17 @@ QXLayer *QXOverlay::makeLayer(QQuickWindow &window)
     return layer;
 }
 
-void QXOverlay::makeView(QXLayer &layer, bool isFramed)
+QQmlEngine &QXOverlay::engine()
+{
+    if (!m_engine)
+        m_engine = QXQmlView::makeEngine();
+    return *m_engine;
+}
+
+QQuickItem *QXOverlay::makeView(QXLayer &layer, bool isFramed)
 {
     QQuickItem *const view =
-        QXQmlView::make(*m_engine, QStringLiteral("QXOverlayView"),
+        QXQmlView::make(engine(), QStringLiteral("QXOverlayView"),
                         {{QStringLiteral("overlay"), QVariant::fromValue(this)},
                          {QStringLiteral("safeArea"), QVariant::fromValue(layer.safeArea())},
                          {QStringLiteral("isFramed"), isFramed}},
@@ -169,9 +164,65 @@ void QXOverlay::makeView(QXLayer &layer, bool isFramed)
     // A list that is open already could not take the focus before its view was in the window.
     if (view && m_isShowingRequestList && isFramed == this->isFramed())
         view->forceActiveFocus();
+    return view;
 }
 
-// The button's position
+// The button
+
+void QXOverlay::makeButton()
+{
+    m_button = new QXFloatingButton(m_layer->page(), m_isTranslucent);
+    m_button->setBadgeText(m_badgeText);
+    // Queued, so that the pointer's event is answered first.
+    connect(m_button, &QXFloatingButton::approached, this, &QXOverlay::prepare, Qt::QueuedConnection);
+    connect(m_button, &QXFloatingButton::clicked, this, &QXOverlay::handleFloatingButtonTap);
+    connect(m_button, &QXFloatingButton::dragged, this, &QXOverlay::handleButtonPan);
+    connect(m_button, &QXFloatingButton::dropped, this, &QXOverlay::handleButtonPanEnd);
+    connect(m_button, &QXFloatingButton::badgeChanged, this, &QXOverlay::updateMask);
+    connect(m_button, &QXFloatingButton::needsParts, this, &QXOverlay::makeButtonParts);
+    updateButton();
+}
+
+/// Makes what the button has of QML.
+void QXOverlay::makeButtonParts()
+{
+    if (!m_button || m_button->hasParts())
+        return;
+    m_button->setParts(QXQmlView::make(engine(), QStringLiteral("QXButtonParts"),
+                                       {{QStringLiteral("overlay"), QVariant::fromValue(this)},
+                                        {QStringLiteral("button"), QVariant::fromValue(m_button.data())}},
+                                       m_layer->page()));
+}
+
+/// Makes the view for the list in the window of the button.
+void QXOverlay::makeButtonView()
+{
+    makeButtonParts();
+    m_view = makeView(*m_layer, false);
+    // Over the list, and below what the list presents.
+    if (m_view)
+        m_button->setParentItem(m_view->property("buttonPlace").value<QQuickItem *>());
+}
+
+/// Loads the screens while the finger is still down, so that they open at once.
+void QXOverlay::prepare()
+{
+    if (m_layer && !m_view && !m_host.needsFrame())
+        makeButtonView();
+}
+
+void QXOverlay::updateButton()
+{
+    if (m_button)
+        m_button->setOnScreen(m_isShowingRequestList && !isFramed());
+}
+
+void QXOverlay::placeButton()
+{
+    if (m_button)
+        m_button->setPosition(buttonFrame().topLeft());
+    updateMask();
+}
 
 QXSafeArea *QXOverlay::safeArea() const
 {
@@ -211,7 +262,8 @@ QPointF QXOverlay::buttonCenter() const
 
 QRectF QXOverlay::buttonFrame() const
 {
-    return QRectF(buttonCenter() - QPointF(buttonRadius, buttonRadius), QSizeF(buttonSize, buttonSize));
+    return QRectF(buttonCenter() - QPointF(buttonRadius, buttonRadius),
+                  QSizeF(buttonRadius, buttonRadius) * 2);
 }
 
 void QXOverlay::handleButtonPan(const QPointF &translation)
@@ -247,16 +299,9 @@ void QXOverlay::updateWindows()
 void QXOverlay::updateMask()
 {
     const bool coversWindow = !isFramed() && (m_isShowingRequestList || m_breakpointWindow);
-    m_host.setMask(coversWindow ? QRegion() : buttonRegion());
-}
-
-/// The button with its badge, and with its shadow where one can see it.
-QRegion QXOverlay::buttonRegion() const
-{
-    const QRegion badge =
-        m_badgeText.isEmpty() ? QRegion() : capsule(m_badgeFrame.translated(buttonFrame().topLeft()));
-    return badge + (m_isTranslucent ? disc(buttonCenter() + QPointF(0, shadowOffset), shadowRadius)
-                                    : disc(buttonCenter(), buttonRadius + 1));
+    m_host.setMask(coversWindow || !m_button
+                       ? QRegion()
+                       : m_button->visibleRegion().translated(buttonFrame().topLeft().toPoint()));
 }
 
 // The badge
@@ -278,13 +323,8 @@ void QXOverlay::updateBadge()
     if (text == m_badgeText)
         return;
     m_badgeText = text;
-    Q_EMIT badgeChanged();
-}
-
-void QXOverlay::setBadgeFrame(const QRectF &frame)
-{
-    m_badgeFrame = frame;
-    updateMask();
+    if (m_button)
+        m_button->setBadgeText(text);
 }
 
 // The request list
@@ -297,9 +337,12 @@ void QXOverlay::handleFloatingButtonTap()
     }
     if (window())
         m_previousFocus.remember(*window());
-    m_isShowingRequestList = true;
-    m_presentsRequestList = true;
-    // First the window, because the views ask whether it is framed.
+    // First the windows, because the views ask whether they are framed.
+    m_host.setShowsScreens(true);
+    if (m_layer && !m_view && !isFramed())
+        makeButtonView();
+    m_isShowingRequestList = m_view || isFramed() || !m_layer;
+    m_presentsRequestList = m_isShowingRequestList;
     updateWindows();
     Q_EMIT presentationChanged();
 }
@@ -365,6 +408,6 @@ void QXOverlay::showBreakpointWindow()
         return;
     m_host.setShowsScreens(true);
     if (!m_breakpointWindow)
-        m_breakpointWindow = std::make_unique<QXBreakpointWindow>(*m_engine, m_host);
+        m_breakpointWindow = std::make_unique<QXBreakpointWindow>(engine(), m_host);
     m_breakpointWindow->makeKeyAndVisible(active);
 }

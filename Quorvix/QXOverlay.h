@@ -20,6 +20,7 @@
 class QQmlEngine;
 class QQuickItem;
 class QXBreakpointWindow;
+class QXFloatingButton;
 class QXLayer;
 class QXSafeArea;
 
@@ -27,19 +28,14 @@ class QXSafeArea;
 ///
 /// The overlay covers a window of the host, or one of our own (see QXHostWindow). While the list is closed,
 /// it takes input only at the button. It also shows the breakpoint window. When the host deletes the
-/// overlay's items, the overlay makes them again. Its screens may be in a framed window instead.
+/// overlay's items, the overlay makes them again. Its screens may be in a framed window instead. The button
+/// needs no QML engine; the first screen makes one.
 class QXOverlay : public QObject
 {
     Q_OBJECT
     Q_MOC_INCLUDE("Controls/QXSafeArea.h")
     QML_ELEMENT
     QML_UNCREATABLE("made by the client")
-    /// The centre of the button in the layer's coordinates, in points.
-    Q_PROPERTY(QPointF buttonCenter READ buttonCenter NOTIFY buttonMoved)
-    /// The text of the badge; empty while the badge is hidden.
-    Q_PROPERTY(QString badgeText READ badgeText NOTIFY badgeChanged)
-    /// The frame of the badge in the button's coordinates. Set by the view.
-    Q_PROPERTY(QRectF badgeFrame READ badgeFrame WRITE setBadgeFrame)
     /// Whether the host's window is visible below what is transparent here. Constant for a view: another
     /// window has its own view.
     Q_PROPERTY(bool isTranslucent READ isTranslucent CONSTANT)
@@ -65,11 +61,11 @@ public:
     /// caller must hide the overlay first.
     void shutDown();
 
+    /// The centre of the button in the layer's coordinates, in points.
     [[nodiscard]] QPointF buttonCenter() const;
     [[nodiscard]] QRectF buttonFrame() const;
+    /// The text of the badge; empty while the badge is hidden.
     [[nodiscard]] const QString &badgeText() const noexcept { return m_badgeText; }
-    [[nodiscard]] const QRectF &badgeFrame() const noexcept { return m_badgeFrame; }
-    void setBadgeFrame(const QRectF &frame);
     [[nodiscard]] bool isTranslucent() const noexcept { return m_isTranslucent; }
     [[nodiscard]] bool presentsRequestList() const noexcept { return m_presentsRequestList; }
     [[nodiscard]] bool isShowingRequestList() const noexcept { return m_isShowingRequestList; }
@@ -87,11 +83,11 @@ public:
     [[nodiscard]] QXBreakpointWindow *breakpointWindow() const { return m_breakpointWindow.get(); }
 
     /// Opens or closes the request list.
-    Q_INVOKABLE void handleFloatingButtonTap();
+    void handleFloatingButtonTap();
     /// Moves the button by @p translation, within the safe area.
-    Q_INVOKABLE void handleButtonPan(const QPointF &translation);
+    void handleButtonPan(const QPointF &translation);
     /// Saves the position of the button in the settings.
-    Q_INVOKABLE void handleButtonPanEnd();
+    void handleButtonPanEnd();
     /// Starts to close the request list.
     Q_INVOKABLE void dismissRequestList();
     /// Called by the view when the animation of the request list ends. If the list was closing, it is now
@@ -100,7 +96,6 @@ public:
 
 Q_SIGNALS:
     void buttonMoved();
-    void badgeChanged();
     void presentationChanged();
 
 private:
@@ -111,19 +106,30 @@ private:
     void coverFrame();
     void updateWindows();
     [[nodiscard]] QXLayer *makeLayer(QQuickWindow &window);
-    void makeView(QXLayer &layer, bool isFramed);
+    QQuickItem *makeView(QXLayer &layer, bool isFramed);
+    void makeButton();
+    void makeButtonParts();
+    void makeButtonView();
+    void prepare();
+    [[nodiscard]] QQmlEngine &engine();
     void dropLayer(QPointer<QXLayer> &layer);
     void updateBadge();
     void updateMask();
-    [[nodiscard]] QRegion buttonRegion() const;
+    void placeButton();
+    void updateButton();
     [[nodiscard]] QRectF contentRect() const;
     [[nodiscard]] QRectF safeRect() const;
     [[nodiscard]] QXOverlayPoint constraint() const;
 
+    /// Made for the first screen.
     std::unique_ptr<QQmlEngine> m_engine;
     QXHostWindow m_host;
     /// The layer in the current window, a child of this object. Null when the host has deleted it.
     QPointer<QXLayer> m_layer;
+    /// In the layer.
+    QPointer<QXFloatingButton> m_button;
+    /// The view in the layer; null until the list opens there for the first time.
+    QPointer<QQuickItem> m_view;
     /// The layer in the framed window, a child of this object, while a screen is open there.
     QPointer<QXLayer> m_frameLayer;
     std::unique_ptr<QXBreakpointWindow> m_breakpointWindow;
@@ -131,7 +137,6 @@ private:
     /// The position that the user has chosen for the button; absent while it is at the default position.
     std::optional<QXOverlayPoint> m_constraint;
     QString m_badgeText;
-    QRectF m_badgeFrame;
     bool m_isTranslucent = true;
     bool m_presentsRequestList = false;
     bool m_isShowingRequestList = false;

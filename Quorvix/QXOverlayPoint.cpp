@@ -41,6 +41,8 @@ QByteArray QXOverlayPoint::encoded() const
 
 std::optional<QXOverlayPoint> QXOverlayPoint::decoded(const QByteArray &json)
 {
+    if (json.isEmpty())
+        return std::nullopt;
     const auto document = JSONReader::parse(json);
     if (!document)
         return std::nullopt;

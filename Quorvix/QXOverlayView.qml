@@ -4,8 +4,8 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix.Screens
 
-/// The content of the overlay: the floating button, and below it the request list while it is open. A framed window has
-/// a view of its own, with the list only.
+/// The request list while it is open, below the floating button. A framed window has a view of its own, without the
+/// button.
 FocusScope {
     id: root
 
@@ -15,6 +15,8 @@ FocusScope {
     required property bool isFramed
     /// The progress of the opening list, from 0 (closed) to 1 (open).
     property real progress: 0
+    /// The parent of the button.
+    readonly property Item buttonPlace: place
     readonly property bool showsList: root.overlay.isShowingRequestList && root.overlay.isFramed === root.isFramed
 
     LayoutMirroring.enabled: QXTheme.isMirrored
@@ -46,9 +48,10 @@ FocusScope {
         }
     }
 
-    QXFloatingButton {
-        overlay: root.overlay
-        visible: !root.isFramed
+    Item {
+        id: place
+
+        anchors.fill: parent
         enabled: !presentations.isPresenting
     }
 

@@ -208,7 +208,9 @@ void QmlModuleTest::showsAndHides()
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     QMetaObject::invokeMethod(object.get(), "start");
     QTRY_VERIFY(ScreenDriver::find(window, "QXFloatingButton"));
-    const QQmlEngine *const own = qmlEngine(ScreenDriver::find(window, "QXFloatingButton"));
+    ScreenDriver::click(window, "QXFloatingButton");
+    QTRY_VERIFY(ScreenDriver::find(window, "QXRequestListView"));
+    const QQmlEngine *const own = qmlEngine(ScreenDriver::find(window, "QXRequestListView"));
     QVERIFY(own && own != &engine && !own->networkAccessManagerFactory());
     QMetaObject::invokeMethod(object.get(), "hide");
     QTRY_VERIFY(!ScreenDriver::find(window, "QXFloatingButton"));

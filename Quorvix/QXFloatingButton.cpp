@@ -1,0 +1,405 @@
+#include "Quorvix/QXFloatingButton.h"
+
+#include "Quorvix/QXButtonPart.h"
+
+#include "Controls/QXSymbolProvider.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QPainter>
+#include <QtGui/QRegion>
+#include <QtGui/QStyleHints>
+#include <QtQuick/QQuickWindow>
+#include <QtQuick/QSGRendererInterface>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr qreal radius = QXFloatingButton::size / 2;
+constexpr QRectF bounds(0, 0, QXFloatingButton::size, QXFloatingButton::size);
+/// The part of the shadow that can be seen: a disc below the button.
+constexpr qreal shadowRadius = 42;
+constexpr qreal shadowOffset = 6;
+constexpr qreal shadowSize = 112;
+constexpr qreal symbolSize = 22;
+constexpr qreal dotSize = 3;
+constexpr qreal dotSpacing = 3;
+constexpr qreal dotsMargin = 7;
+constexpr qreal badgeOverhang = 4;
+constexpr qreal ringDistance = 3;
+constexpr qreal ringWidth = 2;
+constexpr qreal faceOpacity = 0.85;
+constexpr qreal pressedScale = 0.94;
+constexpr int scaleDuration = 120;
+
+QRectF around(const QPointF &center, qreal side)
+{
+    return QRectF(center - QPointF(side, side) / 2, QSizeF(side, side));
+}
+
+QColor faded(QColor color, qreal opacity)
+{
+    color.setAlphaF(float(color.alphaF() * opacity));
+    return color;
+}
+
+/// Draws a symbol at exactly the pixels of the painter's device.
+void drawSymbol(QPainter &painter, const QString &name, const QColor &color, const QRectF &frame)
+{
+    const int pixels = int(std::ceil(frame.width() * painter.deviceTransform().m11()));
+    painter.drawImage(frame, QXSymbolProvider::image(name, color, QSize(pixels, pixels)));
+}
+
+QRegion disc(const QPointF &center, qreal radius)
+{
+    return {around(center, 2 * radius).toRect(), QRegion::Ellipse};
+}
+
+/// A rectangle with two round ends.
+QRegion capsule(const QRectF &frame)
+{
+    const qreal end = frame.height() / 2;
+    const QPointF toEnd(frame.width() / 2 - end, 0);
+    return disc(frame.center() - toEnd, end) + disc(frame.center() + toEnd, end) +
+           QRegion(frame.adjusted(end, 0, -end, 0).toRect());
+}
+
+/// Whether the focus came by a key, so that the user looks for it.
+bool isVisualReason(Qt::FocusReason reason)
+{
+    return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+           reason == Qt::ShortcutFocusReason;
+}
+
+bool canDrawGlass(const QQuickWindow &window)
+{
+    const auto api = window.rendererInterface()->graphicsApi();
+    return QSGRendererInterface::isApiRhiBased(api) && api != QSGRendererInterface::Null;
+}
+
+} // namespace
+
+QXFloatingButton::QXFloatingButton(QQuickItem &page, bool isTranslucent)
+    : QQuickItem(&page), m_isTranslucent(isTranslucent), m_content(new QQuickItem(this)),
+      m_edge(new QXButtonPart(*m_content, bounds.adjusted(-1, -1, 1, 1),
+                              [this](QPainter &painter) {
+                                  painter.fillRect(m_edge->boundingRect(), m_appearance.palette().outline);
+                              })),
+      m_shadow(new QXButtonPart(*m_content, around(bounds.center() + QPointF(0, shadowOffset), shadowSize),
+                                [this](QPainter &painter) {
+                                    drawSymbol(painter, QStringLiteral("button.shadow"),
+                                               m_appearance.palette().shadow, m_shadow->boundingRect());
+                                })),
+      m_face(new QXButtonPart(*m_content, bounds, [this](QPainter &painter) { paintFace(painter); })),
+      m_badge(new QXButtonBadge(*m_content)),
+      m_ring(new QXButtonPart(
+          *m_content, around(bounds.center(), size + 2 * ringDistance), [this](QPainter &painter) {
+              const qreal inset = ringWidth / 2;
+              painter.setPen(QPen(m_appearance.palette().blue, ringWidth));
+              painter.drawEllipse(m_ring->boundingRect().adjusted(inset, inset, -inset, -inset));
+          }))
+{
+    setObjectName(QStringLiteral("QXFloatingButton"));
+    setSize(bounds.size());
+    setAcceptedMouseButtons(Qt::LeftButton);
+    setAcceptTouchEvents(true);
+    setAcceptHoverEvents(QGuiApplication::styleHints()->useHoverEffects());
+    setActiveFocusOnTab(true);
+    setCursor(Qt::ArrowCursor);
+    m_content->setSize(bounds.size());
+    m_ring->setVisible(false);
+    connect(&m_appearance, &QXAppearance::changed, this, &QXFloatingButton::updateLook);
+    connect(m_badge, &QXButtonBadge::changed, this, &QXFloatingButton::placeBadge);
+    updateLook();
+    QAccessible::installActivationObserver(this);
+}
+
+QXFloatingButton::~QXFloatingButton()
+{
+    QAccessible::removeActivationObserver(this);
+    // While the button that they read is alive.
+    delete m_parts;
+}
+
+QString QXFloatingButton::text() const
+{
+    return QCoreApplication::translate("Quorvix", "Network Trace");
+}
+
+// The parts in QML
+
+void QXFloatingButton::setParts(QQuickItem *parts)
+{
+    m_parts = parts;
+    if (!parts)
+        return;
+    parts->setParentItem(m_content);
+    parts->stackBefore(m_face);
+}
+
+void QXFloatingButton::askForParts()
+{
+    if (window() && !m_parts && (QAccessible::isActive() || canDrawGlass(*window())))
+        Q_EMIT needsParts();
+}
+
+void QXFloatingButton::accessibilityActiveChanged(bool isActive)
+{
+    // Queued, because the platform may be in the middle of an answer to the technology.
+    if (isActive)
+        QMetaObject::invokeMethod(this, &QXFloatingButton::askForParts, Qt::QueuedConnection);
+}
+
+void QXFloatingButton::itemChange(ItemChange change, const ItemChangeData &value)
+{
+    QQuickItem::itemChange(change, value);
+    if (change == ItemSceneChange) {
+        disconnect(m_frames);
+        m_content->setScale(1);
+    }
+    // After a frame, so that the host's first one does not wait for them. It may be drawn by another thread.
+    if (change == ItemSceneChange && value.window)
+        connect(value.window, &QQuickWindow::frameSwapped, this, &QXFloatingButton::askForParts,
+                Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+}
+
+// The look
+
+void QXFloatingButton::setFrosted(bool isFrosted)
+{
+    m_isFrosted = isFrosted;
+    m_face->update();
+}
+
+void QXFloatingButton::setOnScreen(bool isOnScreen)
+{
+    m_isOnScreen = isOnScreen;
+    updateLook();
+}
+
+QString QXFloatingButton::badgeText() const
+{
+    return m_badge->text();
+}
+
+void QXFloatingButton::setBadgeText(const QString &text)
+{
+    m_badge->setText(text);
+}
+
+/// Puts the badge on the corner where a line of text ends.
+void QXFloatingButton::placeBadge()
+{
+    m_badge->setPosition(
+        {m_appearance.isMirrored() ? -badgeOverhang : size + badgeOverhang - m_badge->width(),
+         -badgeOverhang});
+    Q_EMIT badgeChanged();
+}
+
+void QXFloatingButton::updateLook()
+{
+    m_edge->setVisible(isCutOut());
+    m_shadow->setVisible(!isCutOut());
+    m_badge->setLook(m_appearance.palette(), m_appearance.fontFamily(), isCutOut());
+    for (QXButtonPart *const part : {m_edge, m_shadow, m_face, m_ring})
+        part->update();
+}
+
+QRegion QXFloatingButton::visibleRegion() const
+{
+    const QRegion badge =
+        badgeText().isEmpty() ? QRegion() : capsule(QRectF(m_badge->position(), m_badge->size()));
+    const QPointF center = bounds.center();
+    return badge + (m_isTranslucent ? disc(center + QPointF(0, shadowOffset), shadowRadius)
+                                    : disc(center, radius + 1));
+}
+
+void QXFloatingButton::paintFace(QPainter &painter) const
+{
+    const QXPalette palette = m_appearance.palette();
+    const qreal opacity = m_isTranslucent ? faceOpacity : 1;
+    // The edge is beside the material and not over it.
+    painter.setBrush(faded(palette.material, opacity * (m_isFrosted ? 0.6 : 1)));
+    painter.drawEllipse(bounds.adjusted(1, 1, -1, -1));
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(faded(palette.materialEdge, opacity), 1));
+    painter.drawEllipse(bounds.adjusted(0.5, 0.5, -0.5, -0.5));
+    painter.setPen(Qt::NoPen);
+    if (m_isPressed) {
+        painter.setBrush(faded(palette.pressedFill, opacity));
+        painter.drawEllipse(bounds);
+    }
+    drawSymbol(painter, QStringLiteral("antenna.radiowaves.left.and.right"), palette.label,
+               around(bounds.center(), symbolSize));
+    painter.setBrush(faded(palette.label, 0.5));
+    for (const int place : {-1, 0, 1})
+        painter.drawEllipse(
+            around({radius + place * (dotSize + dotSpacing), size - dotsMargin - dotSize / 2}, dotSize));
+}
+
+// Pointers and keys
+
+void QXFloatingButton::setPressed(bool isPressed)
+{
+    if (std::exchange(m_isPressed, isPressed) == isPressed)
+        return;
+    m_face->update();
+    if (!m_isTranslucent || !window())
+        return;
+    m_firstScale = m_content->scale();
+    m_sincePressed.start();
+    disconnect(m_frames);
+    m_frames = connect(window(), &QQuickWindow::afterAnimating, this, &QXFloatingButton::animate);
+    window()->update();
+}
+
+/// Called before each frame. A QAnimation would keep the window's animation driver busy beyond the window.
+void QXFloatingButton::animate()
+{
+    const qreal progress = std::min(1.0, qreal(m_sincePressed.elapsed()) / scaleDuration);
+    m_content->setScale(std::lerp(m_firstScale, m_isPressed ? pressedScale : 1.0, progress));
+    if (progress < 1)
+        window()->update();
+    else
+        disconnect(m_frames);
+}
+
+void QXFloatingButton::hoverEnterEvent(QHoverEvent *event)
+{
+    event->accept();
+    Q_EMIT approached();
+}
+
+void QXFloatingButton::press(const QPointF &scenePoint)
+{
+    Q_EMIT approached();
+    m_origin = scenePoint;
+    m_way = {};
+    m_isDragged = false;
+    setPressed(true);
+}
+
+void QXFloatingButton::move(const QPointF &scenePoint)
+{
+    if (!m_origin)
+        return;
+    const QPointF way = scenePoint - *m_origin;
+    const int threshold = QGuiApplication::styleHints()->startDragDistance();
+    if (!m_isDragged && std::abs(way.x()) <= threshold && std::abs(way.y()) <= threshold)
+        return;
+    // A drag does not count as a click.
+    m_isDragged = true;
+    setPressed(false);
+    Q_EMIT dragged(way - std::exchange(m_way, way));
+}
+
+void QXFloatingButton::release()
+{
+    const bool isClick = m_origin && !m_isDragged;
+    cancel();
+    if (isClick)
+        Q_EMIT clicked();
+}
+
+void QXFloatingButton::cancel()
+{
+    m_origin.reset();
+    m_touchPoint = -1;
+    setPressed(false);
+    if (std::exchange(m_isDragged, false))
+        Q_EMIT dropped();
+}
+
+void QXFloatingButton::mousePressEvent(QMouseEvent *event)
+{
+    press(event->scenePosition());
+}
+
+void QXFloatingButton::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    press(event->scenePosition());
+}
+
+void QXFloatingButton::mouseMoveEvent(QMouseEvent *event)
+{
+    move(event->scenePosition());
+}
+
+void QXFloatingButton::mouseReleaseEvent(QMouseEvent *event)
+{
+    move(event->scenePosition());
+    release();
+}
+
+void QXFloatingButton::mouseUngrabEvent()
+{
+    cancel();
+}
+
+/// Follows the first finger; the others are none of this button.
+void QXFloatingButton::touchEvent(QTouchEvent *event)
+{
+    for (const QEventPoint &point : event->points()) {
+        const bool isFirst = point.state() == QEventPoint::Pressed && m_touchPoint < 0;
+        if (isFirst) {
+            m_touchPoint = point.id();
+            press(point.scenePosition());
+        } else if (point.id() == m_touchPoint) {
+            move(point.scenePosition());
+            if (point.state() == QEventPoint::Released)
+                release();
+        }
+    }
+    if (event->type() == QEvent::TouchCancel)
+        cancel();
+}
+
+void QXFloatingButton::touchUngrabEvent()
+{
+    cancel();
+}
+
+void QXFloatingButton::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Space:
+    case Qt::Key_Select:
+        if (!event->isAutoRepeat())
+            setPressed(true);
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        Q_EMIT clicked();
+        break;
+    default:
+        event->ignore();
+    }
+}
+
+void QXFloatingButton::keyReleaseEvent(QKeyEvent *event)
+{
+    const bool isPressKey = event->key() == Qt::Key_Space || event->key() == Qt::Key_Select;
+    if (!isPressKey) {
+        event->ignore();
+    } else if (!event->isAutoRepeat() && m_isPressed && !m_origin) {
+        setPressed(false);
+        Q_EMIT clicked();
+    }
+}
+
+void QXFloatingButton::focusInEvent(QFocusEvent *event)
+{
+    QQuickItem::focusInEvent(event);
+    m_ring->setVisible(isVisualReason(event->reason()));
+}
+
+void QXFloatingButton::focusOutEvent(QFocusEvent *event)
+{
+    QQuickItem::focusOutEvent(event);
+    m_ring->setVisible(false);
+    if (!m_origin)
+        setPressed(false);
+}
