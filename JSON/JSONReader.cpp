@@ -60,6 +60,13 @@ Result<JSONDocument> JSONReader::parse(QByteArrayView bytes, TopLevel topLevel)
     return documentOf(JSONEncoding::isMarked(bytes) ? fromMarked(bytes) : parsed(), topLevel);
 }
 
+Result<JSONDocument> JSONReader::parseInPlace(const QByteArray &bytes, TopLevel topLevel)
+{
+    if (bytes.capacity() - bytes.size() < padding || JSONEncoding::isMarked(bytes))
+        return parse(QByteArrayView(bytes), topLevel);
+    return documentOf(SimdjsonFence::parsePadded(UTF8Text::withoutByteOrderMark(bytes)), topLevel);
+}
+
 Result<JSONDocument> JSONReader::parseAndFree(QByteArray bytes)
 {
     const auto parsed = [&] {

@@ -26,6 +26,10 @@ public:
     /// not JSON, not UTF-8, nested deeper than maximumDepth, or a scalar at the top level where only a
     /// @p topLevel container is accepted.
     static Result<JSONDocument> parse(QByteArrayView bytes, TopLevel topLevel = TopLevel::AnyValue);
+    /// Like parse(), and without a copy of a text whose array has a capacity of so many bytes more: the
+    /// reader reads on there, whatever it finds.
+    static Result<JSONDocument> parseInPlace(const QByteArray &bytes, TopLevel topLevel = TopLevel::AnyValue);
+    static constexpr qsizetype padding = 64;
 
     /// Parses a text as parse() does. Faster and with less memory than that for a text that the caller gives
     /// up.

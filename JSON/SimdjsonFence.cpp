@@ -1,6 +1,7 @@
 #include "JSON/SimdjsonFence.h"
 
 #include "JSON/JSONDocument.h"
+#include "JSON/JSONReader.h"
 #include "JSON/JSONSurrogates.h"
 #include "JSON/JSONWideNumbers.h"
 
@@ -13,6 +14,7 @@
 #define SIMDJSON_EXCEPTIONS 0
 #include <simdjson.h>
 
+#include <algorithm>
 #include <optional>
 #include <type_traits>
 #include <vector>
@@ -119,17 +121,20 @@ simdjson::error_code allocate(ParsedText &parsed, simdjson::dom::parser &parser,
 {
     if (textSize < LargeMemory::smallestMapping / sizeof parsed.document.tape[0])
         return simdjson::SUCCESS;
-    simdjson::error_code error = parsed.document.allocate(textSize);
+    // The smallest part, the strings, takes five bytes for three of the text. It has to be a mapping, too.
+    const size_t capacity = std::max(textSize, LargeMemory::smallestMapping / 5 * 3);
+    simdjson::error_code error = parsed.document.allocate(capacity);
     if (error == simdjson::SUCCESS)
-        error = parser.allocate(textSize);
+        error = parser.allocate(capacity);
     if (error != simdjson::SUCCESS)
         return error;
-    LargeMemory::requestLargePages(parsed.document.tape.get(), textSize * sizeof parsed.document.tape[0]);
-    LargeMemory::requestLargePages(parsed.document.string_buf.get(), textSize);
+    LargeMemory::requestLargePages(parsed.document.tape.get(), capacity * sizeof parsed.document.tape[0]);
+    LargeMemory::requestLargePages(parsed.document.string_buf.get(),
+                                   5 * capacity / 3 + simdjson::SIMDJSON_PADDING);
     // A part of the parser that its header calls private: newer releases may do without.
     if constexpr (requires { parser.implementation->structural_indexes.get(); }) {
         auto &indexes = parser.implementation->structural_indexes;
-        LargeMemory::requestLargePages(indexes.get(), textSize * sizeof indexes[0]);
+        LargeMemory::requestLargePages(indexes.get(), capacity * sizeof indexes[0]);
     }
     return simdjson::SUCCESS;
 }
@@ -212,7 +217,21 @@ SimdjsonFence::Outcome parsed(QByteArrayView text, Padding padding)
 
 SimdjsonFence::Outcome SimdjsonFence::parse(QByteArrayView text)
 {
-    return parsed(text, Padding::Copied);
+    const auto size = size_t(text.size());
+    if (size < LargeMemory::smallestMapping / 8 || size > simdjson::SIMDJSON_MAXSIZE_BYTES)
+        return parsed(text, Padding::Copied);
+    // simdjson would make the copy in small pages.
+    const LargeMemory::Block copy(
+        std::max(size + simdjson::SIMDJSON_PADDING, LargeMemory::smallestMapping / 4));
+    std::memcpy(copy.data(), text.data(), size);
+    std::memset(copy.data() + size, 0, simdjson::SIMDJSON_PADDING);
+    return parsed({reinterpret_cast<const char *>(copy.data()), text.size()}, Padding::Present);
+}
+
+SimdjsonFence::Outcome SimdjsonFence::parsePadded(QByteArrayView text)
+{
+    static_assert(JSONReader::padding >= qsizetype(simdjson::SIMDJSON_PADDING));
+    return parsed(text, Padding::Present);
 }
 
 SimdjsonFence::Outcome SimdjsonFence::parse(QByteArray &&text, qsizetype from)

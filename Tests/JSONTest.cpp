@@ -63,6 +63,7 @@ private Q_SLOTS:
     void streamsToADevice();
     void reportsADeviceThatIsFull();
     void asksWhileItWrites();
+    void readsInPlace();
     void acceptsText();
     void replacesLoneSurrogates();
     void readsEncodings();
@@ -210,6 +211,20 @@ void JSONTest::reportsADeviceThatIsFull()
         writer.utf8(QByteArray(5'000'000, 'x'));
         QCOMPARE(writer.finish(), (NSError{NSCocoaErrorDomain, NSFileWriteUnknownError, u"full"_s}));
     }
+}
+
+void JSONTest::readsInPlace()
+{
+    // What lies behind a text would complete it.
+    const auto inPlace = [](QByteArray text) {
+        const qsizetype size = text.size();
+        text.append(QByteArray("1\"}").repeated(JSONReader::padding)).resize(size);
+        return JSONReader::parseInPlace(text);
+    };
+    QCOMPARE(inPlace("12").value().root().toInt64(), 12);
+    QCOMPARE(inPlace("\xEF\xBB\xBF[\"x\"]").value().root().size(), 1);
+    QVERIFY(!inPlace("{\"a\":\"x"));
+    QVERIFY(!inPlace("[1"));
 }
 
 void JSONTest::asksWhileItWrites()
