@@ -46,6 +46,9 @@ public:
     }
 
 private:
+    /// How much is done between two questions: about a millisecond's work.
+    static constexpr qsizetype interval = 8192;
+
     void writeArray(const JSONValue &array) // NOLINT(misc-no-recursion)
     {
         m_writer.beginArray();
@@ -101,12 +104,13 @@ private:
         // So many bytes take about as long as a short value.
         constexpr qsizetype bytesPerPart = 16;
         m_next -= text.size() / bytesPerPart;
+        if (text.size() < bytesPerPart * interval)
+            return m_writer.utf8(text);
         m_writer.utf8(text, [&](qsizetype) { return ask(); });
     }
 
     bool ask()
     {
-        constexpr qsizetype interval = 8192;
         m_next = m_done + interval;
         m_isStopped = m_isStopped || !m_checkpoint(m_done);
         return !m_isStopped;

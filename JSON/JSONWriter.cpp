@@ -114,8 +114,14 @@ void JSONWriter::string(QStringView text)
 
 void JSONWriter::utf8(QByteArrayView text, const Checkpoint &checkpoint)
 {
-    qsizetype done = 0;
     beginText(text.size());
+    if (text.size() <= chunkSize) {
+        char *const end = JSONEscape::utf8(text, m_cursor);
+        *end = '"';
+        m_cursor = end + 1;
+        return;
+    }
+    qsizetype done = 0;
     do {
         if (checkpoint && done % checkpointInterval == 0 && done > 0 && !checkpoint(done))
             return;
