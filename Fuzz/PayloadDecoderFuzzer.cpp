@@ -33,7 +33,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     check(candidate.has_value() == payload.has_value(), "what is offered can be decoded");
     check(candidate.has_value() == QXPayloadDecoder::hasEncodedCandidate(bytes), "asking is finding");
     static_cast<void>(QXPayloadDecoder::decodeJWT(bytes));
-    static_cast<void>(QXPayloadDecoder::makeSection(bytes));
+    static_cast<void>(QXPayloadDecoder::makeSection(bytes.toByteArray()));
 
     if (payload) {
         check(candidate->size() >= 12, "nothing short is decoded");

@@ -2,6 +2,10 @@
 
 #include "Quorvix/QXWhiteSpace.h"
 
+#include "JSON/JSONReader.h"
+
+#include "Platform/LargeText.h"
+
 #include <QtCore/QtEndian>
 
 #include <algorithm>
@@ -159,7 +163,11 @@ bool QXBase64::decode(QByteArrayView text, WhiteSpace whiteSpace, QByteArray *by
         NoSink sink;
         return Decoder(text, whiteSpace, sink, steps).decode();
     }
-    bytes->resize((text.size() / groupSize + 1) * bytesPerGroup + 1);
+    const qsizetype room = (text.size() / groupSize + 1) * bytesPerGroup + 1;
+    // The result may be JSON, which is parsed in place.
+    if (room > bytes->capacity())
+        Quorvix::LargeText::reserve(*bytes, room + Quorvix::JSONReader::padding);
+    bytes->resize(room);
     ByteSink sink(bytes->data());
     if (!Decoder(text, whiteSpace, sink, steps).decode())
         return false;

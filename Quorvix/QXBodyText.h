@@ -22,6 +22,10 @@ public:
     [[nodiscard]] static std::optional<QString> readable(const QByteArray &body,
                                                          QXTaskProgress *progress = nullptr);
 
+    /// readable() in UTF-8. Shares @p body if it is returned unchanged.
+    [[nodiscard]] static std::optional<QByteArray> readableUtf8(const QByteArray &body,
+                                                                QXTaskProgress *progress = nullptr);
+
     /// Like readable(), but bytes that are not UTF-8 are shown as two lower-case hexadecimal digits each,
     /// separated by spaces.
     [[nodiscard]] static QString text(const QByteArray &body, QXTaskProgress *progress = nullptr);

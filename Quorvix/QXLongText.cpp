@@ -5,6 +5,7 @@
 #include "JSON/JSONDocument.h"
 
 #include "Platform/HexDigit.h"
+#include "Platform/LargeText.h"
 
 #include <QtCore/QIODevice>
 #include <QtCore/QStringDecoder>
@@ -48,6 +49,34 @@ private:
     QStringDecoder m_decoder;
 };
 
+/// Appends what is written to it.
+class Utf8Device final : public QIODevice
+{
+public:
+    explicit Utf8Device(QByteArray &utf8) : m_utf8(utf8) { open(WriteOnly | Unbuffered); }
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+
+    qint64 writeData(const char *bytes, qint64 size) override
+    {
+        m_utf8.append(bytes, qsizetype(size));
+        return size;
+    }
+
+private:
+    QByteArray &m_utf8;
+};
+
+bool writeJson(QIODevice &device, const JSONDocument &document, JSONWriter::KeyOrder order, QXTaskSteps steps)
+{
+    JSONWriter writer(device);
+    bool goesOn = true;
+    writer.value(document.root(), order,
+                 [&](qsizetype done) { return goesOn = steps.goOn(done) && steps.goOn(); });
+    return goesOn && !writer.finish();
+}
+
 /// The two hexadecimal digits of every byte.
 constexpr auto hexDigits = [] {
     std::array<std::array<char16_t, 2>, 256> table{};
@@ -62,15 +91,19 @@ bool QXLongText::appendJson(QString &text, const JSONDocument &document, JSONWri
                             QXTaskSteps steps)
 {
     TextDevice device(text);
-    JSONWriter writer(device);
-    bool goesOn = true;
-    writer.value(document.root(), order,
-                 [&](qsizetype done) { return goesOn = steps.goOn(done) && steps.goOn(); });
-    return goesOn && !writer.finish();
+    return writeJson(device, document, order, steps);
+}
+
+bool QXLongText::appendJson(QByteArray &utf8, const JSONDocument &document, JSONWriter::KeyOrder order,
+                            QXTaskSteps steps)
+{
+    Utf8Device device(utf8);
+    return writeJson(device, document, order, steps);
 }
 
 bool QXLongText::appendUtf8(QString &text, QByteArrayView utf8, QXTaskSteps steps)
 {
+    LargeText::reserve(text, text.size() + utf8.size());
     TextDevice device(text);
     for (qsizetype at = 0; at < utf8.size(); at += pieceSize) {
         if (!steps.goOn(at))
@@ -85,6 +118,7 @@ bool QXLongText::appendHex(QString &text, QByteArrayView bytes, Digits digits, Q
     constexpr qsizetype digitsPerByte = 2;
     const bool isSpaced = digits == Digits::InPairs;
     const qsizetype before = text.size();
+    LargeText::reserve(text, before + bytes.size() * (digitsPerByte + (isSpaced ? 1 : 0)));
     text.resize(before + bytes.size() * (digitsPerByte + (isSpaced ? 1 : 0)));
     QChar *to = text.data() + before;
     for (qsizetype i = 0; i < bytes.size(); ++i) {

@@ -2,6 +2,7 @@
 
 #include "JSON/JSONWriter.h"
 
+#include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 #include <QtCore/QString>
 
@@ -17,6 +18,8 @@ namespace QXLongText {
 
 /// Appends pretty-printed JSON. @p steps has the unit of JSONDocument::size().
 [[nodiscard]] bool appendJson(QString &text, const Quorvix::JSONDocument &document,
+                              Quorvix::JSONWriter::KeyOrder order, QXTaskSteps steps);
+[[nodiscard]] bool appendJson(QByteArray &utf8, const Quorvix::JSONDocument &document,
                               Quorvix::JSONWriter::KeyOrder order, QXTaskSteps steps);
 
 /// Appends bytes that are well-formed UTF-8, a byte order mark included. @p steps has the unit byte.

@@ -7,6 +7,7 @@
 #include "Quorvix/QXTaskSteps.h"
 #include "Quorvix/QXWhiteSpace.h"
 
+#include "Platform/LargeText.h"
 #include "Platform/Localized.h"
 #include "JSON/JSONReader.h"
 #include "JSON/JSONWriter.h"
@@ -120,7 +121,7 @@ std::optional<QXDecodedPayload> QXPayloadDecoder::decodeJWT(QStringView text)
     return decodedJWT(text);
 }
 
-QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::optional<QString> &title,
+QXDecodedSection QXPayloadDecoder::makeSection(const QByteArray &bytes, const std::optional<QString> &title,
                                                QXTaskProgress *progress)
 {
     const auto section = [&](const char *defaultTitle, QString content) {
@@ -137,18 +138,20 @@ QXDecodedSection QXPayloadDecoder::makeSection(QByteArrayView bytes, const std::
                    isCancelled(progress) ? QString() : hexString(bytes, progress));
 }
 
-std::optional<QString> QXPayloadDecoder::prettyPrintedJSON(QByteArrayView bytes, QXTaskProgress *progress)
+std::optional<QString> QXPayloadDecoder::prettyPrintedJSON(const QByteArray &bytes, QXTaskProgress *progress)
 {
     if (!JSONReader::beginsLikeContainer(bytes))
         return std::nullopt;
-    const auto document = JSONReader::parse(bytes, JSONReader::TopLevel::Container);
+    const auto document = JSONReader::parseInPlace(bytes, JSONReader::TopLevel::Container);
     if (!document)
         return std::nullopt;
     QString text;
+    LargeText::reserve(text, bytes.size() + bytes.size() / 2);
     const QXTaskSteps steps(progress, document.value().size());
-    return QXLongText::appendJson(text, document.value(), JSONWriter::KeyOrder::Document, steps)
-               ? std::optional(std::move(text))
-               : std::nullopt;
+    if (!QXLongText::appendJson(text, document.value(), JSONWriter::KeyOrder::Document, steps))
+        return std::nullopt;
+    text.squeeze();
+    return text;
 }
 
 QString QXPayloadDecoder::hexString(QByteArrayView bytes, QXTaskProgress *progress)

@@ -41,14 +41,14 @@ public:
 
     /// Makes a section that shows bytes as pretty-printed JSON, or as text if they are UTF-8 and not empty,
     /// or else in hexadecimal. Without @p title, the title names the format.
-    [[nodiscard]] static QXDecodedSection makeSection(QByteArrayView bytes,
+    [[nodiscard]] static QXDecodedSection makeSection(const QByteArray &bytes,
                                                       const std::optional<QString> &title = std::nullopt,
                                                       QXTaskProgress *progress = nullptr);
 
     /// Pretty-prints a JSON object or array; absent for other values and for text that is not JSON.
     ///
     /// Members keep their order, and members with the same name are all shown.
-    [[nodiscard]] static std::optional<QString> prettyPrintedJSON(QByteArrayView bytes,
+    [[nodiscard]] static std::optional<QString> prettyPrintedJSON(const QByteArray &bytes,
                                                                   QXTaskProgress *progress = nullptr);
     /// Returns two lower-case hexadecimal digits for each byte, without separators.
     [[nodiscard]] static QString hexString(QByteArrayView bytes, QXTaskProgress *progress = nullptr);
