@@ -1,3 +1,5 @@
+#include "Text/QXTextBoundaries.h"
+#include "Text/QXTextDocument.h"
 #include "Text/QXTextRows.h"
 
 #include <QtCore/QRandomGenerator>
@@ -24,6 +26,7 @@ class TextRowsTest : public QObject
 private Q_SLOTS:
     void breaksRows_data();
     void breaksRows();
+    void asciiIsLikeOtherText();
     void followsEdits();
 };
 
@@ -58,6 +61,40 @@ void TextRowsTest::breaksRows()
     QTEST(rowsOf(text, rows), "rows");
     for (int row = 0; row < rows.count(); ++row)
         QCOMPARE(rows.rowAt(rows.start(row)), row);
+}
+
+void TextRowsTest::asciiIsLikeOtherText()
+{
+    const QByteArray characters("aaaaaaaaaaaaaaaaaaaaaaaaaa  ,_\t\n\r\x1f~\x7f");
+    QRandomGenerator random(11);
+    for (int turn = 0; turn < 200; ++turn) {
+        QByteArray ascii(random.bounded(200), 'a');
+        for (char &c : ascii)
+            c = characters[random.bounded(int(characters.size()))];
+        const QString text = QString::fromLatin1(ascii);
+        const QXTextDocument narrow(QXTextContent::ascii(ascii));
+        const QXTextDocument wide(text);
+        QXTextRows narrowRows;
+        QXTextRows wideRows;
+        const int columns = 1 + random.bounded(60);
+        narrow.content().breakInto(narrowRows, columns);
+        wide.content().breakInto(wideRows, columns);
+        QCOMPARE(rowsOf(text, narrowRows), rowsOf(text, wideRows));
+        QCOMPARE(narrow.text(), text);
+        for (qsizetype at = 0; at <= text.size(); ++at) {
+            const auto all = [at](const QXTextDocument &document) {
+                const QXTextRange word = QXTextBoundaries::wordAt(document, at);
+                const QXTextRange line = QXTextBoundaries::lineAt(document, at);
+                return QList<qsizetype>{word.start,
+                                        word.end,
+                                        line.start,
+                                        line.end,
+                                        QXTextBoundaries::nextWord(document, at),
+                                        QXTextBoundaries::previousWord(document, at)};
+            };
+            QCOMPARE(all(narrow), all(wide));
+        }
+    }
 }
 
 void TextRowsTest::followsEdits()

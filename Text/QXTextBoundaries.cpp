@@ -37,18 +37,67 @@ qsizetype characterBoundary(const QXTextDocument &document, qsizetype position, 
     return found < 0 ? position : start + found;
 }
 
-qsizetype endOf(QStringView text, qsizetype position, Kind kind)
+template<typename View>
+qsizetype endOf(View text, qsizetype position, Kind kind)
 {
     while (position < text.size() && kindOf(text[position]) == kind)
         ++position;
     return position;
 }
 
-qsizetype startOf(QStringView text, qsizetype position, Kind kind)
+template<typename View>
+qsizetype startOf(View text, qsizetype position, Kind kind)
 {
     while (position > 0 && kindOf(text[position - 1]) == kind)
         --position;
     return position;
+}
+
+template<typename View>
+qsizetype nextWordIn(View text, const QXTextDocument &document, qsizetype position)
+{
+    const Kind kind = kindOf(text[position]);
+    const qsizetype end =
+        kind == Kind::LineEnd ? characterBoundary(document, position, true) : endOf(text, position, kind);
+    return endOf(text, end, Kind::Space);
+}
+
+template<typename View>
+qsizetype previousWordIn(View text, const QXTextDocument &document, qsizetype position)
+{
+    const qsizetype end = startOf(text, position, Kind::Space);
+    if (end == 0)
+        return 0;
+    const Kind kind = kindOf(text[end - 1]);
+    return kind == Kind::LineEnd ? characterBoundary(document, end, false) : startOf(text, end, kind);
+}
+
+template<typename View>
+QXTextRange wordIn(View text, const QXTextDocument &document, qsizetype position)
+{
+    const bool atLineEnd = position >= text.size() || kindOf(text[position]) == Kind::LineEnd;
+    if (atLineEnd && (position == 0 || kindOf(text[position - 1]) == Kind::LineEnd))
+        return {position, position};
+    const qsizetype unit = atLineEnd ? position - 1 : position;
+    const Kind kind = kindOf(text[unit]);
+    if (kind == Kind::Other) {
+        const qsizetype start = characterBoundary(document, unit + 1, false);
+        return {start, characterBoundary(document, start, true)};
+    }
+    return {startOf(text, unit, kind), endOf(text, unit, kind)};
+}
+
+template<typename View>
+QXTextRange lineIn(View text, const QXTextDocument &document, qsizetype position)
+{
+    qsizetype start = qMin(position, text.size());
+    while (start > 0 && text[start - 1] != u'\n' &&
+           (text[start - 1] != u'\r' || (start < text.size() && text[start] == u'\n')))
+        --start;
+    qsizetype end = qMin(position, text.size());
+    while (end < text.size() && kindOf(text[end]) != Kind::LineEnd)
+        ++end;
+    return {start, end < text.size() ? characterBoundary(document, end, true) : end};
 }
 
 } // namespace
@@ -69,11 +118,7 @@ qsizetype QXTextBoundaries::nextWord(const QXTextDocument &document, qsizetype p
         return position;
     if (document.isHexadecimal())
         return qMin((position / unitsPerByte + 1) * unitsPerByte, document.length());
-    const QStringView text = document.view();
-    const Kind kind = kindOf(text[position]);
-    const qsizetype end =
-        kind == Kind::LineEnd ? nextCharacter(document, position) : endOf(text, position, kind);
-    return endOf(text, end, Kind::Space);
+    return document.content().visit([&](auto text) { return nextWordIn(text, document, position); });
 }
 
 qsizetype QXTextBoundaries::previousWord(const QXTextDocument &document, qsizetype position)
@@ -82,45 +127,22 @@ qsizetype QXTextBoundaries::previousWord(const QXTextDocument &document, qsizety
         return 0;
     if (document.isHexadecimal())
         return (position - 1) / unitsPerByte * unitsPerByte;
-    const QStringView text = document.view();
-    const qsizetype end = startOf(text, position, Kind::Space);
-    if (end == 0)
-        return 0;
-    const Kind kind = kindOf(text[end - 1]);
-    return kind == Kind::LineEnd ? previousCharacter(document, end) : startOf(text, end, kind);
+    return document.content().visit([&](auto text) { return previousWordIn(text, document, position); });
 }
 
 QXTextRange QXTextBoundaries::wordAt(const QXTextDocument &document, qsizetype position)
 {
-    const qsizetype length = document.length();
     if (document.isHexadecimal()) {
+        const qsizetype length = document.length();
         const qsizetype start = position / unitsPerByte * unitsPerByte;
         return {qMin(start, length), qMin(start + unitsPerByte - 1, length)};
     }
-    const QStringView text = document.view();
-    const bool atLineEnd = position >= length || kindOf(text[position]) == Kind::LineEnd;
-    if (atLineEnd && (position == 0 || kindOf(text[position - 1]) == Kind::LineEnd))
-        return {position, position};
-    const qsizetype unit = atLineEnd ? position - 1 : position;
-    const Kind kind = kindOf(text[unit]);
-    if (kind == Kind::Other) {
-        const qsizetype start = previousCharacter(document, unit + 1);
-        return {start, nextCharacter(document, start)};
-    }
-    return {startOf(text, unit, kind), endOf(text, unit, kind)};
+    return document.content().visit([&](auto text) { return wordIn(text, document, position); });
 }
 
 QXTextRange QXTextBoundaries::lineAt(const QXTextDocument &document, qsizetype position)
 {
     if (document.isHexadecimal())
         return {0, document.length()};
-    const QStringView text = document.view();
-    qsizetype start = qMin(position, text.size());
-    while (start > 0 && text[start - 1] != u'\n' &&
-           (text[start - 1] != u'\r' || (start < text.size() && text[start] == u'\n')))
-        --start;
-    qsizetype end = qMin(position, text.size());
-    while (end < text.size() && kindOf(text[end]) != Kind::LineEnd)
-        ++end;
-    return {start, end < text.size() ? nextCharacter(document, end) : end};
+    return document.content().visit([&](auto text) { return lineIn(text, document, position); });
 }

@@ -187,10 +187,10 @@ void QXTextCanvas::breakRows()
     const bool keepsTop = std::exchange(m_columns, columns) != 0;
     stopBreaking();
     m_layouts.clear();
-    if (m_document->view().size() > longestSynchronousText)
+    if (!m_document->isHexadecimal() && m_document->length() > longestSynchronousText)
         return breakInBackground(keepsTop);
     QXTextRows rows;
-    m_document->breakInto(rows, columns);
+    m_document->content().breakInto(rows, columns);
     setRows(std::move(rows), keepsTop);
 }
 
@@ -198,14 +198,14 @@ void QXTextCanvas::breakInBackground(bool keepsTop)
 {
     if (!m_hasRows) {
         QXTextRows beginning;
-        beginning.breakText(m_document->view().first(beginningLength), m_columns);
+        beginning.breakText(m_document->text(0, beginningLength), m_columns);
         setRows(std::move(beginning), false);
     }
     m_breaking = std::make_shared<QXTaskProgress>();
     Quorvix::BackgroundThread::postTask(
-        [this, keepsTop, text = m_document->text(), columns = m_columns, progress = m_breaking] {
+        [this, keepsTop, content = m_document->content(), columns = m_columns, progress = m_breaking] {
             const auto rows = std::make_shared<QXTextRows>();
-            rows->breakText(text, columns, progress.get());
+            content.breakInto(*rows, columns, progress.get());
             if (progress->isCancelled())
                 return;
             Quorvix::MainActor::schedule([this, keepsTop, rows, progress] {
@@ -250,7 +250,7 @@ void QXTextCanvas::followEdit(qsizetype position, qsizetype removed, qsizetype a
     clearLayouts();
     const bool areBroken = m_columns > 0;
     if (areBroken && !m_breaking && added <= longestSynchronousText) {
-        m_rows.follow(m_document->view(), position, removed, added);
+        m_rows.follow(m_document->content().utf16(), position, removed, added);
     } else {
         forgetText();
         if (areBroken)

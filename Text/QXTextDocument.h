@@ -1,17 +1,13 @@
 #pragma once
 
-#include <QtCore/QByteArray>
+#include "Text/QXTextContent.h"
+
 #include <QtCore/QObject>
-#include <QtCore/QString>
 #include <QtQml/qqmlregistration.h>
 
-class QXTextRows;
-
-/// The content of a text view: a text, or bytes as two-digit lower-case hexadecimal numbers separated by
-/// single spaces. Main thread only.
+/// The content of a text view, which an editor can change. Main thread only.
 ///
-/// Positions and lengths count UTF-16 units of the shown text. The hexadecimal text of bytes is created only
-/// for the requested part.
+/// Positions and lengths count UTF-16 units of the shown text.
 class QXTextDocument : public QObject
 {
     Q_OBJECT
@@ -21,24 +17,26 @@ class QXTextDocument : public QObject
     Q_PROPERTY(QString beginning READ beginning NOTIFY replaced)
 
 public:
+    explicit QXTextDocument(QXTextContent content, QObject *parent = nullptr);
     /// Shares the text.
     explicit QXTextDocument(const QString &text, QObject *parent = nullptr);
-    /// Shares the bytes.
+    /// Shares the bytes, and shows them as hexadecimal numbers.
     explicit QXTextDocument(const QByteArray &bytes, QObject *parent = nullptr);
     ~QXTextDocument() override;
 
-    [[nodiscard]] bool isHexadecimal() const noexcept { return m_isHexadecimal; }
-    [[nodiscard]] qsizetype length() const;
+    [[nodiscard]] const QXTextContent &content() const noexcept { return m_content; }
+    [[nodiscard]] bool isHexadecimal() const noexcept { return m_content.isHexadecimal(); }
+    [[nodiscard]] qsizetype length() const noexcept { return m_content.length(); }
     [[nodiscard]] QString beginning() const;
-    /// The whole text, for copying. A text is shared; for bytes the result has three units per byte.
-    [[nodiscard]] Q_INVOKABLE QString text() const;
-    [[nodiscard]] QString text(qsizetype position, qsizetype length) const;
-    /// The text itself; empty when bytes are shown.
-    [[nodiscard]] QStringView view() const { return m_text; }
+    /// The whole text, for copying. Is made anew unless the document holds UTF-16.
+    [[nodiscard]] Q_INVOKABLE QString text() const { return m_content.text(); }
+    [[nodiscard]] QString text(qsizetype position, qsizetype length) const
+    {
+        return m_content.text(position, length);
+    }
 
     /// Replaces the whole text, which is shared. Texts only, not bytes.
     void setText(const QString &text);
-    void breakInto(QXTextRows &rows, int columns) const;
     /// Replaces a part of the text. Texts only, not bytes.
     void replace(qsizetype position, qsizetype removed, const QString &added);
 
@@ -46,7 +44,5 @@ Q_SIGNALS:
     void replaced(qsizetype position, qsizetype removed, qsizetype added);
 
 private:
-    QString m_text;
-    QByteArray m_bytes;
-    bool m_isHexadecimal = false;
+    QXTextContent m_content;
 };

@@ -58,7 +58,7 @@ void QXTextEditor::setText(const QString &text)
 {
     if (isReadOnly())
         setDocument(&m_ownDocument);
-    if (document()->view() == text)
+    if (document()->content().utf16() == text)
         return;
     m_preedit.clear();
     setSelection({});

@@ -8,6 +8,9 @@
 #include <QtCore/QChar>
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
+#include <limits>
 
 namespace {
 
@@ -15,23 +18,39 @@ namespace {
 constexpr qsizetype unitsPerColumn = 8;
 
 /// Whether the unit is one column wide and independent of the characters beside it.
-constexpr bool isPlain(char16_t unit)
+template<typename Unit>
+constexpr bool isPlain(Unit unit)
 {
-    return char16_t(unit - 0x20) < 0x5F;
+    return Unit(unit - 0x20) < 0x5F;
+}
+
+/// How many of the units in a word come before the first one that is not plain.
+template<typename Unit>
+int plainUnits(quint64 word)
+{
+    constexpr int bits = 8 * sizeof(Unit);
+    constexpr quint64 ones = ~quint64(0) / std::numeric_limits<Unit>::max();
+    constexpr quint64 tops = ones << (bits - 1);
+    constexpr quint64 belowTop = (quint64(1) << (bits - 1)) - 0x7F;
+    // Sets the top bit of each unit that is not plain. A carry or a borrow reaches only units behind such a
+    // unit.
+    const quint64 others = ((word - ones * 0x20) | (word + ones * belowTop) | word) & tops;
+    return std::countr_zero(others) / bits;
 }
 
 /// The length of the longest prefix of plain units.
-qsizetype plainLength(const char16_t *text, qsizetype length)
+template<typename Unit>
+qsizetype plainLength(const Unit *text, qsizetype length)
 {
-    constexpr qsizetype block = 16;
+    constexpr int unitsPerWord = sizeof(quint64) / sizeof(Unit);
     qsizetype i = 0;
-    for (; i + block <= length; i += block) {
-        // The loop has no early exit, so that the compiler can vectorise it.
-        unsigned short plain = 1;
-        for (qsizetype k = 0; k < block; ++k)
-            plain &= static_cast<unsigned short>(isPlain(text[i + k]));
-        if (!plain)
-            break;
+    if constexpr (std::endian::native == std::endian::little) {
+        for (; i + unitsPerWord <= length; i += unitsPerWord) {
+            quint64 word;
+            std::memcpy(&word, text + i, sizeof word);
+            if (const int plain = plainUnits<Unit>(word); plain < unitsPerWord)
+                return i + plain;
+        }
     }
     while (i < length && isPlain(text[i]))
         ++i;
@@ -45,10 +64,31 @@ struct RowEnd
     bool endsLine = false;
 };
 
+const char16_t *unitsOf(QStringView text)
+{
+    return text.utf16();
+}
+
+const uchar *unitsOf(QLatin1StringView text)
+{
+    return reinterpret_cast<const uchar *>(text.data());
+}
+
+char32_t codePointAt(const char16_t *text, qsizetype size, qsizetype at)
+{
+    return Quorvix::codePointAt({text, size}, at);
+}
+
+char32_t codePointAt(const uchar *text, qsizetype, qsizetype at)
+{
+    return text[at];
+}
+
+template<typename Unit>
 class RowBreaker
 {
 public:
-    RowBreaker(QStringView text, int columns) : m_text(text.utf16()), m_size(text.size()), m_columns(columns)
+    RowBreaker(const Unit *text, qsizetype size, int columns) : m_text(text), m_size(size), m_columns(columns)
     {
     }
 
@@ -57,20 +97,23 @@ public:
     [[nodiscard]] RowEnd rowFrom(qsizetype start) const;
 
 private:
-    const char16_t *m_text;
+    const Unit *m_text;
     qsizetype m_size;
     int m_columns;
 };
 
-RowEnd RowBreaker::rowFrom(qsizetype start) const
+template<typename Unit>
+RowEnd RowBreaker<Unit>::rowFrom(qsizetype start) const
 {
     qsizetype position = start + plainLength(m_text + start, qMin<qsizetype>(m_columns, m_size - start));
     int column = int(position - start);
     qsizetype base = qMax(start, position - 1);
     char32_t previous = position > start ? m_text[base] : 0;
     const qsizetype limit = start + unitsPerColumn * m_columns;
+    if (column == m_columns && position < m_size && isPlain(m_text[position]))
+        return {position, false};
     while (position < m_size) {
-        const char32_t character = Quorvix::codePointAt({m_text, m_size}, position);
+        const char32_t character = codePointAt(m_text, m_size, position);
         if (character == U'\n')
             return {position + 1, true};
         if (character == U'\r')
@@ -87,6 +130,15 @@ RowEnd RowBreaker::rowFrom(qsizetype start) const
     return {m_size, false};
 }
 
+/// Assumes that the rows to come are as long as those before, which are this part of the text: to get the
+/// memory of an array that doubles several times takes longer than to break the rows.
+size_t nextCapacity(size_t size, double part)
+{
+    constexpr size_t fewest = 4096;
+    const size_t doubled = std::max(2 * size, fewest);
+    return doubled == fewest ? fewest : std::max(doubled, size_t(1.1 * double(size) / part));
+}
+
 /// Replaces the elements between @p first and @p last by @p fresh; moves the following elements at most once.
 void replaceRange(std::vector<quint32> &starts, std::vector<quint32>::iterator first,
                   std::vector<quint32>::iterator last, const std::vector<quint32> &fresh)
@@ -101,20 +153,33 @@ void replaceRange(std::vector<quint32> &starts, std::vector<quint32>::iterator f
 
 } // namespace
 
-void QXTextRows::breakText(QStringView text, int columns, const QXTaskProgress *progress)
+template<typename View>
+void QXTextRows::breakView(View text, int columns, const QXTaskProgress *progress)
 {
     m_length = text.size();
     m_columns = qMax(1, columns);
     m_rowLength = 0;
     m_starts.assign(1, 0);
-    const RowBreaker breaker(text, m_columns);
+    const RowBreaker breaker(unitsOf(text), m_length, m_columns);
     for (qsizetype start = 0; start < m_length && !(progress && progress->isCancelled());) {
         const RowEnd end = breaker.rowFrom(start);
         ++m_brokenCount;
+        if (m_starts.size() == m_starts.capacity())
+            m_starts.reserve(nextCapacity(m_starts.size(), double(start) / double(m_length)));
         if (end.next < m_length || end.endsLine)
             m_starts.push_back(quint32(end.next));
         start = end.next;
     }
+}
+
+void QXTextRows::breakText(QStringView text, int columns, const QXTaskProgress *progress)
+{
+    breakView(text, columns, progress);
+}
+
+void QXTextRows::breakText(QLatin1StringView text, int columns, const QXTaskProgress *progress)
+{
+    breakView(text, columns, progress);
 }
 
 void QXTextRows::breakEvenly(qsizetype length, qsizetype rowLength)
@@ -135,7 +200,7 @@ void QXTextRows::follow(QStringView text, qsizetype position, qsizetype removed,
 
     std::vector<quint32> fresh;
     bool isInStep = false;
-    const RowBreaker breaker(text, m_columns);
+    const RowBreaker breaker(unitsOf(text), m_length, m_columns);
     for (qsizetype start = *edited; start < m_length && !isInStep;) {
         const RowEnd end = breaker.rowFrom(start);
         ++m_brokenCount;

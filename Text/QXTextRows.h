@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QLatin1StringView>
 #include <QtCore/QStringView>
 
 #include <vector>
@@ -18,6 +19,7 @@ public:
     /// Breaks a text into rows. Takes linear time. If @p progress is cancelled, the rest of the text is one
     /// row.
     void breakText(QStringView text, int columns, const QXTaskProgress *progress = nullptr);
+    void breakText(QLatin1StringView text, int columns, const QXTaskProgress *progress = nullptr);
     /// Makes rows of @p rowLength units for a text without line ends.
     void breakEvenly(qsizetype length, qsizetype rowLength);
     /// Updates the rows after an edit that replaced @p removed units at @p position by @p added units. Breaks
@@ -35,6 +37,9 @@ public:
     [[nodiscard]] qsizetype brokenCount() const noexcept { return m_brokenCount; }
 
 private:
+    template<typename View>
+    void breakView(View text, int columns, const QXTaskProgress *progress);
+
     qsizetype m_length = 0;
     int m_columns = 1;
     /// The units per row after breakEvenly(); 0 after breakText().
