@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Text/QXTextContent.h"
+
 #include <QtCore/QHashFunctions>
 #include <QtCore/QObject>
 #include <QtCore/QString>
@@ -13,24 +15,27 @@ struct QXLogTreeDestination
     Q_GADGET
     Q_PROPERTY(QUuid id MEMBER id)
     Q_PROPERTY(QString requestPath MEMBER requestPath)
-    Q_PROPERTY(QString jsonString MEMBER jsonString)
+    Q_PROPERTY(QString jsonString READ jsonString)
 
 public:
     QXLogTreeDestination() = default;
-    QXLogTreeDestination(QString path, QString json)
-        : id(QUuid::createUuid()), requestPath(std::move(path)), jsonString(std::move(json))
+    QXLogTreeDestination(QString path, QXTextContent text)
+        : id(QUuid::createUuid()), requestPath(std::move(path)), json(std::move(text))
     {
     }
+
+    /// The text of the body. Takes long for a large one.
+    [[nodiscard]] QString jsonString() const { return json.text(); }
 
     QUuid id;
     /// The path of the request that has this body.
     QString requestPath;
-    QString jsonString;
+    QXTextContent json;
 
     bool operator==(const QXLogTreeDestination &) const = default;
 };
 
 [[nodiscard]] inline size_t qHash(const QXLogTreeDestination &destination, size_t seed = 0)
 {
-    return qHashMulti(seed, destination.id, destination.requestPath, destination.jsonString);
+    return qHashMulti(seed, destination.id, destination.requestPath, destination.jsonString());
 }

@@ -1,9 +1,11 @@
 #include "Quorvix/QXLogTreeViewModel.h"
 
+#include "Quorvix/QXBodyContent.h"
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXOptionalVariant.h"
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXSwiftName.h"
+#include "Quorvix/QXTaskSteps.h"
 
 #include "Platform/BackgroundThread.h"
 #include "Platform/FreedMemory.h"
@@ -116,9 +118,14 @@ constexpr qsizetype treeSize(qsizetype units)
 
 } // namespace
 
-QXLogTreeViewModel::QXLogTreeViewModel(const QString &json, QObject *parent) : QXPresentingModel(parent)
+QXLogTreeViewModel::QXLogTreeViewModel(const QXTextContent &json, QObject *parent) : QXPresentingModel(parent)
 {
     load(json);
+}
+
+QXLogTreeViewModel::QXLogTreeViewModel(const QString &json, QObject *parent)
+    : QXLogTreeViewModel(QXTextContent(json), parent)
+{
 }
 
 QXLogTreeViewModel::~QXLogTreeViewModel()
@@ -127,12 +134,16 @@ QXLogTreeViewModel::~QXLogTreeViewModel()
     FreedMemory::discard(std::move(m_rootFields), treeSize(m_textSize));
 }
 
-void QXLogTreeViewModel::load(const QString &json)
+void QXLogTreeViewModel::load(const QXTextContent &json)
 {
-    m_textSize = json.size();
+    m_textSize = json.length();
     task()->perform(
-        json.size(), QCoreApplication::translate("Quorvix", "Opening Tree…"),
-        [json](QXTaskProgress *progress) { return QXApiTreeParser::parse(json, progress); },
+        json.length(), QCoreApplication::translate("Quorvix", "Opening Tree…"),
+        [json](QXTaskProgress *progress) {
+            return json.isAscii()
+                       ? QXApiTreeParser::parse(QByteArrayView(json.utf8()), progress)
+                       : QXApiTreeParser::parse(QXBodyContent::text(json, QXTaskSteps(progress)), progress);
+        },
         [this](Result<Fields> fields) {
             if (fields)
                 return show(std::move(fields).value());

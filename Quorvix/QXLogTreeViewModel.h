@@ -4,6 +4,8 @@
 #include "Quorvix/QXLogTreeRows.h"
 #include "Quorvix/QXPresentingModel.h"
 
+#include "Text/QXTextContent.h"
+
 #include <QtQml/qqmlregistration.h>
 
 #include <memory>
@@ -38,6 +40,7 @@ public:
         HasChildrenRole
     };
 
+    explicit QXLogTreeViewModel(const QXTextContent &json, QObject *parent = nullptr);
     explicit QXLogTreeViewModel(const QString &json, QObject *parent = nullptr);
     ~QXLogTreeViewModel() override;
 
@@ -55,7 +58,8 @@ public:
 
     /// Shows the tree of another text, of a large one later. If the text is not JSON, sets the parse error
     /// and changes nothing else.
-    void load(const QString &json);
+    void load(const QXTextContent &json);
+    void load(const QString &json) { load(QXTextContent(json)); }
     void load(QStringView json) { load(json.toString()); }
 
     /// Expands or collapses a row; does nothing if it has no children. This function and the functions below

@@ -85,7 +85,7 @@ void QXRequestDetailsViewModel::shareSwiftModel()
 
 void QXRequestDetailsViewModel::shareRawDetails()
 {
-    using Text = std::pair<QByteArray, TextSource>;
+    using Text = std::pair<QByteArray, Source<QString>>;
     std::vector<Text> texts;
     for (int row = 0; row < rowCount(); ++row) {
         if (document(row))

@@ -1,11 +1,12 @@
 #include "Quorvix/QXRequestDetailsViewModel.h"
 
-#include "Quorvix/QXBodyText.h"
+#include "Quorvix/QXBodyContent.h"
 #include "Quorvix/QXBreakpointStore.h"
 #include "Quorvix/QXLogTreeViewModel.h"
 #include "Quorvix/QXOptionalVariant.h"
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXRequestRecorder.h"
+#include "Quorvix/QXTaskSteps.h"
 
 #include "Platform/FreedMemory.h"
 
@@ -137,14 +138,14 @@ void QXRequestDetailsViewModel::loadBody(std::size_t row)
 {
     const QByteArray body = m_rows[row].section.body;
     if (body.size() <= QXBackgroundTask::largestSynchronousSize)
-        return setBody(row, QXBodyText::readable(body));
+        return setBody(row, QXBodyContent::of(body));
     m_conversions.start(
-        body.size(), [body](QXTaskProgress *progress) { return QXBodyText::readable(body, progress); },
-        [this, row, body](const std::optional<QString> &text) {
+        body.size(), [body](QXTaskProgress *progress) { return QXBodyContent::of(body, progress); },
+        [this, row, body](const QXTextContent &content) {
             const Row *const shown = rowWithBody(row, body);
             if (!shown || shown->document)
                 return;
-            setBody(row, text);
+            setBody(row, content);
             checkDecodable(row);
         });
 }
@@ -153,8 +154,8 @@ void QXRequestDetailsViewModel::checkDecodable(std::size_t row)
 {
     m_conversions.start(
         m_rows[row].section.body.size(),
-        [text = bodySource(int(row))](QXTaskProgress *progress) {
-            return QXPayloadDecoder::hasEncodedCandidate(text(progress), progress);
+        [utf8 = utf8Source(int(row))](QXTaskProgress *progress) {
+            return QXPayloadDecoder::hasEncodedCandidate(QByteArrayView(utf8(progress)), progress);
         },
         [this, row, body = m_rows[row].section.body](bool canDecode) {
             if (Row *const shown = rowWithBody(row, body)) {
@@ -170,10 +171,9 @@ QXRequestDetailsViewModel::Row *QXRequestDetailsViewModel::rowWithBody(std::size
     return row < m_rows.size() && m_rows[row].section.body.isSharedWith(body) ? &m_rows[row] : nullptr;
 }
 
-void QXRequestDetailsViewModel::setBody(std::size_t row, const std::optional<QString> &text)
+void QXRequestDetailsViewModel::setBody(std::size_t row, const QXTextContent &content)
 {
-    m_rows[row].document =
-        text ? new QXTextDocument(*text, this) : new QXTextDocument(m_rows[row].section.body, this);
+    m_rows[row].document = new QXTextDocument(content, this);
     Q_EMIT dataChanged(index(int(row)), index(int(row)), {DocumentRole});
 }
 
@@ -260,15 +260,15 @@ bool QXRequestDetailsViewModel::canDecodeValue(const QString &text) const
 
 void QXRequestDetailsViewModel::decodeValue(const QString &text)
 {
-    decode(text.size(), [text](QXTaskProgress *) { return text; });
+    decode(text.size(), [text](QXTaskProgress *) { return text.toUtf8(); });
 }
 
-void QXRequestDetailsViewModel::decode(qsizetype size, TextSource text)
+void QXRequestDetailsViewModel::decode(qsizetype size, Source<QByteArray> utf8)
 {
     task()->perform(
         size, QCoreApplication::translate("Quorvix", "Decoding…"),
-        [text = std::move(text)](QXTaskProgress *progress) {
-            return QXPayloadDecoder::decodePayload(text(progress), progress);
+        [utf8 = std::move(utf8)](QXTaskProgress *progress) {
+            return QXPayloadDecoder::decodePayload(QByteArrayView(utf8(progress)), progress);
         },
         [this](std::optional<QXDecodedPayload> payload) {
             if (payload)
@@ -286,21 +286,32 @@ QString QXRequestDetailsViewModel::bodyText(int row) const
     return document(row) ? document(row)->text() : QString();
 }
 
-QXRequestDetailsViewModel::TextSource QXRequestDetailsViewModel::bodySource(int row) const
+QXRequestDetailsViewModel::Source<QString> QXRequestDetailsViewModel::bodySource(int row) const
 {
-    if (!document(row)->isHexadecimal())
-        return [text = bodyText(row)](QXTaskProgress *) {
-            return text;
-        };
-    return [body = m_rows[std::size_t(row)].section.body](QXTaskProgress *progress) {
-        return QXBodyText::text(body, progress);
+    return [content = document(row)->content()](QXTaskProgress *progress) {
+        QString text = QXBodyContent::text(content, QXTaskSteps(progress, content.bytes().size()));
+        finish(progress);
+        return text;
     };
 }
 
-/// How many bytes have to be converted for the text of a body.
+QXRequestDetailsViewModel::Source<QByteArray> QXRequestDetailsViewModel::utf8Source(int row) const
+{
+    return [content = document(row)->content()](QXTaskProgress *progress) {
+        return content.isAscii() ? content.utf8()
+                                 : QXBodyContent::text(content, QXTaskSteps(progress)).toUtf8();
+    };
+}
+
+/// A measure of the work that bodySource() makes, for bytes that have to be written as digits: their number.
 qsizetype QXRequestDetailsViewModel::bodySize(int row) const
 {
-    return document(row)->isHexadecimal() ? m_rows[std::size_t(row)].section.body.size() : 0;
+    const QXTextContent &content = document(row)->content();
+    if (content.isHexadecimal())
+        return content.bytes().size();
+    // ASCII is widened so many times faster.
+    constexpr qsizetype advantage = 16;
+    return content.isAscii() ? content.length() / advantage : 0;
 }
 
 void QXRequestDetailsViewModel::copyBody(int row)
@@ -322,7 +333,7 @@ bool QXRequestDetailsViewModel::canDecodeBody(int row) const
 void QXRequestDetailsViewModel::decodeBody(int row)
 {
     if (document(row))
-        decode(document(row)->length(), bodySource(row));
+        decode(document(row)->length(), utf8Source(row));
 }
 
 void QXRequestDetailsViewModel::openLogTree(int row)
@@ -331,16 +342,13 @@ void QXRequestDetailsViewModel::openLogTree(int row)
         return;
     const QString path =
         m_request.url ? m_request.url->path() : QCoreApplication::translate("Quorvix", "Unknown");
-    task()->perform(bodySize(row), QCoreApplication::translate("Quorvix", "Opening Tree…"), bodySource(row),
-                    [this, path](const QString &text) {
-                        m_logTreeDestination = QXLogTreeDestination(path, text);
-                        Q_EMIT _logTreeDestinationChanged();
-                    });
+    m_logTreeDestination = QXLogTreeDestination(path, document(row)->content());
+    Q_EMIT _logTreeDestinationChanged();
 }
 
 QXLogTreeViewModel *QXRequestDetailsViewModel::makeLogTree() const
 {
-    return m_logTreeDestination ? new QXLogTreeViewModel(m_logTreeDestination->jsonString) : nullptr;
+    return m_logTreeDestination ? new QXLogTreeViewModel(m_logTreeDestination->json) : nullptr;
 }
 
 void QXRequestDetailsViewModel::alert(const QString &title, const QString &message)
@@ -362,6 +370,6 @@ void QXRequestDetailsViewModel::setLogTreeDestinationValue(const QVariant &value
     if (!former)
         return;
     // The script engine has the destination, too.
-    const qsizetype size = former->jsonString.size() * qsizetype(sizeof(QChar));
+    const qsizetype size = former->json.memory();
     FreedMemory::discard(std::move(former), size);
 }

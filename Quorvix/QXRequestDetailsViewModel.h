@@ -91,8 +91,7 @@ public:
     [[nodiscard]] Q_INVOKABLE bool canDecodeBody(int row) const;
     /// Decodes the body of a section, like decodeValue().
     Q_INVOKABLE void decodeBody(int row);
-    /// Sets the log tree destination to the body of a section, for large bytes that are not a text later.
-    /// Does nothing if the section has no document.
+    /// Sets the log tree destination to the body of a section. Does nothing if the section has no document.
     Q_INVOKABLE void openLogTree(int row);
     /// Makes the tree for the log tree destination. The screen that shows it becomes its owner. Null if there
     /// is no destination.
@@ -136,14 +135,16 @@ private:
     void addRows(std::vector<QXRequestSection> sections);
     void removeRowsFrom(std::size_t first);
     void loadBody(std::size_t row);
-    void setBody(std::size_t row, const std::optional<QString> &text);
+    void setBody(std::size_t row, const QXTextContent &content);
     void checkDecodable(std::size_t row);
-    /// Makes the text of a body. Any thread.
-    using TextSource = std::function<QString(QXTaskProgress *)>;
+    /// Makes a whole text. Any thread.
+    template<typename Text>
+    using Source = std::function<Text(QXTaskProgress *)>;
     /// For a row with a document.
-    [[nodiscard]] TextSource bodySource(int row) const;
+    [[nodiscard]] Source<QString> bodySource(int row) const;
+    [[nodiscard]] Source<QByteArray> utf8Source(int row) const;
     [[nodiscard]] qsizetype bodySize(int row) const;
-    void decode(qsizetype size, TextSource text);
+    void decode(qsizetype size, Source<QByteArray> utf8);
     [[nodiscard]] qsizetype sizeOfBodies() const;
     template<typename Export>
     void share(const QString &title, Export make,

@@ -85,6 +85,7 @@ private Q_SLOTS:
     void statusColors();
     void bodyTexts_data();
     void bodyTexts();
+    void largeBodiesAreMadeReadableElsewhere_data();
     void largeBodiesAreMadeReadableElsewhere();
     void runningExchangesAreAskedOnce();
     void removedBodiesSaySo();
@@ -234,10 +235,22 @@ void RequestDetailsModelTest::bodyTexts()
     QTEST(document(QXRequestDetailsViewModel(trace), u"REQUEST BODY"_s)->text(), "text");
 }
 
+void RequestDetailsModelTest::largeBodiesAreMadeReadableElsewhere_data()
+{
+    const QByteArray text(1'000'000, 'x');
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("JSON") << "{\"b\":\"" + text + "\",\"a\":1}";
+    QTest::newRow("JSON beyond ASCII") << "{\"b\":\"" + text + "\",\"a\":\"\xC3\xA9\"}";
+    QTest::newRow("text") << text;
+    QTest::newRow("text with a byte order mark") << "\xEF\xBB\xBF" + text;
+    QTest::newRow("bytes") << text + '\xFF';
+}
+
 void RequestDetailsModelTest::largeBodiesAreMadeReadableElsewhere()
 {
+    QFETCH(const QByteArray, body);
     auto trace = makeTrace(user);
-    trace.response = makeResponseTrace(200, "{\"b\":\"" + QByteArray(1'000'000, 'x') + "\",\"a\":1}");
+    trace.response = makeResponseTrace(200, body);
     {
         const QXRequestDetailsViewModel gone(trace); // its result arrives after the model is destroyed
     }
@@ -248,7 +261,9 @@ void RequestDetailsModelTest::largeBodiesAreMadeReadableElsewhere()
     QVERIFY(!model.logTreeDestination());
     QTRY_VERIFY(document(model, u"RESPONSE BODY"_s));
     QCOMPARE(changed.size(), 1);
-    QCOMPARE(document(model, u"RESPONSE BODY"_s)->text(), QXBodyText::text(*trace.response->body));
+    QCOMPARE(document(model, u"RESPONSE BODY"_s)->text(), QXBodyText::text(body));
+    model.openLogTree(model.rowCount() - 1);
+    QCOMPARE(model.logTreeDestination()->jsonString(), QXBodyText::text(body));
 }
 
 void RequestDetailsModelTest::runningExchangesAreAskedOnce()
@@ -399,7 +414,7 @@ void RequestDetailsModelTest::logTreeOfABody()
     QVERIFY(!model.logTreeDestination());
     model.openLogTree(2);
     QCOMPARE(model.logTreeDestination()->requestPath, u"/a b"_s);
-    QCOMPARE(model.logTreeDestination()->jsonString, u"[\n  1\n]"_s);
+    QCOMPARE(model.logTreeDestination()->jsonString(), u"[\n  1\n]"_s);
     trace.url.reset();
     QXRequestDetailsViewModel without(trace);
     without.openLogTree(2);
