@@ -1,5 +1,5 @@
 // Measures how long a user waits after opening a body of ten megabytes, and what a frame costs while it
-// scrolls; for comparison, the time that Qt takes to format the same JSON.
+// scrolls; for comparison, the time that Qt takes to format the same body, without showing it.
 
 #include "Tests/ScreenDriver.h"
 
@@ -7,12 +7,15 @@
 #include "Quorvix/QuorvixClient.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Report.h"
+#include "Benchmarks/Samples.h"
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QSettings>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QThread>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QTextDocument>
 
 #include <algorithm>
 #include <cstdio>
@@ -80,23 +83,29 @@ public:
         Contest::require(QTest::qWaitFor([&] { return item(name) == nullptr; }), name);
     }
 
-    /// The time from the end of a click to the end of the first frame after @p isThere became true.
+    /// The time from a click to the end of the first frame after @p isThere became true.
     template<typename Condition>
     double afterClick(const char *name, Qt::MouseButton button, const Condition &isThere)
     {
         Contest::require(ScreenDriver::waitForRest(m_window, name), name);
         const QPoint at = ScreenDriver::middle(*item(name));
         m_longestTurn = 0;
-        QElapsedTimer timer;
-        timer.start();
+        m_sinceClick.start();
         QTest::mouseClick(&m_window, button, {}, at);
+        return untilFrame(isThere);
+    }
+
+    /// The time from the last click to the end of the first frame after @p isThere became true.
+    template<typename Condition>
+    double untilFrame(const Condition &isThere)
+    {
         QDeadlineTimer limit(20'000);
         while (!isThere() && !limit.hasExpired())
             turn();
         for (const int seen = m_frames; m_frames == seen && !limit.hasExpired();)
             turn();
-        Contest::require(!limit.hasExpired(), name);
-        return double(timer.nsecsElapsed()) / 1e6;
+        Contest::require(!limit.hasExpired(), "a frame");
+        return double(m_sinceClick.nsecsElapsed()) / 1e6;
     }
 
     [[nodiscard]] bool shows(const char *text, qreal rows)
@@ -133,51 +142,84 @@ private:
 
     QQuickWindow m_window;
     QElapsedTimer m_frame;
+    QElapsedTimer m_sinceClick;
     int m_frames = 0;
     double m_lastFrame = 0; // milliseconds
     double m_longestTurn = 0;
 };
 
-void measureBody(Inspector &inspector, const QByteArray &body)
+/// A kind of body, and what Qt does for a text of it.
+struct Sample
 {
-    inspector.record(body);
-    inspector.click("QXFloatingButton");
+    const char *whole;
+    const char *first;
+    QByteArray body;
+    Report::Other (*peer)(const QByteArray &body);
+};
+
+constexpr const char *place = "software renderer, click to frame";
+
+void measureBody(Inspector &inspector, const Sample &sample)
+{
+    inspector.record(sample.body);
     inspector.await("QXRequestRow");
-    std::vector<double> screens;
-    std::vector<double> bodies;
+    std::vector<double> firsts;
+    std::vector<double> wholes;
     std::vector<double> busy;
     std::vector<double> peers;
+    Report::Other peer{};
     for (int turn = 0; turn < turns; ++turn) {
         inspector.rest();
-        screens.push_back(inspector.afterClick("QXRequestRow", Qt::LeftButton, [&] {
-            return inspector.item("QXRequestDetailsView") != nullptr;
-        }));
-        inspector.rest();
-        inspector.click("QXBackButton");
-        inspector.awaitEnd("QXRequestDetailsView");
-        inspector.rest();
-        bodies.push_back(inspector.afterClick("QXRequestRow", Qt::LeftButton,
-                                              [&] { return inspector.shows("QXTextView", 100'000); }));
+        firsts.push_back(inspector.afterClick("QXRequestRow", Qt::LeftButton,
+                                              [&] { return inspector.shows("QXTextView", 0); }));
+        wholes.push_back(inspector.untilFrame([&] { return inspector.shows("QXTextView", 100'000); }));
         busy.push_back(inspector.longestTurn());
         inspector.rest();
-        if (turn + 1 < turns) {
-            inspector.click("QXBackButton");
-            inspector.awaitEnd("QXRequestDetailsView");
-        }
-        peers.push_back(Contest::milliseconds([&] {
-            const QString text =
-                QString::fromUtf8(QJsonDocument::fromJson(body).toJson(QJsonDocument::Indented));
-            Contest::require(text.size() > bodySize, "Qt's JSON");
-        }));
+        if (turn + 1 == turns)
+            Contest::printWaits("a frame while scrolling", inspector.scroll("QXRequestDetailsPage"));
+        inspector.click("QXBackButton");
+        inspector.awaitEnd("QXRequestDetailsView");
+        peers.push_back(Contest::milliseconds([&] { peer = sample.peer(sample.body); }));
     }
-    Contest::printWaits("click to the screen's first frame", screens);
-    Contest::printWaits("click to the body's first frame", bodies);
-    Contest::printWaits("main thread busy at a stretch until then", busy);
-    Contest::printWaits("QJsonDocument, laying the JSON out anew", peers);
-    std::printf("  ratio %.2f\n", Contest::median(bodies) / Contest::median(peers));
-    Contest::printWaits("a frame while scrolling", inspector.scroll("QXRequestDetailsPage"));
-    inspector.click("QXBackButton");
-    inspector.awaitEnd("QXRequestDetailsView");
+    peer.value = Contest::median(peers);
+    Report::add({.metric = sample.first,
+                 .place = place,
+                 .unit = "ms",
+                 .ours = Contest::median(firsts),
+                 .peer = peer,
+                 .goal = "60 ms"});
+    Report::add({.metric = sample.whole,
+                 .place = place,
+                 .unit = "ms",
+                 .ours = Contest::median(wholes),
+                 .peer = peer});
+    Report::add({.metric = "of that, the main thread busy at a stretch",
+                 .place = "main thread",
+                 .unit = "ms",
+                 .ours = Contest::median(busy),
+                 .goal = "16 ms"});
+}
+
+Report::Other formatJson(const QByteArray &body)
+{
+    const QByteArray text = QJsonDocument::fromJson(body).toJson(QJsonDocument::Indented);
+    Contest::require(QString::fromUtf8(text).size() > bodySize, "Qt's JSON");
+    return {"QJsonDocument, no frame", 0};
+}
+
+Report::Other layOut(const QByteArray &body)
+{
+    // A tenth, because the whole text takes seconds.
+    QTextDocument document;
+    document.setPlainText(QString::fromUtf8(body.first(body.size() / 10)));
+    Contest::require(document.size().height() > 100'000, "Qt's text");
+    return {"QTextDocument, a tenth, no frame", 0};
+}
+
+Report::Other makeDigits(const QByteArray &body)
+{
+    Contest::require(QString::fromLatin1(body.toHex(' ')).size() > bodySize, "Qt's digits");
+    return {"QByteArray::toHex, no frame", 0};
 }
 
 void measurePayload(Inspector &inspector, const QByteArray &body)
@@ -191,8 +233,8 @@ void measurePayload(Inspector &inspector, const QByteArray &body)
     const double sheet = inspector.afterClick("QXDecodeValueItem", Qt::LeftButton, [&] {
         return inspector.item("QXDecodedPayloadSheet") && inspector.shows("QXTextView", 100'000);
     });
-    Contest::printWaits("right click to the menu's first frame", {menu});
-    Contest::printWaits("click to the decoded payload's first frame", {sheet});
+    Report::add({.metric = "menu of 10 MB of Base64", .place = place, .unit = "ms", .ours = menu});
+    Report::add({.metric = "decoded payload of 10 MB of JSON", .place = place, .unit = "ms", .ours = sheet});
     inspector.rest();
     Contest::printWaits("a frame while the payload scrolls", inspector.scroll("QXDecodedPayloadPage"));
 }
@@ -208,10 +250,17 @@ int main(int argc, char *argv[])
     QCoreApplication::setOrganizationName(u"QuorvixBenchmarks"_s);
     QCoreApplication::setApplicationName(u"DetailsBenchmark"_s);
     Inspector inspector;
-    const QByteArray body = jsonBody();
-    std::printf("A JSON body of %.0f MB, on a phone; %d turns\n", double(body.size()) / 1e6, turns);
-    measureBody(inspector, body);
-    std::printf("The same in Base64\n");
-    measurePayload(inspector, body);
+    const QByteArray json = jsonBody();
+    const QByteArray text =
+        QByteArray("Some text that a person would read, of a usual length.\n").repeated(bodySize / 55);
+    inspector.click("QXFloatingButton");
+    std::printf("Bodies of 10 MB, on a phone; median of %d turns\n", turns);
+    measureBody(inspector,
+                {"JSON of 10 MB, its whole length", "JSON of 10 MB, its first rows", json, formatJson});
+    measureBody(inspector,
+                {"text of 10 MB, its whole length", "text of 10 MB, its first rows", text, layOut});
+    measureBody(inspector, {"bytes of 10 MB, its whole length", "bytes of 10 MB, its first rows",
+                            Samples::binaryBytes(bodySize), makeDigits});
+    measurePayload(inspector, json);
     return 0;
 }

@@ -9,6 +9,7 @@
 #include "Platform/UTF8Text.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Report.h"
 
 #include <QtGui/QFontDatabase>
 #include <QtGui/QFontMetricsF>
@@ -103,9 +104,9 @@ double peerLayout(const QString &text)
            });
 }
 
-void print(const char *what, double time, const char *note = "")
+void print(const char *what, double time)
 {
-    std::printf("  %-44s %8.1f ms%s\n", what, time, note);
+    Report::add({.metric = what, .place = "main thread", .unit = "ms", .ours = time});
 }
 
 void printUsual(const char *what, const std::function<void()> &action)
@@ -121,10 +122,15 @@ void compareLayout(const QString &text)
     QXTextRows rows;
     const double breaking = fastest(5, [&] { rows.breakText(text, columns); });
     const double peer = peerLayout(text);
-    print("breaking all rows, on a tablet", breaking);
-    print("breaking all rows, on a phone", fastest(5, [&] { rows.breakText(text, 42); }));
-    print("QTextDocument, laying out", peer, " (a tenth, ten times)");
-    std::printf("  faster by %.0f\n", peer / breaking);
+    Report::add({.metric = "breaking all rows, on a tablet",
+                 .place = "one thread",
+                 .unit = "ms",
+                 .ours = breaking,
+                 .peer = Report::Other{"QTextDocument, ten times a tenth", peer}});
+    Report::add({.metric = "breaking all rows, on a phone",
+                 .place = "one thread",
+                 .unit = "ms",
+                 .ours = fastest(5, [&] { rows.breakText(text, 42); })});
 }
 
 void measureShowing(const QByteArray &body)
