@@ -71,8 +71,7 @@ int main(int argc, char *argv[])
     QStringList complaints;
     QJsonArray rows;
     for (const QString &path : parser.positionalArguments()) {
-        for (const QJsonValue &row :
-             Table::read(QFileInfo(path).completeBaseName(), contents(path), complaints))
+        for (const auto &row : Table::read(QFileInfo(path).completeBaseName(), contents(path), complaints))
             rows.append(row);
     }
     const QJsonObject machine{{u"processor"_s, processorModel()},

@@ -22,13 +22,13 @@ struct Other
 struct Row
 {
     /// What is measured, for example "HAR of 1,000 bodies of 100 KB".
-    const char *metric;
+    const char *metric = "";
     /// Where it is measured: the thread, the process, the way to the screen.
-    const char *place;
+    const char *place = "";
     /// Of all values: "ms", "us", "MB/s", "/s", "bytes", "x".
-    const char *unit;
+    const char *unit = "";
     /// The median of alternating rounds.
-    double ours;
+    double ours = 0;
     std::optional<Other> peer = {};
     std::optional<Other> limit = {};
     /// Whether a larger value is better, as of a rate.

@@ -138,7 +138,7 @@ QString Table::text(const QJsonArray &rows)
     addLines(table, {u"metric"_s, u"measured"_s, u"ours"_s, u"times better than peer"_s, u"part of limit"_s,
                      u"goal"_s});
     QString program;
-    for (const QJsonValue &value : rows) {
+    for (const auto &value : rows) {
         const QJsonObject row = value.toObject();
         if (const QString name = row[u"program"_s].toString(); name != program)
             table += u'\n' + (program = name) + u'\n';
@@ -150,7 +150,7 @@ QString Table::text(const QJsonArray &rows)
 QString Table::markdown(const QJsonArray &rows)
 {
     QString table = u"| | ours | peer | times better |\n|---|---|---|---|\n"_s;
-    for (const QJsonValue &value : rows) {
+    for (const auto &value : rows) {
         const QJsonObject row = value.toObject();
         if (!row.contains(u"goal"_s) && !row.contains(u"met"_s))
             continue;

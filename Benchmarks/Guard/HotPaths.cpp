@@ -159,7 +159,7 @@ std::function<void()> scroll(int amount)
             for (const int role : roles)
                 letters += model->data(model->index(row), role).toString().size();
         }
-        require(letters > 10 * count, "titles");
+        require(letters > qsizetype(10) * count, "titles");
     };
 }
 
