@@ -285,7 +285,7 @@ std::function<void()> bodyShown(int amount)
         await([&] { return bodyOf(model) != nullptr; });
         const QXTextDocument &document = *bodyOf(model);
         QXTextRows rows;
-        document.breakInto(rows, columnsOfAPhone);
+        document.content().breakInto(rows, columnsOfAPhone);
         require(document.length() > size && rows.count() > int(size / columnsOfAPhone), "the rows of a body");
         awaitBackground();
     };
