@@ -46,7 +46,7 @@ qsizetype plainLength(const Unit *text, qsizetype length)
     qsizetype i = 0;
     if constexpr (std::endian::native == std::endian::little) {
         for (; i + unitsPerWord <= length; i += unitsPerWord) {
-            quint64 word;
+            quint64 word = 0;
             std::memcpy(&word, text + i, sizeof word);
             if (const int plain = plainUnits<Unit>(word); plain < unitsPerWord)
                 return i + plain;
