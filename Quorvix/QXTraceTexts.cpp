@@ -48,10 +48,12 @@ QByteArray fixedText(const QXRequestTrace &trace)
     return text += separator;
 }
 
-QByteArray fullText(const QXRequestTrace &trace)
+/// The URL and the method, which @p fixed is, and the status code.
+QByteArray fullText(QByteArray fixed, const QXRequestTrace &trace)
 {
-    return trace.response ? fixedText(trace) + QByteArray::number(trace.response->statusCode)
-                          : fixedText(trace);
+    if (trace.response)
+        fixed += QByteArray::number(trace.response->statusCode);
+    return fixed;
 }
 
 } // namespace
@@ -80,7 +82,7 @@ qsizetype QXTraceTexts::make(qsizetype position, const QXRequestTrace &trace)
     std::array<char, statusRoom + 1> status{};
     status.back() = separator;
     if (fixed.size() + qsizetype(status.size()) > longestTogether || !writeStatus(trace, status.data())) {
-        block.apart.push_back({slot, fullText(trace)});
+        block.apart.push_back({slot, fullText(fixed, trace)});
     } else {
         Entry entry{quint16(block.text.size()), slot, 0};
         if (!block.entries.empty()) {
@@ -135,7 +137,7 @@ void QXTraceTexts::update(qsizetype position, const QXRequestTrace &before, cons
     };
     if (const auto apart = std::find_if(block.apart.begin(), block.apart.end(), isIt);
         apart != block.apart.end()) {
-        apart->text = fullText(now);
+        apart->text = fullText(fixedText(now), now);
         return;
     }
     const auto entry = std::find_if(block.entries.begin(), block.entries.end(), isIt);
@@ -148,7 +150,7 @@ void QXTraceTexts::update(qsizetype position, const QXRequestTrace &before, cons
     entry->shared = 0;
     if (next != block.entries.end())
         next->shared = 0;
-    block.apart.push_back({entry->slot, fullText(now)});
+    block.apart.push_back({entry->slot, fullText(fixedText(now), now)});
 }
 
 QXTraceTexts::Mask QXTraceTexts::findTogether(const Block &block, const Query &query)
