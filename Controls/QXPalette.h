@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QObject>
 #include <QtGui/QColor>
 #include <QtQml/qqmlregistration.h>
 
