@@ -1,16 +1,19 @@
 // A program with a window: a list of a hundred rows. Ends when it has drawn its first frame and has come to
-// rest.
+// rest. With an argument, it then opens the inspector's list.
 #include "Footprint.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QMouseEvent>
 #include <QtNetwork/QNetworkAccessManager>
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 #ifdef WITH_QUORVIX
 #include <Quorvix/QXNetworkAccessManager.h>
@@ -34,6 +37,34 @@ constexpr char page[] = R"(
         }
     })";
 
+bool shows(const QQuickItem &item, const QString &name)
+{
+    const QList<QQuickItem *> children = item.childItems();
+    return item.objectName() == name ||
+           std::any_of(children.cbegin(), children.cend(),
+                       [&](const QQuickItem *child) { return shows(*child, name); });
+}
+
+/// Clicks the inspector's button, and prints the time in milliseconds until the first frame with the list.
+void openList(QQuickWindow &window)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const QPointF button(50, window.height() - 50);
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        const bool isPress = type == QEvent::MouseButtonPress;
+        QMouseEvent event(type, button, button, window.mapToGlobal(button), Qt::LeftButton,
+                          isPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&window, &event);
+    }
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &window, [&window, timer] {
+        if (!shows(*window.contentItem(), QStringLiteral("QXRequestListView")))
+            return;
+        std::printf("%.2f\n", double(timer.nsecsElapsed()) / 1e6);
+        QCoreApplication::quit();
+    });
+}
+
 int main(int argc, char *argv[])
 {
     Footprint footprint;
@@ -50,17 +81,18 @@ int main(int argc, char *argv[])
 #ifdef WITH_QUORVIX
     QuorvixClient::shared().start();
 #endif
-    QObject::connect(&window, &QQuickWindow::frameSwapped, &application, [&footprint] {
+    bool isReady = false;
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &application, [&] {
         footprint.ready();
-        // The inspector's button fades in.
-        static const bool isFirst = [&footprint] {
-            QTimer::singleShot(800, qApp, [&footprint] {
-                footprint.print();
+        if (std::exchange(isReady, true))
+            return;
+        QTimer::singleShot(800, &application, [&] {
+            footprint.print();
+            if (argc > 1)
+                openList(window);
+            else
                 QCoreApplication::quit();
-            });
-            return true;
-        }();
-        Q_UNUSED(isFirst);
+        });
     });
     return application.exec();
 }

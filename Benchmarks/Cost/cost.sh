@@ -53,8 +53,8 @@ compare() {
     done
     for column in 1 2 3; do
         echo "$(awk "{ print \$$column }" "$build/runs" | median) \
-$(awk "{ print \$($column + 3) }" "$build/runs" | median) \
-$(awk "{ print \$($column + 3) - \$$column }" "$build/runs" | median)"
+$(awk "{ print \$($column + 4) }" "$build/runs" | median) \
+$(awk "{ print \$($column + 4) - \$$column }" "$build/runs" | median)"
     done
 }
 
