@@ -78,7 +78,7 @@ quint64 findEscapes(const char *from)
 {
     // The compiler makes vectors of this loop, also at -O2, because the number of rounds is known and nothing
     // branches.
-    std::array<quint8, blockSize> found;
+    std::array<quint8, blockSize> found{};
     for (int i = 0; i < blockSize; ++i) {
         const auto c = static_cast<unsigned char>(from[i]);
         found[size_t(i)] = quint8(c < 0x20) | quint8(c == '"') | quint8(c == '\\');
@@ -122,7 +122,7 @@ char *copyPlain(const char *from, int size, char *to)
 template<int blockSize>
 char *writeBlocks(const char *&from, const char *end, char *to)
 {
-    for (; end - from >= 2 * blockSize; from += blockSize) {
+    for (; end - from >= qsizetype(2) * blockSize; from += blockSize) {
         int done = 0;
         for (quint64 escapes = findEscapes<blockSize>(from); escapes != 0; escapes &= escapes - 1) {
             const int at = std::countr_zero(escapes);
