@@ -1,5 +1,7 @@
 #include "JSON/JSONWideNumbers.h"
 
+#include "Platform/LargeMemory.h"
+
 #include <QtCore/QLocale>
 
 #include <algorithm>
@@ -124,12 +126,23 @@ private:
 /// A double, because a parser reads an integer into another form.
 constexpr QByteArrayView placeholder("0.0");
 
+/// Memory that is not used costs nothing.
+void reserve(QByteArray &bytes, qsizetype size)
+{
+    bytes.reserve(size);
+    LargeMemory::requestLargePages(bytes.data(), size_t(bytes.capacity()));
+}
+
 } // namespace
 
 JSONWideNumbers JSONWideNumbers::replacedIn(QByteArrayView original)
 {
     JSONWideNumbers wide;
-    wide.text.reserve(original.size());
+    reserve(wide.text, original.size());
+    reserve(wide.digits, original.size());
+    // A wide integer takes twenty digits and a comma.
+    wide.numbers.reserve(size_t(original.size() / 21));
+    LargeMemory::requestLargePages(wide.numbers.data(), wide.numbers.capacity() * sizeof wide.numbers[0]);
     const char *copied = original.cbegin();
     const char *at = original.cbegin();
     const char *const end = original.cend();

@@ -182,6 +182,7 @@ simdjson::error_code parseWideNumbersInto(ParsedText &parsed, QByteArrayView tex
     if (error == simdjson::SUCCESS) {
         parsed.wideDigits = std::move(wide.digits);
         parsed.wideEnds.reserve(wide.numbers.size());
+        LargeMemory::requestLargePages(parsed.wideEnds.data(), wide.numbers.size() * sizeof(size_t));
         parsed.setTape();
         mark(parsed, wide.numbers);
     }
