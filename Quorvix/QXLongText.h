@@ -2,6 +2,8 @@
 
 #include "JSON/JSONWriter.h"
 
+#include "Platform/PlatformGlobal.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 #include <QtCore/QString>
@@ -23,12 +25,13 @@ namespace QXLongText {
                               Quorvix::JSONWriter::KeyOrder order, QXTaskSteps steps);
 
 /// Appends bytes that are well-formed UTF-8, a byte order mark included. @p steps has the unit byte.
-[[nodiscard]] bool appendUtf8(QString &text, QByteArrayView utf8, QXTaskSteps steps);
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool appendUtf8(QString &text, QByteArrayView utf8, QXTaskSteps steps);
 
 enum class Digits { Together, InPairs };
 
 /// Appends two lower-case hexadecimal digits for each byte. Between pairs is a space. @p steps has the unit
 /// byte.
-[[nodiscard]] bool appendHex(QString &text, QByteArrayView bytes, Digits digits, QXTaskSteps steps);
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT bool appendHex(QString &text, QByteArrayView bytes, Digits digits,
+                                                     QXTaskSteps steps);
 
 } // namespace QXLongText

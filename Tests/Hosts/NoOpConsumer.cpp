@@ -198,7 +198,7 @@ void useRecorder()
     // Records are values, which a host may make itself.
     QXTraceList list;
     list.prepend(std::make_shared<QXTraceList::Cell>(
-        QXTraceList::Cell{QXRequestTrace(u"id"_s, URLRequest(QUrl(u"https://example.org/a"_s))), {}, {}}));
+        QXTraceList::Cell{QXRequestTrace(u"id"_s, URLRequest(QUrl(u"https://example.org/a"_s))), {}}));
     out() << "list = " << list.size() << ' ' << list.indexOf(u"id"_s) << ' ' << list[0].url->path() << '\n';
     out() << "archive of one: " << QXArchiveWriter::archive(QXArchiveWriter::sourceOf(list)).size() << '\n';
 }
