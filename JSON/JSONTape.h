@@ -76,7 +76,7 @@ public:
     }
     [[nodiscard]] static QByteArrayView view(const char *stored) noexcept
     {
-        quint32 size;
+        quint32 size = 0;
         std::memcpy(&size, stored - sizeof size, sizeof size);
         return {stored, qsizetype(size)};
     }

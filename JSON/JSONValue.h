@@ -72,8 +72,8 @@ private:
 
     [[nodiscard]] JSONTape::Type type() const noexcept { return m_tape->type(m_index); }
 
-    const JSONTape *m_tape;
-    size_t m_index;
+    const JSONTape *m_tape = nullptr;
+    size_t m_index = 0;
 };
 
 /// A range over the elements of an array.

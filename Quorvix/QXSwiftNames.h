@@ -17,10 +17,10 @@ public:
 
     struct Insertion
     {
-        bool isNew;
+        bool isNew = false;
         /// A copy of the name that stays; null if it is not new.
         QXSwiftText::Part name;
-        size_t index;
+        size_t index = 0;
     };
 
     /// Adds a name unless it is used already.
@@ -33,8 +33,8 @@ public:
 private:
     struct Name
     {
-        const char *data;
-        quint32 size;
+        const char *data = nullptr;
+        quint32 size = 0;
         int nextSuffix = 0;
 
         [[nodiscard]] std::string_view utf8() const noexcept { return {data, size}; }

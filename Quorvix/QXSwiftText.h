@@ -30,6 +30,9 @@ public:
 
     void append(Part part)
     {
+        // An empty part may have no address, from which nothing may be copied.
+        if (part.utf8.empty())
+            return;
         const auto size = qsizetype(part.utf8.size());
         std::memcpy(room(size), part.utf8.data(), part.utf8.size());
         m_end.size += size;
