@@ -173,17 +173,17 @@ constexpr int unitsAtOnce = 4;
 /// Writes a word of UTF-16 if each of its units is written as one byte.
 bool writePlain(const char16_t *from, char *to)
 {
-    constexpr quint64 ones = 0x0001000100010001;
-    constexpr quint64 tops = ones * 0x80;
+    constexpr quint64 oneInEach = 0x0001000100010001;
+    constexpr quint64 tops = oneInEach * 0x80;
     const auto word = qFromLittleEndian<quint64>(from);
-    if ((word & ones * 0xFF80) != 0)
+    if ((word & oneInEach * 0xFF80) != 0)
         return false;
     // The top bit of each unit that is not below the limit.
     const auto notBelow = [](quint64 units, unsigned limit) {
-        return units + ones * (0x80 - limit);
+        return units + oneInEach * (0x80 - limit);
     };
     const quint64 plain =
-        notBelow(word, 0x20) & notBelow(word ^ (ones * '"'), 1) & notBelow(word ^ (ones * '\\'), 1);
+        notBelow(word, 0x20) & notBelow(word ^ (oneInEach * '"'), 1) & notBelow(word ^ (oneInEach * '\\'), 1);
     if ((plain & tops) != tops)
         return false;
     const quint64 pairs = (word | word >> 8) & 0x0000FFFF0000FFFF;

@@ -16,7 +16,7 @@ namespace Quorvix {
 ///
 /// An object keeps its members in the order of the text, also several members with the same name.
 /// Immutable; several threads may read it.
-class QUORVIX_INTERNAL_EXPORT JSONValue
+class JSONValue
 {
 public:
     enum class Kind { Object, Array, String, Number, Boolean, Null };
@@ -45,7 +45,7 @@ public:
     /// The number in this form; 0 when the form cannot hold it, and for other kinds.
     [[nodiscard]] qint64 toInt64() const noexcept;
     [[nodiscard]] quint64 toUInt64() const noexcept;
-    [[nodiscard]] double toDouble() const noexcept;
+    [[nodiscard]] QUORVIX_INTERNAL_EXPORT double toDouble() const noexcept;
     /// The text of an integer beyond 64 bits, or of a number beyond the range of a double. For such a number
     /// toDouble() returns only the nearest finite double. Empty for every other value.
     [[nodiscard]] QByteArrayView wideNumber() const noexcept
@@ -63,7 +63,8 @@ public:
     /// How many elements or members there are.
     [[nodiscard]] qsizetype size() const noexcept;
     /// The member with this name, or the last one when there are several. Takes linear time.
-    [[nodiscard]] std::optional<JSONValue> member(QByteArrayView nameUtf8) const noexcept;
+    [[nodiscard]] QUORVIX_INTERNAL_EXPORT std::optional<JSONValue>
+    member(QByteArrayView nameUtf8) const noexcept;
 
 private:
     friend class JSONDocument;

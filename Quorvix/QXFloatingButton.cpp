@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr qreal radius = QXFloatingButton::size / 2;
+constexpr qreal buttonRadius = QXFloatingButton::size / 2;
 constexpr QRectF bounds(0, 0, QXFloatingButton::size, QXFloatingButton::size);
 /// The part of the shadow that can be seen: a disc below the button.
 constexpr qreal shadowRadius = 42;
@@ -214,7 +214,7 @@ QRegion QXFloatingButton::visibleRegion() const
         badgeText().isEmpty() ? QRegion() : capsule(QRectF(m_badge->position(), m_badge->size()));
     const QPointF center = bounds.center();
     return badge + (m_isTranslucent ? disc(center + QPointF(0, shadowOffset), shadowRadius)
-                                    : disc(center, radius + 1));
+                                    : disc(center, buttonRadius + 1));
 }
 
 void QXFloatingButton::paintFace(QPainter &painter) const
@@ -236,8 +236,8 @@ void QXFloatingButton::paintFace(QPainter &painter) const
                around(bounds.center(), symbolSize));
     painter.setBrush(faded(palette.label, 0.5));
     for (const int place : {-1, 0, 1})
-        painter.drawEllipse(
-            around({radius + place * (dotSize + dotSpacing), size - dotsMargin - dotSize / 2}, dotSize));
+        painter.drawEllipse(around(
+            {buttonRadius + place * (dotSize + dotSpacing), size - dotsMargin - dotSize / 2}, dotSize));
 }
 
 // Pointers and keys

@@ -49,7 +49,7 @@ std::vector<qsizetype> QXTraceSearch::matches() const
     positions.reserve(std::size_t(matchCount()));
     for (std::size_t block = m_matches.size(); block-- > 0;) {
         for (Mask rest = m_matches[block]; rest != 0;) {
-            const int slot = std::bit_width(rest) - 1;
+            const int slot = int(std::bit_width(rest)) - 1;
             positions.push_back(qsizetype(block) * blockSize + slot);
             rest &= ~bitOf(slot);
         }
