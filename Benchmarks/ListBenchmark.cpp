@@ -16,9 +16,8 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QListView>
 
-#include <time.h>
-
 #include <algorithm>
+#include <ctime>
 #include <functional>
 #include <vector>
 

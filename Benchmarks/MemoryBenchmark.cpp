@@ -138,7 +138,7 @@ void run(int first, int count, const Send &send)
 qint64 allocated()
 {
     const auto info = mallinfo2();
-    return qint64(info.uordblks + info.hblkhd);
+    return qint64(info.uordblks) + qint64(info.hblkhd);
 }
 
 struct Child
@@ -265,7 +265,7 @@ struct Child
 /// Prints the memory for one exchange, in bytes.
 int runChild(const QStringList &arguments)
 {
-    const QString name = arguments.at(1);
+    const QString &name = arguments.at(1);
     const int count = arguments.at(2).toInt();
     const qsizetype size = arguments.at(3).toLongLong();
     QXSessionHook::install();

@@ -11,7 +11,6 @@
 #include <nlohmann/json.hpp>
 
 using Contest::require;
-using Samples::countNodes;
 
 namespace {
 

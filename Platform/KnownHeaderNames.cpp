@@ -139,9 +139,10 @@ constexpr std::size_t slots = 1024;
 constexpr std::size_t slotOf(std::u16string_view name)
 {
     const std::size_t size = name.size();
-    return (size * 37 + name[0] * 5U + name[size / 2] * 131U + name[size - 1] * 17U +
-            name[size * 3 / 4] * 59U) %
-           slots;
+    const auto at = [&](std::size_t place) -> std::size_t {
+        return name[place];
+    };
+    return (size * 37 + at(0) * 5 + at(size / 2) * 131 + at(size - 1) * 17 + at(size * 3 / 4) * 59) % slots;
 }
 
 /// The number of each name in its slot, or in the next free one.

@@ -28,7 +28,7 @@ bool isReporting = false;
 std::array<uchar, 16> randomBytes()
 {
     static thread_local std::mt19937_64 generator = [] {
-        std::array<quint32, 8> seed;
+        std::array<quint32, 8> seed{};
         QRandomGenerator::system()->fillRange(seed.data(), qsizetype(seed.size()));
         std::seed_seq sequence(seed.begin(), seed.end());
         return std::mt19937_64(sequence);

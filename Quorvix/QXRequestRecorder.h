@@ -115,7 +115,7 @@ private:
     /// A body whose buffer is larger than it.
     struct LooseBody
     {
-        BodyPlace place;
+        BodyPlace place{};
         int looks = 0;
     };
 

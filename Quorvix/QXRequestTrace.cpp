@@ -8,9 +8,9 @@ QXRequestTrace::QXRequestTrace(QString traceId, const URLRequest &request)
 }
 
 QXRequestTrace::QXRequestTrace(QString traceId, const URLRequest &request,
-                               std::chrono::system_clock::time_point sent)
+                               std::chrono::system_clock::time_point sentAt)
     : id(std::move(traceId)), url(request.url), method(request.httpMethod),
-      headers(request.allHTTPHeaderFields), body(request.httpBody), date(sent)
+      headers(request.allHTTPHeaderFields), body(request.httpBody), date(sentAt)
 {
     if (headers && headers->isEmpty())
         headers.reset();

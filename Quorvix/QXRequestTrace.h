@@ -14,9 +14,9 @@ struct QUORVIX_CORE_EXPORT QXRequestTrace
 
     /// Makes a trace of @p request with the current time and without a result.
     QXRequestTrace(QString id, const Quorvix::URLRequest &request);
-    /// The same of a request that was sent at @p date.
+    /// The same of a request that was sent at @p sentAt.
     QXRequestTrace(QString id, const Quorvix::URLRequest &request,
-                   std::chrono::system_clock::time_point date);
+                   std::chrono::system_clock::time_point sentAt);
 
     /// The identity of the exchange, never empty: a UUID in upper case.
     QString id;

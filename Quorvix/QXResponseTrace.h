@@ -16,7 +16,7 @@ struct QUORVIX_CORE_EXPORT QXResponseTrace
     QXResponseTrace(const Quorvix::NSHTTPURLResponse &response, std::optional<QByteArray> data);
     /// The same with another time.
     QXResponseTrace(const Quorvix::NSHTTPURLResponse &response, std::optional<QByteArray> data,
-                    std::chrono::system_clock::time_point date);
+                    std::chrono::system_clock::time_point time);
 
     /// The status code, as 200.
     qint64 statusCode;

@@ -168,7 +168,7 @@ void PlatformTest::tasksKeepTheirPlaceAmongEvents()
     };
     const auto post = [&](const QString &name) {
         QMetaObject::invokeMethod(
-            qApp, [&order, name] { order.append(name); }, Qt::QueuedConnection);
+            QCoreApplication::instance(), [&order, name] { order.append(name); }, Qt::QueuedConnection);
     };
     schedule(u"first"_s);
     MainActor::schedule([&] {
