@@ -58,7 +58,7 @@ inline std::optional<bool> meetsGoal(const Row &row)
             met = met.value_or(true) && other && advantage(row, *other) >= *wanted;
     };
     if (row.goalValue)
-        check(1.0, Other{"the goal", *row.goalValue});
+        met = row.isRate ? row.ours >= *row.goalValue : row.ours <= *row.goalValue;
     check(row.goalAdvantage, row.peer);
     check(row.goalOfLimit, row.limit);
     return met;

@@ -54,7 +54,7 @@ Pairs pairsOf(const QList<QXHeaderCookie> &cookies)
 {
     Pairs pairs;
     for (const QXHeaderCookie &cookie : cookies)
-        pairs.append({cookie.name.toString(), cookie.value.toString()});
+        pairs.append({cookie.name, cookie.value});
     return pairs;
 }
 

@@ -60,9 +60,12 @@ Result<JSONDocument> JSONReader::parse(QByteArrayView bytes, TopLevel topLevel)
     return documentOf(JSONEncoding::isMarked(bytes) ? fromMarked(bytes) : parsed(), topLevel);
 }
 
-Result<JSONDocument> JSONReader::parseInPlace(const QByteArray &bytes, TopLevel topLevel)
+static_assert(JSONReader::padding >= SimdjsonFence::padding);
+
+Result<JSONDocument> JSONReader::parseInPlace(QByteArray bytes, TopLevel topLevel)
 {
-    if (bytes.capacity() - bytes.size() < padding || JSONEncoding::isMarked(bytes))
+    // The capacity also counts room before the text, which is there when its beginning was removed.
+    if (bytes.data_ptr().freeSpaceAtEnd() < padding || JSONEncoding::isMarked(bytes))
         return parse(QByteArrayView(bytes), topLevel);
     return documentOf(SimdjsonFence::parsePadded(UTF8Text::withoutByteOrderMark(bytes)), topLevel);
 }

@@ -28,7 +28,7 @@ public:
     static Result<JSONDocument> parse(QByteArrayView bytes, TopLevel topLevel = TopLevel::AnyValue);
     /// Like parse(), and without a copy of a text whose array has a capacity of so many bytes more: the
     /// reader reads on there, whatever it finds.
-    static Result<JSONDocument> parseInPlace(const QByteArray &bytes, TopLevel topLevel = TopLevel::AnyValue);
+    static Result<JSONDocument> parseInPlace(QByteArray bytes, TopLevel topLevel = TopLevel::AnyValue);
     static constexpr qsizetype padding = 64;
 
     /// Parses a text as parse() does. Faster and with less memory than that for a text that the caller gives

@@ -1,7 +1,6 @@
 #include "JSON/SimdjsonFence.h"
 
 #include "JSON/JSONDocument.h"
-#include "JSON/JSONReader.h"
 #include "JSON/JSONSurrogates.h"
 #include "JSON/JSONWideNumbers.h"
 
@@ -231,7 +230,7 @@ SimdjsonFence::Outcome SimdjsonFence::parse(QByteArrayView text)
 
 SimdjsonFence::Outcome SimdjsonFence::parsePadded(QByteArrayView text)
 {
-    static_assert(JSONReader::padding >= qsizetype(simdjson::SIMDJSON_PADDING));
+    static_assert(padding >= qsizetype(simdjson::SIMDJSON_PADDING));
     return parsed(text, Padding::Present);
 }
 

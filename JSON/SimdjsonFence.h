@@ -40,7 +40,9 @@ struct Outcome
 /// Parses a whole text. The text needs no padding, and the caller may free it afterwards. A byte order mark
 /// is an error; an escape of a lone surrogate becomes U+FFFD.
 [[nodiscard]] Outcome parse(QByteArrayView text);
-/// Parses a text behind which JSONReader::padding more bytes can be read, without a copy of it. It does not
+/// The bytes that may be read behind a text.
+inline constexpr qsizetype padding = 64;
+/// Parses a text behind which padding more bytes can be read, without a copy of it. It does not
 /// matter what they are.
 [[nodiscard]] Outcome parsePadded(QByteArrayView text);
 /// Parses a text that nobody else needs, from the byte @p from on, without a copy of it.

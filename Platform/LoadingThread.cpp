@@ -168,7 +168,9 @@ void LoadingThread::deliver(MailboxTaskPtr task)
 
 void LoadingThread::deliverNow()
 {
-    Thread::current()->deliverNow();
+    // Null at the end of the thread.
+    if (auto *const thread = Thread::current())
+        thread->deliverNow();
 }
 
 QObject *LoadingThread::parent()

@@ -30,9 +30,8 @@ struct NSNotificationCenter::Registry
     /// The observers of a name; null if there never were any.
     std::shared_ptr<const List> *find(QAnyStringView name)
     {
-        const auto found = std::ranges::find_if(entries, [&](const Entry &entry) {
-            return name.size() == entry.name.size() && name == entry.name;
-        });
+        const auto found =
+            std::ranges::find_if(entries, [&](const Entry &entry) { return name == entry.name; });
         return found == entries.end() ? nullptr : &found->list;
     }
 

@@ -22,8 +22,11 @@ class QUORVIX_CORE_EXPORT StoredHeaderFields
 public:
     /// As of a map.
     using key_type = QString;
+    /// As of a map.
     using mapped_type = QString;
+    /// As of a map that cannot be changed.
     using const_iterator = HTTPHeaderFields::const_iterator;
+    /// The same.
     using iterator = const_iterator;
 
     /// No headers.
@@ -39,10 +42,13 @@ public:
     /// misleading.
     [[nodiscard]] static std::optional<StoredHeaderFields> fromFields(const NSHeaderFields &fields);
 
+    /// Shares the headers.
     StoredHeaderFields(const StoredHeaderFields &other) noexcept;
+    /// Takes the headers over.
     StoredHeaderFields(StoredHeaderFields &&other) noexcept : m_block(std::exchange(other.m_block, nullptr))
     {
     }
+    /// Shares or takes over the headers.
     StoredHeaderFields &operator=(StoredHeaderFields other) noexcept
     {
         std::swap(m_block, other.m_block);
@@ -52,6 +58,7 @@ public:
 
     /// A new map with these headers.
     [[nodiscard]] HTTPHeaderFields toMap() const;
+    /// The same as toMap().
     operator HTTPHeaderFields() const { return toMap(); } // NOLINT(google-explicit-constructor)
 
     /// Calls @p visit with each name and value, in ascending order of name.
@@ -69,30 +76,52 @@ public:
     {
         return exactValue(name).value_or(otherwise);
     }
+    /// Whether there is a header with exactly this name.
     [[nodiscard]] bool contains(const QString &name) const { return exactValue(name).has_value(); }
+    /// The value of the header with exactly this name; empty if there is none.
     [[nodiscard]] QString operator[](const QString &name) const { return value(name); }
+    /// The number of headers.
     [[nodiscard]] qsizetype size() const noexcept;
+    /// The number of headers.
     [[nodiscard]] qsizetype count() const noexcept { return size(); }
+    /// Whether there are no headers.
     [[nodiscard]] bool isEmpty() const noexcept { return size() == 0; }
+    /// Whether there are no headers.
     [[nodiscard]] bool empty() const noexcept { return size() == 0; }
+    /// The names, in ascending order.
     [[nodiscard]] QStringList keys() const { return toMap().keys(); }
+    /// The values, in ascending order of name.
     [[nodiscard]] QStringList values() const { return toMap().values(); }
 
     /// These headers as a map, which exists as long as this object or a copy of it.
     [[nodiscard]] const HTTPHeaderFields &map() const;
+    /// The first header of map().
     [[nodiscard]] const_iterator begin() const { return map().cbegin(); }
+    /// Behind the last header of map().
     [[nodiscard]] const_iterator end() const { return map().cend(); }
+    /// The first header of map().
     [[nodiscard]] const_iterator cbegin() const { return map().cbegin(); }
+    /// Behind the last header of map().
     [[nodiscard]] const_iterator cend() const { return map().cend(); }
+    /// The first header of map().
     [[nodiscard]] const_iterator constBegin() const { return map().cbegin(); }
+    /// Behind the last header of map().
     [[nodiscard]] const_iterator constEnd() const { return map().cend(); }
+    /// The header with exactly this name, or end().
     [[nodiscard]] const_iterator find(const QString &name) const { return map().constFind(name); }
+    /// The header with exactly this name, or end().
     [[nodiscard]] const_iterator constFind(const QString &name) const { return map().constFind(name); }
+    /// As of a map.
     [[nodiscard]] auto keyBegin() const { return map().keyBegin(); }
+    /// As of a map.
     [[nodiscard]] auto keyEnd() const { return map().keyEnd(); }
+    /// As of a map.
     [[nodiscard]] auto keyValueBegin() const { return map().constKeyValueBegin(); }
+    /// As of a map.
     [[nodiscard]] auto keyValueEnd() const { return map().constKeyValueEnd(); }
+    /// As of a map.
     [[nodiscard]] auto constKeyValueBegin() const { return map().constKeyValueBegin(); }
+    /// As of a map.
     [[nodiscard]] auto constKeyValueEnd() const { return map().constKeyValueEnd(); }
 
     /// Sets a header, as of a map.
@@ -105,6 +134,7 @@ public:
     {
         return left.isSame(right);
     }
+    /// Whether all names and values are equal.
     friend bool operator==(const StoredHeaderFields &left, const HTTPHeaderFields &right)
     {
         return left.isSame(StoredHeaderFields(right));

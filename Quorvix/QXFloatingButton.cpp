@@ -83,7 +83,7 @@ bool canDrawGlass(const QQuickWindow &window)
 } // namespace
 
 QXFloatingButton::QXFloatingButton(QQuickItem &page, bool isTranslucent)
-    : QQuickItem(&page), m_isTranslucent(isTranslucent), m_content(new QQuickItem(this)),
+    : m_isTranslucent(isTranslucent), m_content(new QQuickItem(this)),
       m_edge(new QXButtonPart(*m_content, bounds.adjusted(-1, -1, 1, 1),
                               [this](QPainter &painter) {
                                   painter.fillRect(m_edge->boundingRect(), m_appearance.palette().outline);
@@ -106,6 +106,9 @@ QXFloatingButton::QXFloatingButton(QQuickItem &page, bool isTranslucent)
     setSize(bounds.size());
     setAcceptedMouseButtons(Qt::LeftButton);
     setAcceptTouchEvents(true);
+    // The host's pointer handlers may not take a drag over.
+    setKeepMouseGrab(true);
+    setKeepTouchGrab(true);
     setAcceptHoverEvents(QGuiApplication::styleHints()->useHoverEffects());
     setActiveFocusOnTab(true);
     setCursor(Qt::ArrowCursor);
@@ -114,6 +117,9 @@ QXFloatingButton::QXFloatingButton(QQuickItem &page, bool isTranslucent)
     connect(&m_appearance, &QXAppearance::changed, this, &QXFloatingButton::updateLook);
     connect(m_badge, &QXButtonBadge::changed, this, &QXFloatingButton::placeBadge);
     updateLook();
+    setParent(&page);
+    // Here, because the constructor of the base does not call this class's itemChange().
+    setParentItem(&page);
     QAccessible::installActivationObserver(this);
 }
 

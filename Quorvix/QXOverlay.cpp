@@ -199,9 +199,14 @@ void QXOverlay::makeButtonView()
 {
     makeButtonParts();
     m_view = makeView(*m_layer, false);
+    if (!m_view)
+        return;
+    const bool hadFocus = m_button->hasActiveFocus();
     // Over the list, and below what the list presents.
-    if (m_view)
-        m_button->setParentItem(m_view->property("buttonPlace").value<QQuickItem *>());
+    m_button->setParentItem(m_view->property("buttonPlace").value<QQuickItem *>());
+    // The view has no focus yet, so that the button has lost it, which it only gets by a key.
+    if (hadFocus)
+        m_button->forceActiveFocus(Qt::TabFocusReason);
 }
 
 /// Loads the screens while the finger is still down, so that they open at once.

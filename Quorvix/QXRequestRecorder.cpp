@@ -157,7 +157,16 @@ bool QXRequestRecorder::isLoose(const std::optional<QByteArray> &body)
 void QXRequestRecorder::noteLoose(QXRequestTrace &trace, qsizetype position)
 {
     for (const Side side : {Side::Request, Side::Response}) {
-        if (const auto *const body = bodyAt(trace, side); body && isLoose(*body))
+        const auto *const body = bodyAt(trace, side);
+        if (!body || !isLoose(*body))
+            continue;
+        // An exchange whose progress is shown changes often.
+        constexpr qsizetype sides = 2;
+        const auto isNoted = [&](const LooseBody &loose) {
+            return loose.place.position == position && loose.place.side == side;
+        };
+        const auto last = m_looseBodies.crbegin();
+        if (std::none_of(last, last + std::min<qsizetype>(sides, std::ssize(m_looseBodies)), isNoted))
             m_looseBodies.push_back({{position, side}});
     }
     if (!m_looseBodies.empty())
@@ -166,11 +175,13 @@ void QXRequestRecorder::noteLoose(QXRequestTrace &trace, qsizetype position)
 
 void QXRequestRecorder::tightenLater()
 {
-    if (!QCoreApplication::instance() || std::exchange(m_isTighteningSoon, true))
+    QCoreApplication *const application = QCoreApplication::instance();
+    if (!application || m_tighteningIn == application)
         return;
+    m_tighteningIn = application;
     // The host and the loading thread give up their copies soon after the exchange has ended.
     constexpr std::chrono::milliseconds delay{500};
-    QTimer::singleShot(delay, QCoreApplication::instance(), [this, life = std::weak_ptr(m_life)] {
+    QTimer::singleShot(delay, application, [this, life = std::weak_ptr(m_life)] {
         if (!life.expired())
             tighten();
     });
@@ -183,7 +194,7 @@ void QXRequestRecorder::tighten()
 {
     constexpr std::size_t mostPerTurn = 256;
     constexpr int mostLooks = 8;
-    m_isTighteningSoon = false;
+    m_tighteningIn = nullptr;
     bool looksAgain = m_looseBodies.size() > mostPerTurn;
     for (std::size_t count = std::min(m_looseBodies.size(), mostPerTurn); count > 0; --count) {
         LooseBody loose = m_looseBodies.front();

@@ -6,6 +6,7 @@
 
 #include <QtCore/QHash>
 #include <QtCore/QList>
+#include <QtCore/QPointer>
 
 #include <atomic>
 #include <deque>
@@ -142,7 +143,8 @@ private:
     /// The bodies in the order in which they arrived, while there is a budget; also of some that are gone.
     std::deque<BodyPlace> m_bodies;
     std::deque<LooseBody> m_looseBodies;
-    bool m_isTighteningSoon = false;
+    /// The application whose timer runs. Null again when that ends before the timer.
+    QPointer<QObject> m_tighteningIn;
     /// It ends with the recorder.
     std::shared_ptr<const bool> m_life = std::make_shared<const bool>(true);
     /// Whether observers hear of changes; not at the end of the application.

@@ -29,10 +29,13 @@ public:
     /// Cells are shared by the copies of a list.
     using CellPtr = std::shared_ptr<const Cell>;
 
+    /// No traces.
     QXTraceList() noexcept;
+    /// Takes constant time.
     QXTraceList(const QXTraceList &other) noexcept;
     /// Leaves @p other empty.
     QXTraceList(QXTraceList &&other) noexcept;
+    /// Takes constant time, apart from what is destroyed.
     QXTraceList &operator=(QXTraceList other) noexcept;
     ~QXTraceList();
 

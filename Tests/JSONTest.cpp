@@ -225,6 +225,12 @@ void JSONTest::readsInPlace()
     QCOMPARE(inPlace("\xEF\xBB\xBF[\"x\"]").value().root().size(), 1);
     QVERIFY(!inPlace("{\"a\":\"x"));
     QVERIFY(!inPlace("[1"));
+
+    // Free memory before a text is not behind it.
+    QByteArray shortened = QByteArray(2 * JSONReader::padding, ' ') + R"(["a"])";
+    shortened.squeeze();
+    shortened.remove(0, 2 * JSONReader::padding);
+    QCOMPARE(JSONReader::parseInPlace(shortened).value().root().size(), 1);
 }
 
 void JSONTest::asksWhileItWrites()

@@ -19,11 +19,19 @@ ApplicationWindow {
 
     property int clicks: 0
     property int hovers: 0
+    property int drags: 0
 
     width: 390
     height: 844
     visible: true
 
+    Item {
+        anchors.fill: parent
+        DragHandler {
+            target: null
+            onActiveChanged: if (active) root.drags++
+        }
+    }
     ListView {
         objectName: "list"
         anchors.fill: parent
@@ -84,6 +92,7 @@ private Q_SLOTS:
     void twoTapsOpenAndClose();
     void liesAboveTheHostsDialogs();
     void makesDoWithoutAHostWindow();
+    void keepsTheFocusWhenThePointerComes();
     void editorFollowsTheHeldResponses();
 
 private:
@@ -136,6 +145,7 @@ void OverlayTest::standsWhereItWasLeft()
     QCOMPARE(middle(*button), QPoint(50, m_window->height() - 50));
     drag(*m_window, middle(*button), QPoint(100, -200));
     QVERIFY(!overlay().isShowingRequestList());
+    QCOMPARE(m_window->property("drags").toInt(), 0);
     const QPoint dropped = middle(*button);
     QVERIFY((dropped - QPoint(150, 594)).manhattanLength() <= 2);
     const auto saved = QXOverlayPoint::decoded(QSettings().value(QXOverlay::dragPositionKey).toByteArray());
@@ -254,6 +264,19 @@ void OverlayTest::makesDoWithoutAHostWindow()
     m_window = makeWindow(*m_engine, hostQml);
     QTRY_COMPARE(overlay().window(), m_window.get());
     QVERIFY(find("QXFloatingButton"));
+}
+
+/// The screens are made when the pointer comes.
+void OverlayTest::keepsTheFocusWhenThePointerComes()
+{
+    QQuickItem *const button = find("QXFloatingButton");
+    button->forceActiveFocus(Qt::TabFocusReason);
+    const QQuickItem *const before = button->parentItem();
+    QTest::mouseMove(m_window.get(), middle(*button));
+    QTRY_VERIFY(button->parentItem() != before);
+    QVERIFY(button->hasActiveFocus());
+    press(Qt::Key_Return);
+    QTRY_VERIFY(overlay().isShowingRequestList());
 }
 
 void OverlayTest::editorFollowsTheHeldResponses()
