@@ -92,7 +92,7 @@ private Q_SLOTS:
     void twoTapsOpenAndClose();
     void liesAboveTheHostsDialogs();
     void makesDoWithoutAHostWindow();
-    void keepsTheFocusWhenThePointerComes();
+    void keepsTheFocusWhenScreensAreMade();
     void editorFollowsTheHeldResponses();
 
 private:
@@ -266,16 +266,16 @@ void OverlayTest::makesDoWithoutAHostWindow()
     QVERIFY(find("QXFloatingButton"));
 }
 
-/// The screens are made when the pointer comes.
-void OverlayTest::keepsTheFocusWhenThePointerComes()
+/// The screens are made while the pointer is down.
+void OverlayTest::keepsTheFocusWhenScreensAreMade()
 {
     QQuickItem *const button = find("QXFloatingButton");
     button->forceActiveFocus(Qt::TabFocusReason);
     const QQuickItem *const before = button->parentItem();
-    QTest::mouseMove(m_window.get(), middle(*button));
+    QTest::mousePress(m_window.get(), Qt::LeftButton, {}, middle(*button));
     QTRY_VERIFY(button->parentItem() != before);
     QVERIFY(button->hasActiveFocus());
-    press(Qt::Key_Return);
+    QTest::mouseRelease(m_window.get(), Qt::LeftButton, {}, middle(*button));
     QTRY_VERIFY(overlay().isShowingRequestList());
 }
 
