@@ -7,21 +7,16 @@
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/LoopbackServer.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
-#include <QtCore/QHash>
 #include <QtCore/QProcess>
-#include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 #include <QtNetwork/QNetworkAccessManager>
 #include <QtNetwork/QNetworkReply>
-#include <QtNetwork/QTcpServer>
-#include <QtNetwork/QTcpSocket>
 
-#include <ctime>
 #include <malloc.h>
-#include <unistd.h>
 
 using Contest::require;
 
@@ -31,62 +26,6 @@ namespace {
 constexpr int concurrent = 6;
 /// The requests before each measurement.
 constexpr int leading = 2 * concurrent;
-
-// The server
-
-QByteArray bodyOf(qsizetype size)
-{
-    QByteArray body(size, Qt::Uninitialized);
-    for (qsizetype i = 0; i < size; ++i)
-        body[i] = char('a' + (i * 7 + i / 251) % 26);
-    return body;
-}
-
-/// Answers "GET /{size}" with a body of that size.
-void serve(QTcpSocket &socket)
-{
-    static QHash<QByteArray, QByteArray> answers;
-    while (socket.canReadLine()) {
-        const QByteArray line = socket.readLine();
-        if (!line.startsWith("GET /"))
-            continue;
-        QByteArray &answer = answers[line.split(' ').at(1)];
-        if (answer.isEmpty()) {
-            const QByteArray body = bodyOf(line.split(' ').at(1).mid(1).toLongLong());
-            answer = "HTTP/1.1 200 OK\r\nContent-Type: application/octet-stream\r\nServer: benchmark\r\n"
-                     "Content-Length: " +
-                     QByteArray::number(body.size()) + "\r\n\r\n" + body;
-        }
-        socket.write(answer);
-    }
-}
-
-/// Prints its port and serves until its standard input is closed, which the end of the other process does.
-int runServer()
-{
-    QTcpServer server;
-    QObject::connect(&server, &QTcpServer::newConnection, &server, [&] {
-        QTcpSocket *const socket = server.nextPendingConnection();
-        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] { serve(*socket); });
-        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    });
-    require(server.listen(QHostAddress::LocalHost), "the server has no port");
-    std::printf("%d\n", int(server.serverPort()));
-    std::fflush(stdout);
-    QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
-    QObject::connect(&input, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
-    return QCoreApplication::exec();
-}
-
-quint16 startServer(QProcess &process)
-{
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--server")});
-    while (!process.canReadLine())
-        require(process.waitForReadyRead(10'000), "the server does not start");
-    return quint16(process.readLine().trimmed().toUInt());
-}
 
 // The host
 
@@ -157,14 +96,6 @@ void checkTraces(const QByteArray &expected)
     }
 }
 
-/// User and system time of all threads of this process, in microseconds.
-double processorTime()
-{
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e6 + double(time.tv_nsec) / 1e3;
-}
-
 /// The memory that the program has allocated, in bytes.
 double allocated()
 {
@@ -190,7 +121,7 @@ Figures measure(QNetworkAccessManager &manager, const QString &kind, const QUrl 
     const bool isCaptured = kind == u"captured";
     const bool isKeeping = kind == u"keeping";
     std::vector<QByteArray> kept;
-    const QByteArray expected = bodyOf(url.path().mid(1).toLongLong());
+    const QByteArray expected = LoopbackServer::bodyOf(url.path().mid(1).toLongLong());
     // Hosts do not compare bodies, so this is no part of the measurement.
     exchange(manager, url, reading, leading,
              [&](const QByteArray &body) { require(body == expected, "a body differs"); });
@@ -198,7 +129,7 @@ Figures measure(QNetworkAccessManager &manager, const QString &kind, const QUrl 
         awaitTraces(leading);
 
     const double memory = allocated();
-    const double start = processorTime();
+    const double start = LoopbackServer::processorTime();
     exchange(manager, url, reading, requests, [&](const QByteArray &body) {
         require(body.size() == expected.size(), "a body has another size");
         if (isKeeping)
@@ -206,7 +137,7 @@ Figures measure(QNetworkAccessManager &manager, const QString &kind, const QUrl 
     });
     if (isCaptured)
         awaitTraces(leading + requests);
-    const double end = processorTime();
+    const double end = LoopbackServer::processorTime();
     Figures figures{(end - start) / requests, (allocated() - memory) / requests, 0};
 
     checkTraces(expected);
@@ -308,14 +239,13 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.contains(QStringLiteral("--server")))
-        return runServer();
+        return LoopbackServer::run();
     if (arguments.contains(QStringLiteral("--host"))) {
         runHost(arguments);
         return 0;
     }
     QProcess process;
-    QUrl server(QStringLiteral("http://127.0.0.1"));
-    server.setPort(startServer(process));
+    const QUrl server = LoopbackServer::startIn(process);
 
     std::printf(
         "Processor time of a host for each request and its ratio to the first host of the same round: "
@@ -332,7 +262,6 @@ int main(int argc, char *argv[])
     measureMemory(server, {"3,000 bodies of 189 bytes", "/189", 3000, Reading::AtFinished, 1, 0});
     measureMemory(server, {"20 bodies of 4 MB", "/4000000", 20, Reading::AtFinished, 1, 0});
 
-    process.closeWriteChannel();
-    process.waitForFinished();
+    LoopbackServer::stop(process);
     return 0;
 }
