@@ -12,9 +12,7 @@
 #include <QtQuick/QQuickWindow>
 #include <QtQuick/QSGRendererInterface>
 
-#include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace {
 

@@ -16,7 +16,6 @@
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickWindow>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Quorvix;
