@@ -21,6 +21,8 @@ ListView {
     focus: true
     activeFocusOnTab: true
     reuseItems: true
+    // Rows of a buffer are created later, and Qt prints a warning when the model or the list is gone by then.
+    cacheBuffer: 0
     clip: true
     currentIndex: -1
     highlightMoveDuration: 0

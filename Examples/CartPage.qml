@@ -37,6 +37,7 @@ Item {
             Layout.maximumWidth: StoreTheme.column
             Layout.alignment: Qt.AlignHCenter
             clip: true
+            cacheBuffer: 0 // as in the catalogue
             model: root.store.cart
             delegate: CartRow {
                 width: lines.width

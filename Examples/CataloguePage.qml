@@ -36,6 +36,7 @@ Item {
             bottom: parent.bottom
         }
         clip: true
+        cacheBuffer: 0 // Qt prints a warning when a search changes the products before those beyond the edge exist
         cellWidth: Math.floor(width / root.columns)
         cellHeight: cellWidth + 58
         bottomMargin: StoreTheme.pad

@@ -36,6 +36,7 @@ FocusScope {
         focus: true
         activeFocusOnTab: true
         clip: true
+        cacheBuffer: 0 // as in QXPageList
         currentIndex: -1
         model: root.viewModel
         onCountChanged: {
