@@ -104,23 +104,29 @@ QNetworkRequest makeRequest(const Task &task)
     return request;
 }
 
-/// Whether the request has a body, which may be empty.
+/// Whether Qt sends a body, which may be empty.
 bool hasUpload(const QString &method, const std::optional<QByteArray> &body)
 {
     return body || method == QLatin1StringView("POST") || method == QLatin1StringView("PUT");
 }
 
+/// The body for Qt to read; null when it is empty.
+std::unique_ptr<UploadDevice> makeUpload(const std::optional<QByteArray> &body)
+{
+    return body && !body->isEmpty() ? std::make_unique<UploadDevice>(*body) : nullptr;
+}
+
 QNetworkReply *send(URLLoadManager &manager, const QNetworkRequest &request, const QByteArray &method,
-                    const std::optional<QByteArray> &body)
+                    UploadDevice *upload, bool hasUpload)
 {
     // To a POST, Qt adds a content type that nobody has set, and prints a complaint. It does not to a custom
     // method.
-    if (method == "POST")
-        return manager.sendCustomRequest(request, method, body.value_or(QByteArray()));
     if (method == "PUT")
-        return manager.put(request, body.value_or(QByteArray()));
-    if (body)
-        return manager.sendCustomRequest(request, method, *body);
+        return upload ? manager.put(request, upload) : manager.put(request, QByteArray());
+    if (upload)
+        return manager.sendCustomRequest(request, method, upload);
+    if (hasUpload)
+        return manager.sendCustomRequest(request, method, QByteArray());
     if (method == "GET")
         return manager.sendGet(request);
     if (method == "HEAD")
@@ -206,15 +212,16 @@ std::optional<NSURLErrorCode> requestProblem(const URLRequest &request, const QS
 void sendCurrent(const TaskPtr &task);
 
 /// Whether the request failed only because the connection of another one broke: Qt then fails all that wait
-/// for a connection to the same server. Such a request can be sent again, whatever its method; one with a
-/// body can not, because it may have left before Qt says that it was sent, and of an empty body Qt never
-/// does.
+/// for a connection to the same server. Such a request can be sent again, whatever its method; one with an
+/// empty body can not, because Qt never says that it was sent.
 bool hasFailedBeside(const Task &task, const QNetworkReply &reply)
 {
     // A server that accepts connections and closes them at once may look the same.
     constexpr int mostResends = 20;
-    return !task.isSent && !hasUpload(sentMethod(task.current.httpMethod), task.current.httpBody) &&
-           task.resends < mostResends && task.state == State::Running &&
+    const auto &body = task.current.httpBody;
+    const bool canTell = (body && !body->isEmpty()) || !hasUpload(sentMethod(task.current.httpMethod), body);
+    const bool isSent = task.isSent || (task.upload && task.upload->isTouched());
+    return canTell && !isSent && task.resends < mostResends && task.state == State::Running &&
            reply.error() == QNetworkReply::RemoteHostClosedError && !LoadingThread::isEnding();
 }
 
@@ -266,8 +273,12 @@ void sendCurrent(const TaskPtr &task)
     if (isTimedByQt)
         request.setTransferTimeout(int(timeout.count()));
     URLLoadManager &manager = *task->session->manager();
-    QNetworkReply *const reply = send(manager, request, method.toUtf8(), current.httpBody);
+    auto upload = makeUpload(current.httpBody);
+    QNetworkReply *const reply = send(manager, request, method.toUtf8(), upload.get(), isTimedByQt);
     task->reply = reply;
+    task->upload = upload.get();
+    if (upload)
+        upload.release()->setParent(reply);
     task->isSent = false;
     auto *const keeper = new Keeper(reply, task, isTimedByQt ? std::nullopt : std::optional(timeout));
     manager.observe(*keeper);

@@ -2,6 +2,7 @@
 
 #include "Platform/NSURLSessionTask.h"
 #include "Platform/URLLoadSession.h"
+#include "Platform/UploadDevice.h"
 
 #include <QtNetwork/QNetworkReply>
 
@@ -24,10 +25,12 @@ struct URLLoadTask
     int redirects = 0;
     /// How often the request was sent again because it had never left.
     int resends = 0;
-    /// Whether the request has left. In the loading thread only.
+    /// Whether Qt says that the request has left. In the loading thread only.
     bool isSent = false;
     /// The reply while it is still loading. In the loading thread only.
     QPointer<QNetworkReply> reply;
+    /// What the reply sends, if that is not empty. In the loading thread only.
+    QPointer<UploadDevice> upload;
 };
 
 /// Sends the request. In the loading thread only.

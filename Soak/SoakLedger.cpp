@@ -58,8 +58,9 @@ void SoakLedger::end(const SoakExchange &exchange, SoakVerdict verdict, const QS
         }
         m_runningBytes -= exchange.plan.size + exchange.plan.uploadSize;
         ++m_ended;
-        if (isSession(exchange.source) && !exchange.plan.hasUpload()) {
-            ++m_bodilessOfSessions;
+        const bool sendsNothing = exchange.plan.hasUpload() && exchange.plan.uploadSize == 0;
+        if (isSession(exchange.source) && !sendsNothing) {
+            ++m_repeatableOfSessions;
             m_besideOfSessions += verdict == SoakVerdict::Beside ? 1 : 0;
         }
         count = ++m_rows[{isSession(exchange.source) ? 0 : 1, exchange.plan.fault}].counts[int(verdict)];
@@ -108,7 +109,7 @@ void SoakLedger::checkBeside()
     {
         const std::scoped_lock lock(m_mutex);
         beside = m_besideOfSessions;
-        all = m_bodilessOfSessions;
+        all = m_repeatableOfSessions;
     }
     if (beside > 1 + all / most)
         complain(QStringLiteral("%1 of %2 requests of sessions fail beside others").arg(beside).arg(all));

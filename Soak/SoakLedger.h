@@ -98,8 +98,9 @@ private:
     const quint64 m_seed;
     quint64 m_lastNumber = 0;
     quint64 m_ended = 0;
-    /// Requests of sessions that have no body, and those of them that failed beside others.
-    quint64 m_bodilessOfSessions = 0;
+    /// Requests of sessions that have no body or one that is not empty, and those of them that failed beside
+    /// others.
+    quint64 m_repeatableOfSessions = 0;
     quint64 m_besideOfSessions = 0;
     qsizetype m_runningBytes = 0;
     QMap<quint64, SoakExchange *> m_running;

@@ -187,7 +187,11 @@ void SessionTest::brokenConnectionFailsNoOther()
     QSemaphore done;
     QSemaphore failed;
     for (int i = 0; i < broken + others; ++i) {
-        const URLRequest request = this->request(i < broken ? u"/drop"_s : u"/slow?ms=20"_s);
+        URLRequest request = this->request(i < broken ? u"/drop"_s : i % 2 ? u"/slow?ms=20"_s : u"/echo"_s);
+        if (i >= broken && i % 4 == 0) {
+            request.httpMethod = u"POST"_s;
+            request.httpBody = QByteArray(100'000, 'x');
+        }
         m_session
             .dataTaskWithRequest(request,
                                  [&](auto, auto, auto error) {
