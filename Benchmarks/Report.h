@@ -12,7 +12,8 @@
 /// One line of the table that `./run bench` prints.
 namespace Report {
 
-/// Something that ours is compared with: a peer that does the same work, or a limit that no code can beat.
+/// Something that ours is compared with: a peer that does the same work, or a limit that no code can beat. A
+/// variant of our own code, such as the same with less data, is a row of its own.
 struct Other
 {
     const char *name;
@@ -36,26 +37,30 @@ struct Row
     /// The goal in words, for example "6 x the peer"; may be null.
     const char *goal = nullptr;
     /// The goal in numbers, so that the table can say whether it is met: all that are set have to be. A value
-    /// that ours has to reach, how many times better than the peer it has to be, and the part of the limit
-    /// that it has to reach.
+    /// that ours has to reach, how many times better than the peer it has to be (0.8 of the peer's time: 1.25),
+    /// and the part of the limit that it has to reach.
     std::optional<double> goalValue = {};
     std::optional<double> goalAdvantage = {};
     std::optional<double> goalOfLimit = {};
 };
 
-/// How many times better ours is than another value of the same row.
-inline double advantage(const Row &row, const Other &other)
+/// How many times better ours is than another value of the same row. Nothing unless both values are positive:
+/// a difference of zero or less is no number of times better than anything.
+inline std::optional<double> advantage(const Row &row, const Other &other)
 {
+    if (!(row.ours > 0 && other.value > 0))
+        return {};
     return row.isRate ? row.ours / other.value : other.value / row.ours;
 }
 
-/// Whether the goal is met, if it has numbers. What is not a number meets none.
+/// Whether the goal is met, if it has numbers. What is not a number meets none, and so does an advantage that
+/// there is not.
 inline std::optional<bool> meetsGoal(const Row &row)
 {
     std::optional<bool> met;
     const auto check = [&](const std::optional<double> &wanted, const std::optional<Other> &other) {
         if (wanted)
-            met = met.value_or(true) && other && advantage(row, *other) >= *wanted;
+            met = met.value_or(true) && other && advantage(row, *other).value_or(0) >= *wanted;
     };
     if (row.goalValue)
         met = row.isRate ? row.ours >= *row.goalValue : row.ours <= *row.goalValue;
@@ -76,11 +81,14 @@ inline void add(const Row &row)
     const auto addOther = [&](const char *key, const std::optional<Other> &other) {
         if (!other)
             return;
-        std::printf("  %s: %.3f (%.2f x)", other->name, other->value, advantage(row, *other));
+        std::printf("  %s: %.3f", other->name, other->value);
+        const std::optional<double> times = advantage(row, *other);
+        if (times)
+            std::printf(" (%.2f x)", *times);
         object.insert(QString::fromLatin1(key),
                       QJsonObject{{QStringLiteral("name"), QString::fromUtf8(other->name)},
                                   {QStringLiteral("value"), other->value},
-                                  {QStringLiteral("advantage"), advantage(row, *other)}});
+                                  {QStringLiteral("advantage"), times ? QJsonValue(*times) : QJsonValue()}});
     };
     addOther("peer", row.peer);
     addOther("limit", row.limit);

@@ -120,9 +120,11 @@ QJsonArray Table::read(const QString &program, const QByteArray &lines, QStringL
                 complaints += program + u": \""_s + metric + u"\" has no value of "_s + what;
         };
         check(u"ours"_s, row[u"ours"_s]);
+        // Nothing is a number of times better than zero.
+        const QString compared = row[u"ours"_s].toDouble(1) > 0 ? u"advantage"_s : u"value"_s;
         for (const QString &other : {u"peer"_s, u"limit"_s}) {
             if (row.contains(other))
-                check(row[other][u"name"_s].toString(), row[other][u"advantage"_s]);
+                check(row[other][u"name"_s].toString(), row[other][compared]);
         }
         row.insert(u"program"_s, program);
         rows.append(row);

@@ -36,7 +36,8 @@ void BenchmarkTableTest::showsReportedRows()
                  .goalOfLimit = 0.5});
     Report::add(
         {.metric = "One exchange", .place = "all threads", .unit = "us", .ours = 7.25, .goalValue = 8});
-    Report::add({.metric = "Beside", .place = "", .unit = "x", .ours = 1});
+    Report::add(
+        {.metric = "Added", .place = "", .unit = "ms", .ours = -1, .peer = Report::Other{"alone", 9}});
     Report::add({.metric = "No number",
                  .place = "",
                  .unit = "ms",
@@ -57,7 +58,7 @@ Sample
   KB of text                                                  360 MB/s               check and memcpy:   peer: missed
                                                                                      5,400 MB/s
   One exchange                all threads        7.25 us                                                 met
-  Beside                                         1.00 x
+  Added                                          -1.00 ms     alone: 9.00 ms
   No number                                      no value     a|b: 1.00 ms                               missed
 )"_s;
     QCOMPARE(table.mid(table.indexOf(u"\nSample\n"_s)), expected);
@@ -83,7 +84,7 @@ void BenchmarkTableTest::complains_data()
         << u"Sample wrote a line that is no row: {\"metric\":\"cu"_s;
     QTest::newRow("a peer without a value")
         << QByteArray(
-               "{\"metric\":\"m\",\"ours\":0,\"peer\":{\"name\":\"p\",\"value\":1,\"advantage\":null}}")
+               "{\"metric\":\"m\",\"ours\":1,\"peer\":{\"name\":\"p\",\"value\":1,\"advantage\":null}}")
         << 1 << u"Sample: \"m\" has no value of p"_s;
 }
 
