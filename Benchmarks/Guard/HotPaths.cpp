@@ -131,17 +131,29 @@ std::function<void()> record(int amount)
     };
 }
 
+/// The list shows the changes of a few milliseconds together. How many that are must not depend on the time
+/// that they take here: each step makes all of its changes in one turn of the event loop, and waits until
+/// they are shown.
 std::function<void()> recordWithOpenList(int amount)
 {
     constexpr int known = 10'000;
-    const int count = 10 * amount;
+    constexpr int step = 20;
+    const int steps = 10 * amount / step;
     fillStore(known);
     const auto model = std::make_shared<QXRequestListViewModel>();
     QCoreApplication::processEvents();
-    return [model, count, exchanges = exchangesAfter(known, count), response = jsonResponse(),
+    return [model, exchanges = exchangesAfter(known, steps * step), response = jsonResponse(),
             body = QByteArray(1000, 'x')] {
-        complete(exchanges, response, body);
-        await([&] { return model->rowCount() == known + count; });
+        for (auto first = exchanges.cbegin(); first != exchanges.cend(); first += step) {
+            const auto end = first + step;
+            for (auto exchange = first; exchange != end; ++exchange)
+                QXRequestRecorder::shared().record(exchange->id, exchange->request);
+            await([&] { return model->trace(0).id == std::prev(end)->id; });
+            for (auto exchange = first; exchange != end; ++exchange)
+                QXRequestRecorder::shared().complete(exchange->id, response, body, {});
+            await([&] { return model->trace(0).response.has_value(); });
+        }
+        require(model->rowCount() == known + int(exchanges.size()), "rows");
     };
 }
 
