@@ -1,23 +1,15 @@
 // Measures how long a user waits after opening a body of ten megabytes, and what a frame costs while it
 // scrolls; for comparison, the time that Qt takes to format the same body, without showing it.
 
-#include "Tests/ScreenDriver.h"
-
 #include "Quorvix/QXRequestRecorder.h"
-#include "Quorvix/QuorvixClient.h"
 
-#include "Benchmarks/Contest.h"
 #include "Benchmarks/Report.h"
 #include "Benchmarks/Samples.h"
+#include "Benchmarks/Screens.h"
 
 #include <QtCore/QJsonDocument>
-#include <QtCore/QSettings>
-#include <QtCore/QStandardPaths>
-#include <QtCore/QThread>
-#include <QtGui/QGuiApplication>
 #include <QtGui/QTextDocument>
 
-#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -26,7 +18,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize phone(390, 844);
 constexpr qsizetype bodySize = 10'000'000;
 constexpr int turns = 7;
 constexpr int scrolledFrames = 120;
@@ -43,23 +34,16 @@ QByteArray jsonBody()
     return body + "]}";
 }
 
-/// The inspector with one exchange, over an empty window of a host.
-class Inspector
+/// The inspector with one exchange.
+class Inspector : public Screens::Inspector
 {
 public:
-    Inspector()
+    Inspector() : Screens::Inspector(Screens::phone, Screens::ownMilliseconds)
     {
-        m_window.resize(phone);
-        m_window.show();
-        QuorvixClient::shared().show();
-        QObject::connect(&m_window, &QQuickWindow::afterAnimating, [this] { m_frame.start(); });
-        QObject::connect(&m_window, &QQuickWindow::frameSwapped, [this] {
-            ++m_frames;
-            m_lastFrame = double(m_frame.nsecsElapsed()) / 1e6;
-        });
+        QObject::connect(&window(), &QQuickWindow::afterAnimating, [this] { m_frame.start(); });
+        QObject::connect(&window(), &QQuickWindow::frameSwapped,
+                         [this] { m_lastFrame = double(m_frame.nsecsElapsed()) / 1e6; });
     }
-
-    ~Inspector() { QuorvixClient::shared().hide(); }
 
     void record(const QByteArray &body)
     {
@@ -70,28 +54,12 @@ public:
                                              body, {});
     }
 
-    QQuickItem *item(const char *name) { return ScreenDriver::find(m_window, name); }
-    void click(const char *name) { ScreenDriver::click(m_window, name); }
-
-    void await(const char *name)
-    {
-        Contest::require(QTest::qWaitFor([&] { return item(name) != nullptr; }), name);
-    }
-
-    void awaitEnd(const char *name)
-    {
-        Contest::require(QTest::qWaitFor([&] { return item(name) == nullptr; }), name);
-    }
-
     /// The time from a click to the end of the first frame after @p isThere became true.
     template<typename Condition>
     double afterClick(const char *name, Qt::MouseButton button, const Condition &isThere)
     {
-        Contest::require(ScreenDriver::waitForRest(m_window, name), name);
-        const QPoint at = ScreenDriver::middle(*item(name));
-        m_longestTurn = 0;
+        m_click = clickAtRest(name, button);
         m_sinceClick.start();
-        QTest::mouseClick(&m_window, button, {}, at);
         return untilFrame(isThere);
     }
 
@@ -102,10 +70,10 @@ public:
         QDeadlineTimer limit(20'000);
         while (!isThere() && !limit.hasExpired())
             turn();
-        for (const int seen = m_frames; m_frames == seen && !limit.hasExpired();)
+        for (const int seen = frames(); frames() == seen && !limit.hasExpired();)
             turn();
         Contest::require(!limit.hasExpired(), "a frame");
-        return double(m_sinceClick.nsecsElapsed()) / 1e6;
+        return m_click + double(m_sinceClick.nsecsElapsed()) / 1e6;
     }
 
     [[nodiscard]] bool shows(const char *text, qreal rows)
@@ -117,35 +85,24 @@ public:
     /// The time of each frame while a page scrolls by a few lines per frame.
     std::vector<double> scroll(const char *page)
     {
-        std::vector<double> frames;
+        std::vector<double> times;
         for (int i = 0; i < scrolledFrames; ++i) {
             QQuickItem *const flickable = item(page);
             flickable->setProperty("contentY", flickable->property("contentY").toReal() + step);
-            for (const int seen = m_frames; m_frames == seen;)
+            for (const int seen = frames(); frames() == seen;)
                 QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
-            frames.push_back(m_lastFrame);
+            times.push_back(m_lastFrame);
         }
-        return frames;
+        return times;
     }
 
-    void rest() { QTest::qWait(500); }
-    /// The longest time that the main thread was busy without a pause since the last click, in milliseconds.
-    [[nodiscard]] double longestTurn() const { return m_longestTurn; }
+    void wait() { QTest::qWait(500); }
 
 private:
-    void turn()
-    {
-        QThread::usleep(100); // lets other threads work
-        m_longestTurn =
-            std::max(m_longestTurn, Contest::milliseconds([] { QCoreApplication::processEvents(); }));
-    }
-
-    QQuickWindow m_window;
     QElapsedTimer m_frame;
     QElapsedTimer m_sinceClick;
-    int m_frames = 0;
+    double m_click = 0;     // milliseconds
     double m_lastFrame = 0; // milliseconds
-    double m_longestTurn = 0;
 };
 
 /// A kind of body, and what Qt does for a text of it.
@@ -169,12 +126,12 @@ void measureBody(Inspector &inspector, const Sample &sample)
     std::vector<double> peers;
     Report::Other peer{};
     for (int turn = 0; turn < turns; ++turn) {
-        inspector.rest();
+        inspector.wait();
         firsts.push_back(inspector.afterClick("QXRequestRow", Qt::LeftButton,
                                               [&] { return inspector.shows("QXTextView", 0); }));
         wholes.push_back(inspector.untilFrame([&] { return inspector.shows("QXTextView", 100'000); }));
         busy.push_back(inspector.longestTurn());
-        inspector.rest();
+        inspector.wait();
         if (turn + 1 == turns)
             Contest::printWaits("a frame while scrolling", inspector.scroll("QXRequestDetailsPage"));
         inspector.click("QXBackButton");
@@ -187,17 +144,20 @@ void measureBody(Inspector &inspector, const Sample &sample)
                  .unit = "ms",
                  .ours = Contest::median(firsts),
                  .peer = peer,
-                 .goal = "60 ms"});
+                 .goal = "60 ms",
+                 .goalValue = 60});
     Report::add({.metric = sample.whole,
                  .place = place,
                  .unit = "ms",
                  .ours = Contest::median(wholes),
                  .peer = peer});
-    Report::add({.metric = "of that, the main thread busy at a stretch",
-                 .place = "main thread",
+    const QByteArray stretch = QByteArray(sample.whole) + ": longest stretch";
+    Report::add({.metric = stretch.constData(),
+                 .place = "main thread, without waits for a processor",
                  .unit = "ms",
                  .ours = Contest::median(busy),
-                 .goal = "16 ms"});
+                 .goal = "16 ms",
+                 .goalValue = 16});
 }
 
 Report::Other formatJson(const QByteArray &body)
@@ -227,7 +187,7 @@ void measurePayload(Inspector &inspector, const QByteArray &body)
     inspector.record(body.toBase64());
     inspector.click("QXRequestRow");
     inspector.await("QXTextView");
-    inspector.rest();
+    inspector.wait();
     const double menu = inspector.afterClick("QXTextView", Qt::RightButton,
                                              [&] { return inspector.item("QXContextMenuCard") != nullptr; });
     const double sheet = inspector.afterClick("QXDecodeValueItem", Qt::LeftButton, [&] {
@@ -235,7 +195,7 @@ void measurePayload(Inspector &inspector, const QByteArray &body)
     });
     Report::add({.metric = "menu of 10 MB of Base64", .place = place, .unit = "ms", .ours = menu});
     Report::add({.metric = "decoded payload of 10 MB of JSON", .place = place, .unit = "ms", .ours = sheet});
-    inspector.rest();
+    inspector.wait();
     Contest::printWaits("a frame while the payload scrolls", inspector.scroll("QXDecodedPayloadPage"));
 }
 
@@ -243,12 +203,7 @@ void measurePayload(Inspector &inspector, const QByteArray &body)
 
 int main(int argc, char *argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-    QStandardPaths::setTestModeEnabled(true);
-    const QGuiApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(u"QuorvixBenchmarks"_s);
-    QCoreApplication::setApplicationName(u"DetailsBenchmark"_s);
+    const Screens::Program<> program(argc, argv, "DetailsBenchmark");
     Inspector inspector;
     const QByteArray json = jsonBody();
     const QByteArray text =

@@ -1,90 +1,76 @@
 // Measures the screen of the request list over 100,000 traces, with its frames: opening, a keystroke of
 // search, a new record and scrolling, beside Qt's own list.
 
-#include "Tests/ScreenDriver.h"
-
-#include "Quorvix/QuorvixClient.h"
-
-#include "Benchmarks/Contest.h"
 #include "Benchmarks/ListSamples.h"
 #include "Benchmarks/Report.h"
+#include "Benchmarks/Screens.h"
 
-#include <QtCore/QSettings>
-#include <QtCore/QStandardPaths>
-#include <QtCore/QThread>
 #include <QtGui/QStandardItemModel>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QListView>
 
-#include <algorithm>
-#include <ctime>
-#include <functional>
 #include <vector>
 
 using namespace Quorvix;
 using namespace ListSamples;
 using namespace Qt::StringLiterals;
 using Contest::require;
+using Screens::processorMilliseconds;
 
 namespace {
 
-constexpr QSize phone(390, 844);
 constexpr QSize tablet(820, 1180);
 /// What a user types, letter by letter.
 constexpr const char *typed = "products/99";
+/// What a user searches while exchanges arrive.
+constexpr const char *searched = "page";
+constexpr const char *processorAndFrame = "CPU of the main thread, with the frame, software";
+constexpr const char *clickToFrame = "CPU of the main thread, click to first frame, software";
 
-// --- The screen
-// ---------------------------------------------------------------------------------------------
-
-/// The time for which this thread has had a processor, in milliseconds. On a busy machine a frame of a few
-/// milliseconds often waits for one, which says nothing about the frame.
-double threadTime()
+/// A row without a peer, whose goal is a number of milliseconds.
+void add(const char *metric, const char *place, double value, const char *goal, double goalValue)
 {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+    Report::add({.metric = metric,
+                 .place = place,
+                 .unit = "ms",
+                 .ours = value,
+                 .goal = goal,
+                 .goalValue = goalValue});
 }
 
-double milliseconds(const std::function<void()> &work)
+bool matches(int number, const QString &search)
 {
-    const double start = threadTime();
-    work();
-    return threadTime() - start;
+    return (urlText(number) + u"\nGET"_s).contains(search, Qt::CaseInsensitive);
 }
 
-/// The inspector over an empty window of a host.
-class Inspector
+/// How many of the recorded URLs contain a text.
+int matching(const QString &search)
+{
+    int count = 0;
+    for (int i = 0; i < many; ++i)
+        count += matches(i, search) ? 1 : 0;
+    return count;
+}
+
+class Inspector : public Screens::Inspector
 {
 public:
-    explicit Inspector(QSize size)
-    {
-        m_window.resize(size);
-        m_window.show();
-        QuorvixClient::shared().show();
-        QObject::connect(&m_window, &QQuickWindow::frameSwapped, [this] { ++m_frames; });
-        rest();
-    }
-    ~Inspector() { QuorvixClient::shared().hide(); }
-    Inspector(const Inspector &) = delete;
-    Inspector &operator=(const Inspector &) = delete;
+    explicit Inspector(QSize size) : Screens::Inspector(size, processorMilliseconds) { rest(); }
 
-    QQuickItem *item(const char *name) { return ScreenDriver::find(m_window, name); }
-    QQuickWindow &window() { return m_window; }
-    int rows() { return item("QXRequestList")->property("count").toInt(); }
+    [[nodiscard]] int rows() { return item("QXRequestList")->property("count").toInt(); }
 
-    /// How long the main thread works from an event to the end of the first frame for which a condition
-    /// holds. Without the time in which it waits, because Qt delays a frame by 5 ms on a display without
-    /// vertical synchronisation.
+    /// How long the main thread works from an event, whose time is known, to the end of the first frame after
+    /// a condition has become true. Without the time in which it waits, because Qt delays a frame by 5 ms on
+    /// a display without vertical synchronisation.
     template<typename Condition>
-    double busyUntilFrame(const std::function<void()> &event, const Condition &isThere)
+    double busyUntilFrame(double event, const Condition &isThere)
     {
-        m_longestTurn = 0;
-        double busy = milliseconds(event);
+        double busy = event;
         QDeadlineTimer limit(20'000);
-        for (bool holds = false; !limit.hasExpired();) {
-            const int seen = m_frames;
+        for (bool holds = isThere(); !limit.hasExpired();) {
+            const int seen = frames();
             busy += turn();
-            if (holds && m_frames != seen)
+            if (holds && frames() != seen)
                 return busy;
             holds = holds || isThere();
         }
@@ -92,157 +78,112 @@ public:
         return 0;
     }
 
-    /// Goes on until no frame has been drawn for a while.
-    void rest()
-    {
-        QElapsedTimer still;
-        still.start();
-        for (int seen = m_frames; still.elapsed() < 300;) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-            QThread::usleep(200);
-            if (std::exchange(seen, m_frames) != m_frames)
-                still.restart();
-        }
-    }
-
-    double turn()
-    {
-        QThread::usleep(100); // lets other threads work
-        const double time = milliseconds([] { QCoreApplication::processEvents(); });
-        m_longestTurn = std::max(m_longestTurn, time);
-        return time;
-    }
-    [[nodiscard]] int frames() const { return m_frames; }
-    /// The longest time without a return to the event loop, in milliseconds.
-    [[nodiscard]] double longestTurn() const { return m_longestTurn; }
-    void forgetTurns() { m_longestTurn = 0; }
-
     double open()
     {
-        require(ScreenDriver::waitForRest(m_window, "QXFloatingButton"), "the button");
-        const QPoint at = ScreenDriver::middle(*item("QXFloatingButton"));
-        const double time = busyUntilFrame([&] { QTest::mouseClick(&m_window, Qt::LeftButton, {}, at); },
-                                           [&] { return item("QXRequestRow") != nullptr; });
+        const double time =
+            busyUntilFrame(clickAtRest("QXFloatingButton"), [&] { return item("QXRequestRow") != nullptr; });
         rest();
+        require(rows() >= many, "all rows");
         return time;
     }
     void close()
     {
-        ScreenDriver::click(m_window, "QXCloseButton");
-        require(QTest::qWaitFor([&] { return !item("QXRequestListView"); }), "the end of the list");
+        click("QXCloseButton");
+        awaitEnd("QXRequestListView");
         rest();
     }
-
-private:
-    QQuickWindow m_window;
-    int m_frames = 0;
-    double m_longestTurn = 0;
-};
-
-double openListView()
-{
-    std::vector<double> times;
-    for (int round = 0; round < 3; ++round) {
-        times.push_back(milliseconds([] {
-            QStandardItemModel model;
-            QListView view;
-            view.setUniformItemSizes(true);
-            for (int i = many; i-- > 0;)
-                model.appendRow(new QStandardItem(urlText(i)));
-            view.setModel(&model);
-            view.resize(phone);
-            view.show();
-            require(!view.grab().isNull(), "QListView");
-        }));
+    void clearSearch()
+    {
+        click("QXSearchClearButton");
+        rest();
+        require(rows() >= many, "all rows after a search");
     }
-    return Contest::median(times);
-}
+};
 
 void measureOpening(Inspector &inspector)
 {
-    std::vector<double> times;
+    QStandardItemModel model;
+    for (int i = many; i-- > 0;)
+        model.appendRow(new QStandardItem(urlText(i)));
+    const auto openListView = [&] {
+        QListView view;
+        view.setUniformItemSizes(true);
+        view.setModel(&model);
+        view.resize(Screens::phone);
+        view.show();
+        require(!view.grab().isNull() && view.indexAt({5, 5}).isValid(), "QListView");
+    };
     const double first = inspector.open();
-    for (int round = 0; round < 5; ++round) {
+    const double firstPeer = processorMilliseconds(openListView);
+    std::vector<double> times;
+    std::vector<double> peers;
+    for (int round = 0; round < Contest::rounds; ++round) {
         inspector.close();
         times.push_back(inspector.open());
+        peers.push_back(processorMilliseconds(openListView));
     }
-    const Report::Other peer{"QListView on a QStandardItemModel", openListView()};
-    Report::add({"open the list at 100,000, the first time",
-                 "CPU of the main thread, click to first frame, software",
-                 "ms",
-                 first,
-                 peer,
-                 {},
-                 false,
-                 "50 ms"});
-    Report::add({"open the list at 100,000 again",
-                 "CPU of the main thread, click to first frame, software",
-                 "ms",
-                 Contest::median(times),
-                 peer,
-                 {},
-                 false,
-                 "50 ms"});
+    const auto report = [](const char *metric, double ours, double peer) {
+        Report::add({.metric = metric,
+                     .place = clickToFrame,
+                     .unit = "ms",
+                     .ours = ours,
+                     .peer = Report::Other{"QListView on a QStandardItemModel", peer},
+                     .goal = "50 ms",
+                     .goalValue = 50});
+    };
+    report("open the list at 100,000, the first time", first, firstPeer);
+    report("open the list at 100,000 again", Contest::median(times), Contest::median(peers));
 }
 
 void measureTyping(Inspector &inspector, const char *metric)
 {
-    ScreenDriver::click(inspector.window(), "QXSearchField");
+    std::vector<int> expected;
+    for (const char *end = typed; *end; ++end)
+        expected.push_back(matching(QString::fromLatin1(typed, end + 1 - typed)));
+    inspector.click("QXSearchField");
     inspector.rest();
     std::vector<double> slowest;
     for (int round = 0; round < 5; ++round) {
         double longest = 0;
-        for (const char *key = typed; *key; ++key) {
-            const double time = inspector.busyUntilFrame([&] { QTest::keyClick(&inspector.window(), *key); },
-                                                         [] { return true; });
+        for (size_t i = 0; i < expected.size(); ++i) {
+            const double key = processorMilliseconds([&] { QTest::keyClick(&inspector.window(), typed[i]); });
+            const double time =
+                inspector.busyUntilFrame(key, [&] { return inspector.rows() == expected[i]; });
             if (round == 0)
-                std::printf("    key %c %8.2f ms, %d rows\n", *key, time, inspector.rows());
+                std::printf("    key %c %8.2f ms, %d rows\n", typed[i], time, inspector.rows());
             longest = std::max(longest, time);
             inspector.rest();
+            require(inspector.rows() == expected[i], "the rows of a search");
         }
         slowest.push_back(longest);
-        ScreenDriver::click(inspector.window(), "QXSearchClearButton");
-        inspector.rest();
+        inspector.clearSearch();
     }
-    Report::add({metric,
-                 "CPU of the main thread, key to frame, software",
-                 "ms",
-                 Contest::median(slowest),
-                 {},
-                 {},
-                 false,
-                 "16 ms"});
+    add(metric, "CPU of the main thread, key to the frame with all rows, software", Contest::median(slowest),
+        "16 ms", 16);
 }
 
-void measureRecords(Inspector &inspector, const char *metric, const char *withFrame)
+/// Measures records of which each is shown, if it matches the search.
+void measureRecords(Inspector &inspector, const QString &search, const char *metric, const char *withFrame)
 {
     static int number = 10 * many;
     std::vector<double> models;
-    std::vector<double> frames;
-    for (int i = 0; i < 15; ++i) {
-        const URLRequest request(QUrl(urlText(++number)));
-        double model = 0;
-        frames.push_back(inspector.busyUntilFrame(
-            [&] {
-                model = milliseconds([&] {
-                    recorder().record(identifier(number), request);
-                    QCoreApplication::sendPostedEvents();
-                });
-            },
-            [] { return true; }));
-        models.push_back(model);
+    std::vector<double> withFrames;
+    while (models.size() < 15) {
+        if (!matches(++number, search))
+            continue;
+        const URLRequest request(QUrl(urlText(number)));
+        const int rows = inspector.rows();
+        models.push_back(processorMilliseconds([&] {
+            recorder().record(identifier(number), request);
+            QCoreApplication::sendPostedEvents();
+        }));
+        require(inspector.rows() == rows + 1, "a row for a new record");
+        withFrames.push_back(inspector.busyUntilFrame(models.back(), [] { return true; }));
         inspector.rest();
     }
-    Report::add({metric,
-                 "CPU of the main thread, without the frame",
-                 "ms",
-                 Contest::median(models),
-                 {},
-                 {},
-                 false,
-                 "1 ms"});
+    add(metric, "CPU of the main thread, without the frame", Contest::median(models), "1 ms", 1);
     Report::add(
-        {withFrame, "CPU of the main thread, with the frame, software", "ms", Contest::median(frames)});
+        {.metric = withFrame, .place = processorAndFrame, .unit = "ms", .ours = Contest::median(withFrames)});
 }
 
 void measureScrolling(Inspector &inspector)
@@ -263,7 +204,8 @@ void measureScrolling(Inspector &inspector)
     std::vector<double> dragged;
     QTest::mousePress(&inspector.window(), Qt::LeftButton, {}, bar + QPoint(0, top));
     for (int y = top; y < bottom; y += 3) {
-        const double moved = milliseconds([&] { QTest::mouseMove(&inspector.window(), bar + QPoint(0, y)); });
+        const double moved =
+            processorMilliseconds([&] { QTest::mouseMove(&inspector.window(), bar + QPoint(0, y)); });
         dragged.push_back(moved + settleFrame());
     }
     QTest::mouseRelease(&inspector.window(), Qt::LeftButton, {}, bar + QPoint(0, bottom));
@@ -276,14 +218,8 @@ void measureScrolling(Inspector &inspector)
         flicked.push_back(settleFrame());
     require(flicked.size() > 50, "a flick");
     const auto report = [](const char *metric, const std::vector<double> &times) {
-        Report::add({metric,
-                     "CPU of the main thread, worst frame, software",
-                     "ms",
-                     *std::max_element(times.begin(), times.end()),
-                     {},
-                     {},
-                     false,
-                     "16 ms"});
+        add(metric, "CPU of the main thread, worst frame, software",
+            *std::max_element(times.begin(), times.end()), "16 ms", 16);
         std::printf("    median %.2f ms of %d frames\n", Contest::median(times), int(times.size()));
     };
     report("drag the scroll bar through 100,000 rows", dragged);
@@ -294,33 +230,26 @@ void measureScrolling(Inspector &inspector)
 
 int main(int argc, char *argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-    QStandardPaths::setTestModeEnabled(true);
-    const QApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(u"QuorvixBenchmarks"_s);
-    QCoreApplication::setApplicationName(u"ListBenchmark"_s);
+    const Screens::Program<QApplication> program(argc, argv, "ListBenchmark");
     fillRecorder(many);
-    for (const bool isTablet : {false, true}) {
-        Inspector inspector(isTablet ? tablet : phone);
-        if (isTablet)
-            inspector.open();
-        else
-            measureOpening(inspector);
-        measureTyping(inspector, isTablet ? "type a search at 100,000, slowest key, tablet"
-                                          : "type a search at 100,000, slowest key, phone");
-        if (isTablet)
-            continue;
-        measureRecords(inspector, "a new record at 100,000", "a new record at 100,000, with its frame");
-        ScreenDriver::click(inspector.window(), "QXSearchField");
-        for (const char *key = "page"; *key; ++key)
+    {
+        Inspector inspector(Screens::phone);
+        measureOpening(inspector);
+        measureTyping(inspector, "type a search at 100,000, slowest key, phone");
+        measureRecords(inspector, {}, "a new record at 100,000", "a new record at 100,000, with its frame");
+        inspector.click("QXSearchField");
+        for (const char *key = searched; *key; ++key)
             QTest::keyClick(&inspector.window(), *key);
         inspector.rest();
-        measureRecords(inspector, "a new record at 100,000 while searching",
+        measureRecords(inspector, QString::fromLatin1(searched), "a new record at 100,000 while searching",
                        "a new record at 100,000 while searching, with its frame");
-        ScreenDriver::click(inspector.window(), "QXSearchClearButton");
-        inspector.rest();
+        inspector.clearSearch();
         measureScrolling(inspector);
     }
+    // The same exchanges as at first, so that as many rows are expected.
+    fillRecorder(many);
+    Inspector inspector(tablet);
+    inspector.open();
+    measureTyping(inspector, "type a search at 100,000, slowest key, tablet");
     return 0;
 }

@@ -2,22 +2,18 @@
 // saves the file, and cancels an export; for comparison, the same with ten exchanges. The time for which the
 // thread waits for a processor does not count, because other programs decide about it.
 
-#include "Tests/ScreenDriver.h"
-
 #include "Quorvix/QXRequestRecorder.h"
-#include "Quorvix/QuorvixClient.h"
 
-#include "Benchmarks/Contest.h"
 #include "Benchmarks/Report.h"
+#include "Benchmarks/Screens.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QThread>
 #include <QtGui/QClipboard>
-#include <QtGui/QGuiApplication>
 
+#include <chrono>
 #include <map>
+#include <vector>
 
 using namespace Quorvix;
 using namespace Qt::StringLiterals;
@@ -25,9 +21,13 @@ using Contest::require;
 
 namespace {
 
-constexpr QSize phone(390, 844);
-constexpr int turns = 7;
-constexpr int longestAction = 60'000; // milliseconds
+using namespace std::chrono_literals;
+
+constexpr int turns = 5;
+constexpr auto longestAction = 60s;
+/// Memory is returned to the system a little later than it is freed.
+constexpr auto untilReturned = 700ms;
+constexpr auto untilDrawn = 250ms;
 
 QByteArray bodyOf(qsizetype size, int number)
 {
@@ -58,69 +58,42 @@ void record(int count, qsizetype bodySize)
     }
 }
 
-/// The time for which this thread has waited for a processor, in milliseconds; 0 where nobody knows it.
-double waitForProcessor()
-{
-    QFile file(u"/proc/thread-self/schedstat"_s);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return 0;
-    return file.read(100).split(' ').value(1).toDouble() / 1e6;
-}
-
-/// How long some work takes this thread, in milliseconds, without the time that other programs take.
-double ownMilliseconds(const std::function<void()> &work)
-{
-    const double before = waitForProcessor();
-    const double taken = Contest::milliseconds(work);
-    return taken - (waitForProcessor() - before);
-}
-
 /// The longest stretch of each action, in milliseconds.
 using Stretches = std::map<QByteArray, std::vector<double>>;
 
 /// The list over an empty window of a host.
-class List
+class List : public Screens::Inspector
 {
 public:
-    List()
+    List() : Screens::Inspector(Screens::phone, Screens::ownMilliseconds)
     {
-        m_window.resize(phone);
-        m_window.show();
-        QuorvixClient::shared().show();
-        ScreenDriver::click(m_window, "QXFloatingButton");
-        require(ScreenDriver::waitForRest(m_window, "QXExportButton"), "the list");
+        click("QXFloatingButton");
+        require(ScreenDriver::waitForRest(window(), "QXExportButton"), "the list");
     }
-    ~List() { QuorvixClient::shared().hide(); }
-    Q_DISABLE_COPY_MOVE(List)
 
-    [[nodiscard]] bool has(const char *name) { return ScreenDriver::find(m_window, name) != nullptr; }
+    [[nodiscard]] bool has(const char *name) { return item(name) != nullptr; }
 
-    /// Clicks an item and waits for the end of what follows and for calm.
+    /// Clicks an item, waits for the end of what follows and then for as long as something may follow that.
     template<typename Condition>
-    void act(const char *action, const char *item, const Condition &isDone)
+    void act(const char *action, const char *name, std::chrono::milliseconds after, const Condition &isDone)
     {
-        require(ScreenDriver::waitForRest(m_window, item), item);
-        const QPoint at = ScreenDriver::middle(*ScreenDriver::find(m_window, item));
-        double longest = Contest::milliseconds([&] { QTest::mouseClick(&m_window, Qt::LeftButton, {}, at); });
+        clickAtRest(name);
         const QDeadlineTimer limit(longestAction);
-        // Memory is returned to the system a little later.
         QDeadlineTimer calm(QDeadlineTimer::Forever);
         while (!calm.hasExpired() && !limit.hasExpired()) {
-            QThread::usleep(100); // lets other threads work
-            longest = std::max(longest, ownMilliseconds([] { QCoreApplication::processEvents(); }));
+            turn();
             if (calm.isForever() && isDone())
-                calm.setRemainingTime(700);
+                calm.setRemainingTime(after);
         }
         require(!limit.hasExpired(), action);
-        m_stretches[action].push_back(longest);
+        m_stretches[action].push_back(longestTurn());
     }
 
-    void pressEscape() { QTest::keyClick(&m_window, Qt::Key_Escape); }
+    void pressEscape() { QTest::keyClick(&window(), Qt::Key_Escape); }
 
     [[nodiscard]] Stretches take() { return std::exchange(m_stretches, {}); }
 
 private:
-    QQuickWindow m_window;
     Stretches m_stretches;
 };
 
@@ -134,21 +107,22 @@ qint64 archiveSize(const QString &folder)
 /// Exports, copies, saves and closes.
 void exportOnce(List &list, const QString &folder, qint64 leastSize)
 {
-    list.act("export", "QXExportButton", [&] { return list.has("QXActivitySheet"); });
+    list.act("export", "QXExportButton", untilReturned, [&] { return list.has("QXActivitySheet"); });
     require(list.has("QXActivityPreview") && archiveSize(folder) > leastSize, "an archive");
-    list.act("copy", "QXActivityCopy", [] { return true; });
+    list.act("copy", "QXActivityCopy", untilDrawn, [] { return true; });
     require(QGuiApplication::clipboard()->text().endsWith(".har"_L1), "a copy");
-    list.act("ask where to save", "QXActivitySaveAs", [&] { return list.has("QXActivitySave"); });
-    list.act("save", "QXActivitySave", [&] { return list.has("QXActivityOutcome"); });
+    list.act("ask where to save", "QXActivitySaveAs", untilDrawn, [&] { return list.has("QXActivitySave"); });
+    list.act("save", "QXActivitySave", untilDrawn, [&] { return list.has("QXActivityOutcome"); });
     require(archiveSize(qEnvironmentVariable("HOME")) > leastSize, "a saved archive");
-    list.act("close", "QXActivityDone", [&] { return !list.has("QXActivitySheet"); });
+    list.act("close", "QXActivityDone", untilReturned, [&] { return !list.has("QXActivitySheet"); });
 }
 
-/// Begins an export and cancels it, unless it is over before its progress is shown.
-void cancelOnce(List &list, const QString &folder)
+/// Begins an export and cancels it, unless it is over before its progress is shown. A cancellation that comes
+/// when the archive has just been written leaves the file, but never a part of it.
+void cancelOnce(List &list, const QString &folder, qint64 leastSize)
 {
     bool isCancelled = false;
-    list.act("cancel", "QXExportButton", [&] {
+    list.act("cancel", "QXExportButton", untilReturned, [&] {
         if (!isCancelled && list.has("QXProgressCancel")) {
             list.pressEscape();
             isCancelled = true;
@@ -156,9 +130,9 @@ void cancelOnce(List &list, const QString &folder)
         return isCancelled ? !list.has("QXProgressCard") : list.has("QXActivitySheet");
     });
     if (isCancelled)
-        require(QDir(folder).isEmpty(), "no file");
+        require(QDir(folder).isEmpty() || archiveSize(folder) > leastSize, "no file, or a whole one");
     else
-        list.act("close", "QXActivityDone", [&] { return !list.has("QXActivitySheet"); });
+        list.act("close", "QXActivityDone", untilReturned, [&] { return !list.has("QXActivitySheet"); });
 }
 
 Stretches use(List &list, qint64 leastSize)
@@ -173,7 +147,7 @@ Stretches use(List &list, qint64 leastSize)
         const QString folder = place.filePath(u"exported"_s);
         exportOnce(list, folder, leastSize);
         QFile::remove(QDir(folder).entryInfoList(QDir::Files).constFirst().filePath());
-        cancelOnce(list, folder);
+        cancelOnce(list, folder, leastSize);
     }
     return list.take();
 }
@@ -194,33 +168,24 @@ std::pair<QByteArray, double> worst(const Stretches &stretches)
 void measure(List &list, const char *metric, int count, qsizetype bodySize)
 {
     record(count, bodySize);
-    const Stretches ours = use(list, count * bodySize);
-    const auto [action, longest] = worst(ours);
-    record(10, 100);
-    const Stretches base = use(list, 1000);
-    const double usual = worst(base).second;
+    const auto [action, longest] = worst(use(list, count * bodySize));
     const QByteArray place = "main thread, longest stretch, in \"" + action + "\"; software renderer";
-    Report::add({metric,
-                 place.constData(),
-                 "ms",
-                 longest,
-                 {},
-                 Report::Other{"with 10 exchanges", usual},
-                 false,
-                 "16 ms"});
+    Report::add({.metric = metric,
+                 .place = place.constData(),
+                 .unit = "ms",
+                 .ours = longest,
+                 .goal = "16 ms",
+                 .goalValue = 16});
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-    QStandardPaths::setTestModeEnabled(true);
-    const QGuiApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(u"QuorvixBenchmarks"_s);
-    QCoreApplication::setApplicationName(u"ListExportBenchmark"_s);
+    const Screens::Program<> program(argc, argv, "ListExportBenchmark");
     List list;
     measure(list, "export of 100,000 small exchanges from the list", 100'000, 100);
     measure(list, "export of 200 MB of bodies from the list", 2'000, 100'000);
+    measure(list, "export of 10 exchanges, for comparison", 10, 100);
+    return 0;
 }
