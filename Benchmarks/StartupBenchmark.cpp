@@ -1,7 +1,8 @@
 // What the inspector adds to the start and the memory of hosts, and its size. The same hosts run with it and
 // without it, as processes of their own, by turns.
-#include "Contest.h"
-#include "Report.h"
+#include "Benchmarks/Contest.h"
+#include "Benchmarks/Cost/Footprint.h"
+#include "Benchmarks/Report.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -11,14 +12,18 @@
 
 namespace {
 
-constexpr int pairs = 11;
+/// A start is short and varies; what memory is left in the end varies little.
+constexpr int startPairs = 15;
+constexpr int memoryPairs = 5;
 
 /// Runs a host and returns the numbers of each line that it prints.
 std::vector<std::vector<double>> run(const QString &name, const QStringList &arguments = {})
 {
     QProcess host;
     host.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    host.start(QDir(QCoreApplication::applicationDirPath()).filePath(name), arguments);
+    const QString path = QDir(QCoreApplication::applicationDirPath()).filePath(name);
+    qputenv(Footprint::startVariable, QByteArray::number(Footprint::now()));
+    host.start(path, arguments);
     Contest::require(host.waitForFinished() && host.exitCode() == 0, qPrintable(name));
     std::vector<std::vector<double>> lines;
     const QList<QByteArray> texts = host.readAllStandardOutput().trimmed().split('\n');
@@ -44,13 +49,14 @@ struct Cost
 class Pairs
 {
 public:
-    explicit Pairs(const QString &host)
+    Pairs(const QString &host, const QStringList &arguments, int count)
     {
-        run(host + QStringLiteral("Alone")); // the files are in memory afterwards
-        run(host);
-        for (int i = 0; i < pairs; ++i) {
-            m_alone.push_back(run(host + QStringLiteral("Alone")).at(0));
-            m_ours.push_back(run(host).at(0));
+        const QString alone = host + QStringLiteral("Alone");
+        run(alone, arguments); // the files are in memory afterwards
+        run(host, arguments);
+        for (int i = 0; i < count; ++i) {
+            m_alone.push_back(run(alone, arguments).at(0));
+            m_ours.push_back(run(host, arguments).at(0));
         }
     }
 
@@ -74,52 +80,48 @@ private:
 struct Host
 {
     const char *program;
-    const char *time;
-    const char *processor;
-    const char *resident;
-    const char *written;
+    const char *name;
+    /// When its start is over.
+    const char *ready;
     const char *place;
 };
 
 constexpr Host hosts[] = {
-    {"StartupWindowHost", "Qt Quick host, start: added until its first frame",
-     "Qt Quick host, start: added time of processors",
-     "Qt Quick host with the button: added memory, resident",
-     "Qt Quick host with the button: added memory, written", "whole process, software renderer"},
-    {"StartupWidgetHost", "widget host, start: added until its first frame",
-     "widget host, start: added time of processors", "widget host with the button: added memory, resident",
-     "widget host with the button: added memory, written", "whole process, raster"},
-    {"StartupConsoleHost", "console host, start: added until its loop runs",
-     "console host, start: added time of processors", "console host: added memory, resident",
-     "console host: added memory, written", "whole process"},
+    {"StartupWindowHost", "Qt Quick host", "its first frame", "whole process, software renderer"},
+    {"StartupWidgetHost", "widget host", "its first frame", "whole process, raster"},
+    {"StartupConsoleHost", "console host", "its loop runs", "whole process"},
 };
 
+/// What is added has no peer: the host alone costs nothing more than itself. How much that is stands beside
+/// it.
 void reportHost(const Host &host)
 {
-    const Pairs runs(QString::fromUtf8(host.program));
-    const auto row = [&](const char *metric, const char *unit, size_t column, double divisor) {
-        const Cost cost = runs.cost(column);
-        return Report::Row{.metric = metric,
-                           .place = host.place,
-                           .unit = unit,
-                           .ours = cost.added / divisor,
-                           .peer = Report::Other{"the host alone", cost.alone / divisor}};
+    const QString program = QString::fromUtf8(host.program);
+    const auto add = [&](const Cost &cost, const QByteArray &what, const char *unit, double divisor,
+                         const char *goal = nullptr, std::optional<double> goalValue = {}) {
+        const QByteArray metric = host.name + what;
+        const QByteArray place = QByteArray(host.place) +
+                                 "; the host alone: " + QByteArray::number(cost.alone / divisor, 'f', 1) +
+                                 ' ' + unit;
+        Report::add({.metric = metric.constData(),
+                     .place = place.constData(),
+                     .unit = unit,
+                     .ours = cost.added / divisor,
+                     .goal = goal,
+                     .goalValue = goalValue});
     };
-    const auto add = [](Report::Row row, const char *goal, double value) {
-        row.goal = goal;
-        row.goalValue = value;
-        Report::add(row);
-    };
-    add(row(host.time, "ms", 0, 1), "8 ms", 8);
-    Report::add(row(host.processor, "ms", 3, 1));
-    add(row(host.resident, "MB", 1, 1024), "3 MB", 3);
-    add(row(host.written, "MB", 2, 1024), "3 MB", 3);
+    const Pairs starts(program, {QStringLiteral("start")}, startPairs);
+    add(starts.cost(0), ", start: added from its launch until " + QByteArray(host.ready), "ms", 1, "8 ms", 8);
+    add(starts.cost(3), ", start: added time of processors", "ms", 1);
+    const Pairs memory(program, {}, memoryPairs);
+    add(memory.cost(1), ": added memory, resident", "MB", 1024, "3 MB", 3);
+    add(memory.cost(2), ": added memory, written", "MB", 1024, "3 MB", 3);
 }
 
 void reportOpening()
 {
     std::vector<double> times;
-    for (int i = 0; i < pairs; ++i)
+    for (int i = 0; i < Contest::rounds; ++i)
         times.push_back(run(QStringLiteral("StartupWindowHost"), {QStringLiteral("open")}).at(1).at(0));
     Report::add({.metric = "list opens for the first time: click to first frame",
                  .place = "software renderer, engine and screens made by the click",

@@ -1,25 +1,39 @@
 #pragma once
 
 #include <QtCore/QByteArray>
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 
-/// What a host costs: the time since its main() began, and its memory.
+/// What a host costs: the time since another process was about to start it, what the loader does included,
+/// and its memory.
 class Footprint
 {
 public:
-    Footprint() { m_timer.start(); }
+    /// The variable in which the other process names that time, in nanoseconds of the monotonic clock.
+    static constexpr const char *startVariable = "QUORVIX_HOST_START";
+
+    static long long now() { return nanoseconds(CLOCK_MONOTONIC); }
+
+    /// Ends the program if nobody has said when it was started.
+    Footprint()
+    {
+        if (m_start > 0)
+            return;
+        std::fprintf(stderr, "%s is not set\n", startVariable);
+        std::exit(EXIT_FAILURE);
+    }
 
     /// Remembers the time until now; later calls do nothing.
     void ready()
     {
         if (m_milliseconds >= 0)
             return;
-        m_milliseconds = double(m_timer.nsecsElapsed()) / 1e6;
-        m_processorMilliseconds = processorMilliseconds() - m_processorStart;
+        m_milliseconds = double(now() - m_start) / 1e6;
+        // From the beginning of the process.
+        m_processorMilliseconds = double(nanoseconds(CLOCK_PROCESS_CPUTIME_ID)) / 1e6;
     }
 
     /// Prints the time in milliseconds, the resident memory, and the part of it that the process has written
@@ -31,11 +45,11 @@ public:
     }
 
 private:
-    static double processorMilliseconds()
+    static long long nanoseconds(clockid_t clock)
     {
         timespec time{};
-        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-        return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+        clock_gettime(clock, &time);
+        return time.tv_sec * 1'000'000'000LL + time.tv_nsec;
     }
 
     static long long kilobytes(const char *name)
@@ -51,8 +65,7 @@ private:
         return 0;
     }
 
-    QElapsedTimer m_timer;
+    const long long m_start = qgetenv(startVariable).toLongLong();
     double m_milliseconds = -1;
-    double m_processorStart = processorMilliseconds();
     double m_processorMilliseconds = -1;
 };

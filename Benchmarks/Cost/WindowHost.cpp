@@ -1,7 +1,9 @@
 // A program with a window: a list of a hundred rows. Ends when it has drawn its first frame and has come to
-// rest. With an argument, it then opens the inspector's list.
+// rest; with the argument "start", as soon as it has drawn. With "open", it opens the inspector's list at
+// last.
 #include "Footprint.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QMouseEvent>
@@ -81,14 +83,15 @@ int main(int argc, char *argv[])
 #ifdef WITH_QUORVIX
     QuorvixClient::shared().start();
 #endif
+    const QString task = QCoreApplication::arguments().value(1);
     bool isReady = false;
     QObject::connect(&window, &QQuickWindow::frameSwapped, &application, [&] {
         footprint.ready();
         if (std::exchange(isReady, true))
             return;
-        QTimer::singleShot(800, &application, [&] {
+        QTimer::singleShot(task == QStringLiteral("start") ? 0 : 800, &application, [&] {
             footprint.print();
-            if (argc > 1)
+            if (task == QStringLiteral("open"))
                 openList(window);
             else
                 QCoreApplication::quit();

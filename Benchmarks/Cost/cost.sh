@@ -45,11 +45,11 @@ library() {
 # Runs the plain host and another one by turns, and prints for each column of their output the median of the plain host,
 # of the other, and of the differences within the pairs.
 compare() {
-    local plain=$1 other=$2 column
+    local plain=$1 other=$2 launch=$build/plain/launch column
     : >"$build/runs"
-    "$plain" >/dev/null && "$other" >/dev/null
+    "$launch" "$plain" >/dev/null && "$launch" "$other" >/dev/null
     for ((i = 0; i < pairs; ++i)); do
-        echo "$("$plain") $("$other")" >>"$build/runs"
+        echo "$("$launch" "$plain") $("$launch" "$other")" >>"$build/runs"
     done
     for column in 1 2 3; do
         echo "$(awk "{ print \$$column }" "$build/runs" | median) \
