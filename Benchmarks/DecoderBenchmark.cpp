@@ -51,7 +51,8 @@ QByteArray wrapped(const QByteArray &text)
 }
 
 void compare(const char *what, const char *peerName, const std::function<void()> &ours,
-             const std::function<void()> &peer, const char *goal = nullptr)
+             const std::function<void()> &peer, const char *goal = nullptr,
+             std::optional<double> goalAdvantage = {})
 {
     const std::vector<double> times = Contest::medians({{what, ours}, {what, peer}});
     Report::add({.metric = what,
@@ -59,11 +60,12 @@ void compare(const char *what, const char *peerName, const std::function<void()>
                  .unit = "ms",
                  .ours = times[0],
                  .peer = Report::Other{peerName, times[1]},
-                 .goal = goal});
+                 .goal = goal,
+                 .goalAdvantage = goalAdvantage});
 }
 
 void compareDecoding(const char *what, const QByteArray &text, const char *sectionTitle,
-                     const char *goal = nullptr)
+                     const char *goal = nullptr, std::optional<double> goalAdvantage = {})
 {
     compare(
         what, "fromBase64 alone",
@@ -71,7 +73,7 @@ void compareDecoding(const char *what, const QByteArray &text, const char *secti
             const auto payload = QXPayloadDecoder::decodePayload(QByteArrayView(text));
             require(payload && payload->sections.first().title == QLatin1StringView(sectionTitle), what);
         },
-        [&] { require(!QByteArray::fromBase64(text).isEmpty(), what); }, goal);
+        [&] { require(!QByteArray::fromBase64(text).isEmpty(), what); }, goal, goalAdvantage);
 }
 
 void compareSearch(const char *what, const QByteArray &text, bool isFound)
@@ -94,7 +96,7 @@ int main()
     std::printf("Texts of %.0f MB; median of %d turns\n", double(bodySize) / 1e6, Contest::rounds);
     compareDecoding("decode Base64 of binary data", binary, "Bytes");
     compareDecoding("decode Base64 of text", text, "Text");
-    compareDecoding("decode Base64 of JSON", json, "JSON", "1.5 x the time of the peer");
+    compareDecoding("decode Base64 of JSON", json, "JSON", "1.5 x the peer at most", 1 / 1.5);
     compareDecoding("decode Base64 of binary data, 76 columns", wrapped(binary), "Bytes");
     compareDecoding("decode Base64 of text, 76 columns", wrapped(text), "Text");
     compareDecoding("decode data URL of binary data", "data:image/png;base64," + binary, "Bytes");

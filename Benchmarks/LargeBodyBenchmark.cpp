@@ -14,6 +14,7 @@
 
 #include "Benchmarks/Contest.h"
 #include "Benchmarks/Report.h"
+#include "Benchmarks/Samples.h"
 #include "Tests/ProcessStatus.h"
 
 #include <QtCore/QCoreApplication>
@@ -47,26 +48,6 @@ QByteArray records(qsizetype size)
     }
     body.chop(1);
     return body + "]}";
-}
-
-QByteArray numbers(qsizetype size)
-{
-    QByteArray body = "[";
-    body.reserve(size + 1000);
-    for (qint64 i = 0; body.size() < size; ++i)
-        body += QByteArray::number(1'000'000'000'000'000'000 + i) + ',';
-    body.chop(1);
-    return body + ']';
-}
-
-QByteArray wideNumbers(qsizetype size)
-{
-    QByteArray body = "[";
-    body.reserve(size + 1000);
-    for (qint64 i = 0; body.size() < size; ++i)
-        body += "1234567890" + QByteArray::number(1'000'000'000'000'000'000 + i) + ',';
-    body.chop(1);
-    return body + ']';
 }
 
 QByteArray plainText(qsizetype size)
@@ -248,9 +229,9 @@ int main(int argc, char *argv[])
     if (isWanted("records"))
         measure("records", records(size));
     if (isWanted("numbers"))
-        measure("numbers", numbers(size));
+        measure("numbers", Samples::numbers({}, size));
     if (isWanted("wide numbers"))
-        measure("wide numbers", wideNumbers(size));
+        measure("wide numbers", Samples::numbers("1234567890", size));
     if (isWanted("text"))
         measure("text", plainText(size));
     if (isWanted("base64"))

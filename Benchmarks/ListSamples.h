@@ -2,8 +2,12 @@
 
 #include "Quorvix/QXRequestRecorder.h"
 
+#include "Benchmarks/Exchanges.h"
+
 /// The traces of the benchmarks of the list.
 namespace ListSamples {
+
+using Exchanges::identifier;
 
 inline constexpr int few = 100;
 inline constexpr int many = 100'000;
@@ -26,25 +30,12 @@ inline QString urlText(int number)
     return forms[form].arg(number).arg(number % 7);
 }
 
-inline QString identifier(int number)
-{
-    return QStringLiteral("6BA7B810-9DAD-11D1-80B4-%1").arg(number, 12, 10, QLatin1Char('0'));
-}
-
-inline const Quorvix::NSURLResponsePtr &response()
-{
-    static const Quorvix::NSURLResponsePtr made = Quorvix::NSHTTPURLResponse::create(
-        QUrl(QStringLiteral("https://api.example.com/")), 200, QStringLiteral("HTTP/1.1"),
-        {{QStringLiteral("Content-Type"), QStringLiteral("application/json")}});
-    return made;
-}
-
 inline void fillRecorder(int count)
 {
     recorder().clear();
     for (int i = 0; i < count; ++i) {
         recorder().record(identifier(i), Quorvix::URLRequest(QUrl(urlText(i))));
-        recorder().complete(identifier(i), response(), QByteArrayLiteral("{}"), {});
+        recorder().complete(identifier(i), Exchanges::shortResponse(), QByteArrayLiteral("{}"), {});
     }
 }
 

@@ -70,6 +70,17 @@ inline QByteArray readLine(QProcess &process)
     return process.readLine().trimmed();
 }
 
+/// The numbers of the next line that a process prints.
+inline std::vector<double> readNumbers(QProcess &process, qsizetype count)
+{
+    const QList<QByteArray> words = readLine(process).split(' ');
+    Contest::require(words.size() == count, "a host has no figures");
+    std::vector<double> numbers;
+    for (const QByteArray &word : words)
+        numbers.push_back(word.toDouble());
+    return numbers;
+}
+
 /// Starts this program with these arguments; its errors are shown.
 inline void start(QProcess &process, const QStringList &arguments)
 {

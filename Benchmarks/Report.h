@@ -37,8 +37,8 @@ struct Row
     /// The goal in words, for example "6 x the peer"; may be null.
     const char *goal = nullptr;
     /// The goal in numbers, so that the table can say whether it is met: all that are set have to be. A value
-    /// that ours has to reach, how many times better than the peer it has to be (0.8 of the peer's time: 1.25),
-    /// and the part of the limit that it has to reach.
+    /// that ours has to reach, how many times better than the peer it has to be (0.8 of the peer's
+    /// time: 1.25), and the part of the limit that it has to reach.
     std::optional<double> goalValue = {};
     std::optional<double> goalAdvantage = {};
     std::optional<double> goalOfLimit = {};

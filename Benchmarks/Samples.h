@@ -18,6 +18,17 @@ inline QByteArray binaryBytes(qsizetype size)
     return bytes;
 }
 
+/// A list of numbers of 19 digits, with as many more before them as @p prefix has.
+inline QByteArray numbers(const QByteArray &prefix, qsizetype size)
+{
+    QByteArray text = "[";
+    text.reserve(size + 100);
+    for (qint64 i = 0; text.size() < size; ++i)
+        text += prefix + QByteArray::number(1'000'000'000'000'000'000 + i) + ',';
+    text.back() = ']';
+    return text;
+}
+
 /// The number of nodes in the tree from @p field down, @p field included.
 inline size_t countNodes(const QXApiTreeField &field)
 {

@@ -41,16 +41,6 @@ QByteArray makeDocument()
     return text += "]}";
 }
 
-/// Numbers of 19 digits, with as many more before them as @p prefix has.
-QByteArray makeNumbers(const QByteArray &prefix, qsizetype size)
-{
-    QByteArray text = "[";
-    for (qint64 i = 0; text.size() < size; ++i)
-        text += prefix + QByteArray::number(1'000'000'000'000'000'000 + i) + ',';
-    text.back() = ']';
-    return text;
-}
-
 void makeTree(const QByteArray &text)
 {
     require(bool(QXApiTreeParser::parse(QByteArrayView(text))), "no tree");
@@ -78,7 +68,13 @@ void compareRecords()
                            }}});
     const Report::Other qt{"QJsonDocument::fromJson", times[2]};
     const Report::Other nlohmann{"nlohmann::json::parse", times[3]};
-    Report::add({"JSON of 9 MB as a tree", place, "ms", times[0], qt, {}, false, "0.25 of the peer", {}, 4});
+    Report::add({.metric = "JSON of 9 MB as a tree",
+                 .place = place,
+                 .unit = "ms",
+                 .ours = times[0],
+                 .peer = qt,
+                 .goal = "0.25 of the peer",
+                 .goalAdvantage = 4});
     Report::add({"JSON of 9 MB as a tree, from a QString", place, "ms", times[1], qt});
     Report::add({"JSON of 9 MB as a tree", place, "ms", times[0], nlohmann});
 }
@@ -86,8 +82,8 @@ void compareRecords()
 void compareNumbers()
 {
     constexpr qsizetype size = 10'000'000;
-    const QByteArray ordinary = makeNumbers({}, size);
-    const QByteArray wide = makeNumbers("1234567890", size);
+    const QByteArray ordinary = Samples::numbers({}, size);
+    const QByteArray wide = Samples::numbers("1234567890", size);
     const auto times = Contest::medians({{"wide",
                                           [&] {
                                               makeTree(wide);
@@ -95,16 +91,13 @@ void compareNumbers()
                                          {"ordinary", [&] {
                                               makeTree(ordinary);
                                           }}});
-    Report::add({"10 MB of numbers beyond 64 bits as a tree",
-                 place,
-                 "ms",
-                 times[0],
-                 Report::Other{"10 MB of numbers of 64 bits", times[1]},
-                 {},
-                 false,
-                 "3 x the peer at most",
-                 {},
-                 1.0 / 3});
+    Report::add({.metric = "10 MB of numbers beyond 64 bits as a tree",
+                 .place = place,
+                 .unit = "ms",
+                 .ours = times[0],
+                 .peer = Report::Other{"10 MB of numbers of 64 bits", times[1]},
+                 .goal = "3 x the peer at most",
+                 .goalAdvantage = 1.0 / 3});
 }
 
 /// What a tree of a large text keeps in memory.
