@@ -24,12 +24,14 @@
 
 using namespace Qt::StringLiterals;
 using Contest::milliseconds;
+using Contest::require;
 
 namespace {
 
 constexpr QSize screen(1024, 768);
 constexpr qsizetype bodySize = 10'000'000;
 constexpr qsizetype lineSize = 5'000'000;
+constexpr int columnsOfAPhone = 42;
 
 QByteArray jsonBody()
 {
@@ -49,15 +51,6 @@ QByteArray oneLine()
     QByteArray line = jsonBody().left(lineSize);
     line.replace('\n', ' ');
     return line;
-}
-
-/// The time of the fastest of several runs, in milliseconds.
-double fastest(int runs, const std::function<void()> &action)
-{
-    double best = milliseconds(action);
-    for (int run = 1; run < runs; ++run)
-        best = std::min(best, milliseconds(action));
-    return best;
 }
 
 QFont bodyFont()
@@ -85,28 +78,22 @@ struct Stage
     View view;
 };
 
-/// Measures how long Qt takes to lay out a tenth of the text with the same row breaks. The caller multiplies
-/// the time by ten, because the whole text takes too long.
-double peerLayout(const QString &text)
+/// Lays a text out as Qt does, with the same row breaks.
+void layOut(const QString &text)
 {
-    constexpr int share = 10;
-    const QString part = text.left(text.size() / share);
-    return share * milliseconds([&] {
-               QTextDocument document;
-               document.setDefaultFont(bodyFont());
-               QTextOption option;
-               option.setWrapMode(QTextOption::WrapAnywhere);
-               document.setDefaultTextOption(option);
-               document.setTextWidth(screen.width());
-               document.setPlainText(part);
-               if (document.size().height() < screen.height())
-                   std::abort();
-           });
+    QTextDocument document;
+    document.setDefaultFont(bodyFont());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAnywhere);
+    document.setDefaultTextOption(option);
+    document.setTextWidth(screen.width());
+    document.setPlainText(text);
+    require(document.size().height() > screen.height(), "Qt's text");
 }
 
-void print(const char *what, double time)
+void report(const QByteArray &title, const char *what, double time)
 {
-    Report::add({.metric = what, .place = "main thread", .unit = "ms", .ours = time});
+    Report::add({.metric = (title + what).constData(), .place = "main thread", .unit = "ms", .ours = time});
 }
 
 void printUsual(const char *what, const std::function<void()> &action)
@@ -116,36 +103,51 @@ void printUsual(const char *what, const std::function<void()> &action)
     Contest::printWaits(what, taken);
 }
 
-void compareLayout(const QString &text)
+void compareLayout(const QByteArray &title, const QString &text)
 {
+    // Of Qt's layout only a tenth, because the whole takes seconds.
+    constexpr int share = 10;
+    const QString part = text.left(text.size() / share);
     const int columns = int(screen.width() / QFontMetricsF(bodyFont()).horizontalAdvance(u'0'));
-    QXTextRows rows;
-    const double breaking = fastest(5, [&] { rows.breakText(text, columns); });
-    const double peer = peerLayout(text);
-    Report::add({.metric = "breaking all rows, on a tablet",
+    const auto breakText = [&](int width) {
+        QXTextRows rows;
+        rows.breakText(text, width);
+        require(rows.count() > text.size() / width, "all rows");
+    };
+    const std::vector<double> times = Contest::medians({{"on a tablet",
+                                                         [&] {
+                                                             breakText(columns);
+                                                         }},
+                                                        {"on a phone",
+                                                         [&] {
+                                                             breakText(columnsOfAPhone);
+                                                         }},
+                                                        {"QTextDocument", [&] {
+                                                             layOut(part);
+                                                         }}});
+    Report::add({.metric = (title + "rows broken for a tablet").constData(),
                  .place = "one thread",
                  .unit = "ms",
-                 .ours = breaking,
-                 .peer = Report::Other{"QTextDocument, ten times a tenth", peer}});
-    Report::add({.metric = "breaking all rows, on a phone",
+                 .ours = times[0],
+                 .peer = Report::Other{"QTextDocument, ten times a tenth", share * times[2]}});
+    Report::add({.metric = (title + "rows broken for a phone").constData(),
                  .place = "one thread",
                  .unit = "ms",
-                 .ours = fastest(5, [&] { rows.breakText(text, 42); })});
+                 .ours = times[1]});
 }
 
-void measureShowing(const QByteArray &body)
+void measureShowing(const QByteArray &title, const QByteArray &body)
 {
     Stage<QXTextView> stage;
     const auto paint = [&] {
-        if (stage.window.grabWindow().isNull())
-            std::abort();
+        require(!stage.window.grabWindow().isNull(), "a frame");
     };
-    print("from the bytes to the first frame", milliseconds([&] {
-              const auto text = Quorvix::UTF8Text::exact(body);
-              stage.view.setDocument(text ? new QXTextDocument(*text, &stage.view)
-                                          : new QXTextDocument(body, &stage.view));
-              paint();
-          }));
+    report(title, "from the bytes to the first frame", milliseconds([&] {
+               const auto text = Quorvix::UTF8Text::exact(body);
+               stage.view.setDocument(text ? new QXTextDocument(*text, &stage.view)
+                                           : new QXTextDocument(body, &stage.view));
+               paint();
+           }));
     const double distance = stage.view.contentHeight() / 50;
     int step = 0;
     printUsual("a frame after a jump", [&] {
@@ -159,7 +161,7 @@ void measureShowing(const QByteArray &body)
     printUsual("of that, the copy for this program", paint);
 }
 
-void measureEditing(const QString &text)
+void measureEditing(const QByteArray &title, const QString &text)
 {
     Stage<QXTextEditor> stage;
     stage.view.setText(text);
@@ -167,7 +169,8 @@ void measureEditing(const QString &text)
     QXTextSelection middle;
     middle.set(text.size() / 2, text.size() / 2);
     stage.view.setSelection(middle);
-    print("first keystroke, which copies a shared text", milliseconds([&] { stage.view.insert(u"a"_s); }));
+    report(title, "first keystroke, which copies a shared text",
+           milliseconds([&] { stage.view.insert(u"a"_s); }));
     printUsual("another keystroke", [&] { stage.view.insert(u"a"_s); });
     printUsual("a new line, with its frame", [&] {
         stage.view.insert(u"\n"_s);
@@ -175,13 +178,12 @@ void measureEditing(const QString &text)
     });
 }
 
-void measureText(const char *title, const QByteArray &body)
+void measureText(const QByteArray &title, const QByteArray &body)
 {
-    std::printf("%s, %.0f MB\n", title, double(body.size()) / 1e6);
-    compareLayout(QString::fromUtf8(body));
-    measureShowing(body);
-    measureEditing(QString::fromUtf8(body));
-    std::printf("\n");
+    std::printf("%s\n", title.constData());
+    compareLayout(title, QString::fromUtf8(body));
+    measureShowing(title, body);
+    measureEditing(title, QString::fromUtf8(body));
 }
 
 } // namespace
@@ -191,9 +193,8 @@ int main(int argc, char *argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
     const QGuiApplication application(argc, argv);
-    measureText("JSON in lines", jsonBody());
-    measureText("JSON in one line", oneLine());
-    std::printf("Bytes that are no text, %.0f MB\n", double(bodySize) / 1e6);
-    measureShowing(QByteArray(bodySize, '\xff'));
+    measureText("10 MB of JSON in lines: ", jsonBody());
+    measureText("5 MB of JSON in one line: ", oneLine());
+    measureShowing("10 MB that are no text: ", QByteArray(bodySize, '\xff'));
     return 0;
 }
