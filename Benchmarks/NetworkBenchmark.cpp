@@ -7,7 +7,9 @@
 #include "Quorvix/QXRequestRecorder.h"
 
 #include "Benchmarks/Contest.h"
+#include "Benchmarks/Heap.h"
 #include "Benchmarks/LoopbackServer.h"
+#include "Benchmarks/Report.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
@@ -16,7 +18,7 @@
 #include <QtNetwork/QNetworkAccessManager>
 #include <QtNetwork/QNetworkReply>
 
-#include <malloc.h>
+#include <array>
 
 using Contest::require;
 
@@ -96,13 +98,6 @@ void checkTraces(const QByteArray &expected)
     }
 }
 
-/// The memory that the program has allocated, in bytes.
-double allocated()
-{
-    const auto info = mallinfo2();
-    return double(info.uordblks + info.hblkhd);
-}
-
 /// The measurements of one host.
 struct Figures
 {
@@ -128,7 +123,7 @@ Figures measure(QNetworkAccessManager &manager, const QString &kind, const QUrl 
     if (isCaptured)
         awaitTraces(leading);
 
-    const double memory = allocated();
+    const double memory = Heap::inUse();
     const double start = LoopbackServer::processorTime();
     exchange(manager, url, reading, requests, [&](const QByteArray &body) {
         require(body.size() == expected.size(), "a body has another size");
@@ -138,7 +133,7 @@ Figures measure(QNetworkAccessManager &manager, const QString &kind, const QUrl 
     if (isCaptured)
         awaitTraces(leading + requests);
     const double end = LoopbackServer::processorTime();
-    Figures figures{(end - start) / requests, (allocated() - memory) / requests, 0};
+    Figures figures{(end - start) / requests, (Heap::inUse() - memory) / requests, 0};
 
     checkTraces(expected);
     const QXTraceList traces = QXRequestRecorder::shared().requests();
@@ -172,64 +167,70 @@ struct Load
     int requests;
     Reading reading;
     int rounds;
-    double target;
+    const char *goal;
+    double goalAdvantage;
 };
 
-Figures host(const char *kind, const QUrl &server, const Load &load)
+Figures host(const char *kind, const QUrl &server, const char *path, int requests, Reading reading)
 {
     QProcess process;
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QCoreApplication::applicationFilePath(),
-                  {QStringLiteral("--host"), QString::fromLatin1(kind),
-                   server.resolved(QUrl(QString::fromLatin1(load.path))).toString(),
-                   QString::number(int(load.reading)), QString::number(load.requests)});
-    require(process.waitForFinished(60'000) && process.exitCode() == 0, "a host failed");
-    const QList<QByteArray> numbers = process.readAll().trimmed().split(' ');
-    require(numbers.size() == 3, "a host has no figures");
-    return {numbers[0].toDouble(), numbers[1].toDouble(), numbers[2].toDouble()};
+    LoopbackServer::start(process, {QStringLiteral("--host"), QString::fromLatin1(kind),
+                                    server.resolved(QUrl(QString::fromLatin1(path))).toString(),
+                                    QString::number(int(reading)), QString::number(requests)});
+    const std::vector<double> numbers = LoopbackServer::readNumbers(process, 3);
+    LoopbackServer::stop(process);
+    return {numbers[0], numbers[1], numbers[2]};
 }
 
-struct Kind
-{
-    const char *name;
-    const char *kind;
-};
-
-/// The second plain host shows the noise. The one that keeps its bodies shows how much of the difference is
-/// due to the memory, which every new body takes from the system and which a plain host uses again.
-constexpr Kind kinds[] = {
-    {"plain", "plain"},
-    {"plain again", "plain"},
-    {"plain, and keeps its bodies", "keeping"},
-    {"captured", "captured"},
-};
+enum Kind { Plain, Keeping, Captured, KindCount };
+constexpr std::array<const char *, KindCount> kindNames{"plain", "keeping", "captured"};
 
 /// The hosts of a round run one after the other, so that the load of the machine is about the same for all.
+/// The one that keeps its bodies shows how much of the difference is due to the memory, which every new body
+/// takes from the system and which a plain host uses again.
 void measureTime(const QUrl &server, const Load &load)
 {
-    std::vector<double> times[std::size(kinds)];
-    std::vector<double> ratios[std::size(kinds)];
+    std::array<std::vector<double>, KindCount> times;
+    std::array<std::vector<double>, KindCount> ratios;
     for (int round = 0; round < load.rounds; ++round) {
-        for (size_t i = 0; i < std::size(kinds); ++i) {
-            const size_t next = round % 2 == 0 ? i : std::size(kinds) - 1 - i;
-            times[next].push_back(host(kinds[next].kind, server, load).time);
+        for (size_t i = 0; i < KindCount; ++i) {
+            const size_t next = round % 2 == 0 ? i : KindCount - 1 - i;
+            times[next].push_back(host(kindNames[next], server, load.path, load.requests, load.reading).time);
         }
-        for (size_t i = 0; i < std::size(kinds); ++i)
-            ratios[i].push_back(times[i].back() / times[0].back());
+        for (size_t i = 0; i < KindCount; ++i)
+            ratios[i].push_back(times[i].back() / times[Captured].back());
     }
-    std::printf("\n%s, target %.2f\n", load.name, load.target);
-    for (size_t i = 0; i < std::size(kinds); ++i) {
-        std::sort(ratios[i].begin(), ratios[i].end());
-        std::printf("  %-28s %9.1f us %8.3f   %.3f to %.3f\n", kinds[i].name, Contest::median(times[i]),
-                    Contest::median(ratios[i]), ratios[i][ratios[i].size() / 4],
-                    ratios[i][ratios[i].size() * 3 / 4]);
-    }
+    const QByteArray metric = QByteArray("processor time of a request: ") + load.name;
+    const double captured = Contest::median(times[Captured]);
+    // The medians of the ratios in each round, as times: the load of the machine changes between rounds.
+    const auto row = [&](const char *peer, Kind kind) {
+        return Report::Row{.metric = metric.constData(),
+                           .place = "all threads of the host's process",
+                           .unit = "us",
+                           .ours = captured,
+                           .peer = Report::Other{peer, captured * Contest::median(ratios[kind])}};
+    };
+    Report::Row toManager = row("QNetworkAccessManager", Plain);
+    toManager.goal = load.goal;
+    toManager.goalAdvantage = load.goalAdvantage;
+    Report::add(toManager);
+    Report::add(row("the same in a host that keeps its bodies", Keeping));
 }
 
-void measureMemory(const QUrl &server, const Load &load)
+void measureMemory(const QUrl &server, const char *name, const char *path, int requests)
 {
-    const Figures figures = host("captured", server, load);
-    std::printf("  %-28s %12.3f %12.0f bytes\n", load.name, figures.capacity, figures.memory);
+    const Figures figures = host("captured", server, path, requests, Reading::AtFinished);
+    const QByteArray bodies = QByteArray("memory of ") + name;
+    const QByteArray exchange = QByteArray("memory of an exchange, ") + name;
+    Report::add({.metric = bodies.constData(),
+                 .place = "capacity of what the recorder keeps",
+                 .unit = "x",
+                 .ours = figures.capacity,
+                 .limit = Report::Other{"their bytes", 1}});
+    Report::add({.metric = exchange.constData(),
+                 .place = "allocator of the host's process",
+                 .unit = "bytes",
+                 .ours = figures.memory});
 }
 
 } // namespace
@@ -247,20 +248,19 @@ int main(int argc, char *argv[])
     QProcess process;
     const QUrl server = LoopbackServer::startIn(process);
 
-    std::printf(
-        "Processor time of a host for each request and its ratio to the first host of the same round: "
-        "medians,\nand the ratios between which half of the rounds are\n");
+    constexpr const char *small = "1.05 x the peer at most";
+    constexpr const char *large = "1.10 x the peer at most";
     for (const Load &load : {
-             Load{"200 bytes, read at the end", "/200", 500, Reading::AtFinished, 100, 1.05},
-             Load{"200 bytes, read at each readyRead", "/200", 500, Reading::AtEachReadyRead, 100, 1.05},
-             Load{"4 MB, read at the end", "/4000000", 48, Reading::AtFinished, 40, 1.10},
-             Load{"4 MB, read at each readyRead", "/4000000", 48, Reading::AtEachReadyRead, 40, 1.10},
+             Load{"200 bytes, read at the end", "/200", 500, Reading::AtFinished, 40, small, 1 / 1.05},
+             Load{"200 bytes, read at each readyRead", "/200", 500, Reading::AtEachReadyRead, 40, small,
+                  1 / 1.05},
+             Load{"4 MB, read at the end", "/4000000", 48, Reading::AtFinished, 20, large, 1 / 1.10},
+             Load{"4 MB, read at each readyRead", "/4000000", 48, Reading::AtEachReadyRead, 20, large,
+                  1 / 1.10},
          })
         measureTime(server, load);
-
-    std::printf("\nMemory of recorded exchanges\n  %-28s %12s %18s\n", "", "capacity/size", "for each");
-    measureMemory(server, {"3,000 bodies of 189 bytes", "/189", 3000, Reading::AtFinished, 1, 0});
-    measureMemory(server, {"20 bodies of 4 MB", "/4000000", 20, Reading::AtFinished, 1, 0});
+    measureMemory(server, "3,000 bodies of 189 bytes", "/189", 3000);
+    measureMemory(server, "20 bodies of 4 MB", "/4000000", 20);
 
     LoopbackServer::stop(process);
     return 0;
