@@ -28,6 +28,30 @@ class QXBackgroundTask : public QObject
     /// From 0 to 1.
     Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
 
+    struct Ignore
+    {
+        template<typename Outcome>
+        void operator()(Outcome && /*outcome*/) const
+        {
+        }
+    };
+
+    /// A result that nobody has got yet.
+    template<typename Outcome, typename Discard>
+    struct Unclaimed
+    {
+        explicit Unclaimed(Discard d) : discard(std::move(d)) {}
+        ~Unclaimed()
+        {
+            if (outcome)
+                discard(std::move(*outcome));
+        }
+        Q_DISABLE_COPY_MOVE(Unclaimed)
+
+        Discard discard;
+        std::optional<Outcome> outcome;
+    };
+
 public:
     /// Every task is done within a frame or two for an input of this many bytes, also on a phone.
     static constexpr qsizetype largestSynchronousSize = 131'072;
@@ -42,21 +66,25 @@ public:
     ///
     /// @p work must not refer to anything that the main thread can change. Does nothing while a task is
     /// running, because the user has to see one result before asking for the next.
-    template<typename Work, typename Finish>
-    void perform(qsizetype size, const QString &title, Work work, Finish finish)
+    ///
+    /// @p discard gets the result of a task that was cancelled when it was done already, on any thread.
+    template<typename Work, typename Finish, typename Discard = Ignore>
+    void perform(qsizetype size, const QString &title, Work work, Finish finish, Discard discard = {})
     {
         if (m_run)
             return;
         if (size <= largestSynchronousSize)
             return finish(work(static_cast<QXTaskProgress *>(nullptr)));
         using Outcome = std::invoke_result_t<Work &, QXTaskProgress *>;
-        const auto outcome = std::make_shared<std::optional<Outcome>>();
+        const auto unclaimed = std::make_shared<Unclaimed<Outcome, Discard>>(std::move(discard));
         run(
             title, size <= largestAwaitedSize ? longestWait : 0,
-            [outcome, work = std::move(work)](QXTaskProgress &progress) {
-                outcome->emplace(work(&progress));
+            [unclaimed, work = std::move(work)](QXTaskProgress &progress) {
+                unclaimed->outcome.emplace(work(&progress));
             },
-            [outcome, finish = std::move(finish)] { finish(std::move(**outcome)); });
+            [unclaimed, finish = std::move(finish)] {
+                finish(*std::exchange(unclaimed->outcome, std::nullopt));
+            });
     }
 
     [[nodiscard]] bool isRunning() const noexcept { return m_isShown; }

@@ -7,12 +7,14 @@
 #include "Quorvix/QXRawDetails.h"
 #include "Quorvix/QXRequestDetailsViewModel.h"
 #include "Quorvix/QXSwiftModelExport.h"
+#include "Quorvix/QXTemporaryFile.h"
 
 #include "Platform/FreedMemory.h"
 
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -42,6 +44,12 @@ void QXRequestDetailsViewModel::share(const QString &title, Export make, QString
                 presentShareItem(QXShareItem(artefact.value()));
             else
                 alert(QCoreApplication::translate("Quorvix", "Export Failed"), describe(artefact.error()));
+        },
+        [](const auto &artefact) {
+            if constexpr (std::is_same_v<decltype(artefact), const Result<QUrl> &>) {
+                if (artefact)
+                    QXTemporaryFile::remove(artefact.value());
+            }
         });
 }
 

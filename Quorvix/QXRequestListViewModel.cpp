@@ -365,6 +365,10 @@ void QXRequestListViewModel::exportAll()
             if (const auto *error = std::get_if<NSError>(&outcome))
                 return presentAlert(QXArchiveWriter::failureMessage(*error));
             presentShareItem(QXShareItem(std::get<QUrl>(outcome)));
+        },
+        [](const ExportOutcome &outcome) {
+            if (const auto *file = std::get_if<QUrl>(&outcome))
+                QXTemporaryFile::remove(*file);
         });
 }
 

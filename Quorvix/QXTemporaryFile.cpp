@@ -5,6 +5,7 @@
 #include "Platform/WriteAll.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
 
 #include <algorithm>
 #include <utility>
@@ -62,4 +63,9 @@ Result<QUrl> QXTemporaryFile::writeText(const QString &relativePath, const FileW
             folder = folder.value().subfolder(name);
     }
     return writeTo(folder, names.last(), writer);
+}
+
+void QXTemporaryFile::remove(const QUrl &file)
+{
+    QFile::remove(file.toLocalFile());
 }

@@ -29,4 +29,6 @@ public:
     static Quorvix::Result<QUrl> writeText(const QString &relativePath, QByteArrayView utf8);
     /// The same for a text that @p writer writes. Returns the error of @p writer.
     static Quorvix::Result<QUrl> writeText(const QString &relativePath, const Quorvix::FileWriter &writer);
+    /// Removes a file that one of these functions has written, and that nobody has seen.
+    static void remove(const QUrl &file);
 };

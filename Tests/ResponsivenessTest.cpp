@@ -15,6 +15,7 @@
 #include <QtCore/QSemaphore>
 #include <QtCore/QTimer>
 
+#include <atomic>
 #include <cstdio>
 #include <functional>
 
@@ -428,15 +429,19 @@ void ResponsivenessTest::taskIsDeletedByItsSlots()
             delete task;
     };
     connect(task, &QXBackgroundTask::isRunningChanged, this, deleteEnded);
+    const auto begun = std::make_shared<QSemaphore>();
     const auto mayEnd = std::make_shared<QSemaphore>();
+    const auto discarded = std::make_shared<std::atomic<int>>(0);
     task->perform(
         10 * megabyte, u"Task"_s,
-        [mayEnd](QXTaskProgress *) {
+        [begun, mayEnd](QXTaskProgress *) {
+            begun->release();
             mayEnd->acquire();
             return 1;
         },
-        [&](int) { hasFinished = true; });
+        [&](int) { hasFinished = true; }, [discarded](int result) { *discarded = result; });
     const bool isRunning = task->isRunning();
+    begun->acquire();
     if (cancels)
         task->cancel();
     mayEnd->release();
@@ -444,6 +449,7 @@ void ResponsivenessTest::taskIsDeletedByItsSlots()
     QTRY_VERIFY(!task);
     QCoreApplication::processEvents();
     QVERIFY(!hasFinished);
+    QTRY_COMPARE(*discarded, 1);
 }
 
 QTEST_MAIN(ResponsivenessTest)
