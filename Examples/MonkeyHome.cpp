@@ -107,12 +107,20 @@ bool MonkeyHome::deleteRules(QQuickWindow &window, const std::function<bool()> &
                    robot.drag(name("QXFloatingButton"), {window.width(), window.height()}) &&
                    robot.click(name("QXFloatingButton")) && robot.click(name("QXBreakpointsButton")) &&
                    robot.waitFor(name("QXBreakpointsListView"));
+    const QString editor = name("QXBreakpointEditorView");
     while (deleted && robot.find(name("QXBreakpointRow"))) {
+        // A response that arrives now is held, and its editor covers the rules.
+        if (robot.find(editor)) {
+            take(window, exits[0]);
+            deleted = robot.waitUntilGone(editor);
+            continue;
+        }
         const auto before = rows();
         deleted =
             (robot.find(name("QXBreakpointMinusButton")) || robot.click(name("QXBreakpointsEditButton"))) &&
             robot.clickFirst(name("QXBreakpointMinusButton")) &&
-            robot.waitUntil([&] { return rows() != before; }, QStringLiteral("the rule remains"));
+            robot.waitUntil([&] { return rows() != before || robot.find(editor); },
+                            QStringLiteral("the rule remains"));
     }
     if (!deleted)
         MonkeyGuard::complain(QStringLiteral("cannot delete the rules: ") + robot.complaint() +
