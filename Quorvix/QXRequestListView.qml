@@ -79,9 +79,13 @@ QXScreen {
     }
 
     function openDetails(row: int) {
+        // The row may have gone since it was pressed.
+        const details = root.viewModel.makeDetails(row);
+        if (!details)
+            return;
         stack.push(Qt.resolvedUrl("QXRequestDetailsView.qml"), {
             presentationLayer: root.presentationLayer,
-            viewModel: root.viewModel.makeDetails(row)
+            viewModel: details
         });
     }
 }
