@@ -2,6 +2,7 @@
 
 #include "Platform/ApplicationEnd.h"
 #include "Platform/MainActor.h"
+#include "Platform/NSURLResponse.h"
 #include "Platform/TaskMailbox.h"
 
 #include <QtCore/QAbstractEventDispatcher>
@@ -26,6 +27,44 @@ constexpr auto shutdownTimeout = 2s;
 /// How many tasks wait for each other at most, on their way to the main thread, and for how long.
 constexpr std::size_t mostWaiting = 8;
 constexpr auto longestWait = 200us;
+
+/// What has been given back, on its way to the thread.
+class Returns
+{
+public:
+    struct Item
+    {
+        std::optional<QByteArray> data;
+        NSURLResponsePtr response;
+    };
+
+    static Returns &instance()
+    {
+        static auto *const returns = new Returns;
+        return *returns;
+    }
+
+    void add(Item item)
+    {
+        const std::scoped_lock lock(m_mutex);
+        // The thread may be idle for long. More than this is destroyed by the caller.
+        if (m_items.size() < most)
+            m_items.push_back(std::move(item));
+    }
+
+    /// Moves all of it to an empty list.
+    void takeAll(std::vector<Item> &items)
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_items.swap(items);
+    }
+
+private:
+    static constexpr std::size_t most = 32;
+
+    std::mutex m_mutex;
+    std::vector<Item> m_items;
+};
 
 class Thread final : public QThread
 {
@@ -56,19 +95,30 @@ protected:
     void run() override
     {
         s_current = this;
-        connect(eventDispatcher(), &QAbstractEventDispatcher::aboutToBlock, eventDispatcher(),
-                [this] { deliverNow(); });
+        connect(eventDispatcher(), &QAbstractEventDispatcher::aboutToBlock, eventDispatcher(), [this] {
+            deliverNow();
+            destroyReturns();
+        });
         QThread::run();
         s_current = nullptr;
+        destroyReturns();
         // Nothing is delivered after the end of the application.
         m_waiting.clear();
     }
 
 private:
+    void destroyReturns()
+    {
+        Returns::instance().takeAll(m_returns);
+        m_returns.clear();
+    }
+
     static thread_local Thread *s_current;
 
     // In this thread only.
     std::vector<MailboxTaskPtr> m_waiting;
+    /// Empty: its memory is exchanged with that of the list.
+    std::vector<Returns::Item> m_returns;
     std::chrono::steady_clock::time_point m_waitingSince;
 };
 
@@ -171,6 +221,12 @@ void LoadingThread::deliverNow()
     // Null at the end of the thread.
     if (auto *const thread = Thread::current())
         thread->deliverNow();
+}
+
+void LoadingThread::giveBack(std::optional<QByteArray> data, NSURLResponsePtr response)
+{
+    if (data || response)
+        Returns::instance().add({std::move(data), std::move(response)});
 }
 
 QObject *LoadingThread::parent()

@@ -1,13 +1,17 @@
 #pragma once
 
+#include <QtCore/QByteArray>
+
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QObject;
 
 namespace Quorvix {
 
 class MailboxTask;
+class NSURLResponse;
 
 /// The thread in which all sessions load. It starts with the first task and ends with the application.
 namespace LoadingThread {
@@ -21,6 +25,10 @@ void post(std::function<void()> task);
 void deliver(std::shared_ptr<MailboxTask> task);
 /// Ends the wait of deliver(), before something that may take long. In this thread only.
 void deliverNow();
+
+/// Takes back what this thread has made and another one needs no longer. It is destroyed in this thread, in a
+/// later turn of its event loop, so that its memory serves the next exchange. Any thread.
+void giveBack(std::optional<QByteArray> data, std::shared_ptr<const NSURLResponse> response);
 
 /// The parent for objects that live in this thread and are deleted when it ends. In this thread only.
 [[nodiscard]] QObject *parent();

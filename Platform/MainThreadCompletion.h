@@ -35,7 +35,7 @@ public:
 
     private:
         friend class MainThreadCompletion;
-        void run() final { deliver(m_host.take()); }
+        void run() final;
 
         HostCompletion m_host;
         Outcome m_outcome;
