@@ -9,7 +9,7 @@ namespace Quorvix {
 namespace {
 
 /// To copy a body of up to this size takes less time than it saves.
-constexpr qsizetype largestCopy = 16 * 1024;
+constexpr qsizetype largestCopy = 16'384;
 
 } // namespace
 

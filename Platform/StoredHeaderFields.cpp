@@ -22,6 +22,16 @@ struct StoredHeaderFields::Block
     /// Made on first use.
     std::atomic<const HTTPHeaderFields *> map = nullptr;
 
+    static Block *create(const char *data, quint32 bytes, quint32 count, bool isLatin1)
+    {
+        auto *const block = new (::operator new(sizeof(Block) + bytes)) Block;
+        block->bytes = bytes;
+        block->count = count;
+        block->isLatin1 = isLatin1;
+        std::memcpy(block->data(), data, bytes);
+        return block;
+    }
+
     [[nodiscard]] const char *data() const { return reinterpret_cast<const char *>(this + 1); }
     [[nodiscard]] char *data() { return reinterpret_cast<char *>(this + 1); }
 };
@@ -164,12 +174,7 @@ StoredHeaderFields::Block *StoredHeaderFields::packed(const Visit &visitFields)
         if (writer.hasFailed() || writer.count() == 0)
             return nullptr;
         const Buffer &bytes = writer.buffer();
-        auto *const block = new (::operator new(sizeof(Block) + std::size_t(bytes.size()))) Block;
-        block->bytes = quint32(bytes.size());
-        block->count = writer.count();
-        block->isLatin1 = isLatin1;
-        std::memcpy(block->data(), bytes.data(), std::size_t(bytes.size()));
-        return block;
+        return Block::create(bytes.data(), quint32(bytes.size()), writer.count(), isLatin1);
     };
     Block *const block = write(true);
     return block ? block : write(false);
@@ -211,6 +216,14 @@ StoredHeaderFields::~StoredHeaderFields()
     delete m_block->map.load(std::memory_order_relaxed);
     m_block->~Block();
     ::operator delete(m_block);
+}
+
+StoredHeaderFields StoredHeaderFields::unshared() const
+{
+    StoredHeaderFields copy;
+    if (m_block)
+        copy.m_block = Block::create(m_block->data(), m_block->bytes, m_block->count, m_block->isLatin1);
+    return copy;
 }
 
 qsizetype StoredHeaderFields::size() const noexcept

@@ -56,6 +56,9 @@ public:
     }
     ~StoredHeaderFields();
 
+    /// A copy of the headers in a block of the calling thread's memory.
+    [[nodiscard]] StoredHeaderFields unshared() const;
+
     /// A new map with these headers.
     [[nodiscard]] HTTPHeaderFields toMap() const;
     /// The same as toMap().

@@ -10,6 +10,13 @@ size_t hashOptional(const std::optional<T> &value, size_t seed)
     return value ? qHashMulti(seed, 1, *value) : qHash(0, seed);
 }
 
+/// Not shared with the response: its block is of another thread's memory, which would be in pieces soon if
+/// what stays lay between what the thread takes and frees for each exchange.
+std::optional<StoredHeaderFields> kept(const std::optional<StoredHeaderFields> &fields)
+{
+    return fields ? std::optional(fields->unshared()) : std::nullopt;
+}
+
 } // namespace
 
 QXResponseTrace::QXResponseTrace(const NSHTTPURLResponse &response, std::optional<QByteArray> data)
@@ -19,7 +26,7 @@ QXResponseTrace::QXResponseTrace(const NSHTTPURLResponse &response, std::optiona
 
 QXResponseTrace::QXResponseTrace(const NSHTTPURLResponse &response, std::optional<QByteArray> data,
                                  std::chrono::system_clock::time_point time)
-    : statusCode(response.statusCode()), headers(response.storedHeaderFields()), body(std::move(data)),
+    : statusCode(response.statusCode()), headers(kept(response.storedHeaderFields())), body(std::move(data)),
       date(time)
 {
 }
