@@ -28,6 +28,18 @@ qsizetype boundary(QStringView text, qsizetype position, Side side)
     return isBefore ? position - 1 : position + 1;
 }
 
+/// Whether a word begins at a position of a name, which is not the first one.
+bool beginsWord(const QString &name, qsizetype position)
+{
+    const QChar before = name[position - 1];
+    const QChar here = name[position];
+    if (!here.isUpper())
+        return here.isLetterOrNumber() && (before.isPunct() || before.isSymbol() || before.isSpace());
+    // The last upper-case letter of several is the first one of a word, as in "HTTPServer".
+    const bool isLast = position + 1 < name.size() && name[position + 1].isLower();
+    return !before.isUpper() || isLast;
+}
+
 } // namespace
 
 QString Quorvix::ShortText::beginning(const QString &text, qsizetype longest)
@@ -41,4 +53,18 @@ QString Quorvix::ShortText::ends(const QString &text, qsizetype longest)
         return text;
     return text.left(boundary(text, longest / 2, Side::Before)) + u'…' +
            text.mid(boundary(text, text.size() - longest / 2, Side::After));
+}
+
+QStringList Quorvix::ShortText::wordsOfName(const QString &name)
+{
+    QStringList words;
+    qsizetype start = 0;
+    for (qsizetype position = 1; position < name.size(); ++position) {
+        if (!beginsWord(name, position))
+            continue;
+        words.append(name.sliced(start, position - start));
+        start = position;
+    }
+    words.append(name.sliced(start));
+    return words;
 }

@@ -3,6 +3,7 @@
 #include "Platform/PlatformGlobal.h"
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/QStringView>
 
 namespace Quorvix {
@@ -21,6 +22,9 @@ inline constexpr qsizetype longestLine = 300;
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString beginning(const QString &text, qsizetype longest = longestLine);
 /// Both ends of a text; at most @p longest UTF-16 code units and the "…".
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString ends(const QString &text, qsizetype longest = longestLine);
+
+/// The parts of a name such as "deliveryWindow_inDays", between which a line can end.
+[[nodiscard]] QUORVIX_INTERNAL_EXPORT QStringList wordsOfName(const QString &name);
 
 } // namespace ShortText
 

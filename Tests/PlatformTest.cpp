@@ -49,6 +49,7 @@ private Q_SLOTS:
     void textIsLostNowhere();
     void longTextIsCutBetweenCharacters_data();
     void longTextIsCutBetweenCharacters();
+    void namesConsistOfWords();
     void headerNamesHaveTheirUsualSpelling_data();
     void headerNamesHaveTheirUsualSpelling();
     void statusText();
@@ -248,6 +249,14 @@ void PlatformTest::longTextIsCutBetweenCharacters()
     QFETCH(const QString, text);
     QTEST(ShortText::beginning(text, 6), "beginning");
     QTEST(ShortText::ends(text, 6), "ends");
+}
+
+void PlatformTest::namesConsistOfWords()
+{
+    for (const QString &words :
+         {u"estimated|Delivery|Window2|In|Days"_s, u"HTTP|Server|URL"_s, u"X-|Data-|id"_s,
+          u"snake_|case__|v1.|2"_s, u"lowercase"_s, u"über|Größe"_s, u"\U0001F600|A"_s, QString()})
+        QCOMPARE(ShortText::wordsOfName(QString(words).remove(u'|')).join(u'|'), words);
 }
 
 void PlatformTest::headerNamesHaveTheirUsualSpelling_data()
