@@ -78,7 +78,7 @@ public:
         using Outcome = std::invoke_result_t<Work &, QXTaskProgress *>;
         const auto unclaimed = std::make_shared<Unclaimed<Outcome, Discard>>(std::move(discard));
         run(
-            title, size <= largestAwaitedSize ? longestWait : 0,
+            title, size <= largestAwaitedSize ? m_longestWait : 0,
             [unclaimed, work = std::move(work)](QXTaskProgress &progress) {
                 unclaimed->outcome.emplace(work(&progress));
             },
@@ -86,6 +86,9 @@ public:
                 finish(*std::exchange(unclaimed->outcome, std::nullopt));
             });
     }
+
+    /// Sets how long perform() waits for a task that may be fast, in milliseconds.
+    void setLongestWait(int wait) noexcept { m_longestWait = wait; }
 
     [[nodiscard]] bool isRunning() const noexcept { return m_isShown; }
     [[nodiscard]] const QString &title() const noexcept { return m_title; }
@@ -107,9 +110,9 @@ private:
     struct Run;
 
     /// How long the main thread waits for a task, in milliseconds. Together with the event that starts the
-    /// task and the frame that shows its result, this is less than the 50 ms after which people notice a
-    /// pause.
-    static constexpr int longestWait = 25;
+    /// task and the frame that shows its result, the value here is less than the 50 ms after which people
+    /// notice a pause.
+    int m_longestWait = 25;
     /// No task is done in that time for an input of more bytes.
     static constexpr qsizetype largestAwaitedSize = 4'000'000;
 

@@ -1,5 +1,7 @@
 #include "Controls/QXKeyFilter.h"
 
+#include "Controls/QXFinder.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
 #include <QtGui/QGuiApplication>
@@ -78,6 +80,8 @@ void moveFocus(QQuickItem &from, const QQuickItem &fenced, bool forwards)
     }
     if (item && item != &from)
         item->forceActiveFocus(forwards ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    else if (item && item->property("focusReason").isValid())
+        item->setProperty("focusReason", Qt::TabFocusReason); // the only control shows that it has the focus
 }
 
 /// Delivers a key as the window does, from an item up to its parents, but only as far as @p last.
@@ -118,7 +122,8 @@ bool QXKeyFilter::isForScreens(const QKeyEvent &event)
                        event.keyCombination() == (Qt::ALT | Qt::Key_F4);
     if (quits || event.matches(QKeySequence::FullScreen))
         return false;
-    if (isModifierKey(key) || isEditingKey(key) || isStandardKey(event) || typesText(event))
+    if (isModifierKey(key) || isEditingKey(key) || isStandardKey(event) || typesText(event) ||
+        QXFinder::commandFor(key, modifiers.toInt()) != QXFinder::NoCommand)
         return true;
     const bool isMachineKey = key >= Qt::Key_VolumeDown && key <= Qt::Key_MediaLast;
     const bool isWindowKey = key >= Qt::Key_F11 && key <= Qt::Key_F35;

@@ -1,5 +1,6 @@
 #include "Controls/QXLayer.h"
 
+#include "Controls/QXPointerFence.h"
 #include "Controls/QXSafeArea.h"
 
 #include <QtQuick/QQuickWindow>
@@ -20,6 +21,7 @@ QXLayer::QXLayer(QQuickWindow &window, int level)
     // The focus inside leaves the window with the layer, whatever moved it inside.
     setFlag(ItemIsFocusScope);
     setParentItem(m_content);
+    new QXPointerFence(window, *this);
     connect(m_safeArea, &QXSafeArea::keyboardChanged, this, &QXLayer::fit);
     connect(m_window, &QWindow::screenChanged, this, &QXLayer::fit);
     connect(m_content, &QQuickItem::widthChanged, this, &QXLayer::fit);

@@ -12,7 +12,8 @@ class QXSafeArea;
 ///
 /// The layer itself has no size: it does not count in the childrenRect of the content, so a window of that
 /// size can shrink. Its page covers the content. Pointer events that the layer does not claim go to the
-/// content beneath. A host can delete every item in its window, the layer too: refer to it by QPointer.
+/// content beneath; those that it claims reach no item and no pointer handler beneath. A host can delete
+/// every item in its window, the layer too: refer to it by QPointer.
 class QXLayer final : public QQuickItem
 {
     Q_OBJECT

@@ -61,6 +61,15 @@ void QXSafeArea::setMargins(const QMarginsF &margins)
     Q_EMIT marginsChanged();
 }
 
+void QXSafeArea::setFloat(qreal top, qreal bottom)
+{
+    if (m_floatTop == top && m_floatBottom == bottom)
+        return;
+    m_floatTop = top;
+    m_floatBottom = bottom;
+    Q_EMIT floatChanged();
+}
+
 void QXSafeArea::measure(QQuickWindow &window)
 {
     if (m_window != &window) {

@@ -21,6 +21,10 @@ class QXSafeArea : public QObject
     Q_PROPERTY(qreal right READ right NOTIFY marginsChanged)
     /// What bars cover above an on-screen keyboard, if there is one.
     Q_PROPERTY(qreal bottom READ bottom NOTIFY marginsChanged)
+    /// The distance from the bottom of the window to the top of an item that floats over the screens, and to
+    /// its bottom. Both are 0 while there is none.
+    Q_PROPERTY(qreal floatTop READ floatTop NOTIFY floatChanged)
+    Q_PROPERTY(qreal floatBottom READ floatBottom NOTIFY floatChanged)
 
 public:
     explicit QXSafeArea(QObject *parent);
@@ -42,11 +46,18 @@ public:
     [[nodiscard]] qreal right() const noexcept { return m_margins.right(); }
     [[nodiscard]] qreal bottom() const noexcept { return std::max(0.0, m_margins.bottom() - m_keyboard); }
 
+    [[nodiscard]] qreal floatTop() const noexcept { return m_floatTop; }
+    [[nodiscard]] qreal floatBottom() const noexcept { return m_floatBottom; }
+    void setFloat(qreal top, qreal bottom);
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
     void marginsChanged();
     void keyboardChanged();
+    void floatChanged();
+    /// Emitted by a page while the user scrolls it.
+    void scrolled();
 
 private:
     void scheduleKeyboard();
@@ -54,6 +65,8 @@ private:
 
     QMarginsF m_margins;
     qreal m_keyboard = 0;
+    qreal m_floatTop = 0;
+    qreal m_floatBottom = 0;
     bool m_isKeyboardScheduled = false;
     bool m_isPressed = false;
     QPointer<QQuickWindow> m_window;
