@@ -9,7 +9,7 @@ namespace {
 /// How far to search for the boundary of a character, in UTF-16 units: longer than every character in use,
 /// and short enough to be fast.
 constexpr qsizetype searchDistance = 64;
-constexpr qsizetype unitsPerByte = 3;
+constexpr qsizetype unitsPerByte = QXTextContent::unitsPerByte;
 
 enum class Kind { Space, LineEnd, Word, Other };
 
@@ -104,12 +104,14 @@ QXTextRange lineIn(View text, const QXTextDocument &document, qsizetype position
 
 qsizetype QXTextBoundaries::nextCharacter(const QXTextDocument &document, qsizetype position)
 {
-    return characterBoundary(document, position, true);
+    return document.isHexadecimal() ? nextWord(document, position)
+                                    : characterBoundary(document, position, true);
 }
 
 qsizetype QXTextBoundaries::previousCharacter(const QXTextDocument &document, qsizetype position)
 {
-    return characterBoundary(document, position, false);
+    return document.isHexadecimal() ? previousWord(document, position)
+                                    : characterBoundary(document, position, false);
 }
 
 qsizetype QXTextBoundaries::nextWord(const QXTextDocument &document, qsizetype position)

@@ -15,6 +15,7 @@ struct QXTextRange
 namespace QXTextBoundaries {
 
 /// The position after the character at @p position. A character is what the user sees as one (a grapheme).
+/// In hexadecimal, one byte.
 [[nodiscard]] qsizetype nextCharacter(const QXTextDocument &document, qsizetype position);
 [[nodiscard]] qsizetype previousCharacter(const QXTextDocument &document, qsizetype position);
 

@@ -1,6 +1,7 @@
 #include "Text/QXTextCanvas.h"
 
 #include "Text/QXTextCell.h"
+#include "Text/QXTextMatches.h"
 
 #include "Platform/BackgroundThread.h"
 #include "Platform/MainActor.h"
@@ -32,6 +33,16 @@ constexpr qsizetype beginningLength = 100'000;
 qreal columnWidth(const QFontMetricsF &metrics)
 {
     return qMax(metrics.horizontalAdvance(u'W'), metrics.horizontalAdvance(u'0'));
+}
+
+/// The font in another size.
+QFont reduced(QFont font, qreal factor)
+{
+    if (factor < 1 && font.pixelSize() > 0)
+        font.setPixelSize(int(font.pixelSize() * factor));
+    else if (factor < 1)
+        font.setPointSizeF(font.pointSizeF() * factor);
+    return font;
 }
 
 } // namespace
@@ -69,11 +80,21 @@ void QXTextCanvas::setFont(const QFont &font)
     if (m_rowHeight > 1 && m_font == font)
         return;
     m_font = font;
+    m_columnWidth = columnWidth(QFontMetricsF(font));
+    showFont(font);
+    invalidateRows();
+}
+
+void QXTextCanvas::showFont(const QFont &font)
+{
+    if (m_rowHeight > 1 && m_shownFont == font)
+        return;
+    m_shownFont = font;
     const QFontMetricsF metrics(font);
-    m_columnWidth = columnWidth(metrics);
+    m_cellWidth = columnWidth(metrics);
     m_rowHeight = std::ceil(metrics.height() * leading);
     m_baseline = std::round((m_rowHeight - metrics.height()) / 2 + metrics.ascent());
-    invalidateRows();
+    clearLayouts();
     Q_EMIT fontChanged();
 }
 
@@ -95,6 +116,15 @@ void QXTextCanvas::setSelection(const QXTextSelection &selection)
         return;
     polish();
     Q_EMIT selectionChanged();
+}
+
+void QXTextCanvas::setMarkedText(const QString &text)
+{
+    if (m_markedText == text)
+        return;
+    m_markedText = text;
+    polish();
+    Q_EMIT markedTextChanged();
 }
 
 void QXTextCanvas::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
@@ -187,6 +217,10 @@ void QXTextCanvas::breakRows()
     const bool keepsTop = std::exchange(m_columns, columns) != 0;
     stopBreaking();
     m_layouts.clear();
+    m_hexColumns = m_document->isHexadecimal()
+                       ? QXHexColumns::fitting(m_document->content().bytes().size(), columns)
+                       : QXHexColumns();
+    showFont(reduced(m_font, m_hexColumns.fontFactor()));
     if (!m_document->isHexadecimal() && m_document->length() > longestSynchronousText)
         return breakInBackground(keepsTop);
     QXTextRows rows;
@@ -297,7 +331,7 @@ const QXTextRowLayout &QXTextCanvas::layoutOf(int row) const
         m_layouts.clear();
     std::unique_ptr<QXTextRowLayout> &layout = m_layouts[row];
     if (!layout)
-        layout = std::make_unique<QXTextRowLayout>(rowText(row), m_font, width(),
+        layout = std::make_unique<QXTextRowLayout>(rowText(row), m_shownFont, width(),
                                                    QXTextCell::tabColumns * m_columnWidth);
     return *layout;
 }
@@ -310,6 +344,8 @@ qsizetype QXTextCanvas::positionAt(QPointF point) const
     if (offset >= m_rows.count() * m_rowHeight)
         return m_rows.end(m_rows.count() - 1);
     const int row = rowAtOffset(offset);
+    if (m_document && m_document->isHexadecimal())
+        return qMin(byteAt(row, point.x()) * QXTextContent::unitsPerByte, m_document->length());
     return m_rows.start(row) + layoutOf(row).positionAt(point.x());
 }
 
@@ -317,8 +353,8 @@ QRectF QXTextCanvas::caretAt(qsizetype position, int further) const
 {
     const int row = m_rows.rowAt(position);
     const qreal x = layoutOf(row).xAt(int(position - m_rows.start(row)) + further);
-    return {qBound<qreal>(0, x, qMax<qreal>(0, width() - caretWidth)), row * m_rowHeight, caretWidth,
-            m_rowHeight};
+    return {qBound<qreal>(0, textLeft() + x, qMax<qreal>(0, width() - caretWidth)), row * m_rowHeight,
+            caretWidth, m_rowHeight};
 }
 
 QString QXTextCanvas::rowTextAt(qreal y) const
@@ -328,9 +364,46 @@ QString QXTextCanvas::rowTextAt(qreal y) const
 
 void QXTextCanvas::paint(QPainter &painter)
 {
+    const int first = rowAtOffset(m_scrollOffset);
     const int last = rowAtOffset(m_scrollOffset + height());
-    for (int row = rowAtOffset(m_scrollOffset); row <= last; ++row)
+    for (int row = first; m_hexColumns.areComplete() && row <= last; ++row)
+        paintHexMargins(painter, row);
+    painter.save();
+    painter.translate(textLeft(), 0);
+    if (!m_markedText.isEmpty() && m_document)
+        paintMarks(painter, first, last);
+    for (int row = first; row <= last; ++row)
         paintRow(painter, row);
+    painter.restore();
+}
+
+/// Marks a text that may continue on further rows.
+void QXTextCanvas::paintMarks(QPainter &painter, int first, int last) const
+{
+    const qsizetype length = m_markedText.size();
+    const qsizetype from = qMax<qsizetype>(0, m_rows.start(first) - length + 1);
+    const auto mark = [&](qsizetype position) {
+        for (int row = qMax(first, m_rows.rowAt(position)); row <= last; ++row) {
+            if (m_rows.start(row) >= position + length)
+                break;
+            fillRow(painter, row, position, position + length, m_markColor);
+        }
+    };
+    QXTextMatches::visit(m_document->content(), m_markedText, from, m_rows.end(last), mark);
+}
+
+/// Fills the background of the part of a row that is between two positions of the text.
+void QXTextCanvas::fillRow(QPainter &painter, int row, qsizetype start, qsizetype end,
+                           const QColor &color) const
+{
+    const QXTextRowLayout &layout = layoutOf(row);
+    const qreal top = row * m_rowHeight - m_scrollOffset;
+    const qsizetype rowStart = m_rows.start(row);
+    const qsizetype length = layout.text().size();
+    const int from = int(std::clamp<qsizetype>(start - rowStart, 0, length));
+    const int to = int(std::clamp<qsizetype>(end - rowStart, from, length));
+    for (const QXTextRowLayout::Span &span : layout.spansOf(from, to))
+        painter.fillRect(QRectF(span.left, top, span.right - span.left, m_rowHeight), color);
 }
 
 void QXTextCanvas::paintRow(QPainter &painter, int row) const
@@ -339,17 +412,13 @@ void QXTextCanvas::paintRow(QPainter &painter, int row) const
     const qreal top = row * m_rowHeight - m_scrollOffset;
     const qsizetype start = m_rows.start(row);
     const qsizetype length = layout.text().size();
-    const auto fill = [&](qreal left, qreal right) {
-        painter.fillRect(QRectF(left, top, right - left, m_rowHeight), m_selectionColor);
-    };
-    const int from = int(std::clamp<qsizetype>(m_selection.start() - start, 0, length));
-    const int to = int(std::clamp<qsizetype>(m_selection.end() - start, from, length));
-    for (const QXTextRowLayout::Span &span : layout.spansOf(from, to))
-        fill(span.left, span.right);
+    fillRow(painter, row, m_selection.start(), m_selection.end(), m_selectionColor);
     // A selected line end is shown as extra width; otherwise it would be invisible.
     const qsizetype lineEnd = start + length;
     if (lineEnd < m_rows.end(row) && m_selection.start() <= lineEnd && m_selection.end() > lineEnd)
-        fill(layout.width(), layout.width() + m_columnWidth);
+        painter.fillRect(QRectF(layout.width(), top, m_columnWidth, m_rowHeight), m_selectionColor);
     painter.setPen(m_color);
+    const int from = int(std::clamp<qsizetype>(m_selection.start() - start, 0, length));
+    const int to = int(std::clamp<qsizetype>(m_selection.end() - start, from, length));
     layout.draw(painter, QPointF(0, top + m_baseline), from, to, m_selectedTextColor);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Text/QXHexColumns.h"
 #include "Text/QXTextDocument.h"
 #include "Text/QXTextRowLayout.h"
 #include "Text/QXTextRows.h"
@@ -21,6 +22,8 @@ class QXTaskProgress;
 /// fonts belong to the thread that uses them first, and a render thread ends with its window or when the
 /// window releases its resources. A layout that a render thread has drawn may keep such a font.
 ///
+/// Bytes have their offset at the left and their characters at the right; see QXHexColumns.
+///
 /// Rows are as wide as the item and are broken again at most once per frame. Those of a very long text are
 /// broken by another thread; until then the item shows the beginning of the text, or the rows of its former
 /// width. Like code, they read from left to right in every language; within a row, text of either direction
@@ -35,8 +38,13 @@ class QXTextCanvas : public QQuickItem
     /// The background; transparent unless it is set.
     Q_PROPERTY(QColor fillColor MEMBER m_fillColor NOTIFY coloursChanged)
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY coloursChanged)
+    /// The colour of what stands beside the bytes of a body.
+    Q_PROPERTY(QColor marginColor MEMBER m_marginColor NOTIFY coloursChanged)
     Q_PROPERTY(QColor selectionColor MEMBER m_selectionColor NOTIFY coloursChanged)
     Q_PROPERTY(QColor selectedTextColor MEMBER m_selectedTextColor NOTIFY coloursChanged)
+    /// A text that is marked wherever it is visible, in upper or lower case; empty for none.
+    Q_PROPERTY(QString markedText READ markedText WRITE setMarkedText NOTIFY markedTextChanged)
+    Q_PROPERTY(QColor markColor MEMBER m_markColor NOTIFY coloursChanged)
     /// The total height of all rows.
     Q_PROPERTY(qreal contentHeight READ contentHeight NOTIFY contentHeightChanged)
     Q_PROPERTY(qreal rowHeight READ rowHeight NOTIFY fontChanged)
@@ -61,6 +69,9 @@ public:
     [[nodiscard]] const QXTextSelection &selection() const { return m_selection; }
     void setSelection(const QXTextSelection &selection);
 
+    [[nodiscard]] const QString &markedText() const { return m_markedText; }
+    void setMarkedText(const QString &text);
+
     /// The position nearest to a point of the item.
     [[nodiscard]] qsizetype positionAt(QPointF point) const;
     /// The caret before the character at @p position, measured from the top of all rows and not of the item.
@@ -77,6 +88,7 @@ Q_SIGNALS:
     void contentHeightChanged();
     void scrollOffsetChanged();
     void selectionChanged();
+    void markedTextChanged();
     /// Emitted when new row widths move the row at the top of the item by this distance. The scrolling page
     /// follows.
     void topRowMoved(qreal distance);
@@ -100,6 +112,11 @@ protected:
 
 private:
     void invalidateRows();
+    /// Uses another font for the rows.
+    void showFont(const QFont &font);
+    [[nodiscard]] qreal textLeft() const { return m_hexColumns.bytesColumn() * m_cellWidth; }
+    [[nodiscard]] qsizetype byteAt(int row, qreal x) const;
+    void paintHexMargins(QPainter &painter, int row) const;
     void forgetText();
     void breakInBackground(bool keepsTop);
     void stopBreaking();
@@ -110,14 +127,24 @@ private:
     [[nodiscard]] const QXTextRowLayout &layoutOf(int row) const;
     [[nodiscard]] QImage paintPicture();
     void paintRow(QPainter &painter, int row) const;
+    void fillRow(QPainter &painter, int row, qsizetype start, qsizetype end, const QColor &color) const;
+    void paintMarks(QPainter &painter, int first, int last) const;
 
     QPointer<QXTextDocument> m_document;
     QFont m_font;
+    /// The font of the rows: smaller if that makes room for more bytes.
+    QFont m_shownFont;
+    QXHexColumns m_hexColumns;
     QColor m_fillColor = Qt::transparent;
     QColor m_color = Qt::black;
+    QColor m_marginColor = Qt::darkGray;
     QColor m_selectionColor = Qt::blue;
     QColor m_selectedTextColor = Qt::white;
+    QColor m_markColor = Qt::yellow;
+    QString m_markedText;
     qreal m_columnWidth = 1;
+    /// The width of a column in the font of the rows.
+    qreal m_cellWidth = 1;
     qreal m_rowHeight = 1;
     qreal m_baseline = 0;
     qreal m_contentHeight = 0;

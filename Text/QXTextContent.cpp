@@ -1,5 +1,6 @@
 #include "Text/QXTextContent.h"
 
+#include "Text/QXHexColumns.h"
 #include "Text/QXTextRows.h"
 
 #include "Platform/HexDigit.h"
@@ -9,9 +10,7 @@ using Quorvix::hexDigit;
 
 namespace {
 
-constexpr qsizetype unitsPerByte = 3;
-/// A row holds a multiple of this many bytes, because rows are easier to compare at round offsets.
-constexpr int bytesPerGroup = 4;
+constexpr qsizetype unitsPerByte = QXTextContent::unitsPerByte;
 
 QString hexadecimalText(const QByteArray &bytes, qsizetype position, qsizetype length)
 {
@@ -82,9 +81,8 @@ QByteArray QXTextContent::utf8() const
 void QXTextContent::breakInto(QXTextRows &rows, int columns, const QXTaskProgress *progress) const
 {
     if (m_kind == Kind::Hexadecimal) {
-        const int bytes = qMax(1, (columns + 1) / int(unitsPerByte));
-        const int round = bytes < bytesPerGroup ? bytes : bytes - bytes % bytesPerGroup;
-        rows.breakEvenly(length(), round * unitsPerByte);
+        rows.breakEvenly(length(),
+                         QXHexColumns::fitting(m_bytes.size(), columns).bytesPerRow() * unitsPerByte);
     } else {
         visit([&](auto all) { rows.breakText(all, columns, progress); });
     }

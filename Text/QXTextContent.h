@@ -38,6 +38,8 @@ public:
     [[nodiscard]] QByteArray utf8() const;
     /// The text if it is held in UTF-16, as it is after a change; empty otherwise.
     [[nodiscard]] QStringView utf16() const { return m_text; }
+    /// The units of the shown text per byte: two digits and a space.
+    static constexpr qsizetype unitsPerByte = 3;
     /// The bytes that are shown as numbers; empty for a text.
     [[nodiscard]] QByteArray bytes() const { return isHexadecimal() ? m_bytes : QByteArray(); }
 
@@ -48,7 +50,7 @@ public:
         return m_kind == Kind::Ascii ? visitor(QLatin1StringView(m_bytes)) : visitor(QStringView(m_text));
     }
 
-    /// Like QXTextRows::breakText(), and makes rows of whole bytes for bytes.
+    /// Like QXTextRows::breakText(), and makes the rows of QXHexColumns for bytes.
     void breakInto(QXTextRows &rows, int columns, const QXTaskProgress *progress = nullptr) const;
 
     /// The text, so that it can be changed. Not for bytes.

@@ -12,6 +12,8 @@ namespace {
 using Target = QXTextMove::Target;
 
 constexpr int frameInterval = 16; // milliseconds
+/// The rows that stay visible above and below a range that is shown.
+constexpr int rowsAroundRange = 4;
 
 bool isFinger(const QMouseEvent &event)
 {
@@ -38,13 +40,29 @@ QXTextView::QXTextView(QQuickItem *parent) : QXTextCanvas(parent)
     for (const auto moved : {&QXTextCanvas::selectionChanged, &QXTextCanvas::scrollOffsetChanged,
                              &QXTextCanvas::contentHeightChanged, &QXTextCanvas::fontChanged})
         connect(this, moved, this, &QXTextView::edgesMoved);
+    // Later, because the page learns of the new height from the same signal.
+    connect(
+        this, &QXTextCanvas::contentHeightChanged, this,
+        [this] {
+            if (std::exchange(m_awaitsRows, false))
+                revealRange();
+        },
+        Qt::QueuedConnection);
 }
 
 QXTextView::~QXTextView() = default;
 
 QString QXTextView::selectedText() const
 {
-    return document() ? document()->text(selection().start(), selection().length()) : QString();
+    if (!document() || !hasSelection())
+        return {};
+    if (!document()->isHexadecimal())
+        return document()->text(selection().start(), selection().length());
+    // Whole bytes, without the space that a selection may begin or end with.
+    constexpr qsizetype unitsPerByte = QXTextContent::unitsPerByte;
+    const qsizetype first = (selection().start() + 1) / unitsPerByte;
+    const qsizetype last = (selection().end() + 2) / unitsPerByte;
+    return document()->text(first * unitsPerByte, (last - first) * unitsPerByte - 1);
 }
 
 void QXTextView::copySelection() const
@@ -60,6 +78,26 @@ void QXTextView::selectAll()
     QXTextSelection all;
     all.set(0, document()->length());
     setSelection(all);
+}
+
+void QXTextView::showRange(qsizetype position, qsizetype length)
+{
+    if (!document())
+        return;
+    setTouched(false);
+    m_verticalMoveX = -1;
+    QXTextSelection shown;
+    // The cursor is at the start, which a person reads first.
+    shown.set(position + length, position);
+    setSelection(shown);
+    revealRange();
+}
+
+void QXTextView::revealRange()
+{
+    breakRows();
+    m_awaitsRows = rows().end(rows().count() - 1) < selection().end();
+    revealCursor(rowsAroundRange);
 }
 
 bool QXTextView::event(QEvent *event)
@@ -294,10 +332,12 @@ void QXTextView::moveCursor(QXTextMove move)
     revealCursor();
 }
 
-void QXTextView::revealCursor()
+void QXTextView::revealCursor(int rowsAround)
 {
     const QRectF caret = caretAt(selection().cursor());
-    Q_EMIT revealRequested(caret.top(), caret.bottom());
+    const qreal around = rowsAround * rowHeight();
+    Q_EMIT revealRequested(qMax<qreal>(0, caret.top() - around),
+                           qMin(contentHeight(), caret.bottom() + around));
 }
 
 qsizetype QXTextView::targetOf(Target target)
@@ -328,8 +368,10 @@ qsizetype QXTextView::targetOf(Target target)
     case Target::RowEnd:
         // The end position of a row without a line end belongs to the next row, so the cursor stops before
         // it.
-        return row + 1 < rows().count() ? QXTextBoundaries::previousCharacter(text, rows().end(row))
-                                        : text.length();
+        if (row + 1 == rows().count())
+            return text.length();
+        return text.isHexadecimal() ? rows().end(row) - 1
+                                    : QXTextBoundaries::previousCharacter(text, rows().end(row));
     case Target::Start:
         return 0;
     case Target::End:

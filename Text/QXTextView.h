@@ -30,6 +30,12 @@ public:
     Q_INVOKABLE void selectAll();
     [[nodiscard]] Q_INVOKABLE QString selectedText() const;
 
+    /// Selects a part of the text and scrolls to it, with some rows around it. While another thread breaks
+    /// the rows there, the scrolling waits for them.
+    void showRange(qsizetype position, qsizetype length);
+    /// Gives the keyboard focus to the view, or to its focus item.
+    void takeFocus();
+
     [[nodiscard]] bool needsHandles() const { return m_isTouched && hasSelection(); }
     [[nodiscard]] QRectF startEdge() const;
     [[nodiscard]] QRectF endEdge() const;
@@ -63,7 +69,7 @@ protected:
     virtual void tapped(QPointF point);
     /// Moves the cursor and scrolls to it.
     void moveCursor(QXTextMove move);
-    void revealCursor();
+    void revealCursor(int rowsAround = 0);
     [[nodiscard]] qsizetype targetOf(QXTextMove::Target target);
 
 private:
@@ -74,9 +80,9 @@ private:
     void dragTo(QPointF point);
     /// Called after a long press.
     void holdAt(QPointF point);
-    void takeFocus();
     void setTouched(bool touched);
     void stopPointer();
+    void revealRange();
 
     QPointer<QQuickItem> m_focusItem;
     QPointF m_pressed;
@@ -87,6 +93,8 @@ private:
     bool m_isHeld = false;
     /// Whether the selection was made by touch.
     bool m_isTouched = false;
+    /// Whether to scroll to the selection as soon as its rows are known.
+    bool m_awaitsRows = false;
     QBasicTimer m_holdTimer;
     QBasicTimer m_scrollTimer;
     QElapsedTimer m_sinceDoubleClick;
