@@ -41,10 +41,7 @@ Rectangle {
             scrollArea: root.scrollArea
             symbol: copied.running ? "checkmark" : "doc.on.doc"
             text: copied.running ? qsTranslate("Quorvix", "Copied") : qsTranslate("Quorvix", "Copy")
-            onClicked: {
-                root.controller.copy();
-                copied.restart();
-            }
+            onClicked: root.copy()
         }
 
         QXActivityAction {
@@ -87,6 +84,22 @@ Rectangle {
             isLast: true
             onClicked: root.couldNotOpen = !root.controller.showInFolder()
         }
+    }
+
+    function copy() {
+        root.controller.copy();
+        copied.restart();
+    }
+
+    /// Opens the field for a path, or saves to the path that it shows.
+    function saveAs() {
+        if (root.isSaving) {
+            saveField.save();
+            return;
+        }
+        root.isSaving = true;
+        saveField.begin();
+        root.scrollArea.reveal(saveField);
     }
 
     /// Resets the state before another item is shared.

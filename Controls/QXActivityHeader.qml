@@ -1,7 +1,7 @@
 import QtQuick
 import Quorvix.Controls
 
-/// The shared item: its symbol, its name, and its kind and size.
+/// The shared item: its symbol, its title, and its name and size.
 Item {
     id: root
 
@@ -46,7 +46,7 @@ Item {
             width: parent.width
             content: root.title
             font: QXTheme.headline
-            wrapMode: Text.WrapAnywhere
+            wrapMode: Text.Wrap
             maximumLineCount: 2
             elide: Text.ElideRight
             Accessible.ignored: true
@@ -57,7 +57,8 @@ Item {
             text: root.subtitle
             font: QXTheme.footnote
             color: QXTheme.secondaryLabel
-            elide: Text.ElideRight
+            // Both the beginning of a name and the size stay visible.
+            elide: Text.ElideMiddle
             Accessible.ignored: true
         }
     }

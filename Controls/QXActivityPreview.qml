@@ -1,35 +1,44 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Quorvix.Controls
 
-/// The beginning of the shared text.
+/// The first lines of the shared text. A line that is too long ends with an ellipsis, because code that breaks
+/// inside a word is hard to read.
 Rectangle {
     id: root
 
-    required property string text
+    required property UIActivityViewController controller
 
-    implicitHeight: Math.min(preview.implicitHeight, 8 * metrics.height + 24)
+    objectName: "QXActivityPreview"
+    implicitHeight: column.implicitHeight
     radius: QXTheme.cornerRadius
     color: QXTheme.elevatedBackground
-    clip: true
 
-    FontMetrics {
-        id: metrics
+    Accessible.role: Accessible.StaticText
+    Accessible.name: QXShortText.beginning(root.controller.previewText)
 
-        font: preview.font
-    }
+    Column {
+        id: column
 
-    QXText {
-        id: preview
-
-        objectName: "QXActivityPreview"
         // Code reads from left to right in every language.
         LayoutMirroring.enabled: false
+        LayoutMirroring.childrenInherit: true
         width: parent.width
         padding: 12
-        text: root.text
-        font: QXTheme.monospaced
-        wrapMode: Text.WrapAnywhere
-        maximumLineCount: 8
-        elide: Text.ElideRight
+
+        Repeater {
+            model: root.controller.previewLines
+
+            delegate: QXText {
+                required property string modelData
+
+                width: root.width - 2 * column.padding
+                text: modelData
+                font: QXTheme.monospaced
+                elide: Text.ElideRight
+                Accessible.ignored: true
+            }
+        }
     }
 }

@@ -15,6 +15,16 @@ QXSheet {
     scrollArea: page
     Accessible.name: activity.title
 
+    Keys.onPressed: event => {
+        if (event.matches(StandardKey.Save))
+            actions.saveAs();
+        else if (event.matches(StandardKey.Copy))
+            actions.copy();
+        else
+            return;
+        event.accepted = true;
+    }
+
     onShareItemChanged: root.begin()
     onVisibleChanged: {
         if (!visible && !presented)
@@ -30,8 +40,11 @@ QXSheet {
         if (root.shareItem === undefined)
             return;
         activity.activityItems = root.shareItem.activityItems;
+        activity.title = root.shareItem.title;
         actions.begin();
         page.contentY = 0;
+        if (root.presented)
+            root.appear(); // the sheet may be leaving with an earlier item
     }
 
     UIActivityViewController {
@@ -66,8 +79,8 @@ QXSheet {
 
             QXActivityPreview {
                 width: parent.width
-                visible: text.length > 0
-                text: activity.previewText
+                visible: activity.previewText.length > 0
+                controller: activity
             }
 
             QXActivityActions {
@@ -89,5 +102,11 @@ QXSheet {
                 Accessible.name: text
             }
         }
+    }
+
+    QXScrollHint {
+        area: page
+        ground: root.ground
+        radius: root.isCard ? QXTheme.cardRadius : 0
     }
 }

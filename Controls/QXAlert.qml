@@ -19,14 +19,12 @@ QXModal {
     Accessible.name: heading.text
     Accessible.description: explanation.text
 
-    Rectangle {
+    QXCard {
         anchors.centerIn: parent
         width: Math.min(270 * Math.max(1, QXTheme.scale), root.width - 2 * QXTheme.margin)
         height: Math.min(column.implicitHeight + button.height, root.height - 2 * QXTheme.margin)
         scale: root.presented ? 1 + 0.1 * (1 - root.progress) : 1
         opacity: root.progress
-        radius: QXTheme.cardRadius
-        color: QXTheme.elevatedBackground
 
         MouseArea {
             anchors.fill: parent

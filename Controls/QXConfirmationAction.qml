@@ -3,8 +3,11 @@ import Quorvix.Controls
 
 /// One of the choices of a confirmation dialog.
 QXMenuItem {
-    smallestHeight: 54
+    id: root
+
+    // All choices fit in a phone's window that is turned.
+    smallestHeight: root.Window.height < 480 ? QXTheme.touchTarget : 54
     color: QXTheme.link
     alignment: Text.AlignHCenter
-    Accessible.role: Accessible.Button
+    role: Accessible.Button
 }

@@ -53,8 +53,11 @@ QXPressable {
         rotation: root.expanded ? 90 : root.mirrored ? 180 : 0
 
         Behavior on rotation {
+            enabled: QXTheme.animates
+
             NumberAnimation {
-                duration: 200
+                duration: QXTheme.shortDuration
+                easing.type: Easing.OutCubic
             }
         }
     }

@@ -14,8 +14,10 @@ QXPressable {
     }
 
     Behavior on opacity {
+        enabled: QXTheme.animates && root.visible
+
         NumberAnimation {
-            duration: 120
+            duration: QXTheme.shortDuration
         }
     }
 }

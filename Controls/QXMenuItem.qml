@@ -1,10 +1,13 @@
 import QtQuick
+import QtQuick.Templates as T
 import Quorvix.Controls
 
 /// One choice in a menu or a dialog, which closes before `triggered` is emitted.
-QXPressable {
+Item {
     id: root
 
+    property string text
+    property font font: QXTheme.body
     property string symbol
     property real smallestHeight: QXTheme.touchTarget
     property color color: QXTheme.label
@@ -13,41 +16,66 @@ QXPressable {
     property int alignment: Text.AlignLeft
     /// Whether this is the last item, which has no line below it.
     property bool isLast: false
+    /// What assistive technologies call the item.
+    property int role: Accessible.MenuItem
 
+    /// Emitted by a press. The menu closes.
+    signal clicked
     /// Emitted when the user chooses the item.
     signal triggered
 
     width: parent?.width ?? implicitWidth
     implicitWidth: QXTheme.margin * 2 + label.implicitWidth + (symbol ? icon.width + QXTheme.margin : 0)
     implicitHeight: Math.max(smallestHeight, label.implicitHeight + 2 * QXTheme.spacing)
-    focusPolicy: Qt.TabFocus
-    hoverEnabled: true
-    font: QXTheme.body
+    activeFocusOnTab: true
 
-    Accessible.role: Accessible.MenuItem
+    Accessible.role: root.role
+    Accessible.name: root.text
+    Accessible.onPressAction: root.press()
 
-    background: Rectangle {
-        radius: root.radius
-        color: root.fill
+    Keys.onSpacePressed: root.press()
+    Keys.onReturnPressed: root.press()
+    Keys.onEnterPressed: root.press()
 
-        Rectangle {
-            anchors.fill: parent
-            anchors.margins: 4
-            radius: QXTheme.cornerRadius - 3
-            color: root.pressed ? QXTheme.pressedFill : QXTheme.fill
-            visible: root.pressed || root.hovered || root.visualFocus
+    QXFocusReason {
+        id: focusReason
 
-            QXFocusRing {
+        item: root
+    }
+
+    // Qt 6.4 tells that a button is one, whatever its role; so this one tells nothing.
+    T.AbstractButton {
+        id: button
+
+        anchors.fill: parent
+        focusPolicy: Qt.NoFocus
+        hoverEnabled: true
+        Accessible.ignored: true
+        onClicked: root.clicked()
+
+        background: Rectangle {
+            radius: root.radius
+            color: root.fill
+
+            Rectangle {
                 anchors.fill: parent
-                radius: parent.radius
-                visible: root.visualFocus
-            }
-        }
+                anchors.margins: 4
+                radius: QXTheme.cornerRadius - 3
+                color: button.pressed ? QXTheme.pressedFill : QXTheme.fill
+                visible: button.pressed || button.hovered || focusReason.isVisual
 
-        QXSeparator {
-            anchors.bottom: parent.bottom
-            width: parent.width
-            visible: !root.isLast
+                QXFocusRing {
+                    anchors.fill: parent
+                    radius: parent.radius
+                    visible: focusReason.isVisual
+                }
+            }
+
+            QXSeparator {
+                anchors.bottom: parent.bottom
+                width: parent.width
+                visible: !root.isLast
+            }
         }
     }
 
@@ -77,5 +105,10 @@ QXPressable {
         symbol: root.symbol || "doc.on.doc"
         color: root.color
         size: Math.round(20 * Math.max(1, Math.min(QXTheme.scale, 1.5)))
+    }
+
+    function press() {
+        if (root.enabled)
+            root.clicked();
     }
 }

@@ -8,13 +8,21 @@ QXScreen {
 
     required property QXPresentationLayer presentationLayer
     property bool presented: false
-    /// The progress of the animation that shows the view, from 0 to 1.
-    property real progress: presented ? 1 : 0
+    /// How far the view has come, from 0 to 1.
+    readonly property alias progress: motion.position
+    readonly property alias glide: motion
+    /// Whether a view that the user wants to close leaves before dismissRequested() is emitted, so that it can still be
+    /// caught on its way and turned round.
+    property bool leavesFirst: false
     property bool dismissesOnOutsideTap: true
     property color scrim: QXTheme.scrim
     default property alias content: holder.data
 
+    readonly property bool isTopmost: presentationLayer.topmost === root
+
     property Item previousFocus: null
+    /// When the view was shown, in milliseconds.
+    property real appearedAt: 0
 
     /// Emitted when the user wants to close the view.
     signal dismissRequested
@@ -23,9 +31,12 @@ QXScreen {
     anchors.fill: parent
     z: presentationLayer.presented.indexOf(root)
     visible: false
-    enabled: presented && presentationLayer.topmost === root
+    // The buttons of a view that leaves first do not fade while it leaves.
+    enabled: (isTopmost || leavesFirst && !motion.isOpen) && presented
 
-    onLeaveRequested: root.dismissRequested()
+    Accessible.ignored: !root.isTopmost
+
+    onLeaveRequested: root.leave()
 
     QXFocusFence {}
 
@@ -38,37 +49,45 @@ QXScreen {
     MouseArea {
         anchors.fill: parent
         acceptedButtons: Qt.AllButtons
+        enabled: root.isTopmost
         hoverEnabled: true
         onClicked: {
             // The second tap of a double tap must not dismiss a view that the first tap opened.
-            if (root.dismissesOnOutsideTap && root.progress === 1)
-                root.dismissRequested();
+            const isSecondTap = Date.now() - root.appearedAt < Application.styleHints.mouseDoubleClickInterval;
+            if (root.dismissesOnOutsideTap && root.progress === 1 && (QXTheme.animates || !isSecondTap))
+                root.leave();
         }
         onWheel: wheel => wheel.accepted = true
     }
 
-    Item {
+    QXCurtain {
         id: holder
 
         anchors.fill: parent
+        isCovered: !root.isTopmost
     }
 
-    Behavior on progress {
-        NumberAnimation {
-            duration: QXTheme.duration
-            easing.type: Easing.OutCubic
+    QXGlide {
+        id: motion
+
+        objectName: "QXModalGlide"
+        onIsOpenChanged: {
+            if (isOpen)
+                root.takeFocus();
+            else
+                root.returnFocus();
+        }
+        onSettled: {
+            if (!isOpen)
+                root.end();
         }
     }
 
-    onProgressChanged: {
-        if (progress === 0 && !presented)
-            visible = false;
-    }
     onPresentedChanged: {
         if (presented)
             appear();
         else
-            disappear();
+            motion.isOpen = false;
     }
     Component.onCompleted: {
         if (presented && !visible)
@@ -76,22 +95,43 @@ QXScreen {
     }
     Component.onDestruction: presentationLayer?.dismiss(root)
 
+    /// Shows the view, also when it is leaving.
     function appear() {
+        root.appearedAt = Date.now();
+        motion.isOpen = true;
+    }
+
+    /// Called when the user wants to close the view.
+    function leave() {
+        if (root.leavesFirst)
+            motion.isOpen = false;
+        else
+            root.dismissRequested();
+    }
+
+    function end() {
+        if (root.presented)
+            root.dismissRequested();
+        if (root.presented)
+            root.appear(); // its owner keeps it
+        else
+            root.visible = false;
+    }
+
+    function takeFocus() {
         root.previousFocus = root.Window.activeFocusItem;
-        root.visible = true;
         root.presentationLayer.present(root);
+        // Not before it is enabled, because buttons fade in that are enabled while they are visible.
+        root.visible = true;
         root.forceActiveFocus();
     }
 
-    function disappear() {
+    function returnFocus() {
         const hadKeyboard = root.activeFocus;
         root.presentationLayer.dismiss(root);
         // A view above all screens may have the keyboard focus now, and must keep it.
         if (root.previousFocus && hadKeyboard)
             root.previousFocus.forceActiveFocus();
         root.previousFocus = null;
-        // A view that is dismissed before its animation starts has no closing animation to wait for.
-        if (root.progress === 0)
-            root.visible = false;
     }
 }

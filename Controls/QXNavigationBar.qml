@@ -28,6 +28,16 @@ FocusScope {
     height: collapsedHeight + largeTitleRoom
     z: 1
 
+    TextMetrics {
+        id: metrics
+
+        readonly property real room: root.width - 2 * root.columnMargin
+        readonly property int fittingSize: Math.floor(font.pixelSize * room / Math.max(1, advanceWidth))
+
+        font: QXTheme.largeTitle
+        text: root.shownTitle
+    }
+
     Rectangle {
         anchors.fill: parent
         color: QXTheme.background
@@ -42,6 +52,7 @@ FocusScope {
         QXText {
             id: largeTitle
 
+            objectName: "QXLargeTitle"
             anchors.left: parent.left
             anchors.right: parent.right
             anchors.bottom: parent.bottom
@@ -50,11 +61,16 @@ FocusScope {
             anchors.bottomMargin: QXTheme.spacing
             visible: root.flickable !== null
             text: root.shownTitle
-            font: QXTheme.largeTitle
-            fontSizeMode: Text.HorizontalFit
-            minimumPixelSize: QXTheme.headline.pixelSize
+            // A font that fits, and not the font size mode of the text, which keeps the height of the larger font.
+            font: Qt.font({
+                family: QXTheme.largeTitle.family,
+                pixelSize: Math.max(QXTheme.barTitle.pixelSize, Math.min(metrics.font.pixelSize, metrics.fittingSize)),
+                weight: QXTheme.largeTitle.weight
+            })
             elide: Text.ElideRight
-            Accessible.ignored: true
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+            Accessible.ignored: !visible || root.isCollapsed
         }
     }
 
@@ -79,22 +95,26 @@ FocusScope {
             readonly property real roomStart: before.x + before.width + 4
             readonly property real roomEnd: (after.width > 0 ? after.x : root.width) - 4
 
+            objectName: "QXSmallTitle"
             x: Math.max(roomStart, Math.min((root.width - width) / 2, roomEnd - width))
             anchors.verticalCenter: parent.verticalCenter
             width: Math.max(0, Math.min(implicitWidth, roomEnd - roomStart))
             text: root.shownTitle
             font: QXTheme.barTitle
             fontSizeMode: Text.HorizontalFit
-            minimumPixelSize: QXTheme.caption.pixelSize
+            minimumPixelSize: 12
             elide: Text.ElideRight
             horizontalAlignment: Text.AlignHCenter
             opacity: root.flickable === null || root.isCollapsed ? 1 : 0
             Accessible.role: Accessible.Heading
             Accessible.name: text
+            Accessible.ignored: root.flickable !== null && !root.isCollapsed
 
             Behavior on opacity {
+                enabled: QXTheme.animates
+
                 NumberAnimation {
-                    duration: 150
+                    duration: QXTheme.shortDuration
                 }
             }
         }
@@ -123,8 +143,10 @@ FocusScope {
         opacity: root.flickable === null || root.scrolled >= root.largeTitleHeight ? 1 : 0
 
         Behavior on opacity {
+            enabled: QXTheme.animates
+
             NumberAnimation {
-                duration: 150
+                duration: QXTheme.shortDuration
             }
         }
     }

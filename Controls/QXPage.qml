@@ -7,15 +7,16 @@ QXScrollArea {
     id: root
 
     required property QXNavigationBar bar
-    property real bottomInset: 0
+    required property QXSafeArea safeArea
     /// Whether the large title is in full view.
     property bool isAtTop: true
+    property real formerY: 0
     default property alias items: column.data
 
     y: bar.collapsedHeight
     width: bar.width
     topMargin: bar.largeTitleHeight
-    bottomMargin: bottomInset + QXTheme.buttonClearance
+    bottomMargin: floats.bottomMargin
     contentHeight: column.implicitHeight
     focus: true
     activeFocusOnTab: true
@@ -25,14 +26,48 @@ QXScrollArea {
     Accessible.role: Accessible.Pane
     Accessible.name: bar.shownTitle
 
+    QXPageFloat {
+        id: floats
+
+        page: root
+        safeArea: root.safeArea
+    }
+
     Column {
         id: column
 
         width: root.width
     }
 
+    QXFocusReason {
+        id: focusReason
+
+        item: root
+    }
+
+    // Beside the content, which moves.
+    QXFocusRing {
+        parent: root
+        anchors.fill: parent
+        anchors.margins: 2
+        visible: focusReason.isVisual
+    }
+
+    QXTopAnchor {
+        view: root
+        column: column
+        isScrolled: !root.isAtTop
+    }
+
+    onKeyScrolled: root.safeArea.scrolled()
     Component.onCompleted: root.scrollBy(-Infinity)
     onContentYChanged: root.isAtTop = root.contentY <= -root.topMargin
+    // When the bar grows or shrinks, the text that the user reads stays where it is.
+    onYChanged: {
+        if (!root.isAtTop)
+            root.scrollBy(root.y - root.formerY);
+        root.formerY = root.y;
+    }
     // When the height of the title changes, a page that is scrolled down keeps its position.
     onTopMarginChanged: {
         if (root.isAtTop)

@@ -7,17 +7,19 @@ ListView {
     id: root
 
     required property QXNavigationBar bar
-    property real bottomInset: 0
+    required property QXSafeArea safeArea
     /// Whether the large title is in full view.
     property bool isAtTop: true
     /// Whether the current row is highlighted. A key press sets it; a tap clears it, because a tapped row is
     /// highlighted only while it is pressed.
     property bool highlightsCurrentRow: false
 
+    readonly property int pageRows: Math.max(1, Math.floor(height / (currentItem?.height ?? QXTheme.touchTarget)) - 1)
+
     y: bar.collapsedHeight
     width: bar.width
     topMargin: bar.largeTitleHeight
-    bottomMargin: bottomInset + QXTheme.buttonClearance
+    bottomMargin: floats.bottomMargin
     focus: true
     activeFocusOnTab: true
     reuseItems: true
@@ -33,7 +35,32 @@ ListView {
 
     T.ScrollBar.vertical: QXScrollBar {}
 
-    Keys.onPressed: root.highlightsCurrentRow = true
+    Keys.onPressed: event => {
+        root.highlightsCurrentRow = true;
+        floats.watchKey();
+        if (root.walk(event.key))
+            event.accepted = true;
+    }
+
+    QXPageFloat {
+        id: floats
+
+        parent: root
+        page: root
+        safeArea: root.safeArea
+    }
+
+    // The Tab key leads to a row, because the list itself shows no focus.
+    QXFocusReason {
+        item: root
+        onIsVisualChanged: {
+            if (!isVisual)
+                return;
+            root.highlightsCurrentRow = true;
+            if (root.currentIndex < 0 && root.count > 0)
+                root.currentIndex = Math.max(0, root.indexAt(root.width / 2, Math.max(root.contentY, root.originY) + 1));
+        }
+    }
 
     Component.onCompleted: root.scrollToTop()
     onMovementStarted: {
@@ -54,7 +81,33 @@ ListView {
         root.forceActiveFocus();
     }
 
+    function setCurrentRow(row: int) {
+        root.currentIndex = Math.max(0, Math.min(row, root.count - 1));
+        root.positionViewAtIndex(root.currentIndex, ListView.Contain); // Qt 6.8 stays at the top
+    }
+
+    /// Goes by a page or to an end, for a key. Returns whether the key is one of these.
+    function walk(key: int): bool {
+        switch (key) {
+        case Qt.Key_Home:
+            root.setCurrentRow(0);
+            return true;
+        case Qt.Key_End:
+            root.setCurrentRow(root.count - 1);
+            return true;
+        case Qt.Key_PageUp:
+            root.setCurrentRow(root.currentIndex - root.pageRows);
+            return true;
+        case Qt.Key_PageDown:
+            root.setCurrentRow(root.currentIndex + root.pageRows);
+            return true;
+        default:
+            return false;
+        }
+    }
+
     function scrollToTop() {
+        (root.T.ScrollBar.vertical as QXScrollBar)?.stop();
         root.contentY = root.originY - root.topMargin;
     }
 }

@@ -9,6 +9,11 @@ T.AbstractButton {
 
     Accessible.name: text
     Accessible.role: Accessible.Button
+    // Qt 6.4 presses only some kinds of buttons itself.
+    Accessible.onPressAction: {
+        if (root.enabled)
+            root.clicked();
+    }
 
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()

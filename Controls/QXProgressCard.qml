@@ -30,14 +30,12 @@ QXModal {
         }
     }
 
-    Rectangle {
+    QXCard {
         anchors.centerIn: parent
         width: Math.min(270 * Math.max(1, QXTheme.scale), root.width - 2 * QXTheme.margin)
         height: column.implicitHeight + button.height
         scale: root.presented ? 1 + 0.1 * (1 - root.progress) : 1
         opacity: root.progress
-        radius: QXTheme.cardRadius
-        color: QXTheme.elevatedBackground
 
         MouseArea {
             anchors.fill: parent

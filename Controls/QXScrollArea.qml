@@ -6,13 +6,20 @@ import Quorvix.Controls
 Flickable {
     id: root
 
+    /// Emitted after a key has scrolled the area.
+    signal keyScrolled
+
     boundsBehavior: Flickable.StopAtBounds
     clip: true
     interactive: contentHeight + topMargin + bottomMargin > height
 
     T.ScrollBar.vertical: QXScrollBar {}
 
-    Keys.onPressed: event => event.accepted = root.scrollByKey(event.key)
+    Keys.onPressed: event => {
+        event.accepted = root.scrollByKey(event.key);
+        if (event.accepted)
+            root.keyScrolled();
+    }
 
     onMovementStarted: {
         if (InputMethod.visible)

@@ -2,15 +2,19 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorvix.Controls
 
-/// A field that searches while the user types; Esc or its button clears it.
+/// A field that searches while the user types; its button clears it, and Esc unless `clearsOnEscape` is off.
 T.TextField {
     id: root
+
+    property bool clearsOnEscape: true
 
     objectName: "QXSearchField"
     implicitWidth: 200
     implicitHeight: Math.max(QXTheme.touchTarget, contentHeight + 2 * QXTheme.spacing)
     leftPadding: QXTheme.isMirrored ? clearButton.width : 38
     rightPadding: QXTheme.isMirrored ? 38 : clearButton.width
+    // See QXTextField.
+    horizontalAlignment: TextInput.AlignLeft
     verticalAlignment: TextInput.AlignVCenter
     font: QXTheme.body
     color: QXTheme.label
@@ -32,8 +36,9 @@ T.TextField {
     Accessible.searchEdit: true
 
     Keys.onEscapePressed: event => {
-        event.accepted = root.text.length > 0;
-        root.clear();
+        event.accepted = root.clearsOnEscape && root.text.length > 0;
+        if (event.accepted)
+            root.clear();
     }
 
     QXIcon {
@@ -46,13 +51,16 @@ T.TextField {
     }
 
     QXText {
+        objectName: "QXSearchPrompt"
         anchors.fill: parent
         anchors.leftMargin: 38
-        anchors.rightMargin: clearButton.width
+        anchors.rightMargin: 10
         visible: root.text.length === 0 && root.preeditText.length === 0
         text: root.placeholderText
         font: root.font
         color: QXTheme.secondaryLabel
+        fontSizeMode: Text.HorizontalFit
+        minimumPixelSize: QXTheme.caption.pixelSize
         elide: Text.ElideRight
         verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true

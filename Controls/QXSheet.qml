@@ -3,7 +3,8 @@ import Quorvix.Controls
 
 /// A sheet at the bottom of a narrow window, or a card in the middle of a wide one.
 ///
-/// The user closes it with a swipe down, with Esc, or with a tap beside it.
+/// The user closes it with a swipe down, also of its content while that is at its beginning, with Esc, or with a tap
+/// beside it, and can catch it while it moves.
 QXModal {
     id: root
 
@@ -15,38 +16,44 @@ QXModal {
     property alias trailing: trailingItems.data
     /// The area that scrolls for keys that no control handles.
     property QXScrollArea scrollArea: null
+    /// The colour of the sheet.
+    property color ground: QXTheme.secondaryBackground
     default property alias sheetContent: contentItem.data
 
     readonly property bool isCard: width >= 640
-    property real dragOffset: 0
+
+    leavesFirst: true
+    glide.extent: isCard ? (height + card.height) / 2 : card.height
+    glide.give: 24
 
     Accessible.role: Accessible.Dialog
     Accessible.name: heading.text
 
     Keys.onPressed: event => event.accepted = root.scrollArea?.scrollByKey(event.key) ?? false
 
-    Rectangle {
+    Item {
         id: card
 
-        readonly property real bottomInset: root.isCard ? 0 : root.presentationLayer.safeArea.bottom
+        /// The width of the visible edges.
+        readonly property real edge: root.isCard ? panel.border.width : 0
+        readonly property real bottomInset: root.isCard ? edge : root.presentationLayer.safeArea.bottom
         readonly property real available: root.height - (root.isCard ? 0.16 * root.height : QXTheme.touchTarget)
         readonly property real smallestHeight: header.height + QXTheme.touchTarget
 
         width: root.isCard ? Math.min(560, root.width - 2 * QXTheme.margin) : root.width
         height: Math.min(header.height + root.contentHeight + bottomInset, Math.max(available, smallestHeight))
         x: (root.width - width) / 2
-        y: (root.isCard ? (root.height - height) / 2 : root.height - height)
-           + (1 - root.progress) * (root.isCard ? (root.height + height) / 2 : height) + root.dragOffset
-        radius: QXTheme.cardRadius
-        color: QXTheme.secondaryBackground
+        y: (root.isCard ? (root.height - height) / 2 : root.height - height) + (1 - root.progress) * root.glide.extent
 
-        // Covers the lower corners: only the upper corners of a sheet are round.
-        Rectangle {
+        // The lower corners and the edges of a sheet that fills the window's width are beyond the window.
+        QXCard {
+            id: panel
+
             anchors.fill: parent
-            anchors.topMargin: parent.radius
-            anchors.bottomMargin: -parent.radius - Math.max(0, -root.dragOffset)
-            visible: !root.isCard
-            color: parent.color
+            anchors.leftMargin: root.isCard ? 0 : -border.width
+            anchors.rightMargin: anchors.leftMargin
+            anchors.bottomMargin: root.isCard ? 0 : -radius - root.glide.give
+            color: root.ground
         }
 
         MouseArea {
@@ -63,14 +70,15 @@ QXModal {
             DragHandler {
                 target: null
                 xAxis.enabled: false
-                onActiveTranslationChanged: root.dragOffset = Math.max(0, activeTranslation.y)
+                onCentroidChanged: {
+                    if (active)
+                        root.glide.follow(centroid.scenePosition.y);
+                }
                 onActiveChanged: {
                     if (active)
-                        return;
-                    if (root.dragOffset > card.height * 0.3 || centroid.velocity.y > 800)
-                        root.dismissRequested();
+                        root.glide.hold(centroid.scenePosition.y);
                     else
-                        settle.restart();
+                        root.glide.release();
                 }
             }
 
@@ -99,6 +107,7 @@ QXModal {
                 horizontalAlignment: Text.AlignHCenter
                 Accessible.role: Accessible.Heading
                 Accessible.name: text
+                Accessible.ignored: text.length === 0
             }
 
             QXTextButton {
@@ -115,7 +124,7 @@ QXModal {
                 text: qsTranslate("Quorvix", "Done")
                 font: QXTheme.barTitle
                 focus: true
-                onClicked: root.dismissRequested()
+                onClicked: root.leave()
             }
 
             Row {
@@ -127,27 +136,29 @@ QXModal {
             }
         }
 
-        FocusScope {
-            id: contentItem
-
+        QXPullArea {
             anchors.top: header.bottom
-            width: parent.width
+            x: card.edge
+            width: parent.width - 2 * card.edge
             height: Math.max(0, parent.height - header.height - card.bottomInset)
+            spring: root.glide
+
+            FocusScope {
+                id: contentItem
+
+                anchors.fill: parent
+            }
         }
     }
 
-    NumberAnimation {
-        id: settle
-
-        target: root
-        property: "dragOffset"
-        to: 0
-        duration: 200
-        easing.type: Easing.OutCubic
-    }
-
-    onPresentedChanged: {
-        if (presented)
-            root.dragOffset = 0;
+    // Beside the sheet, which is disabled while it leaves.
+    QXCatcher {
+        parent: root.presentationLayer
+        anchors.fill: parent
+        z: root.z + 0.5
+        visible: root.visible && root.presented
+        containmentMask: card
+        glide: root.glide
+        isVertical: true
     }
 }

@@ -12,11 +12,22 @@ QXScreen {
     /// The view that scrolls below the bar; without it the title stays small.
     property alias flickable: bar.flickable
     property alias trailing: bar.trailing
+    /// Finds in what the screen shows; null for a screen without a find field.
+    property alias finder: findPlace.finder
+    readonly property alias isFinding: findPlace.isFinding
+    /// What gets the keyboard focus after the find field.
+    property Item content: flickable
 
     readonly property alias navigationBar: bar
     readonly property real bottomInset: presentationLayer.safeArea.bottom
 
-    onLeaveRequested: root.leave()
+    onLeaveRequested: {
+        if (!findPlace.end())
+            root.leave();
+    }
+
+    Keys.onShortcutOverride: event => event.accepted = findPlace.commandOf(event) !== 0
+    Keys.onPressed: event => event.accepted = findPlace.perform(findPlace.commandOf(event))
 
     Rectangle {
         anchors.fill: parent
@@ -35,9 +46,19 @@ QXScreen {
             text: qsTranslate("Quorvix", "Back")
             onClicked: root.leave()
         }
+        accessory: QXFindPlace {
+            id: findPlace
+
+            width: parent?.width ?? 0
+            content: root.content
+        }
+    }
+
+    function find() {
+        findPlace.perform(QXFinder.Find);
     }
 
     function leave() {
-        root.T.StackView.view.pop();
+        (root.T.StackView.view as QXNavigationStack).leave();
     }
 }

@@ -17,6 +17,9 @@ T.Switch {
 
     Accessible.name: text
     Accessible.role: Accessible.CheckBox
+    // Qt changes the look only, and tells nobody.
+    Accessible.onPressAction: root.press()
+    Accessible.onToggleAction: root.press()
 
     Keys.onReturnPressed: root.press()
     Keys.onEnterPressed: root.press()
@@ -49,17 +52,20 @@ T.Switch {
             color: QXTheme.onColor
 
             Behavior on x {
-                enabled: !root.down
+                enabled: QXTheme.animates && !root.down
+
                 NumberAnimation {
-                    duration: 150
+                    duration: QXTheme.shortDuration
                     easing.type: Easing.OutCubic
                 }
             }
         }
 
         Behavior on color {
+            enabled: QXTheme.animates
+
             ColorAnimation {
-                duration: 150
+                duration: QXTheme.shortDuration
             }
         }
     }

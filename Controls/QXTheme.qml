@@ -12,6 +12,8 @@ QtObject {
     readonly property bool isMirrored: appearance.isMirrored
     /// The factor for every size that grows with the text.
     readonly property real scale: appearance.fontScale
+    /// Whether texts are too large to stand side by side on a narrow screen.
+    readonly property bool isLargeText: scale >= 1.4
 
     readonly property color label: appearance.palette.label
     readonly property color secondaryLabel: isDark ? "#99ebebf5" : "#bf3c3c43"
@@ -21,13 +23,17 @@ QtObject {
     readonly property color secondaryBackground: isDark ? "#1c1c1e" : "#f2f2f7"
     /// The background of cards on the secondary background, and of sheets and menus.
     readonly property color elevatedBackground: isDark ? "#2c2c2e" : "#ffffff"
-    /// The secondary label's colour at 8 %, on the background and on a sheet's in dark.
+    /// The background of a page in a sheet.
+    readonly property color sheetPage: isDark ? secondaryBackground : background
+    /// The secondary label's colour at 8 % on the page of a sheet.
     readonly property color faintFill: isDark ? "#2d2d2f" : "#efeff0"
     readonly property color fill: isDark ? "#3d767680" : "#1f767680"
     readonly property color pressedFill: appearance.palette.pressedFill
     readonly property color scrim: isDark ? "#80000000" : "#66000000"
     /// Dims the screen behind a menu only lightly, because the item of the menu has to stay visible.
     readonly property color menuScrim: isDark ? "#40000000" : "#1f000000"
+    /// The border of a card in dark, where a shadow would not part it from the page.
+    readonly property color cardEdge: isDark ? "#48484a" : "transparent"
     readonly property color outline: appearance.palette.outline
 
     readonly property color red: appearance.palette.red
@@ -44,6 +50,8 @@ QtObject {
     readonly property color greenText: isDark ? "#30d158" : "#1f7a34"
     /// Backgrounds of white text.
     readonly property color selection: "#0062cc"
+    /// The background of a text that was found.
+    readonly property color mark: isDark ? "#6b5500" : "#ffe680"
     readonly property color destructive: "#d70015"
     readonly property color onColor: appearance.palette.onColor
     /// Backgrounds of small white text for different categories, in light and dark.
@@ -89,9 +97,11 @@ QtObject {
     readonly property real symbolSize: 22
     /// The largest width of a column of text that is easy to read.
     readonly property real readableWidth: 720
-    /// The height at the bottom of a list that the floating button can cover.
-    readonly property real buttonClearance: 96
+    /// Whether views move by themselves. Otherwise they are at the end of their way at once, and so is what fades. An
+    /// animation is not even started then: one that takes no time makes Qt advance all the others in between.
+    readonly property bool animates: !appearance.isMotionReduced
     readonly property int duration: 300
+    readonly property int shortDuration: 150
 
     function text(size: int, weight: int): font {
         return Qt.font({
@@ -104,6 +114,12 @@ QtObject {
     /// The margin at either side of a column in a view of this width.
     function columnMargin(width: real): real {
         return Math.max(root.margin, (width - root.readableWidth) / 2);
+    }
+
+    /// The margin at either side of a row in a view of this width. A row of a narrow view touches both edges.
+    function columnEdge(width: real): real {
+        const column = root.columnMargin(width);
+        return column > root.margin ? column : 0;
     }
 
     /// The text colour for a QXSystemColor.

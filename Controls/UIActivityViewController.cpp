@@ -2,6 +2,7 @@
 
 #include "Platform/BackgroundThread.h"
 #include "Platform/MainActor.h"
+#include "Platform/NSByteCountFormatter.h"
 #include "Platform/ReplaceFile.h"
 #include "Platform/ShortText.h"
 #include "Platform/WriteAll.h"
@@ -10,7 +11,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QLocale>
 #include <QtCore/QMimeData>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QStringDecoder>
@@ -28,6 +28,7 @@ namespace {
 
 /// The length of the preview, in bytes.
 constexpr qsizetype previewLength = 4096;
+constexpr qsizetype mostPreviewLines = 8;
 constexpr qsizetype titleLength = 80;
 /// The length of a text up to which its UTF-8 form is measured at once, in UTF-16 units: a millisecond or
 /// two.
@@ -42,6 +43,18 @@ QString leadingText(const QByteArray &bytes)
     QStringDecoder decoder(QStringDecoder::Utf8);
     QString text = decoder(bytes);
     return decoder.hasError() || text.contains(QChar::Null) ? QString() : text;
+}
+
+QStringList firstLines(const QString &text)
+{
+    QStringList lines = text.split(u'\n').first(qMin(mostPreviewLines, text.count(u'\n') + 1));
+    if (lines.constLast().isEmpty())
+        lines.removeLast();
+    for (QString &line : lines) {
+        // A carriage return would begin another line.
+        line = ShortText::beginning(line.remove(u'\r'));
+    }
+    return lines;
 }
 
 /// The URL of an item that is a QUrl. Text that looks like a URL stays text.
@@ -169,6 +182,11 @@ QString UIActivityViewController::filePath() const
     return m_items.isEmpty() ? QString() : fileUrl(m_items.constFirst()).toLocalFile();
 }
 
+QString UIActivityViewController::fileName() const
+{
+    return QFileInfo(filePath()).fileName();
+}
+
 QString UIActivityViewController::text() const
 {
     return m_items.isEmpty() || isFile() ? QString() : m_items.constFirst().toString();
@@ -176,28 +194,34 @@ QString UIActivityViewController::text() const
 
 QString UIActivityViewController::title() const
 {
+    if (!m_title.isEmpty())
+        return m_title;
     if (isFile())
-        return QFileInfo(filePath()).fileName();
+        return fileName();
     return ShortText::beginning(text().left(previewLength).trimmed().section(u'\n', 0, 0), titleLength);
+}
+
+void UIActivityViewController::setTitle(const QString &title)
+{
+    m_title = title;
+    Q_EMIT activityItemsChanged();
 }
 
 QString UIActivityViewController::subtitle() const
 {
-    const QLocale locale;
-    if (!isFile()) {
-        const QString kind = QCoreApplication::translate("Quorvix", "Text");
-        return m_textSize ? kind + QStringLiteral(" · ") + locale.formattedDataSize(*m_textSize) : kind;
-    }
-    const QFileInfo info(filePath());
-    return info.suffix().toUpper() + QStringLiteral(" · ") + locale.formattedDataSize(info.size());
+    if (isFile())
+        return fileName() + QStringLiteral(" · ") +
+               NSByteCountFormatter::string(QFileInfo(filePath()).size());
+    const QString kind = QCoreApplication::translate("Quorvix", "Text");
+    return m_textSize ? kind + QStringLiteral(" · ") + NSByteCountFormatter::string(*m_textSize) : kind;
 }
 
-QString UIActivityViewController::previewText() const
+QStringList UIActivityViewController::previewLines() const
 {
     if (!isFile())
-        return text().left(previewLength);
+        return firstLines(text().left(previewLength));
     QFile file(filePath());
-    return file.open(QIODevice::ReadOnly) ? leadingText(file.read(previewLength)) : QString();
+    return file.open(QIODevice::ReadOnly) ? firstLines(leadingText(file.read(previewLength))) : QStringList();
 }
 
 QString UIActivityViewController::suggestedPath() const
@@ -205,7 +229,7 @@ QString UIActivityViewController::suggestedPath() const
     QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
     if (!QFileInfo(folder).isDir())
         folder = QDir::homePath();
-    const QString name = isFile() ? title() : QStringLiteral("Quorvix.txt");
+    const QString name = isFile() ? fileName() : QStringLiteral("Quorvix.txt");
     return QDir::toNativeSeparators(unusedPath(folder + u'/' + name));
 }
 

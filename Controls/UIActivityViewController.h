@@ -21,8 +21,10 @@ class UIActivityViewController : public QObject
     QML_ELEMENT
     Q_PROPERTY(
         QVariantList activityItems READ activityItems WRITE setActivityItems NOTIFY activityItemsChanged)
-    Q_PROPERTY(QString title READ title NOTIFY activityItemsChanged)
+    /// What is shared, for people. The file's name, or the first line of the text, if nothing else is set.
+    Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY activityItemsChanged)
     Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
+    Q_PROPERTY(QStringList previewLines READ previewLines NOTIFY activityItemsChanged)
     Q_PROPERTY(QString previewText READ previewText NOTIFY activityItemsChanged)
     Q_PROPERTY(bool isFile READ isFile NOTIFY activityItemsChanged)
     Q_PROPERTY(QString suggestedPath READ suggestedPath NOTIFY activityItemsChanged)
@@ -36,12 +38,14 @@ public:
     [[nodiscard]] const QVariantList &activityItems() const { return m_items; }
     void setActivityItems(const QVariantList &items);
 
-    /// The file's name, or the first line of the text.
     [[nodiscard]] QString title() const;
-    /// The kind and size of the first item. The size of a long text follows later.
+    void setTitle(const QString &title);
+    /// The file's name, and the size of the first item. The size of a long text follows later.
     [[nodiscard]] QString subtitle() const;
-    /// The beginning of the text or of the file's text; empty for a file that is not text.
-    [[nodiscard]] QString previewText() const;
+    /// The first lines of the text or of the file's text, each shortened; empty for a file that is not text.
+    [[nodiscard]] QStringList previewLines() const;
+    /// previewLines() in one text.
+    [[nodiscard]] QString previewText() const { return previewLines().join(u'\n'); }
     /// Whether the items are files, which can be opened and shown in their folder.
     [[nodiscard]] bool isFile() const;
     /// The path that "Save As" suggests: an unused name in the user's download folder.
@@ -67,9 +71,11 @@ Q_SIGNALS:
 private:
     void measureText();
     [[nodiscard]] QString filePath() const;
+    [[nodiscard]] QString fileName() const;
     [[nodiscard]] QString text() const;
 
     QVariantList m_items;
+    QString m_title;
     /// The number of bytes of the text as UTF-8; absent while it is not known.
     std::optional<qsizetype> m_textSize;
     /// Replaced when the items change. A text that is measured has a weak pointer to it.

@@ -15,9 +15,11 @@ Column {
         width: parent.width
         content: root.model.displayTitle
         font: QXTheme.subheadline
-        wrapMode: Text.WrapAnywhere
-        maximumLineCount: 3
+        wrapMode: Text.Wrap
+        maximumLineCount: QXTheme.isLargeText ? 5 : 3
         elide: Text.ElideRight
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
     }
 
     QXText {
@@ -26,6 +28,8 @@ Column {
         font: QXTheme.footnote
         color: QXTheme.secondaryLabel
         wrapMode: Text.Wrap
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
     }
 
     QXText {

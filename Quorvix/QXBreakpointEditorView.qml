@@ -12,6 +12,10 @@ QXScreen {
     required property QXBreakpointEditorModel model
     required property QXSafeArea safeArea
 
+    /// The size of the text in the bar. In a narrow window it leaves room for the title.
+    readonly property int barTextSize: Math.max(QXTheme.caption.pixelSize / 2,
+                                                Math.min(QXTheme.barItem.pixelSize, bar.width * 15 / 320))
+
     objectName: "QXBreakpointEditorView"
 
     LayoutMirroring.enabled: QXTheme.isMirrored
@@ -40,13 +44,13 @@ QXScreen {
         leading: QXTextButton {
             objectName: "QXContinueButton"
             text: qsTranslate("Quorvix", "Continue")
-            font: QXTheme.barItem
+            font: root.barFont(Font.Normal)
             onClicked: root.model.continueResponse()
         }
         trailing: QXTextButton {
             objectName: "QXApplyButton"
             text: qsTranslate("Quorvix", "Apply Changes")
-            font: QXTheme.barTitle
+            font: root.barFont(Font.DemiBold)
             onClicked: root.model.applyChanges()
         }
     }
@@ -81,5 +85,13 @@ QXScreen {
 
         presentationLayer: presentations
         area: form.body
+    }
+
+    function barFont(weight: int): font {
+        return Qt.font({
+            family: QXTheme.appearance.fontFamily,
+            pixelSize: root.barTextSize,
+            weight: weight
+        });
     }
 }

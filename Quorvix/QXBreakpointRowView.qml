@@ -19,7 +19,9 @@ Item {
     signal deleteRequested
 
     objectName: "QXBreakpointRow"
-    implicitHeight: Math.max(QXTheme.touchTarget, lines.implicitHeight + 20)
+    // As high without the hint as with it.
+    implicitHeight: Math.max(QXTheme.touchTarget,
+                             lines.implicitHeight + (hint.visible ? 20 : 20 + hint.implicitHeight + lines.spacing))
     clip: true
     onIsEditingChanged: root.uncovered = 0
 
@@ -117,13 +119,16 @@ Item {
                 text: root.shownText
                 font: QXTheme.subheadline
                 wrapMode: Text.Wrap
-                maximumLineCount: 3
+                maximumLineCount: QXTheme.isLargeText ? 6 : 4
                 elide: Text.ElideRight
                 Accessible.ignored: true
             }
 
             QXText {
+                id: hint
+
                 width: parent.width
+                visible: !root.isEditing
                 text: qsTranslate("Quorvix", "Swipe to delete.")
                 font: QXTheme.caption
                 color: QXTheme.secondaryLabel
@@ -134,7 +139,7 @@ Item {
     }
 
     Behavior on uncovered {
-        enabled: !swipe.active
+        enabled: QXTheme.animates && !swipe.active
 
         NumberAnimation {
             duration: QXTheme.duration

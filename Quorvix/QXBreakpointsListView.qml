@@ -16,8 +16,11 @@ FocusScope {
     readonly property QXBreakpointsViewModel viewModel: QXBreakpointsViewModel {}
 
     objectName: "QXBreakpointsListView"
+    implicitHeight: list.count === 0 ? empty.height : Math.max(QXTheme.touchTarget, list.contentHeight)
 
     QXText {
+        id: empty
+
         objectName: "QXNoBreakpoints"
         anchors.left: parent.left
         anchors.right: parent.right
@@ -27,6 +30,8 @@ FocusScope {
         font: QXTheme.subheadline
         color: QXTheme.secondaryLabel
         wrapMode: Text.Wrap
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
     }
 
     ListView {
@@ -36,6 +41,7 @@ FocusScope {
         focus: true
         activeFocusOnTab: true
         clip: true
+        boundsBehavior: Flickable.StopAtBounds // further down, the sheet is pulled
         cacheBuffer: 0 // as in QXPageList
         currentIndex: -1
         model: root.viewModel
@@ -48,6 +54,19 @@ FocusScope {
         Accessible.name: qsTranslate("Quorvix", "Breakpoints")
 
         Keys.onDeletePressed: root.viewModel.deleteRules([list.currentIndex])
+        Keys.onPressed: event => {
+            event.accepted = event.matches(StandardKey.Copy);
+            if (event.accepted)
+                root.viewModel.copy(list.currentIndex);
+        }
+
+        QXFocusReason {
+            item: list
+            onIsVisualChanged: {
+                if (isVisual && list.currentIndex < 0 && list.count > 0)
+                    list.currentIndex = 0;
+            }
+        }
 
         T.ScrollBar.vertical: QXScrollBar {}
 
@@ -59,5 +78,11 @@ FocusScope {
             isCurrent: ListView.isCurrentItem && list.activeFocus
             onDeleteRequested: root.viewModel.deleteRules([index])
         }
+    }
+
+    QXScrollHint {
+        area: list
+        ground: QXTheme.secondaryBackground
+        visible: list.count > 0
     }
 }

@@ -1,5 +1,8 @@
 #include "Quorvix/QXBreakpointsViewModel.h"
 
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+
 QXBreakpointsViewModel::QXBreakpointsViewModel(QObject *parent)
     : QXBreakpointsViewModel(QXBreakpointStore::shared(), parent)
 {
@@ -38,6 +41,12 @@ void QXBreakpointsViewModel::deleteRules(const QList<int> &offsets)
             rules.remove(m_items[offset]);
     }
     m_store.setRules(rules);
+}
+
+void QXBreakpointsViewModel::copy(int row) const
+{
+    if (row >= 0 && row < m_items.size())
+        QGuiApplication::clipboard()->setText(m_items[row].displayText());
 }
 
 /// Both lists have the same order, so unchanged rows never move.

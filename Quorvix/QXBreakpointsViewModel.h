@@ -28,6 +28,8 @@ public:
 
     /// Removes the rules of these rows from the store. Rows that do not exist are ignored.
     Q_INVOKABLE void deleteRules(const QList<int> &offsets);
+    /// Copies the text of a row to the clipboard. Ignores a row that does not exist.
+    Q_INVOKABLE void copy(int row) const;
 
 private:
     void refresh();

@@ -47,6 +47,7 @@ Item {
         root.button.Accessible.role = Accessible.Button;
         root.button.Accessible.name = root.button.text;
         root.button.Accessible.description = root.button.badgeText;
+        root.button.Accessible.ignored = Qt.binding(() => root.overlay.isCovered && !root.overlay.isFramed);
         root.button.Accessible.pressAction.connect(root.button.clicked);
     }
 }

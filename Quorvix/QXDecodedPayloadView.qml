@@ -17,13 +17,26 @@ QXSheet {
     doneText: qsTranslate("Quorvix", "OK")
     presented: payload !== undefined
     title: sections.title
-    contentHeight: column.height
+    ground: QXTheme.sheetPage
+    contentHeight: findPlace.height + column.height
     scrollArea: scroll
 
-    onPayloadChanged: sections.payload = root.payload
+    Keys.onShortcutOverride: event => event.accepted = findPlace.commandOf(event) !== 0
+    Keys.onPressed: event => {
+        if (findPlace.perform(findPlace.commandOf(event)))
+            event.accepted = true;
+    }
+
+    onPayloadChanged: {
+        sections.payload = root.payload;
+        if (root.payload !== undefined && root.presented)
+            root.appear(); // the sheet may be leaving with an earlier payload
+    }
     onVisibleChanged: {
-        if (!visible && !presented)
+        if (!visible && !presented) {
+            findPlace.end();
             sections.clear();
+        }
     }
     Component.onCompleted: sections.payload = root.payload
 
@@ -33,14 +46,20 @@ QXSheet {
         onPayloadChanged: scroll.contentY = 0
     }
 
-    Rectangle {
-        anchors.fill: parent
-        anchors.bottomMargin: -root.presentationLayer.safeArea.bottom
-        color: QXTheme.background
+    QXFindPlace {
+        id: findPlace
 
-        QXSeparator {
-            width: parent.width
-        }
+        x: QXTheme.margin
+        width: parent.width - 2 * x
+        bottomPadding: isFinding ? 12 : 0
+        finder: QXTextFinder {}
+        content: scroll
+    }
+
+    QXSeparator {
+        y: findPlace.height
+        width: parent.width
+        z: 1
     }
 
     QXScrollArea {
@@ -48,7 +67,11 @@ QXSheet {
 
         objectName: "QXDecodedPayloadPage"
         anchors.fill: parent
+        anchors.topMargin: findPlace.height
         contentHeight: column.height
+
+        // In the find field, it closes the field too.
+        Keys.onEscapePressed: event => event.accepted = findPlace.end()
 
         Column {
             id: column
@@ -87,11 +110,16 @@ QXSheet {
                         width: parent.width
                         page: scroll
                         document: section.document
+                        Component.onCompleted: (findPlace.finder as QXTextFinder).add(block.view)
                         color: QXTheme.faintFill
                         view.font: Qt.font({
                             family: QXTheme.appearance.monospacedFamily,
                             pixelSize: Math.round(12 * QXTheme.scale)
                         })
+                        onCopyRequested: {
+                            block.selectAll();
+                            block.copySelection();
+                        }
                         onContextMenuRequested: position => menu.openFor(block, position)
                         onActiveFocusChanged: {
                             if (activeFocus)
@@ -103,15 +131,23 @@ QXSheet {
         }
     }
 
+    QXScrollHint {
+        area: scroll
+        ground: root.ground
+        radius: root.isCard ? QXTheme.cardRadius : 0
+    }
+
     QXTextMenu {
         id: menu
 
         presentationLayer: root.presentationLayer
+        canFind: true
+        onFindRequested: findPlace.perform(QXFinder.Find)
         onCopyRequested: {
-            menu.block.selectAll();
-            menu.block.copySelection();
+            menu.block?.selectAll();
+            menu.block?.copySelection();
         }
-        onCopySelectionRequested: menu.block.copySelection()
+        onCopySelectionRequested: menu.block?.copySelection()
 
         function openFor(block: QXTextBlock, position: point) {
             menu.block = block;

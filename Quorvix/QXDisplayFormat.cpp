@@ -1,12 +1,11 @@
 #include "Quorvix/QXDisplayFormat.h"
 
+#include "Platform/NSByteCountFormatter.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
-
-#include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -27,12 +26,6 @@ QString timeFormat(const QLocale &locale)
     return locale.timeFormat(QLocale::LongFormat).remove(QRegularExpression(uR"([\s(\[]*t+[\s)\]]*)"_s));
 }
 
-QString number(double value)
-{
-    const bool isWhole = value == std::floor(value);
-    return QLocale().toString(value, 'f', isWhole ? 0 : 1);
-}
-
 } // namespace
 
 QString QXDisplayFormat::date(std::chrono::system_clock::time_point time)
@@ -44,18 +37,10 @@ QString QXDisplayFormat::date(std::chrono::system_clock::time_point time)
            locale.toString(dateTime.time(), timeFormat(locale));
 }
 
-QString QXDisplayFormat::byteCount(qsizetype bytes)
-{
-    const double kilobytes = bytes > 0 ? std::max(1.0, std::round(double(bytes) / 1e3)) : 0;
-    if (kilobytes < 1000)
-        return QCoreApplication::translate("Quorvix", "%1 KB").arg(number(kilobytes));
-    return QCoreApplication::translate("Quorvix", "%1 MB").arg(number(std::round(double(bytes) / 1e5) / 10));
-}
-
 QString QXDisplayFormat::discardedBody(qsizetype bytes)
 {
     return QCoreApplication::translate("Quorvix", "Removed to stay within the memory budget (%1)")
-        .arg(byteCount(bytes));
+        .arg(Quorvix::NSByteCountFormatter::string(bytes));
 }
 
 QString QXDisplayFormat::seconds(const QString &text, QLatin1StringView directive, double seconds, int digits)

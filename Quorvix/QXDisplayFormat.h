@@ -6,17 +6,13 @@
 
 #include <chrono>
 
-/// Formats points in time, durations and sizes for the screens and the exported texts: in the user's
+/// Formats points in time and durations for the screens and the exported texts: in the user's
 /// language, at medium length, in the local time zone. Any thread.
 namespace QXDisplayFormat {
 
 /// Date and time in the locale's long format, with a short month and without weekday and time zone: "Nov 14,
 /// 2023, 10:13:20 PM".
 [[nodiscard]] QUORVIX_INTERNAL_EXPORT QString date(std::chrono::system_clock::time_point time);
-
-/// A size in kilobytes of 1000 bytes, without a fraction. From one megabyte on, in megabytes with at most
-/// one decimal digit: "12 KB", "1.5 MB". Sizes between 0 and 1 KB become 1 KB.
-[[nodiscard]] QString byteCount(qsizetype bytes);
 
 /// The sentence that stands in place of a body of this size that the budget of the recorder has removed:
 /// "Removed to stay within the memory budget (1.2 MB)".

@@ -9,6 +9,8 @@
 #include <QtGui/QPainter>
 #include <QtGui/QRegion>
 #include <QtGui/QStyleHints>
+#include <QtQml/QQmlComponent>
+#include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickWindow>
 #include <QtQuick/QSGRendererInterface>
 
@@ -26,7 +28,6 @@ constexpr qreal symbolSize = 22;
 constexpr qreal dotSize = 3;
 constexpr qreal dotSpacing = 3;
 constexpr qreal dotsMargin = 7;
-constexpr qreal badgeOverhang = 4;
 constexpr qreal ringDistance = 3;
 constexpr qreal ringWidth = 2;
 constexpr qreal faceOpacity = 0.85;
@@ -63,6 +64,15 @@ QRegion capsule(const QRectF &frame)
            QRegion(frame.adjusted(end, 0, -end, 0).toRect());
 }
 
+/// Qt 6.4 tells nothing of any item, for as long as the process runs, once somebody has asked for one before
+/// Qt Quick's types are known. They are not where no engine has imported them.
+void registerTypes()
+{
+    QQmlEngine engine;
+    QQmlComponent component(&engine);
+    component.setData("import QtQuick; Item {}", QUrl());
+}
+
 bool canDrawGlass(const QQuickWindow &window)
 {
     const auto api = window.rendererInterface()->graphicsApi();
@@ -81,6 +91,7 @@ QXFloatingButton::QXFloatingButton(QQuickItem &page, bool isTranslucent)
                                 [this](QPainter &painter) {
                                     drawSymbol(painter, QStringLiteral("button.shadow"),
                                                m_appearance.palette().shadow, m_shadow->boundingRect());
+                                    paintBacking(painter);
                                 })),
       m_face(new QXButtonPart(*m_content, bounds, [this](QPainter &painter) { paintFace(painter); })),
       m_badge(new QXButtonBadge(*m_content)),
@@ -110,6 +121,8 @@ QXFloatingButton::QXFloatingButton(QQuickItem &page, bool isTranslucent)
     // Here, because the constructor of the base does not call this class's itemChange().
     setParentItem(&page);
     QAccessible::installActivationObserver(this);
+    if (QAccessible::isActive())
+        registerTypes();
 }
 
 QXFloatingButton::~QXFloatingButton()
@@ -143,9 +156,11 @@ void QXFloatingButton::askForParts()
 
 void QXFloatingButton::accessibilityActiveChanged(bool isActive)
 {
+    if (!isActive)
+        return;
+    registerTypes();
     // Queued, because the platform may be in the middle of an answer to the technology.
-    if (isActive)
-        QMetaObject::invokeMethod(this, &QXFloatingButton::askForParts, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &QXFloatingButton::askForParts, Qt::QueuedConnection);
 }
 
 void QXFloatingButton::itemChange(ItemChange change, const ItemChangeData &value)
@@ -210,6 +225,15 @@ QRegion QXFloatingButton::visibleRegion() const
     const QPointF center = bounds.center();
     return badge + (m_isTranslucent ? disc(center + QPointF(0, shadowOffset), shadowRadius)
                                     : disc(center, buttonRadius + 1));
+}
+
+/// The face and the glass are translucent. Without this, letters of the content would be visible through
+/// them.
+void QXFloatingButton::paintBacking(QPainter &painter) const
+{
+    const qreal radius = buttonRadius - 0.5;
+    painter.setBrush(m_appearance.palette().material);
+    painter.drawEllipse(m_shadow->boundingRect().center() - QPointF(0, shadowOffset), radius, radius);
 }
 
 void QXFloatingButton::paintFace(QPainter &painter) const

@@ -35,6 +35,8 @@ class QXFloatingButton final : public QQuickItem, private QAccessible::Activatio
 
 public:
     static constexpr qreal size = 52;
+    /// How far the badge stands out at the top and at the side.
+    static constexpr qreal badgeOverhang = 4;
 
     /// Makes a button as a child of @p page. @p isTranslucent is whether the host's window is visible below
     /// what is transparent here.
@@ -97,6 +99,7 @@ private:
     void animate();
     void updateLook();
     void placeBadge();
+    void paintBacking(QPainter &painter) const;
     void paintFace(QPainter &painter) const;
     [[nodiscard]] bool isCutOut() const { return !m_isTranslucent && !m_isOnScreen; }
 

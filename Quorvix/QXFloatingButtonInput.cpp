@@ -17,7 +17,7 @@
 namespace {
 
 constexpr qreal pressedScale = 0.94;
-constexpr int scaleDuration = 120;
+constexpr int scaleDuration = 250;
 
 /// Whether the focus came by a key, so that the user looks for it.
 bool isVisualReason(Qt::FocusReason reason)
@@ -35,6 +35,8 @@ void QXFloatingButton::setPressed(bool isPressed)
     m_face->update();
     if (!m_isTranslucent || !window())
         return;
+    if (isPressed)
+        m_appearance.refresh();
     m_firstScale = m_content->scale();
     m_sincePressed.start();
     disconnect(m_frames);
@@ -45,8 +47,10 @@ void QXFloatingButton::setPressed(bool isPressed)
 /// Called before each frame. A QAnimation would keep the window's animation driver busy beyond the window.
 void QXFloatingButton::animate()
 {
-    const qreal progress = std::min(1.0, qreal(m_sincePressed.elapsed()) / scaleDuration);
-    m_content->setScale(std::lerp(m_firstScale, m_isPressed ? pressedScale : 1.0, progress));
+    const qreal progress =
+        m_appearance.isMotionReduced() ? 1 : std::min(1.0, qreal(m_sincePressed.elapsed()) / scaleDuration);
+    const qreal eased = 1 - std::pow(1 - progress, 3);
+    m_content->setScale(std::lerp(m_firstScale, m_isPressed ? pressedScale : 1.0, eased));
     if (progress < 1)
         window()->update();
     else

@@ -6,9 +6,13 @@ QXScrollArea {
     id: root
 
     required property string message
+    required property QXSafeArea safeArea
+
+    /// The height without what an item floats over.
+    readonly property real freeHeight: height + safeArea.bottom - safeArea.floatTop
 
     objectName: "QXLogTreeFailure"
-    contentHeight: Math.max(height, column.implicitHeight)
+    contentHeight: column.implicitHeight <= freeHeight ? height : column.implicitHeight + height - freeHeight
     activeFocusOnTab: visible && interactive
 
     Column {
@@ -16,7 +20,7 @@ QXScrollArea {
 
         anchors.horizontalCenter: parent.horizontalCenter
         // The content is a little above the exact middle, where it looks centred.
-        y: Math.max(0, (root.height - height) * 0.45)
+        y: Math.max(0, (root.freeHeight - height) * 0.45)
         width: root.width - 2 * QXTheme.columnMargin(root.width)
         topPadding: QXTheme.margin
         bottomPadding: QXTheme.margin

@@ -9,8 +9,8 @@ QXPageList {
     id: root
 
     required property QXLogTreeViewModel viewModel
-
-    readonly property int pageRows: Math.max(1, Math.floor(height / (currentItem?.height ?? QXTheme.touchTarget)) - 1)
+    /// Whether the current row is highlighted while the find field has the keyboard focus.
+    property bool isFinding: false
 
     /// Requests the menu of a row; @p position is in the coordinates of @p item.
     signal menuRequested(int row, Item item, point position)
@@ -22,25 +22,23 @@ QXPageList {
     Accessible.role: Accessible.Tree
 
     Keys.onPressed: event => {
-        event.accepted = true;
-        if (event.matches(StandardKey.Copy))
+        const isCopy = event.matches(StandardKey.Copy);
+        if (isCopy)
             root.viewModel.copy(root.currentIndex);
-        else
-            event.accepted = root.handleKey(event.key, event.modifiers);
+        if (isCopy || root.handleKey(event.key, event.modifiers))
+            event.accepted = true;
     }
 
     delegate: QXLogTreeRow {
         id: row
 
-        required property int index
-
         width: ListView.view.width
-        columnMargin: root.bar.columnMargin
+        page: root
         indentationWidth: 20
-        isCurrent: ListView.isCurrentItem && root.highlightsCurrentRow && root.activeFocus
+        isCurrent: ListView.isCurrentItem && root.highlightsCurrentRow && (root.activeFocus || root.isFinding)
         onClicked: {
             root.selectRow(index);
-            root.viewModel.toggle(index);
+            root.toggleRow(row);
         }
         onMenuRequested: position => {
             root.selectRow(index);
@@ -48,8 +46,36 @@ QXPageList {
         }
     }
 
-    function setCurrentRow(row: int) {
-        root.currentIndex = Math.max(0, Math.min(row, root.count - 1));
+    /// Opens or closes a row: its children, or its whole value.
+    function toggleRow(row: QXLogTreeRow) {
+        root.viewModel.toggle(row.index);
+        if (row.canUnfold)
+            root.viewModel.toggleValue(row.index);
+    }
+
+    /// Scrolls through a current row that is larger than the list. Returns whether there was more to see.
+    function scrollInRow(by: int): bool {
+        const row = root.currentItem;
+        if (!row || row.height <= root.height)
+            return false;
+        const above = root.contentY - row.y;
+        const below = row.y + row.height - root.contentY - root.height + root.bottomMargin;
+        const distance = Math.min(by < 0 ? above : below, QXTheme.touchTarget);
+        if (distance <= 0)
+            return false;
+        root.contentY += by * distance;
+        return true;
+    }
+
+    /// Makes a row the current one, and scrolls it to the middle if it was not in view.
+    function showRow(row: int) {
+        const item = root.itemAtIndex(row);
+        const isInView = item && item.y >= root.contentY
+                       && item.y + item.height <= root.contentY + root.height - root.bottomMargin;
+        root.highlightsCurrentRow = true;
+        root.currentIndex = row;
+        if (!isInView)
+            root.positionViewAtIndex(row, ListView.Center);
     }
 
     function requestMenu() {
@@ -62,26 +88,25 @@ QXPageList {
         case Qt.Key_Return:
         case Qt.Key_Enter:
         case Qt.Key_Space:
-            root.viewModel.toggle(root.currentIndex);
+            if (root.currentItem)
+                root.toggleRow(root.currentItem);
             return true;
         case QXTheme.isMirrored ? Qt.Key_Left : Qt.Key_Right:
-            root.setCurrentRow(root.viewModel.expand(root.currentIndex));
+            if (root.currentItem?.canUnfold && !root.currentItem.isUnfolded)
+                root.viewModel.toggleValue(root.currentIndex);
+            else
+                root.setCurrentRow(root.viewModel.expand(root.currentIndex));
             return true;
         case QXTheme.isMirrored ? Qt.Key_Right : Qt.Key_Left:
-            root.setCurrentRow(root.viewModel.collapse(root.currentIndex));
+            if (root.currentItem?.isUnfolded)
+                root.viewModel.toggleValue(root.currentIndex);
+            else
+                root.setCurrentRow(root.viewModel.collapse(root.currentIndex));
             return true;
-        case Qt.Key_Home:
-            root.setCurrentRow(0);
-            return true;
-        case Qt.Key_End:
-            root.setCurrentRow(root.count - 1);
-            return true;
-        case Qt.Key_PageUp:
-            root.setCurrentRow(root.currentIndex - root.pageRows);
-            return true;
-        case Qt.Key_PageDown:
-            root.setCurrentRow(root.currentIndex + root.pageRows);
-            return true;
+        case Qt.Key_Up:
+            return root.scrollInRow(-1);
+        case Qt.Key_Down:
+            return root.scrollInRow(1);
         case Qt.Key_Menu:
             root.requestMenu();
             return true;

@@ -13,6 +13,12 @@ QXStackScreen {
 
     objectName: "QXLogTreeView"
     title: requestPath
+    content: list
+    finder: QXLogTreeFinder {
+        model: root.viewModel
+        currentRow: list.currentIndex
+        onRowFound: row => list.showRow(row)
+    }
     trailing: QXToolButton {
         objectName: "QXShareModelButton"
         symbol: "curlybraces"
@@ -26,6 +32,7 @@ QXStackScreen {
         anchors.bottomMargin: root.bottomInset
         visible: root.hasFailed
         message: root.viewModel.parseError ?? ""
+        safeArea: root.presentationLayer.safeArea
     }
 
     QXLogTreeList {
@@ -34,8 +41,9 @@ QXStackScreen {
         height: root.height - y
         visible: !root.hasFailed
         bar: root.navigationBar
-        bottomInset: root.bottomInset
+        safeArea: root.presentationLayer.safeArea
         viewModel: root.viewModel
+        isFinding: root.isFinding
         onMenuRequested: (row, item, position) => menu.openFor(row, item, position)
     }
 
@@ -46,6 +54,7 @@ QXStackScreen {
         property bool canDecode: false
 
         presentationLayer: root.presentationLayer
+        page: list
 
         QXMenuItem {
             objectName: "QXCopyRowItem"
@@ -60,6 +69,13 @@ QXStackScreen {
             text: qsTranslate("Quorvix", "Decode Base64")
             symbol: "doc.text"
             onTriggered: root.viewModel.decodeBase64(menu.row)
+        }
+
+        QXMenuItem {
+            objectName: "QXFindItem"
+            text: qsTranslate("Quorvix", "Find")
+            symbol: "magnifyingglass"
+            onTriggered: root.find()
         }
 
         function openFor(row: int, item: Item, position: point) {

@@ -156,6 +156,7 @@ void QXLogTreeViewModel::show(Fields fields)
 {
     m_check->cancel();
     m_checked = nullptr; // a node of the new tree can get the same address
+    m_unfolded.clear();
     beginResetModel();
     m_rows.clear();
     FreedMemory::discard(std::exchange(m_rootFields, std::move(fields)), treeSize(m_textSize));
@@ -190,6 +191,10 @@ QVariant QXLogTreeViewModel::data(const QModelIndex &index, int role) const
         return shown.isExpanded();
     case HasChildrenRole:
         return !shown.children().empty();
+    case WholeValueRole:
+        return m_unfolded.text(shown);
+    case DocumentRole:
+        return QVariant::fromValue(m_unfolded.document(shown));
     default:
         return {};
     }
@@ -203,7 +208,9 @@ QHash<int, QByteArray> QXLogTreeViewModel::roleNames() const
             {KindNameRole, "kindName"},
             {DepthRole, "depth"},
             {IsExpandedRole, "isExpanded"},
-            {HasChildrenRole, "hasChildren"}};
+            {HasChildrenRole, "hasChildren"},
+            {WholeValueRole, "wholeValue"},
+            {DocumentRole, "document"}};
 }
 
 std::vector<const QXApiTreeField *> QXLogTreeViewModel::visibleFields() const
@@ -267,6 +274,41 @@ int QXLogTreeViewModel::collapse(int row)
         return shown.parent() ? int(m_rows.rowBefore(size_t(row), shown.parent())) : row;
     toggle(row);
     return row;
+}
+
+void QXLogTreeViewModel::toggleValue(int row)
+{
+    if (!hasRow(row) || !field(row).children().empty())
+        return;
+    const auto changed = [this, row, node = &field(row)] {
+        if (hasRow(row) && &field(row) == node)
+            Q_EMIT dataChanged(index(row), index(row), {WholeValueRole, DocumentRole});
+    };
+    if (m_unfolded.contains(field(row))) {
+        m_unfolded.remove(field(row));
+        return changed();
+    }
+    task()->perform(
+        field(row).textUtf8().size(), QCoreApplication::translate("Quorvix", "Opening Value…"),
+        [node = field(row).share()](QXTaskProgress *) {
+            return std::pair(node, QXUnfoldedValues::valueOf(*node));
+        },
+        [this, changed](const auto &value) {
+            m_unfolded.insert(*value.first, value.second);
+            changed();
+        });
+}
+
+int QXLogTreeViewModel::reveal(const QXApiTreeField &revealed)
+{
+    std::vector<const QXApiTreeField *> path{&revealed};
+    while (path.back()->parent())
+        path.push_back(path.back()->parent());
+    for (size_t node = path.size() - 1; node > 0; --node) {
+        if (!path[node]->isExpanded())
+            toggle(int(m_rows.rowBefore(m_rows.size(), path[node])));
+    }
+    return int(m_rows.rowBefore(m_rows.size(), &revealed));
 }
 
 QString QXLogTreeViewModel::copyText(int row) const
@@ -344,7 +386,8 @@ void QXLogTreeViewModel::shareSwiftModel(const QString &requestPath)
             FreedMemory::note(m_textSize);
             if (!source)
                 return presentAlert(source.error().localizedDescription);
-            presentShareItem(QXShareItem(source.value()));
+            presentShareItem(
+                QXShareItem(source.value(), QCoreApplication::translate("Quorvix", "Swift model")));
         });
 }
 

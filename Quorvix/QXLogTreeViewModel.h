@@ -3,6 +3,7 @@
 #include "Quorvix/QXApiTreeParser.h"
 #include "Quorvix/QXLogTreeRows.h"
 #include "Quorvix/QXPresentingModel.h"
+#include "Quorvix/QXUnfoldedValues.h"
 
 #include "Text/QXTextContent.h"
 
@@ -37,7 +38,12 @@ public:
         KindNameRole,
         DepthRole,
         IsExpandedRole,
-        HasChildrenRole
+        HasChildrenRole,
+        /// The whole value of a row that is unfolded; empty for other rows, and if it has a document.
+        WholeValueRole,
+        /// The whole value of a row that is unfolded, as a document if it is too long for a text item; or
+        /// null.
+        DocumentRole
     };
 
     explicit QXLogTreeViewModel(const QXTextContent &json, QObject *parent = nullptr);
@@ -53,6 +59,9 @@ public:
     [[nodiscard]] QXApiTreeField &field(int row) const { return *m_rows.at(size_t(row)); }
     /// The nodes of all rows; valid until another text is loaded.
     [[nodiscard]] std::vector<const QXApiTreeField *> visibleFields() const;
+
+    /// The length of the text, in UTF-16 units.
+    [[nodiscard]] qsizetype textSize() const noexcept { return m_textSize; }
 
     [[nodiscard]] const std::optional<QString> &parseError() const noexcept { return m_parseError; }
 
@@ -71,6 +80,12 @@ public:
     /// Collapses a row, or selects its parent if there is nothing to collapse. Returns the row that gets
     /// keyboard focus.
     Q_INVOKABLE int collapse(int row);
+
+    /// Unfolds a row without children, so that its whole value can be read, or folds it. A large value
+    /// follows later. Has no effect on rows with children.
+    Q_INVOKABLE void toggleValue(int row);
+    /// Expands all nodes above a node of this tree, and returns its row.
+    int reveal(const QXApiTreeField &revealed);
 
     /// The text of a row for the clipboard: "key: value", or only the value if there is no key. It is never
     /// shortened.
@@ -107,6 +122,7 @@ private:
     QXLogTreeRows m_rows;
     std::optional<QString> m_parseError;
     qsizetype m_textSize = 0;
+    QXUnfoldedValues m_unfolded{this};
     /// The large string that was checked last.
     const QXApiTreeField *m_checked = nullptr;
     bool m_isCheckedDecodable = false;

@@ -241,6 +241,16 @@ void QXOverlay::dismissRequestList()
         QMetaObject::invokeMethod(this, &QXOverlay::requestListDismissed, Qt::QueuedConnection);
 }
 
+void QXOverlay::turnRequestList(bool presents)
+{
+    if (!presents) {
+        dismissRequestList();
+    } else if (m_isShowingRequestList && !m_presentsRequestList) {
+        m_presentsRequestList = true;
+        Q_EMIT presentationChanged();
+    }
+}
+
 void QXOverlay::requestListDismissed()
 {
     if (!m_isShowingRequestList || m_presentsRequestList)
@@ -273,6 +283,7 @@ void QXOverlay::handleBreakpointChanged()
         QXLog::log(QXLogLevel::debug,
                    QStringLiteral("[Breakpoint] hide window key=") + QXLog::boolText(isKey));
         m_breakpointWindow.reset();
+        Q_EMIT coveredChanged();
         m_breakpointAwaitsWindow = false;
         m_host.setHidden(m_isHidden); // the editor may have changed it
     }
@@ -290,7 +301,9 @@ void QXOverlay::showBreakpointWindow()
     if (m_breakpointAwaitsWindow)
         return;
     m_host.setShowsScreens(true);
-    if (!m_breakpointWindow)
+    if (!m_breakpointWindow) {
         m_breakpointWindow = std::make_unique<QXBreakpointWindow>(engine(), m_host);
+        Q_EMIT coveredChanged();
+    }
     m_breakpointWindow->makeKeyAndVisible(active);
 }

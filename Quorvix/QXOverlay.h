@@ -46,6 +46,8 @@ class QXOverlay : public QObject
     /// Whether the screens are in a framed window of their own, and only the button is over the host's
     /// window.
     Q_PROPERTY(bool isFramed READ isFramed NOTIFY presentationChanged)
+    /// Whether the breakpoint window covers what is in the window of the screens.
+    Q_PROPERTY(bool isCovered READ isCovered NOTIFY coveredChanged)
 
 public:
     static constexpr QLatin1StringView dragPositionKey{"QXOverlayButtonPosition"};
@@ -70,6 +72,7 @@ public:
     [[nodiscard]] bool presentsRequestList() const noexcept { return m_presentsRequestList; }
     [[nodiscard]] bool isShowingRequestList() const noexcept { return m_isShowingRequestList; }
     [[nodiscard]] bool isFramed() const { return m_host.isFramed(); }
+    [[nodiscard]] bool isCovered() const noexcept { return m_breakpointWindow != nullptr; }
     /// The safe area of the button's window. Null while there is no layer.
     [[nodiscard]] QXSafeArea *safeArea() const;
 
@@ -90,6 +93,8 @@ public:
     void handleButtonPanEnd();
     /// Starts to close the request list.
     Q_INVOKABLE void dismissRequestList();
+    /// Called by the view when the user has caught the list on its way: from now on it opens or closes.
+    Q_INVOKABLE void turnRequestList(bool presents);
     /// Called by the view when the animation of the request list ends. If the list was closing, it is now
     /// closed.
     Q_INVOKABLE void requestListDismissed();
@@ -97,6 +102,7 @@ public:
 Q_SIGNALS:
     void buttonMoved();
     void presentationChanged();
+    void coveredChanged();
 
 private:
     void handleRequestsChanged();
@@ -116,6 +122,7 @@ private:
     void updateBadge();
     void updateMask();
     void placeButton();
+    void updateFloat();
     void updateButton();
     [[nodiscard]] QRectF contentRect() const;
     [[nodiscard]] QRectF safeRect() const;

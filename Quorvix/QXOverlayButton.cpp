@@ -79,7 +79,18 @@ void QXOverlay::placeButton()
 {
     if (m_button)
         m_button->setPosition(buttonFrame().topLeft());
+    updateFloat();
     updateMask();
+}
+
+/// Tells the screens where the button floats over them, with its badge.
+void QXOverlay::updateFloat()
+{
+    if (!m_layer)
+        return;
+    const qreal height = m_layer->page().height();
+    const QRectF frame = buttonFrame();
+    safeArea()->setFloat(height - frame.top() + QXFloatingButton::badgeOverhang, height - frame.bottom());
 }
 
 QXSafeArea *QXOverlay::safeArea() const

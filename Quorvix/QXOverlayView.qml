@@ -14,9 +14,10 @@ FocusScope {
     /// Whether this is the view of the framed window.
     required property bool isFramed
     /// The progress of the opening list, from 0 (closed) to 1 (open).
-    property real progress: 0
+    readonly property alias progress: slide.position
     /// The parent of the button.
     readonly property Item buttonPlace: place
+    readonly property QXFloatingButton button: place.children[0] as QXFloatingButton
     readonly property bool showsList: root.overlay.isShowingRequestList && root.overlay.isFramed === root.isFramed
 
     LayoutMirroring.enabled: QXTheme.isMirrored
@@ -31,51 +32,95 @@ FocusScope {
         enabled: root.showsList
     }
 
-    // A Repeater makes a new list screen each time the list opens.
-    Repeater {
-        model: root.showsList ? 1 : 0
+    QXCurtain {
+        anchors.fill: parent
+        isCovered: root.overlay.isCovered && root.overlay.isFramed === root.isFramed
 
-        delegate: QXRequestListView {
-            // Hidden before it is deleted, so that a press on one of its items ends while its models exist.
-            visible: root.overlay.presentsRequestList || root.progress > 0
-            y: root.height * (1 - root.progress)
-            width: root.width
-            height: root.height
-            focus: true
-            presentationLayer: presentations
-            onClose: root.overlay.dismissRequestList()
-            Component.onCompleted: forceActiveFocus()
+        // A Repeater makes a new list screen each time the list opens.
+        Repeater {
+            model: root.showsList ? 1 : 0
+
+            delegate: QXRequestListView {
+                // Hidden before it is deleted, so that a press on one of its items ends while its models exist.
+                visible: root.overlay.presentsRequestList || root.progress > 0
+                y: root.height * (1 - root.progress)
+                width: root.width
+                height: root.height
+                focus: true
+                presentationLayer: presentations
+                onClose: root.overlay.dismissRequestList()
+                Component.onCompleted: forceActiveFocus()
+            }
+        }
+
+        // Below the button, which turns the list round, too.
+        QXCatcher {
+            anchors.fill: parent
+            glide: slide
+            isVertical: true
+        }
+
+        QXCurtain {
+            id: place
+
+            anchors.fill: parent
+            enabled: !presentations.isPresenting
+            // The user sees what moves beneath the button.
+            opacity: faint.running ? 0.15 : 1
+
+            Behavior on opacity {
+                enabled: QXTheme.animates
+
+                NumberAnimation {
+                    duration: QXTheme.duration / 2
+                }
+            }
+        }
+
+        QXPresentationLayer {
+            id: presentations
+
+            anchors.fill: parent
+            safeArea: root.safeArea
+            visible: root.overlay.presentsRequestList
         }
     }
 
-    Item {
-        id: place
+    // Runs while a page is scrolled, and a little longer.
+    Timer {
+        id: faint
 
-        anchors.fill: parent
-        enabled: !presentations.isPresenting
+        interval: 500
     }
 
-    QXPresentationLayer {
-        id: presentations
+    Connections {
+        target: root.safeArea
 
-        anchors.fill: parent
-        safeArea: root.safeArea
-        visible: root.overlay.presentsRequestList
+        function onScrolled() {
+            faint.restart();
+        }
     }
 
-    NumberAnimation {
+    Connections {
+        target: root.button
+
+        function onApproached() {
+            faint.stop();
+        }
+    }
+
+    QXGlide {
         id: slide
 
-        target: root
-        property: "progress"
-        duration: root.overlay.isTranslucent ? QXTheme.duration : 0
-        easing.type: Easing.OutCubic
-        onFinished: root.overlay.requestListDismissed()
+        animates: root.overlay.isTranslucent && QXTheme.animates
+        extent: Math.max(1, root.height)
+        onIsOpenChanged: root.overlay.turnRequestList(isOpen)
+        onSettled: root.overlay.requestListDismissed()
     }
 
     // The host may have deleted an earlier view while the list was open.
     Component.onCompleted: {
-        root.progress = root.overlay.presentsRequestList ? 1 : 0;
+        slide.jump(root.overlay.presentsRequestList);
         root.overlay.requestListDismissed();
     }
 
@@ -83,9 +128,11 @@ FocusScope {
         target: root.overlay
 
         function onPresentationChanged() {
-            slide.to = root.overlay.presentsRequestList ? 1 : 0;
-            if (root.showsList && !root.isFramed)
-                slide.restart();
+            if (!root.showsList)
+                return;
+            QXTheme.appearance.refresh();
+            if (!root.isFramed)
+                slide.isOpen = root.overlay.presentsRequestList;
         }
     }
 }

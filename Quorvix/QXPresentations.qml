@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Quorvix.Controls
 import Quorvix.Screens
@@ -11,16 +13,44 @@ Item {
     required property QXPresentingModel model
     required property string alertTitle
 
-    QXActivityView {
-        presentationLayer: root.presentationLayer
-        shareItem: root.model.shareItem
-        onDismissRequested: root.model.shareItem = undefined
+    property bool hasShared: false
+    property bool hasDecoded: false
+
+    // The sheets are made when they are needed first, because the user waits while a list or details open. They take
+    // the keyboard focus only after that.
+    Repeater {
+        model: root.hasShared ? 1 : 0
+
+        delegate: QXActivityView {
+            presentationLayer: root.presentationLayer
+            shareItem: undefined
+            onDismissRequested: root.model.shareItem = undefined
+        }
+
+        onItemAdded: (index, item) => (item as QXActivityView).shareItem = Qt.binding(() => root.model.shareItem)
     }
 
-    QXDecodedPayloadView {
-        presentationLayer: root.presentationLayer
-        payload: root.model.decodedPayload
-        onDismissRequested: root.model.decodedPayload = undefined
+    Repeater {
+        model: root.hasDecoded ? 1 : 0
+
+        delegate: QXDecodedPayloadView {
+            presentationLayer: root.presentationLayer
+            onDismissRequested: root.model.decodedPayload = undefined
+        }
+
+        onItemAdded: (index, item) => (item as QXDecodedPayloadView).payload = Qt.binding(() => root.model.decodedPayload)
+    }
+
+    Connections {
+        target: root.model
+
+        function onShareItemChanged() {
+            root.hasShared = true;
+        }
+
+        function onDecodedPayloadChanged() {
+            root.hasDecoded = true;
+        }
     }
 
     QXAlert {

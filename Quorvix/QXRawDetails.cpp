@@ -6,6 +6,7 @@
 #include "Quorvix/QXTaskSteps.h"
 
 #include "Platform/Localized.h"
+#include "Platform/NSByteCountFormatter.h"
 #include "Platform/URLText.h"
 
 #include <QtCore/QCoreApplication>
@@ -137,7 +138,7 @@ QString details(const QXExportedTrace &exported, const BodyAppender &appendBody,
     if (request.body || request.discardedBodySize)
         addBlock(
             text, QT_TRANSLATE_NOOP("Quorvix", "Request Size"),
-            QXDisplayFormat::byteCount(request.body ? request.body->size() : *request.discardedBodySize));
+            NSByteCountFormatter::string(request.body ? request.body->size() : *request.discardedBodySize));
     if (!beginStage(progress, 1))
         return {};
     finish(progress);

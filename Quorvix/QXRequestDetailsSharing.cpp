@@ -28,20 +28,21 @@ qsizetype QXRequestDetailsViewModel::sizeOfBodies() const
     return size;
 }
 
-/// Makes an artefact from the trace and presents it, or says why there is none.
+/// Makes an artefact from the trace and presents it under its title, or says why there is none.
 template<typename Export>
-void QXRequestDetailsViewModel::share(const QString &title, Export make, QString (*describe)(const NSError &))
+void QXRequestDetailsViewModel::share(const QString &title, const QString &progressTitle, Export make,
+                                      QString (*describe)(const NSError &))
 {
     task()->perform(
-        sizeOfBodies(), title,
+        sizeOfBodies(), progressTitle,
         [trace = m_request, make = std::move(make)](QXTaskProgress *progress) {
             return make(trace, progress);
         },
-        [this, describe](const auto &artefact) {
+        [this, title, describe](const auto &artefact) {
             // An export needs several times the size of the bodies, until it is done.
             FreedMemory::note(sizeOfBodies());
             if (artefact)
-                presentShareItem(QXShareItem(artefact.value()));
+                presentShareItem(QXShareItem(artefact.value(), title));
             else
                 alert(QCoreApplication::translate("Quorvix", "Export Failed"), describe(artefact.error()));
         },
@@ -60,7 +61,8 @@ QString QXRequestDetailsViewModel::messageOf(const NSError &error)
 
 void QXRequestDetailsViewModel::shareCurl()
 {
-    share(QCoreApplication::translate("Quorvix", "Preparing cURL Command…"),
+    share(QCoreApplication::translate("Quorvix", "cURL command"),
+          QCoreApplication::translate("Quorvix", "Preparing cURL Command…"),
           [](const QXRequestTrace &trace, QXTaskProgress *progress) {
               return QXCurlCommandBuilder::build(trace, progress);
           });
@@ -71,13 +73,15 @@ void QXRequestDetailsViewModel::shareHarFile()
     const auto make = [](const QXRequestTrace &trace, QXTaskProgress *progress) {
         return QXArchiveWriter::exportTrace(trace, std::chrono::system_clock::now(), progress);
     };
-    share(QCoreApplication::translate("Quorvix", "Preparing HAR File…"), make,
+    share(QCoreApplication::translate("Quorvix", "HAR archive"),
+          QCoreApplication::translate("Quorvix", "Preparing HAR File…"), make,
           &QXArchiveWriter::failureMessage);
 }
 
 void QXRequestDetailsViewModel::shareMockServerFile()
 {
-    share(QCoreApplication::translate("Quorvix", "Preparing Mock Server File…"),
+    share(QCoreApplication::translate("Quorvix", "Mock server file"),
+          QCoreApplication::translate("Quorvix", "Preparing Mock Server File…"),
           [](const QXRequestTrace &trace, QXTaskProgress *progress) {
               return QXApiMockGenerator::exportMock(trace, progress);
           });
@@ -85,7 +89,8 @@ void QXRequestDetailsViewModel::shareMockServerFile()
 
 void QXRequestDetailsViewModel::shareSwiftModel()
 {
-    share(QCoreApplication::translate("Quorvix", "Preparing Swift Model…"),
+    share(QCoreApplication::translate("Quorvix", "Swift model"),
+          QCoreApplication::translate("Quorvix", "Preparing Swift Model…"),
           [](const QXRequestTrace &trace, QXTaskProgress *progress) {
               return QXSwiftModelExport::exportTrace(trace, progress);
           });
@@ -99,7 +104,8 @@ void QXRequestDetailsViewModel::shareRawDetails()
         if (document(row))
             texts.emplace_back(m_rows[std::size_t(row)].section.body, bodySource(row));
     }
-    share(QCoreApplication::translate("Quorvix", "Preparing Raw Details…"),
+    share(QCoreApplication::translate("Quorvix", "Raw details"),
+          QCoreApplication::translate("Quorvix", "Preparing Raw Details…"),
           [texts](const QXRequestTrace &trace, QXTaskProgress *progress) -> Result<QString> {
               const auto textOf = [&](const QByteArray &body) {
                   const auto known = std::find_if(texts.cbegin(), texts.cend(), [&](const Text &text) {

@@ -22,7 +22,10 @@ QXStackScreen {
     objectName: "QXRequestDetailsView"
     title: qsTranslate("Quorvix", "Request Details")
     flickable: scroller
+    finder: QXTextFinder {}
     trailing: QXToolButton {
+        id: shareButton
+
         objectName: "QXShareButton"
         symbol: "square.and.arrow.up"
         text: qsTranslate("Quorvix", "Share Request")
@@ -37,7 +40,7 @@ QXStackScreen {
         objectName: "QXRequestDetailsPage"
         height: root.height - y
         bar: root.navigationBar
-        bottomInset: root.bottomInset
+        safeArea: root.presentationLayer.safeArea
 
         Repeater {
             model: root.viewModel
@@ -47,6 +50,7 @@ QXStackScreen {
                 viewModel: root.viewModel
                 page: scroller
                 columnMargin: root.navigationBar.columnMargin
+                finder: root.finder as QXTextFinder
                 onMenuRequested: (item, position, text) => valueMenu.openFor(item, position, text)
                 onBodyMenuRequested: (block, position) => bodyMenu.openFor(block, position, index)
             }
@@ -59,6 +63,7 @@ QXStackScreen {
         property string text
 
         presentationLayer: root.presentationLayer
+        page: scroller
         onCopyRequested: root.viewModel.copyValue(valueMenu.text)
         onDecodeRequested: root.viewModel.decodeValue(valueMenu.text)
 
@@ -74,10 +79,13 @@ QXStackScreen {
 
         property int row
 
+        canFind: true
         presentationLayer: root.presentationLayer
+        page: scroller
         onCopyRequested: root.viewModel.copyBody(bodyMenu.row)
         onCopySelectionRequested: root.viewModel.copyValue(bodyMenu.block.view.selectedText())
         onDecodeRequested: root.viewModel.decodeBody(bodyMenu.row)
+        onFindRequested: root.find()
 
         function openFor(block: QXTextBlock, position: point, row: int) {
             bodyMenu.block = block;
@@ -98,6 +106,7 @@ QXStackScreen {
     QXConfirmationDialog {
         presentationLayer: root.presentationLayer
         presented: root._showShareOptions
+        source: shareButton
         title: qsTranslate("Quorvix", "Share Request")
         onDismissRequested: root._showShareOptions = false
 
@@ -145,7 +154,7 @@ QXStackScreen {
     Component.onCompleted: root.viewModel.belongTo(root)
 
     function showLogTree() {
-        root.T.StackView.view.push(Qt.resolvedUrl("QXLogTreeView.qml"), {
+        (root.T.StackView.view as QXNavigationStack).open(Qt.resolvedUrl("QXLogTreeView.qml"), {
             presentationLayer: root.presentationLayer,
             viewModel: root.viewModel.makeLogTree(),
             requestPath: root.viewModel._logTreeDestination.requestPath

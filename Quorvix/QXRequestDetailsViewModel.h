@@ -147,7 +147,7 @@ private:
     void decode(qsizetype size, Source<QByteArray> utf8);
     [[nodiscard]] qsizetype sizeOfBodies() const;
     template<typename Export>
-    void share(const QString &title, Export make,
+    void share(const QString &title, const QString &progressTitle, Export make,
                QString (*describe)(const Quorvix::NSError &) = &QXRequestDetailsViewModel::messageOf);
     [[nodiscard]] static QString messageOf(const Quorvix::NSError &error);
     void alert(const QString &title, const QString &message);

@@ -88,10 +88,14 @@ FocusScope {
         objectName: "QXRequestList"
         height: root.height - y
         bar: navigationBar
-        bottomInset: root.safeArea.bottom
+        safeArea: root.safeArea
         model: root.viewModel
         KeyNavigation.up: search
 
+        Keys.onPressed: event => {
+            if (event.matches(StandardKey.Copy))
+                root.viewModel.copyUrl(list.currentIndex);
+        }
         Keys.onReturnPressed: list.openCurrent()
         Keys.onEnterPressed: list.openCurrent()
 
@@ -99,7 +103,6 @@ FocusScope {
             required property int index
 
             width: ListView.view.width
-            columnMargin: navigationBar.columnMargin
             isCurrent: ListView.isCurrentItem && list.highlightsCurrentRow && list.activeFocus
             onClicked: {
                 list.selectRow(index);
@@ -129,6 +132,15 @@ FocusScope {
     QXListAnchor {
         view: list
         // The user comes back to the row that he has opened.
-        keepsCurrentRow: root.T.StackView.status !== T.StackView.Active
+        keepsCurrentRow: root.T.StackView.status !== T.StackView.Active || returned.running
     }
+
+    // What is recorded in the moment of the return, when nothing moves, still counts as earlier.
+    Timer {
+        id: returned
+
+        interval: QXTheme.duration
+    }
+
+    T.StackView.onActivated: returned.start()
 }

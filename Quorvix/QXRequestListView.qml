@@ -28,22 +28,29 @@ QXScreen {
         color: QXTheme.background
     }
 
-    QXNavigationStack {
-        id: stack
-
+    QXCurtain {
         anchors.fill: parent
         anchors.topMargin: root.safeArea.top
         anchors.leftMargin: root.safeArea.left
         anchors.rightMargin: root.safeArea.right
-        focus: true
         enabled: !root.presentationLayer.isPresenting
+
+        QXNavigationStack {
+            id: stack
+
+            anchors.fill: parent
+            focus: true
+        }
     }
 
     QXSheet {
+        id: breakpointsSheet
+
+        objectName: "QXBreakpointsSheet"
         presentationLayer: root.presentationLayer
         presented: root.showBreakpoints
         title: qsTranslate("Quorvix", "Breakpoints")
-        contentHeight: root.height * 0.6
+        contentHeight: breakpoints.implicitHeight + breakpoints.anchors.bottomMargin
         trailing: QXTextButton {
             objectName: "QXBreakpointsEditButton"
             visible: breakpoints.count > 0
@@ -57,6 +64,8 @@ QXScreen {
             id: breakpoints
 
             anchors.fill: parent
+            // The rows end above the round corners of a card.
+            anchors.bottomMargin: QXTheme.cardRadius
             focus: true
         }
     }
@@ -73,7 +82,10 @@ QXScreen {
             safeArea: root.safeArea
         }, T.StackView.Immediate) as QXRequestListPage;
         page.close.connect(root.close);
-        page.breakpointsRequested.connect(() => root.showBreakpoints = true);
+        page.breakpointsRequested.connect(() => {
+            root.showBreakpoints = true;
+            breakpointsSheet.appear(); // it may be leaving
+        });
         page.rowChosen.connect(root.openDetails);
         root.viewModel.belongTo(root);
     }
@@ -83,7 +95,7 @@ QXScreen {
         const details = root.viewModel.makeDetails(row);
         if (!details)
             return;
-        stack.push(Qt.resolvedUrl("QXRequestDetailsView.qml"), {
+        stack.open(Qt.resolvedUrl("QXRequestDetailsView.qml"), {
             presentationLayer: root.presentationLayer,
             viewModel: details
         });

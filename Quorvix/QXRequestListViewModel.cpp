@@ -7,10 +7,13 @@
 #include "Quorvix/QXTemporaryFile.h"
 
 #include "Platform/ShortText.h"
+#include "Platform/URLText.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLocale>
 #include <QtCore/QTimerEvent>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 
 #include <limits>
 #include <variant>
@@ -364,7 +367,8 @@ void QXRequestListViewModel::exportAll()
                 return presentAlert(QCoreApplication::translate("Quorvix", "No network requests to export."));
             if (const auto *error = std::get_if<NSError>(&outcome))
                 return presentAlert(QXArchiveWriter::failureMessage(*error));
-            presentShareItem(QXShareItem(std::get<QUrl>(outcome)));
+            presentShareItem(
+                QXShareItem(std::get<QUrl>(outcome), QCoreApplication::translate("Quorvix", "HAR archive")));
         },
         [](const ExportOutcome &outcome) {
             if (const auto *file = std::get_if<QUrl>(&outcome))
@@ -375,6 +379,12 @@ void QXRequestListViewModel::exportAll()
 QXRequestDetailsViewModel *QXRequestListViewModel::makeDetails(int row) const
 {
     return row >= 0 && row < rowCount() ? new QXRequestDetailsViewModel(trace(row)) : nullptr;
+}
+
+void QXRequestListViewModel::copyUrl(int row) const
+{
+    if (row >= 0 && row < m_rowCount && trace(row).url)
+        QGuiApplication::clipboard()->setText(absoluteString(*trace(row).url));
 }
 
 void QXRequestListViewModel::clear()

@@ -65,6 +65,8 @@ public:
     /// Makes the details model of a row from its current trace. The screen that shows it becomes its owner.
     /// Null if the row does not exist.
     Q_INVOKABLE QXRequestDetailsViewModel *makeDetails(int row) const;
+    /// Copies the URL of a row to the clipboard, unless the row does not exist or has none.
+    Q_INVOKABLE void copyUrl(int row) const;
     /// Clears the recorder. The rows are removed when its notification arrives.
     Q_INVOKABLE void clear();
 

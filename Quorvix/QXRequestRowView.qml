@@ -72,6 +72,7 @@ QXListRow {
     QXSeparator {
         anchors.left: lines.left
         anchors.right: parent.right
+        anchors.rightMargin: root.edge
         anchors.bottom: parent.bottom
     }
 }

@@ -18,6 +18,8 @@ Column {
     required property QXTextDocument document
     required property QXRequestDetailsViewModel viewModel
     required property QXPage page
+    /// Finds in the body.
+    required property QXTextFinder finder
     property real columnMargin: QXTheme.margin
 
     readonly property bool isBody: kind === QXRequestDetailsViewModel.BodySection
@@ -88,8 +90,12 @@ Column {
             document: root.viewModel.documentForValue(modelData.text)
             page: root.page
             textColor: QXTheme.textColor(modelData.color)
+            onCopyRequested: root.viewModel.copyValue(row.text)
             onContextMenuRequested: position => root.menuRequested(row, position, row.text)
-            onVisualFocusChanged: root.page.revealFocused(row)
+            onVisualFocusChanged: {
+                if (row.visualFocus)
+                    root.page.reveal(row);
+            }
         }
     }
 
@@ -127,6 +133,8 @@ Column {
             width: root.columnWidth
             page: root.page
             document: root.document
+            Component.onCompleted: root.finder.add(block.view)
+            onCopyRequested: root.viewModel.copyBody(root.index)
             onContextMenuRequested: position => root.bodyMenuRequested(block, position)
             onActiveFocusChanged: {
                 if (activeFocus)

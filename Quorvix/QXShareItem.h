@@ -11,15 +11,24 @@ struct QXShareItem
     Q_GADGET
     Q_PROPERTY(QUuid id MEMBER id)
     Q_PROPERTY(QVariantList activityItems MEMBER activityItems)
+    Q_PROPERTY(QString title MEMBER title)
 
 public:
     QXShareItem() = default;
-    explicit QXShareItem(const QString &text) : id(QUuid::createUuid()), activityItems{text} {}
-    explicit QXShareItem(const QUrl &fileUrl) : id(QUuid::createUuid()), activityItems{fileUrl} {}
+    QXShareItem(const QString &text, const QString &itsTitle)
+        : id(QUuid::createUuid()), activityItems{text}, title(itsTitle)
+    {
+    }
+    QXShareItem(const QUrl &fileUrl, const QString &itsTitle)
+        : id(QUuid::createUuid()), activityItems{fileUrl}, title(itsTitle)
+    {
+    }
 
     QUuid id;
     /// Texts and file URLs.
     QVariantList activityItems;
+    /// What is shared, for people: "HAR archive".
+    QString title;
 
     bool operator==(const QXShareItem &) const = default;
 };

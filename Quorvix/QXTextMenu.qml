@@ -2,17 +2,19 @@ import QtQuick
 import Quorvix.Controls
 import Quorvix.Text
 
-/// The menu of a read-only text: copies the whole text or the selection, and decodes the text.
+/// The menu of a read-only text: copies the whole text or the selection, decodes the text, and finds in it.
 QXContextMenu {
     id: root
 
     /// The block whose selection can be copied; null for a text without one.
     property QXTextBlock block: null
     property bool canDecode: false
+    property bool canFind: false
 
     signal copyRequested
     signal copySelectionRequested
     signal decodeRequested
+    signal findRequested
 
     QXMenuItem {
         objectName: "QXCopyValueItem"
@@ -35,5 +37,13 @@ QXContextMenu {
         text: qsTranslate("Quorvix", "Decode Base64")
         symbol: "doc.text"
         onTriggered: root.decodeRequested()
+    }
+
+    QXMenuItem {
+        objectName: "QXFindItem"
+        visible: root.canFind
+        text: qsTranslate("Quorvix", "Find")
+        symbol: "magnifyingglass"
+        onTriggered: root.findRequested()
     }
 }

@@ -1,12 +1,12 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Quorvix.Controls
 import Quorvix.Text
 
-/// A label and its value, side by side, with a menu for the value.
-T.Control {
+/// A label and its value, side by side or, where large text leaves no room for that, one above the other; with a menu for
+/// the value. Not a control, because Qt 6.4 tells nobody that a control is a text.
+Item {
     id: root
 
     required property string label
@@ -18,41 +18,58 @@ T.Control {
     property Flickable page: null
     property real blockHeight: 0
 
-    readonly property real textHeight: Math.max(title.implicitHeight, document ? blockHeight : value.implicitHeight)
+    readonly property real besideWidth: 100 * Math.max(1, QXTheme.scale)
+    readonly property bool isStacked: QXTheme.isLargeText || besideWidth > 0.4 * columnWidth
+    readonly property real valueHeight: document ? blockHeight : value.implicitHeight
+    readonly property real textHeight: isStacked ? title.implicitHeight + valueHeight
+                                                 : Math.max(title.implicitHeight, valueHeight)
+    readonly property bool visualFocus: focusReason.isVisual
     readonly property real textTop: (height - textHeight) / 2
-    readonly property real labelWidth: Math.min(100 * Math.max(1, QXTheme.scale), 0.4 * (width - 2 * columnMargin))
+    readonly property real valueTop: textTop + (isStacked ? title.implicitHeight : 0)
+    readonly property real columnWidth: width - 2 * columnMargin
+    readonly property real labelWidth: isStacked ? columnWidth : besideWidth
 
+    /// Emitted for Ctrl+C.
+    signal copyRequested
     /// Requests the context menu; @p position is in the coordinates of this row.
     signal contextMenuRequested(point position)
 
     objectName: "QXValueRow"
     implicitWidth: 320
     implicitHeight: Math.max(QXTheme.touchTarget, textHeight + 2 * QXTheme.spacing)
-    focusPolicy: Qt.StrongFocus
+    activeFocusOnTab: true
 
     Accessible.role: Accessible.StaticText
     Accessible.name: title.text + ", " + (document ? document.beginning : text)
     Accessible.focusable: true
 
     Keys.onPressed: event => {
+        if (event.matches(StandardKey.Copy)) {
+            root.copyRequested();
+            return;
+        }
         event.accepted = event.key === Qt.Key_Menu
                       || (event.key === Qt.Key_F10 && (event.modifiers & Qt.ShiftModifier) !== 0);
         if (event.accepted)
-            root.contextMenuRequested(Qt.point(root.mirrored ? value.x + value.width : value.x, root.height));
+            root.contextMenuRequested(Qt.point(QXTheme.isMirrored ? value.x + value.width : value.x, root.height));
     }
 
-    background: Item {
-        Rectangle {
-            anchors.fill: parent
-            anchors.leftMargin: root.columnMargin - QXTheme.spacing
-            anchors.rightMargin: anchors.leftMargin
-            radius: QXTheme.cornerRadius
-            color: area.isHeld ? QXTheme.fill : "transparent"
+    QXFocusReason {
+        id: focusReason
 
-            QXFocusRing {
-                anchors.fill: parent
-                visible: root.visualFocus
-            }
+        item: root
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.leftMargin: root.columnMargin - QXTheme.spacing
+        anchors.rightMargin: anchors.leftMargin
+        radius: QXTheme.cornerRadius
+        color: area.isHeld ? QXTheme.fill : "transparent"
+
+        QXFocusRing {
+            anchors.fill: parent
+            visible: root.visualFocus
         }
     }
 
@@ -76,10 +93,10 @@ T.Control {
         // Not beside the title: the title moves with the height of the row while it lays itself out, and the
         // value would change the height once more.
         anchors.left: parent.left
-        anchors.leftMargin: root.columnMargin + root.labelWidth + QXTheme.spacing
+        anchors.leftMargin: root.columnMargin + (root.isStacked ? 0 : root.labelWidth + QXTheme.spacing)
         anchors.right: parent.right
         anchors.rightMargin: root.columnMargin
-        y: root.textTop
+        y: root.valueTop
         text: root.document ? "" : root.text
         font: QXTheme.subheadline
         color: root.textColor
@@ -94,7 +111,7 @@ T.Control {
             id: block
 
             x: value.x
-            y: root.textTop
+            y: root.valueTop
             width: value.width
             page: root.page
             document: root.document

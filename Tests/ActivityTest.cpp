@@ -59,8 +59,11 @@ void ActivityTest::fileIsShownCopiedAndSaved()
     controller.setActivityItems({QUrl::fromLocalFile(m_path)});
     QVERIFY(controller.isFile());
     QCOMPARE(controller.title(), u"archive.har"_s);
-    QVERIFY(controller.subtitle().startsWith(u"HAR"_s));
-    QCOMPARE(controller.previewText(), u"{\"log\" : \"ü\"}"_s);
+    controller.setTitle(u"HAR archive"_s);
+    QCOMPARE(controller.title(), u"HAR archive"_s);
+    QCOMPARE(controller.subtitle(), u"archive.har · 1 KB"_s);
+    QCOMPARE(controller.previewLines(), QStringList{u"{\"log\" : \"ü\"}"_s});
+    QVERIFY(controller.suggestedPath().contains(u"archive"_s));
     controller.copy();
     QVERIFY(QGuiApplication::clipboard()->text().endsWith(u"archive.har"_s));
     const QString target = m_folder.filePath(u"saved.har"_s);
@@ -76,7 +79,7 @@ void ActivityTest::textIsNeverTakenForAFile()
     UIActivityViewController controller;
     controller.setActivityItems({text});
     QVERIFY(!controller.isFile());
-    QCOMPARE(controller.previewText(), text);
+    QCOMPARE(controller.previewLines(), QStringList{text});
     QVERIFY(!controller.open() && !controller.showInFolder());
     const QString target = m_folder.filePath(u"saved.txt"_s);
     QCOMPARE(save(controller, target), QString());

@@ -31,7 +31,6 @@ private Q_SLOTS:
     void longTextsAreCut_data() { pages(), heldResponse(); }
     void longTextsAreCut();
     void secondTapIsIgnored();
-    void fingerSwipesBack();
     void keysScrollSheets();
     void colorsContrast_data();
     void colorsContrast();
@@ -203,28 +202,6 @@ void ModalTest::secondTapIsIgnored()
     click(at);
     click(QPoint(at.x(), 60));
     QVERIFY(waitFor("QXActivitySheet"));
-}
-
-void ModalTest::fingerSwipesBack()
-{
-    openDetails();
-    const auto swipe = [this](int distance) {
-        touch({4, 400});
-        for (int step = 1; step <= 10; ++step) {
-            QTest::qWait(30); // slowly: it is the distance that counts
-            moveFinger({4 + distance * step / 10, 400});
-        }
-        QTest::qWait(100);
-        lift({4 + distance, 400});
-    };
-    swipe(80);
-    QTRY_VERIFY(!find("QXRequestRow"));
-    const QQuickItem *const details = find("QXRequestDetailsView");
-    QVERIFY(details && details->x() == 0);
-    swipe(300);
-    QTRY_VERIFY(!find("QXRequestDetailsView"));
-    QTRY_VERIFY(find("QXRequestRow"));
-    QCOMPARE(find("QXRequestList")->mapToScene({}).x(), 0);
 }
 
 void ModalTest::keysScrollSheets()

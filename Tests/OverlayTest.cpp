@@ -3,6 +3,8 @@
 
 #include "Quorvix/QXOverlay.h"
 
+#include "Controls/QXAppearance.h"
+
 #include <QtGui/QRasterWindow>
 
 using namespace Qt::StringLiterals;
@@ -89,7 +91,12 @@ private Q_SLOTS:
     void standsWhereItWasLeft();
     void staysInsideWindowsOfEverySize();
     void whatIsNotTheButtonIsTheHosts();
+    void hostsHandlersGetNothingThroughScreens_data();
+    void hostsHandlersGetNothingThroughScreens();
     void twoTapsOpenAndClose();
+    void lastRowsAreClearOfTheButton_data();
+    void lastRowsAreClearOfTheButton();
+    void isFaintWhileContentMoves();
     void liesAboveTheHostsDialogs();
     void makesDoWithoutAHostWindow();
     void keepsTheFocusWhenScreensAreMade();
@@ -212,6 +219,52 @@ void OverlayTest::whatIsNotTheButtonIsTheHosts()
     QCOMPARE(clicks(), 2);
 }
 
+void OverlayTest::hostsHandlersGetNothingThroughScreens_data()
+{
+    QTest::addColumn<QByteArray>("handler");
+    QTest::newRow("drag") << QByteArray("DragHandler { target: null;");
+    QTest::newRow("tap") << QByteArray("TapHandler { gesturePolicy: TapHandler.WithinBounds;");
+    QTest::newRow("point") << QByteArray("PointHandler {");
+}
+
+/// Handlers, unlike items, get each press that an item above them has accepted, and can take it over.
+void OverlayTest::hostsHandlersGetNothingThroughScreens()
+{
+    QFETCH(const QByteArray, handler);
+    const QByteArray root = handler + " onGrabChanged: ++root.grabs }";
+    m_window = makeWindow(
+        *m_engine, "import QtQuick\n"
+                   "Window { id: root; property int grabs: 0; width: 390; height: 844; visible: true\n" +
+                       root + "Item { anchors.fill: parent;" + root + "} }");
+    QTRY_COMPARE(overlay().window(), m_window.get());
+    record(40);
+    const auto grabs = [&](bool byFinger) {
+        m_window->setProperty("grabs", 0);
+        const QPoint from(200, 600);
+        if (byFinger) {
+            touch(from);
+            for (int y = 590; y > 300; y -= 10)
+                moveFinger({200, y});
+            lift({200, 300});
+        } else {
+            drag(*m_window, from, QPoint(0, -300));
+        }
+        return m_window->property("grabs").toInt();
+    };
+    for (const bool byFinger : {false, true}) {
+        QVERIFY(grabs(byFinger) > 0);
+        m_window->setProperty("grabs", 0);
+        click("QXFloatingButton");
+        QVERIFY(waitFor("QXRequestRow"));
+        QCOMPARE(m_window->property("grabs").toInt(), 0);
+        QCOMPARE(grabs(byFinger), 0);
+        QTRY_VERIFY(find("QXRequestList")->property("contentY").toReal() > 100);
+        press(Qt::Key_Escape);
+        QTRY_VERIFY(!overlay().isShowingRequestList());
+        QVERIFY(grabs(byFinger) > 0);
+    }
+}
+
 void OverlayTest::twoTapsOpenAndClose()
 {
     QVERIFY(find("field")->hasActiveFocus());
@@ -224,10 +277,74 @@ void OverlayTest::twoTapsOpenAndClose()
     QVERIFY(waitFor("QXRequestListView"));
     QVERIFY(!find("field")->hasActiveFocus());
     tap();
-    QVERIFY(overlay().isShowingRequestList()); // until the closing animation has ended
+    // Until the closing animation has ended, if there is one.
+    QVERIFY(overlay().isShowingRequestList() || QXAppearance().isMotionReduced());
     QTRY_VERIFY(!overlay().isShowingRequestList());
     QVERIFY(!find("QXRequestListView"));
     QTRY_VERIFY(find("field")->hasActiveFocus());
+}
+
+void OverlayTest::lastRowsAreClearOfTheButton_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<int>("centerY");
+    QTest::newRow("at the bottom") << 40 << 794;
+    QTest::newRow("beside the last row") << 40 << 730;
+    QTest::newRow("beside the last row of a list that fits") << 11 << 660;
+    QTest::newRow("far above") << 40 << 300;
+}
+
+void OverlayTest::lastRowsAreClearOfTheButton()
+{
+    QFETCH(const int, rows);
+    QFETCH(const int, centerY);
+    for (int i = 0; i < rows; ++i)
+        Exchanges::record(QString::number(i), u"http://host/%1"_s.arg(i));
+    overlay().handleButtonPan({0, centerY - overlay().buttonCenter().y()});
+    click("QXFloatingButton");
+    QVERIFY(waitFor("QXRequestRow"));
+    const QRectF button = sceneRect(*find("QXFloatingButton"));
+    const QQuickItem *const list = find("QXRequestList");
+    QTRY_VERIFY((turnWheel(*m_window, QPoint(200, 500), 5), list->property("atYEnd").toBool()));
+    QVERIFY(waitFor("QXRequestRow"));
+    const QQuickItem *const last = find("QXRequestRow", "title", u"GET /0"_s);
+    QVERIFY(last);
+    QVERIFY2(!sceneRect(*last).intersects(button), qPrintable(QString::number(sceneRect(*last).top())));
+}
+
+/// Letters that lie beneath the button are never visible through it, but all of them are while the user
+/// scrolls.
+void OverlayTest::isFaintWhileContentMoves()
+{
+    record(40);
+    click("QXFloatingButton");
+    QVERIFY(waitFor("QXRequestRow"));
+    const QQuickItem *const button = find("QXFloatingButton");
+    const auto opacity = [&] {
+        return button->parentItem()->opacity();
+    };
+    const auto face = [&] {
+        const qreal ratio = m_window->effectiveDevicePixelRatio();
+        const QRectF inner = sceneRect(*button).adjusted(10, 10, -10, -10);
+        return m_window->grabWindow().copy(
+            QRectF(inner.topLeft() * ratio, inner.size() * ratio).toAlignedRect());
+    };
+    const QImage before = face();
+    for (const bool isKey : {false, true}) {
+        if (isKey)
+            press(Qt::Key_Down);
+        else
+            turnWheel(*m_window, QPoint(200, 500), 1);
+        QTRY_VERIFY(opacity() < 0.5);
+        QTRY_COMPARE(opacity(), 1.0);
+        QVERIFY(waitFor("QXRequestRow"));
+        QCOMPARE(face(), before);
+    }
+    turnWheel(*m_window, QPoint(200, 500), 1);
+    QTRY_VERIFY(opacity() < 0.5);
+    QTest::mousePress(m_window.get(), Qt::LeftButton, {}, middle(*button));
+    QTRY_COMPARE(opacity(), 1.0); // what the user grasps is visible
+    QTest::mouseRelease(m_window.get(), Qt::LeftButton, {}, middle(*button));
 }
 
 void OverlayTest::liesAboveTheHostsDialogs()

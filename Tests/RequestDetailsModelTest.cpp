@@ -8,6 +8,7 @@
 
 #include "Platform/HTTPCookieStorage.h"
 #include "Platform/MainActor.h"
+#include "Platform/NSByteCountFormatter.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
@@ -387,7 +388,7 @@ void RequestDetailsModelTest::datesAndByteCounts()
                                       {999'500, u"1 MB"_s},
                                       {1'550'000, u"1.6 MB"_s},
                                       {2'000'000'000, u"2,000 MB"_s}})
-        QCOMPARE(QXDisplayFormat::byteCount(bytes), text);
+        QCOMPARE(NSByteCountFormatter::string(bytes), text);
 }
 
 void RequestDetailsModelTest::copyingIsConfirmed()

@@ -4,7 +4,10 @@
 
 #include "Quorvix/QXOverlay.h"
 
+#include <QtCore/QScopeGuard>
 #include <QtGui/QPalette>
+
+#include <utility>
 
 using namespace Exchanges;
 using namespace Quorvix;
@@ -37,6 +40,8 @@ private Q_SLOTS:
     void controlsAreNamedAndLargeEnough();
     void appearanceFollowsThePalette();
     void longUrlsStaySmooth();
+    void textOfTwiceTheSizeFits();
+    void typedTextKeepsTheAlignmentOfAMirroredForm();
 
 private:
     [[nodiscard]] QStringList titles();
@@ -70,6 +75,42 @@ QQuickItem *RequestListScreenTest::row(const QString &title)
     QQuickItem *const row = find("QXRequestRow", "title", title);
     const qreal y = row ? sceneRect(*row).center().y() : 0;
     return y > 120 && y < 844 ? row : nullptr;
+}
+
+void RequestListScreenTest::textOfTwiceTheSizeFits()
+{
+    const QFont usual = QGuiApplication::font();
+    QFont large = usual;
+    large.setPixelSize(27);
+    QGuiApplication::setFont(large);
+    const auto reset = qScopeGuard([&] { QGuiApplication::setFont(usual); });
+    for (const int width : {320, 390}) {
+        if (!resize({width, 844}))
+            QSKIP("This platform's windows have one size.");
+        if (!find("QXRequestListView"))
+            openList();
+        QVERIFY(waitFor("QXSearchField"));
+        for (const char *whole : {"QXSearchPrompt", "QXLargeTitle"})
+            QVERIFY2(!find(whole)->property("truncated").toBool(), whole);
+        const qreal gap = sceneRect(*find("QXSearchField")).top() - sceneRect(*find("QXLargeTitle")).bottom();
+        QVERIFY2(gap >= 0 && gap < 20, qPrintable(QString::number(gap)));
+    }
+}
+
+void RequestListScreenTest::typedTextKeepsTheAlignmentOfAMirroredForm()
+{
+    const auto reset = qScopeGuard([] { QGuiApplication::setLayoutDirection(Qt::LayoutDirectionAuto); });
+    openList();
+    click("QXSearchField");
+    type("mug");
+    QVERIFY(hold("{}", [](const auto &...) {}));
+    QVERIFY(waitFor("QXStatusCodeField"));
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft); // the fields are open already
+    for (const char *name : {"QXSearchField", "QXStatusCodeField"}) {
+        const QQuickItem *const field = find(name);
+        QVERIFY(!field->property("text").toString().isEmpty());
+        QTRY_VERIFY2(field->property("cursorRectangle").toRectF().x() > 0.7 * field->width(), name);
+    }
 }
 
 void RequestListScreenTest::rowsChangeInPlace()
@@ -177,13 +218,16 @@ void RequestListScreenTest::newRowsDoNotMoveWhatIsRead()
 
     turnWheel(*m_window, QPoint(200, 500), 12);
     QTRY_VERIFY(!row(u"GET /new"_s));
+    const QQuickItem *const list = find("QXRequestList");
+    qreal y = 0;
+    QTRY_COMPARE(std::exchange(y, list->property("contentY").toReal()), list->property("contentY").toReal());
     QVERIFY(waitFor("QXRequestRow"));
     const QString read = titles()[titles().size() / 2];
     QVERIFY(row(read));
     const QRectF place = sceneRect(*row(read));
     for (int i = 0; i < 5; ++i)
         record(u"/newer/%1"_s.arg(i));
-    QTRY_COMPARE(find("QXRequestList")->property("count").toInt(), 106);
+    QTRY_COMPARE(list->property("count").toInt(), 106);
     QVERIFY(waitFor("QXRequestRow"));
     QVERIFY(row(read));
     QCOMPARE(sceneRect(*row(read)), place);
@@ -199,7 +243,9 @@ void RequestListScreenTest::exportPresentsTheShareSheetEachTime()
     openList();
     qsizetype files = 0;
     for (const auto &dismiss :
-         std::initializer_list<std::function<void()>>{[this] { click(QPoint(200, 20)); }, // outside
+         std::initializer_list<std::function<void()>>{[this] {
+                                                          dismiss("QXActivitySheet", {200, 20});
+                                                      },
                                                       [this] { click("QXActivityDone"); },
                                                       [this] {
                                                           press(Qt::Key_Escape);
@@ -233,7 +279,7 @@ void RequestListScreenTest::breakpointsOpenAsASheet()
     click("QXBreakpointsButton");
     QVERIFY(waitFor("QXBreakpointsListView"));
     const QPoint top = find("QXBreakpointsListView")->mapToScene(QPointF(195, -40)).toPoint();
-    drag(*m_window, top, QPoint(0, 400)); // a swipe down
+    drag(*m_window, top, QPoint(0, 80)); // a swipe down
     QTRY_VERIFY(!find("QXBreakpointsListView"));
 }
 

@@ -227,6 +227,16 @@ void ResponsivenessTest::use(const QByteArray &kind, const QByteArray &body)
         [=] { page->setProperty("contentY", page->property("contentHeight").toReal() - page->height()); },
         [] { return true; });
     page->setProperty("contentY", 0);
+    press(u"Ctrl+F"_s);
+    for (const char *letter : {"1", "3", "\x7f"}) {
+        measure(
+            "find in the body", [=, this] { *letter == '\x7f' ? press(Qt::Key_Backspace) : type(letter); },
+            [this] { return !text("QXFindCount").isEmpty() && !text("QXFindCount").endsWith(u'…'); });
+        measure(
+            "go to the last match", [this] { press(u"Shift+Return"_s); }, [] { return true; });
+    }
+    press(Qt::Key_Escape);
+    page->setProperty("contentY", 0);
     while (middle(*find("QXLogTreeButton")).y() > 600) {
         ScreenDriver::turnWheel(*m_window, QPoint(8, 500), 1);
         QVERIFY(waitFor("QXLogTreeButton"));
@@ -267,6 +277,13 @@ void ResponsivenessTest::use(const QByteArray &kind, const QByteArray &body)
     if (rows() > 0) {
         measure(
             "expand root", [this] { click("QXLogTreeRow"); }, [this] { return rows() > 1; });
+        press(u"Ctrl+F"_s);
+        measure(
+            "find in the tree", [this] { type("1"); },
+            [this] { return !text("QXFindCount").isEmpty() && !text("QXFindCount").endsWith(u'…'); });
+        measure(
+            "go to the last node", [this] { press(u"Shift+Return"_s); }, [] { return true; });
+        press(Qt::Key_Escape);
         measure(
             "go to the last row", [this] { press(Qt::Key_End); }, [] { return true; });
         if (kind == "encoded") {

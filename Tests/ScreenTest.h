@@ -78,6 +78,12 @@ protected:
     {
         QTest::mouseClick(m_window.get(), button, {}, at);
     }
+    /// Clicks beside a view until it is gone. One that has just come up without a movement takes the first
+    /// clicks for a double click.
+    void dismiss(const char *view, QPoint beside)
+    {
+        QTRY_VERIFY2((!find(view) || (find(view)->isEnabled() && (click(beside), !find(view)))), view);
+    }
     void type(const char *text) { ScreenDriver::type(*m_window, text); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
     {

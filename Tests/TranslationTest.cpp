@@ -7,7 +7,6 @@
 #include "Quorvix/QXArchiveWriter.h"
 #include "Quorvix/QXCacheSummary.h"
 #include "Quorvix/QXCurlCommandBuilder.h"
-#include "Quorvix/QXDisplayFormat.h"
 #include "Quorvix/QXExportError.h"
 #include "Quorvix/QXPayloadDecoder.h"
 #include "Quorvix/QXRawDetails.h"
@@ -16,6 +15,8 @@
 #include "Quorvix/QXTemporaryFile.h"
 
 #include "JSON/JSONReader.h"
+
+#include "Platform/NSByteCountFormatter.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QMutex>
@@ -178,7 +179,7 @@ void TranslationTest::artefacts()
     trace.body.reset();
     QVERIFY(isShown(trace) && QXCurlCommandBuilder::build(trace));
     for (const qsizetype size : {1, 2'000, 2'000'000})
-        QVERIFY(!QXDisplayFormat::byteCount(size).isEmpty());
+        QVERIFY(!NSByteCountFormatter::string(size).isEmpty());
     for (int kind = 0; kind <= int(QXApiValueKind::null); ++kind)
         QVERIFY(!displayName(QXApiValueKind(kind)).isEmpty());
     for (const char *json : {"[1]", "[1,2]", "{\"a\":null}", "{\"a\":1,\"b\":[]}"}) {

@@ -23,6 +23,8 @@ Item {
     property point place
     property real pageHeight: 0
 
+    /// Emitted for Ctrl+C while nothing is selected.
+    signal copyRequested
     /// Emitted for a right click, the Menu key, or a long press. The position is in the block's coordinates.
     signal contextMenuRequested(point position)
 
@@ -34,6 +36,11 @@ Item {
     Accessible.focusable: true
 
     Keys.forwardTo: [view]
+    Keys.onPressed: event => {
+        event.accepted = event.matches(StandardKey.Copy);
+        if (event.accepted)
+            root.copyRequested();
+    }
     Keys.onShortcutOverride: event => event.accepted = event.matches(StandardKey.Copy)
                              || event.matches(StandardKey.SelectAll)
 
@@ -82,9 +89,11 @@ Item {
             document: root.document
             font: QXTheme.monospaced
             color: QXTheme.label
+            marginColor: QXTheme.secondaryLabel
             fillColor: root.color
             selectionColor: QXTheme.selection
             selectedTextColor: QXTheme.onColor
+            markColor: QXTheme.mark
             focusItem: root
             Accessible.ignored: true
 

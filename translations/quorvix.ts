@@ -52,6 +52,22 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Find</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Previous match</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Next match</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Close find</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Saved.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -137,10 +153,6 @@
     </message>
     <message>
         <source>Breakpoints</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Network Trace</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -492,6 +504,14 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%1 KB</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 MB</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>cancelled</source>
         <translation type="unfinished"></translation>
     </message>
@@ -632,6 +652,14 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Not found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Text</source>
         <translation type="unfinished"></translation>
     </message>
@@ -740,14 +768,6 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>%1 KB</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%1 MB</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>Removed to stay within the memory budget (%1)</source>
         <translation type="unfinished"></translation>
     </message>
@@ -792,7 +812,15 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Network Trace</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Opening Tree…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Opening Value…</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -805,6 +833,10 @@
     </message>
     <message>
         <source>Preparing Swift Model…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Swift model</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -912,6 +944,38 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>cURL command</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preparing cURL Command…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>HAR archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preparing HAR File…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Mock server file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preparing Mock Server File…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Raw details</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preparing Raw Details…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Copied!</source>
         <translation type="unfinished"></translation>
     </message>
@@ -921,22 +985,6 @@
     </message>
     <message>
         <source>Unknown</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Preparing cURL Command…</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Preparing HAR File…</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Preparing Mock Server File…</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Preparing Raw Details…</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
