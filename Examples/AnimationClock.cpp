@@ -11,7 +11,11 @@ constexpr int frameInterval = 8;
 
 AnimationClock::AnimationClock(int speed) : m_speed(speed) {}
 
-AnimationClock::~AnimationClock() = default;
+AnimationClock::~AnimationClock()
+{
+    // Otherwise Qt goes on with a clock of its own, which complains where the application is gone already.
+    AnimationClock::stop();
+}
 
 qint64 AnimationClock::elapsed() const
 {

@@ -79,9 +79,10 @@ BreakableServer::BreakableServer()
     set_tcp_nodelay(true);
 }
 
-int BreakableServer::openPort()
+int BreakableServer::openPort(int wanted)
 {
-    m_port = bind_to_any_port("127.0.0.1");
+    const bool isFree = wanted > 0 && bind_to_port("127.0.0.1", wanted);
+    m_port = isFree ? wanted : bind_to_any_port("127.0.0.1");
     return m_port;
 }
 

@@ -13,8 +13,9 @@ class BreakableServer final : public httplib::Server
 public:
     BreakableServer();
 
-    /// Opens a port of the loopback interface that the system chooses. Returns 0 or less when that fails.
-    int openPort();
+    /// Opens the @p wanted port of the loopback interface, or one that the system chooses when that is 0 or
+    /// not free. Returns 0 or less when that fails.
+    int openPort(int wanted = 0);
     /// Returns when the server accepts connections or has been stopped.
     void waitUntilRunning() const;
     /// Breaks all connections and refuses new ones. Listening ends when every handler has returned. Any

@@ -21,9 +21,9 @@ DemoServer::~DemoServer()
     stop();
 }
 
-bool DemoServer::start()
+bool DemoServer::start(quint16 wanted)
 {
-    const int port = m_private->http.openPort();
+    const int port = m_private->http.openPort(wanted);
     if (port <= 0)
         return false;
     m_port = static_cast<quint16>(port);

@@ -4,7 +4,8 @@
 
 #include <memory>
 
-/// The store's HTTP server: it listens on the loopback interface, on a port that the system chooses.
+/// The store's HTTP server: it listens on the loopback interface, on a port that the system chooses
+/// unless one is wanted.
 ///
 /// | Method | Path                                | Answer                                               |
 /// |--------|-------------------------------------|------------------------------------------------------|
@@ -42,8 +43,8 @@ public:
     DemoServer &operator=(const DemoServer &) = delete;
 
     /// Starts to accept connections, in threads of its own; false when no port could be opened. A server can
-    /// be started only once.
-    [[nodiscard]] bool start();
+    /// be started only once. Its port is another one than @p wanted when that is 0 or not free.
+    [[nodiscard]] bool start(quint16 wanted = 0);
     /// Breaks all open connections and returns when no handler is running any more.
     void stop();
 

@@ -6,6 +6,7 @@
 #include "Examples/InspectorStage.h"
 #include "Examples/LargeTextStage.h"
 #include "Examples/NightStage.h"
+#include "Examples/SizesStage.h"
 #include "Examples/StoreStage.h"
 #include "Examples/TabletStage.h"
 
@@ -19,7 +20,7 @@ namespace {
 
 QString pictureName(int number, const char *step)
 {
-    return QStringLiteral("%1-%2.png").arg(number, 2, 10, QLatin1Char('0')).arg(QLatin1StringView(step));
+    return QStringLiteral("%1-%2.png").arg(number, 3, 10, QLatin1Char('0')).arg(QLatin1StringView(step));
 }
 
 /// Switches off what ends or begins after some time by itself, because a busy machine is late: the blinking
@@ -35,7 +36,7 @@ void removeTimeLimits(const QQuickWindow &window)
 
 } // namespace
 
-int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
+int DemoTour::run(QQuickWindow &window, const QString &outputFolder, bool reproducible)
 {
     QTextStream out(stdout);
     const QDir output(outputFolder);
@@ -44,7 +45,7 @@ int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
         return 1;
     }
     removeTimeLimits(window);
-    TourRobot robot(window);
+    TourRobot robot(window, reproducible);
     StoreStage store(robot, outputFolder);
     InspectorStage inspector(robot, outputFolder);
     DetailsStage details(robot, outputFolder);
@@ -53,11 +54,13 @@ int DemoTour::run(QQuickWindow &window, const QString &outputFolder)
     NightStage night(robot, outputFolder);
     TabletStage tablet(robot, outputFolder);
     LargeTextStage largeText(robot, outputFolder);
+    SizesStage sizes(robot, outputFolder);
 
     int number = 0;
     int failures = 0;
     for (const auto &step : store.steps() + inspector.steps() + details.steps() + breakpoint.steps() +
-                                closing.steps() + night.steps() + tablet.steps() + largeText.steps()) {
+                                closing.steps() + night.steps() + tablet.steps() + largeText.steps() +
+                                sizes.steps()) {
         const QString picture = pictureName(++number, step.name);
         const bool succeeded = step.take();
         const QString complaint = succeeded ? QString() : robot.complaint();

@@ -43,11 +43,14 @@ QList<TourStage::Step> DetailsStage::steps()
          }},
         {"tree", std::bind_front(&DetailsStage::treeOpens, this)},
         {"tree-menu", std::bind_front(&DetailsStage::treeHasMenu, this)},
+        {"tree-find", std::bind_front(&DetailsStage::treeIsSearched, this)},
         {"tree-share", std::bind_front(&DetailsStage::treeIsShared, this)},
+        {"tree-unfolded", std::bind_front(&DetailsStage::rowUnfolds, this)},
         {"tree-decoded", std::bind_front(&DetailsStage::rowIsDecoded, this)},
         {"cookies", std::bind_front(&DetailsStage::groupsUnfold, this)},
         {"large-body", std::bind_front(&DetailsStage::largeBodyOpens, this)},
         {"large-body-scrolled", std::bind_front(&DetailsStage::largeBodyScrolls, this)},
+        {"large-body-find", std::bind_front(&DetailsStage::largeBodyIsSearched, this)},
         {"large-tree", std::bind_front(&DetailsStage::largeTreeOpens, this)},
         {"binary-body", std::bind_front(&DetailsStage::binaryBodyOpens, this)},
         {"tree-failure", std::bind_front(&DetailsStage::bytesAreNoTree, this)},
@@ -67,9 +70,18 @@ bool DetailsStage::closeShareSheet()
     return robot().click(name("QXActivityDone")) && robot().waitUntilGone(name("QXActivitySheet"));
 }
 
+bool DetailsStage::find(const char *text)
+{
+    return robot().press(Qt::Key_F, Qt::ControlModifier) && robot().waitFor(name("QXFindBar")) &&
+           robot().type(name("QXFindField"), name(text)) &&
+           robot().waitUntil(
+               [this] { return robot().text(name("QXFindCount")).contains(QStringLiteral(" of ")); },
+               QStringLiteral("the text is not found"), largeBodyLimit);
+}
+
 bool DetailsStage::profileOpens()
 {
-    return openExchange("profile");
+    return closeShareSheet() && openExchange("profile");
 }
 
 bool DetailsStage::headerHasMenu()
@@ -113,17 +125,28 @@ bool DetailsStage::treeHasMenu()
            robot().rightClick(name("QXLogTreeRow:city")) && robot().waitFor(name("QXContextMenuCard"));
 }
 
-bool DetailsStage::treeIsShared()
+bool DetailsStage::treeIsSearched()
 {
     return robot().press(Qt::Key_Escape) && robot().waitUntilGone(name("QXContextMenuCard")) &&
+           find("galway");
+}
+
+bool DetailsStage::treeIsShared()
+{
+    return robot().click(name("QXFindClose")) && robot().waitUntilGone(name("QXFindBar")) &&
            robot().click(name("QXShareModelButton")) && robot().waitFor(name("QXActivitySheet"));
+}
+
+bool DetailsStage::rowUnfolds()
+{
+    return closeShareSheet() && closeTree() && closeExchange() && openExchange("session") && openTree() &&
+           robot().click(name("QXLogTreeRow")) && robot().click(name("QXLogTreeRow:token"));
 }
 
 bool DetailsStage::rowIsDecoded()
 {
-    return closeShareSheet() && closeTree() && closeExchange() && openExchange("session") && openTree() &&
-           robot().click(name("QXLogTreeRow")) && robot().rightClick(name("QXLogTreeRow:token")) &&
-           robot().click(name("QXDecodeItem")) && robot().waitFor(name("QXDecodedPayloadSheet"));
+    return robot().rightClick(name("QXLogTreeRow:token")) && robot().click(name("QXDecodeItem")) &&
+           robot().waitFor(name("QXDecodedPayloadSheet"));
 }
 
 bool DetailsStage::groupsUnfold()
@@ -146,11 +169,17 @@ bool DetailsStage::largeBodyScrolls()
     return robot().scroll(name("QXRequestDetailsPage"), 4000);
 }
 
+bool DetailsStage::largeBodyIsSearched()
+{
+    return find("customer");
+}
+
 bool DetailsStage::largeTreeOpens()
 {
-    return openTree() && robot().click(name("QXLogTreeRow")) &&
-           robot().waitFor(name("QXLogTreeRow:orders")) && robot().click(name("QXLogTreeRow:orders")) &&
-           robot().waitFor(name("QXLogTreeRow:[3]")) && robot().click(name("QXLogTreeRow:[1]"));
+    return robot().click(name("QXFindClose")) && robot().waitUntilGone(name("QXFindBar")) && openTree() &&
+           robot().click(name("QXLogTreeRow")) && robot().waitFor(name("QXLogTreeRow:orders")) &&
+           robot().click(name("QXLogTreeRow:orders")) && robot().waitFor(name("QXLogTreeRow:[3]")) &&
+           robot().click(name("QXLogTreeRow:[1]"));
 }
 
 bool DetailsStage::binaryBodyOpens()

@@ -3,7 +3,7 @@
 #include "Examples/TourStage.h"
 
 /// Opens single exchanges: their details, their trees, their decoded payloads, and every way to share them.
-/// Begins and ends in the list of requests.
+/// Begins in the share sheet of the list of requests, and ends in that list.
 class DetailsStage final : public TourStage
 {
 public:
@@ -15,6 +15,8 @@ private:
     /// Chooses an action of the share menu and waits for the share sheet.
     bool share(const char *action);
     bool closeShareSheet();
+    /// Opens the find bar and waits until it has counted the matches.
+    bool find(const char *text);
 
     bool profileOpens();
     bool headerHasMenu();
@@ -23,11 +25,14 @@ private:
     bool shareMenuOpens();
     bool treeOpens();
     bool treeHasMenu();
+    bool treeIsSearched();
     bool treeIsShared();
+    bool rowUnfolds();
     bool rowIsDecoded();
     bool groupsUnfold();
     bool largeBodyOpens();
     bool largeBodyScrolls();
+    bool largeBodyIsSearched();
     bool largeTreeOpens();
     bool binaryBodyOpens();
     bool bytesAreNoTree();

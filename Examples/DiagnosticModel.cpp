@@ -13,7 +13,8 @@ QString summarize(const StoreReply &reply)
     const QString outcome = reply.error ? reply.error->localizedDescription : QString::number(reply.status);
     QStringList parts{outcome, QStringLiteral("%1 ms").arg(reply.time.count())};
     if (!reply.body.isEmpty())
-        parts.append(QLocale(QLocale::English).formattedDataSize(reply.body.size()));
+        parts.append(
+            QLocale(QLocale::English).formattedDataSize(reply.body.size(), 2, QLocale::DataSizeSIFormat));
     return parts.join(QStringLiteral(" · "));
 }
 

@@ -40,10 +40,7 @@ QList<TourStage::Step> InspectorStage::steps()
         {"inspector-scrolled", std::bind_front(&InspectorStage::listScrolls, this)},
         {"inspector-search", std::bind_front(&InspectorStage::searchNarrowsList, this)},
         {"inspector-no-match", std::bind_front(&InspectorStage::searchFindsNothing, this)},
-        {"inspector-search-left", std::bind_front(&InspectorStage::searchIsLeft, this)},
         {"export", std::bind_front(&InspectorStage::exportShares, this)},
-        {"export-file", std::bind_front(&InspectorStage::exportedFileIsComplete, this)},
-        {"summary", std::bind_front(&InspectorStage::summaryIsWritten, this)},
     };
 }
 
@@ -94,7 +91,10 @@ bool InspectorStage::searchIsLeft()
 
 bool InspectorStage::exportShares()
 {
-    return robot().click(name("QXExportButton")) && robot().waitFor(name("QXActivitySheet"), exportLimit);
+    return searchIsLeft() && robot().click(name("QXExportButton")) &&
+           robot().waitFor(name("QXActivitySheet"), exportLimit) && exportedFileIsComplete() &&
+           robot().check(writeTourSummary(outputFile(QStringLiteral("summary.txt"))),
+                         "cannot write the summary");
 }
 
 bool InspectorStage::exportedFileIsComplete()
@@ -113,12 +113,5 @@ bool InspectorStage::exportedFileIsComplete()
     const QJsonValue log = QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("log"));
     return robot().check(log[QStringLiteral("version")] == QStringLiteral("1.2"), "the file is no HAR 1.2") &&
            robot().check(log[QStringLiteral("entries")].toArray().size() == capturedCount(),
-                         "the file is not complete") &&
-           robot().click(name("QXActivityDone")) && robot().waitUntilGone(name("QXActivitySheet"));
-}
-
-bool InspectorStage::summaryIsWritten()
-{
-    return robot().check(writeTourSummary(outputFile(QStringLiteral("summary.txt"))),
-                         "cannot write the summary");
+                         "the file is not complete");
 }

@@ -19,5 +19,4 @@ private:
     bool searchIsLeft();
     bool exportShares();
     bool exportedFileIsComplete();
-    bool summaryIsWritten();
 };

@@ -2,13 +2,6 @@
 
 #include <QtGui/QGuiApplication>
 
-namespace {
-
-/// Twice the usual size.
-constexpr int largePixelSize = 27;
-
-} // namespace
-
 LargeTextStage::LargeTextStage(TourRobot &robot, const QString &outputFolder)
     : TourStage(robot, outputFolder), m_usual(QGuiApplication::font())
 {
@@ -30,20 +23,19 @@ QList<TourStage::Step> LargeTextStage::steps()
         {"mirrored-details", std::bind_front(&LargeTextStage::mirroredDetails, this)},
         {"mirrored-menu", std::bind_front(&LargeTextStage::mirroredMenu, this)},
         {"mirrored-tree", std::bind_front(&LargeTextStage::mirroredTree, this)},
+        {"mirrored-search", std::bind_front(&LargeTextStage::mirroredSearch, this)},
     };
 }
 
 bool LargeTextStage::tree()
 {
-    QFont large = m_usual;
-    large.setPixelSize(largePixelSize);
-    QGuiApplication::setFont(large);
+    doubleTextSize();
     return robot().resize(phone) && robot().waitFor(name("QXLogTreeRow"));
 }
 
 bool LargeTextStage::details()
 {
-    return closeTree() && robot().show(name("QXValueRow:URL"));
+    return closeTree() && robot().scroll(name("QXRequestDetailsPage"), -3000);
 }
 
 bool LargeTextStage::menu()
@@ -109,4 +101,9 @@ bool LargeTextStage::mirroredTree()
 {
     return robot().press(Qt::Key_Escape) && robot().waitUntilGone(name("QXContextMenuCard")) && openTree() &&
            robot().click(name("QXLogTreeRow"));
+}
+
+bool LargeTextStage::mirroredSearch()
+{
+    return closeTree() && closeExchange() && robot().type(name("QXSearchField"), QStringLiteral("products/"));
 }

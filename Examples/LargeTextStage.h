@@ -4,7 +4,8 @@
 
 #include <QtGui/QFont>
 
-/// Shows the same screens with text of twice the size, and then mirrored as in Arabic. Begins in a tree.
+/// Shows the same screens with text of twice the size, and then mirrored as in Arabic. Begins in a tree,
+/// and ends in a search of the list.
 class LargeTextStage final : public TourStage
 {
 public:
@@ -26,6 +27,7 @@ private:
     bool mirroredDetails();
     bool mirroredMenu();
     bool mirroredTree();
+    bool mirroredSearch();
 
     QFont m_usual;
 };

@@ -13,10 +13,10 @@ namespace {
 constexpr qint64 lifetime = 3600;
 constexpr auto base64Url = QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals;
 
-/// The signing key; it is random and valid only in this process, like the tokens.
-const QByteArray &key()
+/// The signing key; unless one is given it is random and valid only in this process, like the tokens.
+QByteArray &key()
 {
-    static const QByteArray key = QUuid::createUuid().toRfc4122() + QUuid::createUuid().toRfc4122();
+    static QByteArray key = QUuid::createUuid().toRfc4122() + QUuid::createUuid().toRfc4122();
     return key;
 }
 
@@ -31,6 +31,11 @@ QByteArray signature(const QByteArray &message)
 }
 
 } // namespace
+
+void SessionToken::useKey(const QByteArray &newKey)
+{
+    key() = newKey;
+}
 
 QByteArray SessionToken::sign(const QString &email)
 {

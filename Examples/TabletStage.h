@@ -14,11 +14,14 @@ private:
     bool tree();
     bool details();
     bool inspector();
+    bool breakpoints();
     bool catalogue();
     bool heldResponse();
     bool product();
     bool inspectorByDay();
     bool detailsByDay();
+    bool menuByDay();
     bool shareMenuByDay();
+    bool shareSheetByDay();
     bool treeByDay();
 };

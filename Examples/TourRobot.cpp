@@ -1,9 +1,9 @@
 #include "Examples/TourRobot.h"
 
+#include "Examples/SteadyTexts.h"
 #include "Examples/VisibleItems.h"
 
 #include <QtCore/QAbstractAnimation>
-#include <QtCore/QDateTime>
 #include <QtCore/QDeadlineTimer>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
@@ -27,6 +27,8 @@ constexpr int stepsThatShow = 4;
 /// The angle of one step of a mouse wheel, in eighths of a degree.
 constexpr int wheelStep = 120;
 constexpr int mostTurns = 4;
+/// A movement is so slow at its end that some pictures of it are equal.
+constexpr int restingPictures = 4;
 /// An upper limit for how far a page still scrolls after fast turns of the wheel, in pixels.
 constexpr double maximumGlide = 500;
 
@@ -67,12 +69,12 @@ QQuickItem *scroller(const QQuickItem *item)
     return nullptr;
 }
 
-/// The scroll positions of the visible pages that report that they are moving.
-QList<QPointF> movingPositions(QQuickItem *content)
+/// The scroll positions of the visible pages.
+QList<QPointF> scrollPositions(QQuickItem *content)
 {
     QList<QPointF> positions;
     visitVisible(content, [&](const QQuickItem *item) {
-        if (item->inherits("QQuickFlickable") && item->property("moving").toBool())
+        if (item->inherits("QQuickFlickable"))
             positions += {item->property("contentX").toDouble(), item->property("contentY").toDouble()};
     });
     return positions;
@@ -246,17 +248,35 @@ bool TourRobot::resize(QSize size)
 
 bool TourRobot::screenshot(const QString &path)
 {
-    QImage picture = m_window.grabWindow();
-    bool changes = true;
-    for (const QDeadlineTimer limit(defaultTimeout); changes && !limit.hasExpired();) {
+    std::optional<SteadyTexts> steady;
+    QImage picture;
+    int equal = 0;
+    for (const QDeadlineTimer limit(defaultTimeout); equal < restingPictures && !limit.hasExpired();) {
         if (!waitForFrames())
             return false;
+        // Texts may have changed meanwhile.
+        if (m_isReproducible)
+            steady.emplace(m_window.contentItem());
         QImage next = m_window.grabWindow();
-        changes = std::exchange(picture, next) != next;
+        const bool isSame = std::exchange(picture, next) == next && !showsScrolling();
+        equal = isSame ? equal + 1 : 0;
     }
     if (picture.isNull() || !picture.save(path))
         return complain(QStringLiteral("cannot save ") + path);
-    return !changes || complain(QStringLiteral("the picture never comes to rest"));
+    return equal == restingPictures || complain(QStringLiteral("the picture never comes to rest"));
+}
+
+bool TourRobot::showsScrolling() const
+{
+    const QQuickItem *const button = find(QStringLiteral("QXFloatingButton"));
+    bool shows = button && button->parentItem()->opacity() < 1;
+    visitVisible(m_window.contentItem(), [&](const QQuickItem *item) {
+        if (!item->inherits("QQuickScrollBar") || item->property("hovered").toBool())
+            return;
+        const auto *const bar = item->property("contentItem").value<QQuickItem *>();
+        shows = shows || (bar && bar->opacity() > 0);
+    });
+    return shows;
 }
 
 bool TourRobot::waitForFrames()
@@ -295,7 +315,8 @@ double TourRobot::distanceFromView(const QQuickItem *item) const
     const double y = item->mapToItem(around, QPointF(0, item->height() / 2)).y();
     if (y < 0)
         return y - item->height();
-    if (const double below = y + item->height() / 2 - around->height(); below > 0)
+    // Of an item that is taller than the view, the middle is enough.
+    if (const double below = y + std::min(item->height(), around->height()) / 2 - around->height(); below > 0)
         return below;
     // A user cannot press through the floating button either.
     const QQuickItem *const button = find(QStringLiteral("QXFloatingButton"));
@@ -327,16 +348,16 @@ void TourRobot::turnWheel(QPoint at, int turn)
 {
     const QPoint down(0, -turn);
     QWheelEvent wheel(at, m_window.mapToGlobal(at), {}, down, Qt::NoButton, {}, Qt::NoScrollPhase, false);
-    wheel.setTimestamp(static_cast<quint64>(QDateTime::currentMSecsSinceEpoch()));
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    wheel.setTimestamp(
+        static_cast<quint64>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count()));
     QCoreApplication::sendEvent(&m_window, &wheel);
 }
 
 bool TourRobot::isAtRest()
 {
-    const QList<QPointF> positions = movingPositions(m_window.contentItem());
-    if (positions.isEmpty())
-        return true;
-    return waitForFrames() && movingPositions(m_window.contentItem()) == positions;
+    const QList<QPointF> positions = scrollPositions(m_window.contentItem());
+    return waitForFrames() && scrollPositions(m_window.contentItem()) == positions;
 }
 
 bool TourRobot::waitUntilStill(const QString &name)

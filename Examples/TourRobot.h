@@ -18,7 +18,11 @@ public:
     /// Long enough for a machine that is busy with other things. Only a failure waits so long.
     static constexpr std::chrono::seconds defaultTimeout{60};
 
-    explicit TourRobot(QQuickWindow &window) : m_window(window) {}
+    /// The pictures of a @p reproducible tour show no real duration.
+    explicit TourRobot(QQuickWindow &window, bool reproducible = false)
+        : m_window(window), m_isReproducible(reproducible)
+    {
+    }
 
     /// The visible item of this name that is painted last; null when there is none. "Row:Accept" means the
     /// item with the object name "Row" whose label, key or text is "Accept".
@@ -56,7 +60,8 @@ public:
     /// Resizes the window and waits until it has this size.
     bool resize(QSize size);
 
-    /// Waits until the picture does not change any more and saves it. Fails when it never comes to rest.
+    /// Waits until the picture does not change any more by itself and saves it. Fails when it never comes to
+    /// rest.
     bool screenshot(const QString &path);
 
     /// Returns @p condition; when it is false, stores @p otherwise as the complaint.
@@ -66,14 +71,17 @@ public:
 
 private:
     bool complain(const QString &complaint);
+    /// Whether the floating button is faint or a scroll bar visible, as they are for a moment after a page
+    /// scrolls.
+    [[nodiscard]] bool showsScrolling() const;
     /// Waits until the animations that run have advanced several times, and the window has drawn their state.
     bool waitForFrames();
     bool clickWith(Qt::MouseButton button, const QString &name);
     /// The distance that an item lies below the visible part of its page, or above it when negative.
     [[nodiscard]] double distanceFromView(const QQuickItem *item) const;
     bool bringIntoView(const QString &name);
-    /// Whether no page scrolls. The positions are compared, because a page whose content changed while it
-    /// moved may report for ever that it moves.
+    /// Whether no page scrolls. The positions are compared, because a page does not report every movement,
+    /// and one whose content changed while it moved may report for ever that it moves.
     [[nodiscard]] bool isAtRest();
     /// Waits until an item stands still and is enabled, so that it can be clicked reliably.
     bool waitUntilStill(const QString &name);
@@ -81,5 +89,6 @@ private:
     [[nodiscard]] QPoint middle(const QQuickItem &item) const;
 
     QQuickWindow &m_window;
+    bool m_isReproducible;
     QString m_complaint;
 };

@@ -2,6 +2,8 @@
 
 #include <Quorvix/QXRequestRecorder.h>
 
+#include <QtGui/QFontInfo>
+#include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickItem>
 
 namespace {
@@ -39,11 +41,18 @@ qsizetype TourStage::capturedCount()
     return QXRequestRecorder::shared().requests().size();
 }
 
+void TourStage::doubleTextSize()
+{
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(2 * QFontInfo(font).pixelSize());
+    QGuiApplication::setFont(font);
+}
+
 bool TourStage::openExchange(const char *search)
 {
     return (robot().text(name("QXSearchField")).isEmpty() || robot().click(name("QXSearchClearButton"))) &&
            robot().type(name("QXSearchField"), name(search)) &&
-           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) <= 3; },
+           robot().waitUntil([this] { return robot().count(name("QXRequestRow")) <= 5; },
                              QStringLiteral("too many rows for ") + name(search)) &&
            robot().clickFirst(name("QXRequestRow")) && robot().waitFor(name("QXValueRow:URL"));
 }

@@ -34,6 +34,8 @@ protected:
     /// Whether an exchange with this URL path and this status was captured.
     [[nodiscard]] static bool captured(const QString &path, int status);
     [[nodiscard]] static qsizetype capturedCount();
+    /// Shows all texts in twice the size that they have now.
+    static void doubleTextSize();
 
     /// Searches the list for @p search and opens the newest exchange that matches.
     bool openExchange(const char *search);

@@ -2,6 +2,7 @@
 #include "Examples/DemoServer.h"
 #include "Examples/DemoTour.h"
 #include "Examples/Monkey.h"
+#include "Examples/SessionToken.h"
 #include "Examples/StoreClient.h"
 #include "Examples/StoreImages.h"
 
@@ -22,6 +23,9 @@
 
 namespace {
 
+/// Below those that the system gives to clients.
+constexpr quint16 reproduciblePort = 18'440;
+
 struct Options
 {
     /// The folder for the results of the tour; empty without a tour.
@@ -31,6 +35,8 @@ struct Options
     /// The number of events of the monkey; 0 without it.
     int monkeyEvents = 0;
     quint64 seed = 1;
+    /// Whether pictures of two tours are to be compared: no duration, port or token differs.
+    bool reproducible = false;
 };
 
 Options readOptions(const QCoreApplication &application)
@@ -45,14 +51,21 @@ Options readOptions(const QCoreApplication &application)
                                     QStringLiteral("events"), QStringLiteral("0"));
     const QCommandLineOption seed(QStringLiteral("seed"), QStringLiteral("The seed of the random events."),
                                   QStringLiteral("seed"), QStringLiteral("1"));
+    const QCommandLineOption reproducible(
+        QStringLiteral("reproducible"),
+        QStringLiteral("Show the same port, tokens and durations each time."));
     QCommandLineParser parser;
     parser.addHelpOption();
-    parser.addOptions({headless, size, dark, monkey, seed});
+    parser.addOptions({headless, size, dark, monkey, seed, reproducible});
     parser.process(application);
     const QStringList sides = parser.value(size).split(u'x');
     const QSize wanted(sides.value(0).toInt(), sides.value(1).toInt());
-    return {parser.value(headless), wanted.isEmpty() ? QSize(390, 844) : wanted, parser.isSet(dark),
-            parser.value(monkey).toInt(), parser.value(seed).toULongLong()};
+    return {parser.value(headless),
+            wanted.isEmpty() ? QSize(390, 844) : wanted,
+            parser.isSet(dark),
+            parser.value(monkey).toInt(),
+            parser.value(seed).toULongLong(),
+            parser.isSet(reproducible)};
 }
 
 bool hasOption(int argc, char *argv[], std::string_view option)
@@ -74,19 +87,22 @@ void chooseHeadlessPlatform()
 
 void applyAppearance(const Options &options)
 {
-    if (QFontDatabase::families().contains(QStringLiteral("Inter")))
-        QGuiApplication::setFont(QFont(QStringLiteral("Inter")));
+    if (QFontDatabase::families().contains(QStringLiteral("Inter"))) {
+        QFont font = QGuiApplication::font(); // of the system's size
+        font.setFamily(QStringLiteral("Inter"));
+        QGuiApplication::setFont(font);
+    }
     if (options.dark)
         QGuiApplication::setPalette(QPalette(QColor(0x2c, 0x2c, 0x2e), QColor(0x1c, 0x1c, 0x1e)));
 }
 
-int takeTour(QQuickWindow &window, const QString &folder)
+int takeTour(QQuickWindow &window, const Options &options)
 {
     AnimationClock clock(5);
     // A render loop with a thread has an animation driver of its own.
     if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
         clock.install();
-    return DemoTour::run(window, folder);
+    return DemoTour::run(window, options.tourFolder, options.reproducible);
 }
 
 } // namespace
@@ -108,7 +124,9 @@ int main(int argc, char *argv[])
     applyAppearance(options);
 
     DemoServer server;
-    if (!server.start())
+    if (options.reproducible)
+        SessionToken::useKey("the key of reproducible tours");
+    if (!server.start(options.reproducible ? reproduciblePort : quint16(0)))
         qFatal("No port on the loopback interface");
     QuorvixClient &inspector = QuorvixClient::shared();
 
@@ -130,8 +148,8 @@ int main(int argc, char *argv[])
         return 1;
     inspector.show();
     if (!options.tourFolder.isEmpty())
-        QTimer::singleShot(
-            0, window, [window, &options] { QCoreApplication::exit(takeTour(*window, options.tourFolder)); });
+        QTimer::singleShot(0, window,
+                           [window, &options] { QCoreApplication::exit(takeTour(*window, options)); });
     if (options.monkeyEvents > 0) {
         QTimer::singleShot(0, &store, [&] {
             Monkey monkey(*window, openWindow, store, server.url(), options.seed);
