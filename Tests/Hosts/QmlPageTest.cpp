@@ -72,6 +72,7 @@ void QmlPageTest::showsThePage()
     QVERIFY(found != windows.cend());
     auto &window = dynamic_cast<QQuickWindow &>(**found);
     QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QTRY_VERIFY(window.isActive()); // a window drops the keys that come before
     const auto *const page = ScreenDriver::find(window, "page");
     QVERIFY(page);
 
