@@ -19,8 +19,8 @@ endif()
 # Remembers, for the target "uninstall", which folders the installation is going to create: each folder of the list
 # that does not exist yet, and those above it.
 set(folders
-    ${CMAKE_INSTALL_LIBDIR} ${QUORVIX_INSTALL_CMAKEDIR} ${QUORVIX_INSTALL_PCDIR} ${QUORVIX_INSTALL_DOCDIR}/docs/images
-    ${CMAKE_INSTALL_DATADIR}/quorvix/translations)
+    ${CMAKE_INSTALL_LIBDIR} ${QUORVIX_INSTALL_CMAKEDIR} ${QUORVIX_INSTALL_PCDIR}
+    ${QUORVIX_INSTALL_DOCDIR}/docs/images/looks ${CMAKE_INSTALL_DATADIR}/quorvix/translations)
 if(QUORVIX_ENABLED)
     # CMake chooses the name of this folder.
     set(objects objects/QuorvixQmlLink)
