@@ -4,6 +4,7 @@
 
 #include <QtCore/QVarLengthArray>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <new>
@@ -69,7 +70,11 @@ private:
     {
         constexpr qsizetype lengths = 1 + 2 * 10;
         const qsizetype before = m_buffer.size();
-        m_buffer.resize(before + lengths + 2 * characters);
+        const qsizetype after = before + lengths + 2 * characters;
+        // Qt would make just enough room, and copy all headers again for each one.
+        if (after > m_buffer.capacity())
+            m_buffer.reserve(std::max(after, 2 * m_buffer.capacity()));
+        m_buffer.resize(after);
         return m_buffer.data() + before;
     }
 
