@@ -11,6 +11,7 @@ MouseArea {
     /// -1 when the view leaves to the left or to the top.
     property real direction: 1
 
+    objectName: "QXCatcher"
     enabled: root.glide.isMoving && (root.pressed || !root.glide.isHeld)
     preventStealing: true
 

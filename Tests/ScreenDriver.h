@@ -8,6 +8,8 @@
 #include <QtQuick/QQuickWindow>
 #include <QtTest/QTest>
 
+#include <algorithm>
+
 /// Finds items on a window by their object names and acts on them by real events.
 namespace ScreenDriver {
 
@@ -38,6 +40,15 @@ inline QPoint middle(const QQuickItem &item)
     return item.mapToScene(QPointF(item.width() / 2, item.height() / 2)).toPoint();
 }
 
+/// Whether a view is on its way, so that the next press catches it. Where frames come late, it can stand
+/// still for a while.
+inline bool isMoving(QQuickWindow &window)
+{
+    const auto catchers = findAll(window, "QXCatcher");
+    return std::any_of(catchers.begin(), catchers.end(),
+                       [](const auto *item) { return item->property("enabled").toBool(); });
+}
+
 /// Waits until an item is there and has come to rest.
 [[nodiscard]] inline bool waitForRest(QQuickWindow &window, const char *name)
 {
@@ -46,7 +57,7 @@ inline QPoint middle(const QQuickItem &item)
     return QTest::qWaitFor([&] {
         const QQuickItem *const item = find(window, name);
         const QPointF now = item ? item->mapToScene({}) : QPointF();
-        still = item && now == before ? still + 1 : 0;
+        still = item && now == before && !isMoving(window) ? still + 1 : 0;
         before = now;
         return still > 4; // looks that are some frames apart
     });
