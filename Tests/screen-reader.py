@@ -46,10 +46,13 @@ def shown(element):
         yield from shown(child)
 
 
+# Qt has no role of AT-SPI for the node of a tree. Debian 13 tells another name of a button.
+ROLES = {"table cell": "tree item", "button": "push button"}
+
+
 def line(element):
     name = (element.get_name() or "").split("\n")[0]
-    # Qt has no role of AT-SPI for the node of a tree.
-    role = {"table cell": "tree item"}.get(element.get_role_name(), element.get_role_name())
+    role = ROLES.get(element.get_role_name(), element.get_role_name())
     return f"{role}: {name}"
 
 
