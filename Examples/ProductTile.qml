@@ -14,7 +14,8 @@ Rectangle {
 
     Image {
         anchors { fill: parent; margins: root.inset }
-        source: root.product.picture
+        // Qt makes no mipmaps, and says so, for a picture that comes while it has no area.
+        source: width > 0 && height > 0 ? root.product.picture : ""
         sourceSize { width: 480; height: 480 }
         fillMode: Image.PreserveAspectFit
         asynchronous: true
