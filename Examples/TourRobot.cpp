@@ -29,8 +29,10 @@ constexpr int wheelStep = 120;
 constexpr int mostTurns = 4;
 /// A movement is so slow at its end that some pictures of it are equal.
 constexpr int restingPictures = 4;
-/// An upper limit for how far a page still scrolls after fast turns of the wheel, in pixels.
-constexpr double maximumGlide = 500;
+/// Closer to an item than this many pixels, the wheel turns by one step at a time.
+constexpr double singleStepsWithin = 500;
+/// No page scrolls farther than this with one step of a wide turn.
+constexpr double pixelsPerStep = 144;
 
 /// Counts the steps of the animations in the application. Timers tell nothing about them on a busy machine.
 class StepCounter final : public QAbstractAnimation
@@ -329,8 +331,8 @@ bool TourRobot::bringIntoView(const QString &name)
 {
     return waitUntil(
         [&] {
-            // Close to the item, a page that still scrolls would go past the item with every turn.
-            if (std::abs(distanceFromView(find(name))) < maximumGlide && !isAtRest())
+            // Turns add up: a page that still scrolls would go past the item.
+            if (!isAtRest())
                 return false;
             const QQuickItem *const item = find(name);
             const double by = distanceFromView(item);
@@ -338,7 +340,8 @@ bool TourRobot::bringIntoView(const QString &name)
                 return true;
             // A mouse wheel turns by whole steps only. Smaller turns would in the end scroll by less than a
             // pixel.
-            turnWheel(middle(*scroller(item)), by < 0 ? -wheelStep : wheelStep);
+            const int steps = std::max(1, int((std::abs(by) - singleStepsWithin) / pixelsPerStep));
+            turnWheel(middle(*scroller(item)), by < 0 ? -steps * wheelStep : steps * wheelStep);
             return false;
         },
         QStringLiteral("cannot scroll to ") + name);
