@@ -9,8 +9,14 @@
 #include <QtGui/QScreen>
 
 #include <algorithm>
+#include <chrono>
+
+using namespace std::chrono_literals;
 
 namespace {
+
+/// How long a window manager may take to show a window. One that lies behind others is never exposed.
+constexpr auto longestWait = 2s;
 
 /// The size of a panel over a window that has no room for one.
 constexpr QSize panelSize(390, 600);
@@ -38,6 +44,11 @@ QXCoverWindow::QXCoverWindow()
 {
     setColor(Qt::transparent);
     setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint | Qt::WindowDoesNotAcceptFocus);
+    m_wait.setSingleShot(true);
+    connect(&m_wait, &QTimer::timeout, this, [this] {
+        m_isOnScreen = true;
+        showAgain();
+    });
 }
 
 QXCoverWindow::~QXCoverWindow()
@@ -101,10 +112,9 @@ void QXCoverWindow::attachTo(QWindow &owner)
         if (window->transientParent() == this)
             window->setTransientParent(transientParent());
     }
-    // Window systems learn to which window another one belongs when it is shown.
-    if (isVisible())
-        setVisible(false);
     setTransientParent(&owner);
+    // Window systems learn to which window another one belongs when it is shown.
+    showAgain();
 }
 
 /// Leaves the owner: a child window would be deleted with it.
@@ -122,13 +132,27 @@ void QXCoverWindow::detach()
     }
 }
 
+/// Waits while the window manager has not shown this window yet: some lose a window that is hidden and shown
+/// meanwhile.
 void QXCoverWindow::showAgain()
 {
     if (!isVisible())
         return;
+    if (!m_isOnScreen) {
+        m_wait.start(longestWait);
+        return;
+    }
     setVisible(false);
     fit();
     updateVisibility();
+}
+
+void QXCoverWindow::exposeEvent(QExposeEvent *event)
+{
+    QQuickWindow::exposeEvent(event);
+    m_isOnScreen = isExposed();
+    if (m_isOnScreen && m_wait.isActive())
+        m_wait.start(0ms);
 }
 
 bool QXCoverWindow::isWanted() const
@@ -154,6 +178,8 @@ void QXCoverWindow::updateVisibility()
     // A window that stays on top of others would hide this one.
     if (m_owner)
         setFlag(Qt::WindowStaysOnTopHint, m_owner->flags().testFlag(Qt::WindowStaysOnTopHint));
+    m_isOnScreen = false;
+    m_wait.stop();
     setVisible(isWanted());
     stayAbove();
 }
@@ -238,10 +264,10 @@ bool QXCoverWindow::eventFilter(QObject *watched, QEvent *event)
     if (isOwner && type == QEvent::PlatformSurface) {
         const bool isCreated = static_cast<QPlatformSurfaceEvent *>(event)->surfaceEventType() ==
                                QPlatformSurfaceEvent::SurfaceCreated;
-        if (isCreated) {
+        if (isCreated && isVisible()) {
             // Queued, because the owner is not shown yet.
             QMetaObject::invokeMethod(this, &QXCoverWindow::showAgain, Qt::QueuedConnection);
-        } else if (parent()) {
+        } else if (!isCreated && parent()) {
             detach();
             Q_EMIT placeLost();
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QPointer>
+#include <QtCore/QTimer>
 #include <QtQuick/QQuickWindow>
 
 class QRegion;
@@ -50,6 +51,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent *event) override;
+    void exposeEvent(QExposeEvent *event) override;
 
 private:
     [[nodiscard]] bool isWanted() const;
@@ -70,4 +72,8 @@ private:
     bool m_showsScreens = false;
     /// Whether this window is about to be shown, after the host's.
     bool m_isDelayed = false;
+    /// Whether this window has appeared since it was last shown, or is taken for it.
+    bool m_isOnScreen = false;
+    /// Runs while this window is to be shown again as soon as it is on the screen.
+    QTimer m_wait;
 };

@@ -56,6 +56,7 @@ private Q_SLOTS:
     void openScreensStay();
     void staysAboveItsDialog_data();
     void staysAboveItsDialog();
+    void staysAboveAnEarlyDialog();
     void smallDialogGetsARoomyPanel();
     void modalDialogsSideBySide();
 
@@ -63,6 +64,8 @@ private:
     /// Whether the user sees the button over a window that is magenta. True on platforms on which a program
     /// cannot look at the screen.
     [[nodiscard]] static bool showsButton(const QWidget &window);
+    /// Waits until the button is over a window and stays there: windows come and go before all are shown.
+    [[nodiscard]] static bool waitForButton(const QWidget &window);
 };
 
 bool WidgetHostTest::showsButton(const QWidget &window)
@@ -72,6 +75,16 @@ bool WidgetHostTest::showsButton(const QWidget &window)
     const QPoint button = overlay().buttonCenter().toPoint() - QPoint(0, 16);
     return colorOnScreen(window.mapToGlobal(window.rect().center())) == Qt::magenta &&
            colorOnScreen(window.mapToGlobal(button)) != Qt::magenta;
+}
+
+bool WidgetHostTest::waitForButton(const QWidget &window)
+{
+    QDeadlineTimer rest(200);
+    return QTest::qWaitFor([&] {
+        if (!covers(window) || !showsButton(window))
+            rest.setRemainingTime(200);
+        return rest.hasExpired();
+    });
 }
 
 void WidgetHostTest::liesExactlyOverTheWindow_data()
@@ -105,7 +118,7 @@ void WidgetHostTest::liesExactlyOverTheWindow()
     start(*window);
     window->setPalette(Qt::magenta);
     act(*window);
-    QTRY_VERIFY(covers(*window) && showsButton(*window));
+    QVERIFY(waitForButton(*window));
     const auto flags = overlay().window()->flags();
     QVERIFY(flags & Qt::WindowDoesNotAcceptFocus);
     QCOMPARE(flags.testFlag(Qt::WindowStaysOnTopHint),
@@ -255,14 +268,33 @@ void WidgetHostTest::staysAboveItsDialog()
     dialog->resize(500, 450);
     dialog->setWindowModality(modality);
     dialog->show();
-    QTRY_VERIFY(covers(*dialog));
-    QTRY_VERIFY(showsButton(*dialog));
+    QVERIFY(waitForButton(*dialog));
     // As the window manager does when the user clicks the dialog.
     dialog->raise();
     QTest::mouseClick(dialog->windowHandle(), Qt::LeftButton, {}, QPoint(250, 100));
-    QTRY_VERIFY(showsButton(*dialog));
+    QVERIFY(waitForButton(*dialog));
     dialog->move(dialog->pos() + QPoint(30, 20));
-    QTRY_VERIFY(covers(*dialog) && showsButton(*dialog));
+    QVERIFY(waitForButton(*dialog));
+}
+
+/// The window manager has not yet shown the cover when a dialog blocks it.
+void WidgetHostTest::staysAboveAnEarlyDialog()
+{
+    auto *const main = makeMain(*m_host);
+    start(*main);
+    auto *const dialog = m_host->make<QDialog>(main);
+    dialog->setPalette(Qt::magenta);
+    dialog->resize(500, 450);
+    dialog->setModal(true);
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        dialog->hide();
+        main->hide();
+        QTRY_VERIFY(!overlay().window() || !overlay().window()->isVisible());
+        main->show();
+        QTRY_VERIFY(overlay().window() && overlay().window()->isVisible());
+        dialog->show();
+        QVERIFY(waitForButton(*dialog));
+    }
 }
 
 /// There is no other window, so the panel is larger than the dialog, but not than the screen.
