@@ -169,9 +169,9 @@ void TaskProgressTest::reportsAndEndsSoon_data()
     QTest::addColumn<Task>("task");
     const QByteArray json = jsonBody(3'000);
     const QByteArray text = QByteArray("words that nobody has encoded, ").repeated(30'000);
-    // Text that needs no change is written many times faster.
+    // Text that needs no change is written many times faster, and so are bytes.
     const QByteArray longText = text.repeated(20);
-    QByteArray binary(1'500'000, '\xFF');
+    const QByteArray binary(6'000'000, '\xFF');
     const auto add = [](const char *name, const Task &task) {
         QTest::newRow(name) << task;
     };
@@ -207,7 +207,7 @@ void TaskProgressTest::reportsAndEndsSoon_data()
         });
     };
     addCommand("command with text", QByteArray(2'000'000, '\''));
-    addCommand("command with bytes", binary.repeated(4));
+    addCommand("command with bytes", binary);
     add("readable text", [json](QXTaskProgress *progress) {
         const auto readable = QXBodyText::readable(json, progress);
         return readable ? Outcome(readable->toUtf8()) : Outcome();
