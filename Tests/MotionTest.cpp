@@ -3,6 +3,8 @@
 #include "Controls/QXAppearance.h"
 #include "Controls/QXSpring.h"
 
+#include <QtCore/QAbstractAnimation>
+#include <QtCore/QBasicTimer>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QScopeGuard>
@@ -14,12 +16,48 @@ using namespace Qt::StringLiterals;
 using namespace ScreenDriver;
 using namespace std::chrono_literals;
 
+namespace {
+
+/// Lets animations go on by one frame at a time, however late it comes: on a busy machine, movements would be
+/// over before a test can stop them.
+class SteadyFrames final : public QAnimationDriver
+{
+public:
+    [[nodiscard]] qint64 elapsed() const override { return m_elapsed; }
+
+protected:
+    void start() override
+    {
+        m_elapsed = 0;
+        m_timer.start(frame, this);
+        QAnimationDriver::start();
+    }
+    void stop() override
+    {
+        m_timer.stop();
+        QAnimationDriver::stop();
+    }
+    void timerEvent(QTimerEvent *) override
+    {
+        m_elapsed += frame;
+        advanceAnimation();
+    }
+
+private:
+    static constexpr int frame = 16; // milliseconds
+    qint64 m_elapsed = 0;
+    QBasicTimer m_timer;
+};
+
+} // namespace
+
 /// Movements that a pointer begins, catches and turns round, and those that are switched off.
 class MotionTest : public EveryScreen
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { m_frames.install(); }
     void init() override;
     void speedAndPlaceDecide_data();
     void speedAndPlaceDecide();
@@ -69,6 +107,7 @@ private:
             QTest::mouseRelease(m_window.get(), Qt::LeftButton, {}, at);
     }
 
+    SteadyFrames m_frames;
     std::chrono::milliseconds m_now = 0ms;
 };
 
