@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 namespace {
 
 /// Lets animations go on by one frame at a time, however late it comes: on a busy machine, movements would be
-/// over before a test can stop them.
+/// over before a test can stop them. The frames come sooner than those of a screen, to save time.
 class SteadyFrames final : public QAnimationDriver
 {
 public:
@@ -24,7 +24,7 @@ protected:
     void start() override
     {
         m_elapsed = 0;
-        m_timer.start(frame, this);
+        m_timer.start(interval, this);
         QAnimationDriver::start();
     }
     void stop() override
@@ -39,7 +39,8 @@ protected:
     }
 
 private:
-    static constexpr int frame = 16; // milliseconds
+    static constexpr int interval = 4; // milliseconds, as is the next
+    static constexpr int frame = 16;
     qint64 m_elapsed = 0;
     QBasicTimer m_timer;
 };
