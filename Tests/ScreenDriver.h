@@ -75,14 +75,16 @@ inline void type(QQuickWindow &window, const char *text)
         QTest::keyClick(&window, *text);
 }
 
-/// Presses, moves in steps and lets go.
+/// Presses, moves in steps and lets go. The pointer rests before that, so that it throws nothing: the times
+/// of these events are made up, and on a busy display a throw can go the wrong way.
 inline void drag(QQuickWindow &window, QPoint from, QPoint by)
 {
     constexpr int steps = 8;
+    constexpr int rest = 150; // milliseconds
     QTest::mousePress(&window, Qt::LeftButton, {}, from);
     for (int step = 1; step <= steps; ++step)
         QTest::mouseMove(&window, from + by * step / steps);
-    QTest::mouseRelease(&window, Qt::LeftButton, {}, from + by);
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, from + by, rest);
 }
 
 /// Turns the wheel by steps of one notch, down when @p notches is positive.
