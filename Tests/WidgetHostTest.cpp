@@ -24,6 +24,16 @@ Widget *open(Host &host, QMainWindow &parent, QSize size)
     return widget;
 }
 
+/// A dialog in which the button stands out, and has room. It is not shown yet.
+QDialog *makeDialog(Host &host, QMainWindow &parent, Qt::WindowModality modality)
+{
+    auto *const dialog = host.make<QDialog>(&parent);
+    dialog->setPalette(Qt::magenta);
+    dialog->resize(500, 450);
+    dialog->setWindowModality(modality);
+    return dialog;
+}
+
 QWidget *openBox(Host &host, QMainWindow &main, QMainWindow *parent)
 {
     auto *const box = host.make<QMessageBox>(parent);
@@ -263,10 +273,7 @@ void WidgetHostTest::staysAboveItsDialog()
     QFETCH(Qt::WindowModality, modality);
     auto *const main = makeMain(*m_host);
     start(*main);
-    auto *const dialog = m_host->make<QDialog>(main);
-    dialog->setPalette(Qt::magenta);
-    dialog->resize(500, 450);
-    dialog->setWindowModality(modality);
+    auto *const dialog = makeDialog(*m_host, *main, modality);
     dialog->show();
     QVERIFY(waitForButton(*dialog));
     // As the window manager does when the user clicks the dialog.
@@ -282,10 +289,7 @@ void WidgetHostTest::staysAboveAnEarlyDialog()
 {
     auto *const main = makeMain(*m_host);
     start(*main);
-    auto *const dialog = m_host->make<QDialog>(main);
-    dialog->setPalette(Qt::magenta);
-    dialog->resize(500, 450);
-    dialog->setModal(true);
+    auto *const dialog = makeDialog(*m_host, *main, Qt::ApplicationModal);
     for (int attempt = 0; attempt < 5; ++attempt) {
         dialog->hide();
         main->hide();
